@@ -1,0 +1,83 @@
+#include "afx/engine_database.h"
+
+#include <string>
+#include <utility>
+
+#include "afx/dao_error.h"
+#include "os/system.h"
+
+namespace afx {
+namespace {
+
+std::u16string wide_text(BSTR narrow_text) {
+    const auto* characters = reinterpret_cast<const char*>(narrow_text);
+    return os::widen({characters, narrow_text != nullptr ? SysStringByteLen(narrow_text) : 0});
+}
+
+}  // namespace
+
+EngineDatabase::EngineDatabase(std::unique_ptr<jet::Database> engine, bool exclusive)
+    : engine_(std::move(engine)), exclusive_(exclusive) {}
+
+EngineDatabase::~EngineDatabase() = default;
+
+HRESULT EngineDatabase::NewPassword(BSTR old_password, BSTR new_password) {
+    try {
+        translated([&] {
+            if (!exclusive_) {
+                jet::fail(jet::errors::kPasswordNeedsExclusive, "Changing the password needs exclusive access.");
+            }
+            engine_->change_password(wide_text(old_password), wide_text(new_password));
+        });
+        return S_OK;
+    } catch (CDaoException* e) {
+        const HRESULT result = e->m_scode;
+        e->Delete();
+        return result;
+    }
+}
+
+void EngineDatabase::close() {
+    const std::unique_ptr<jet::Database> engine = std::exchange(engine_, nullptr);
+    for (; transactions_ > 0; --transactions_) engine->pager().rollback();
+    engine->close();
+}
+
+void EngineDatabase::begin() {
+    engine_->pager().begin();
+    ++transactions_;
+}
+
+bool EngineDatabase::commit() {
+    if (transactions_ == 0) return false;
+    --transactions_;
+    engine_->pager().commit();
+    return true;
+}
+
+bool EngineDatabase::rollback() {
+    if (transactions_ == 0) return false;
+    --transactions_;
+    names_.clear();
+    engine_->pager().rollback();
+    return true;
+}
+
+std::shared_ptr<const FieldNames> EngineDatabase::field_names(const jet::Table& table) {
+    std::shared_ptr<const FieldNames>& names = names_[&table];
+    if (!names) {
+        std::vector<std::u16string> all;
+        for (const jet::ColumnDef& column : table.def().columns) all.push_back(column.name);
+        names = std::make_shared<const FieldNames>(std::move(all));
+    }
+    return names;
+}
+
+EngineDatabase& require_open(const CDaoDatabase* database) {
+    if (database == nullptr || !database->IsOpen()) {
+        jet::fail(jet::errors::kObjectClosed, "The database is not open.");
+    }
+    return EngineDatabase::of(*database);
+}
+
+}  // namespace afx

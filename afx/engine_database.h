@@ -1,0 +1,50 @@
+// What stands behind CDaoDatabase::m_pDAODatabase: the open engine database, the password rules and the
+// names of its tables' fields. Inside afx/ only.
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <unordered_map>
+
+#include "afx/dao_database.h"
+#include "afx/field_names.h"
+#include "jet/database.h"
+
+namespace afx {
+
+class EngineDatabase final : public DAODatabase {
+public:
+    EngineDatabase(std::unique_ptr<jet::Database> engine, bool exclusive);
+    ~EngineDatabase() override;
+
+    HRESULT NewPassword(BSTR old_password, BSTR new_password) override;
+
+    jet::Database& engine() { return *engine_; }
+    // Takes back open transactions and closes the file; the engine is gone afterwards even when this throws.
+    void close();
+
+    void begin();
+    // False when there is no transaction.
+    bool commit();
+    bool rollback();
+
+    // The names of a table's fields, made when first asked for.
+    std::shared_ptr<const FieldNames> field_names(const jet::Table& table);
+    // To be called after every schema change.
+    void schema_changed() { names_.clear(); }
+
+    static EngineDatabase& of(const CDaoDatabase& database) {
+        return static_cast<EngineDatabase&>(*database.m_pDAODatabase);
+    }
+
+private:
+    std::unique_ptr<jet::Database> engine_;
+    std::unordered_map<const jet::Table*, std::shared_ptr<const FieldNames>> names_;
+    int transactions_ = 0;
+    bool exclusive_;
+};
+
+// The database behind the pointer; 3420 when there is none or it is closed.
+EngineDatabase& require_open(const CDaoDatabase* database);
+
+}  // namespace afx

@@ -1,0 +1,29 @@
+// Finds a field by its narrow name, without regard to case. Every value a record mapping moves is looked up
+// by name, so a lookup allocates nothing and takes one hash and one comparison.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace afx {
+
+class FieldNames {
+public:
+    explicit FieldNames(std::vector<std::u16string> names);
+
+    // 0-based position in the names given.
+    std::optional<std::size_t> find(std::string_view name) const;
+    std::size_t size() const { return names_.size(); }
+    const std::u16string& name(std::size_t position) const { return wide_[position]; }
+
+private:
+    std::vector<std::string> names_;  // narrow
+    std::vector<std::u16string> wide_;
+    std::vector<std::uint16_t> slots_;  // position + 1, 0 is free; a power of two of them
+};
+
+}  // namespace afx

@@ -1,0 +1,1 @@
+# The component itself. Helper owning frame/ completes this.

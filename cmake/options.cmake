@@ -1,0 +1,23 @@
+# What every target is compiled with.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+add_library(kvdb_options INTERFACE)
+target_include_directories(kvdb_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+target_compile_options(kvdb_options INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wconversion -Wno-sign-conversion)
+if(KVDB_WERROR)
+    target_compile_options(kvdb_options INTERFACE -Werror)
+endif()
+# Two copies of the library in one process are two components: no symbol may be shared between them.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
+    target_compile_options(kvdb_options INTERFACE -fno-gnu-unique)
+endif()
+if(KVDB_SANITIZE)
+    target_compile_options(kvdb_options INTERFACE -fsanitize=${KVDB_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    target_link_options(kvdb_options INTERFACE -fsanitize=${KVDB_SANITIZE})
+endif()

@@ -1,0 +1,21 @@
+// What the library's four exported functions do.
+#pragma once
+
+#include <kvdb/com.h>
+
+namespace frame {
+
+// S_FALSE while the framework, an object or a lock needs the component, else S_OK.
+HRESULT can_unload_now();
+
+// The class factory of `clsid`; CLASS_E_CLASSNOTAVAILABLE for a class that is not in the table.
+HRESULT get_class_object(REFCLSID clsid, REFIID riid, void** object);
+
+// Registers (or unregisters) every class of the table, then the type library. The first failure is
+// handed back unchanged.
+HRESULT register_server(bool install);
+
+// At unload: ends the data-access engine.
+void shut_down();
+
+}  // namespace frame

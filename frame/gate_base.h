@@ -1,0 +1,165 @@
+// What all gates share: COM identity, late binding over the method table of the gate's interface, the
+// frame of every method call, and what holds for every gate of the process.
+//
+// 1. Inside a method the component's module state is current; the caller's is back on every way out.
+// 2. A method gives S_OK or E_FAIL and nothing else.
+// 3. No exception leaves a method, except the CDaoException* that `call_with_errors` lets out.
+#pragma once
+
+#include <kvdb/com.h>
+#include <kvdb/dao_exception.h>
+
+#include <span>
+
+#include "afx/module_state.h"
+#include "db/session.h"
+#include "frame/com_object.h"
+#include "frame/dispatch.h"
+#include "frame/method_table.h"
+
+namespace frame {
+
+// The caller's record at `address`; what the caller passed as the record of another table, or as no
+// record at all, cannot be told.
+template <class Record>
+Record* record(LONG_PTR address) {
+    return reinterpret_cast<Record*>(address);
+}
+
+// An address that becomes whichever record it is passed as.
+struct RecordAddress {
+    LONG_PTR address;
+    template <class Record>
+    operator Record*() const {
+        return record<Record>(address);
+    }
+};
+
+template <class Interface>
+class GateBase : public ComObject<Interface> {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
+        if (object == nullptr) return E_POINTER;
+        *object = nullptr;
+        if (riid != IID_IUnknown && riid != IID_IDispatch && riid != interface_id_) return E_NOINTERFACE;
+        this->AddRef();
+        *object = static_cast<Interface*>(this);
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
+        if (count == nullptr) return E_POINTER;
+        *count = 0;
+        return S_OK;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+        if (info != nullptr) *info = nullptr;
+        return DISP_E_BADINDEX;
+    }
+
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+        return ids_of_names(methods_, riid, names, count, ids);
+    }
+
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* result,
+                                     EXCEPINFO* exception, UINT* bad_argument) override {
+        return invoke_method(methods_, this, id, riid, flags, parameters, result, exception, bad_argument);
+    }
+
+    ULONG STDMETHODCALLTYPE Release() override {
+        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        return ComObject<Interface>::Release();
+    }
+
+protected:
+    GateBase(REFIID interface_id, std::span<const Method> methods) : interface_id_(interface_id), methods_(methods) {}
+
+    // ---- The frame of a method
+
+    template <class Operation>
+    static HRESULT call(Operation&& operation) noexcept {
+        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        try {
+            return plain_result(operation());
+        } catch (CException* error) {
+            error->Delete();
+            return E_FAIL;
+        } catch (...) {
+            return E_FAIL;
+        }
+    }
+
+    // As `call`, but an error of the data-access engine goes out to the caller as CDaoException*.
+    template <class Operation>
+    static HRESULT call_with_errors(Operation&& operation) {
+        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        try {
+            return plain_result(operation());
+        } catch (CDaoException*) {
+            throw;
+        } catch (CException* error) {
+            error->Delete();
+            return E_FAIL;
+        } catch (...) {
+            return E_FAIL;
+        }
+    }
+
+    // ---- The operations of one record table, for methods that are nothing else
+
+    template <class Table>
+    static HRESULT enum_first(Table& table, LONG_PTR address) {
+        return call([&] { return table.EnumFirst(RecordAddress{address}); });
+    }
+    template <class Table>
+    static HRESULT enum_next(Table& table, LONG_PTR address) {
+        return call([&] { return table.EnumNext(RecordAddress{address}); });
+    }
+    template <class Table>
+    static HRESULT find(Table& table, LONG_PTR address) {
+        return call([&] { return table.Find(RecordAddress{address}); });
+    }
+    template <class Table>
+    static HRESULT add(Table& table, LONG_PTR address) {
+        return call([&] { return table.Add(RecordAddress{address}); });
+    }
+    template <class Table>
+    static HRESULT update(Table& table, LONG_PTR address) {
+        return call([&] { return table.Update(RecordAddress{address}); });
+    }
+    template <class Table>
+    static HRESULT remove(Table& table, LONG key) {
+        return call([&] { return table.Delete(key); });
+    }
+    // As `remove`; the key is the member `key` of the record at `address`.
+    template <class Record, class Table>
+    static HRESULT remove(Table& table, LONG_PTR address, LONG Record::*key) {
+        return call([&] { return address != 0 ? table.Delete(record<Record>(address)->*key) : E_FAIL; });
+    }
+
+    // A method whose table this gate does not hold.
+    static HRESULT not_served() {
+        return call([] { return E_FAIL; });
+    }
+
+    // Closes and frees the cursors of the tables, in the order given, whatever one of them meets.
+    template <class... Tables>
+    static void release_cursors(Tables&... tables) {
+        (static_cast<void>(call([&] {
+             tables.ReleaseCursor();
+             return S_OK;
+         })),
+         ...);
+    }
+
+    db::GateDatabases databases_;
+
+private:
+    static HRESULT plain_result(HRESULT result) { return result == S_OK ? S_OK : E_FAIL; }
+
+    const IID interface_id_;
+    const std::span<const Method> methods_;
+};
+
+}  // namespace frame

@@ -1,0 +1,22 @@
+#include "frame/wide_text.h"
+
+#include <cstring>
+
+#include "os/system.h"
+
+namespace frame {
+
+static_assert(sizeof(OLECHAR) == sizeof(char16_t));
+
+BSTR to_bstr(std::string_view narrow) {
+    const std::u16string wide = os::widen(narrow);
+    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(wide.data()), static_cast<UINT>(wide.size() * sizeof(OLECHAR)));
+}
+
+std::string to_narrow(BSTR wide) {
+    std::u16string text(SysStringLen(wide), u'\0');
+    if (!text.empty()) std::memcpy(text.data(), wide, text.size() * sizeof(OLECHAR));
+    return os::narrow(std::u16string_view(text).substr(0, text.find(u'\0')));
+}
+
+}  // namespace frame

@@ -1,0 +1,120 @@
+// CTime: a moment as the records carry it, a signed 32-bit count of seconds since 1970-01-01 UTC.
+//
+// 1. The object is the count and nothing else (4 bytes).
+// 2. -1 stands for every moment that the count cannot hold: parts that name no calendar date, and
+//    anything before 1970-01-01 UTC or after the last second of the count.
+// 3. Parts are those of the local clock. A negative count has none: GetLocalTm gives null and the
+//    single parts are 0.
+#pragma once
+
+#include <kvdb/com.h>
+
+#include <cstdint>
+#include <ctime>
+#include <time.h>
+
+#ifdef GetCurrentTime
+#undef GetCurrentTime  // a macro of the platform's headers, in the way of the member below
+#endif
+
+class CTime {
+public:
+    CTime() noexcept = default;
+    CTime(LONG seconds) noexcept : seconds_(seconds) {}
+
+    // Local time: full year, month from 1, day from 1. `dst` is 1, 0 or, for the zone's own rule, -1.
+    // Where the clock leaves out the time asked for, the next existing second of that day.
+    CTime(int year, int month, int day, int hour, int minute, int second, int dst = -1) noexcept
+        : seconds_(static_cast<LONG>(count_of(year, month, day, hour, minute, second, dst))) {}
+
+    static CTime GetCurrentTime() noexcept {
+        const std::int64_t now = static_cast<std::int64_t>(std::time(nullptr));
+        return CTime(now >= 0 && now <= INT32_MAX ? static_cast<LONG>(now) : -1);
+    }
+
+    LONG GetTime() const noexcept { return seconds_; }
+
+    // Local parts in `parts`, or in a buffer of this thread's own; null for a negative count, which
+    // leaves `parts` as it is.
+    std::tm* GetLocalTm(std::tm* parts = nullptr) const noexcept {
+        static thread_local std::tm buffer;
+        std::tm local{};
+        if (seconds_ < 0 || !to_local(seconds_, &local)) return nullptr;
+        if (parts == nullptr) parts = &buffer;
+        *parts = local;
+        return parts;
+    }
+
+    int GetYear() const noexcept { return part(&std::tm::tm_year, 1900); }
+    int GetMonth() const noexcept { return part(&std::tm::tm_mon, 1); }
+    int GetDay() const noexcept { return part(&std::tm::tm_mday, 0); }
+    int GetHour() const noexcept { return part(&std::tm::tm_hour, 0); }
+    int GetMinute() const noexcept { return part(&std::tm::tm_min, 0); }
+    int GetSecond() const noexcept { return part(&std::tm::tm_sec, 0); }
+    // 1 is Sunday.
+    int GetDayOfWeek() const noexcept { return part(&std::tm::tm_wday, 1); }
+
+    friend bool operator==(CTime a, CTime b) noexcept { return a.seconds_ == b.seconds_; }
+    friend bool operator!=(CTime a, CTime b) noexcept { return a.seconds_ != b.seconds_; }
+    friend bool operator<(CTime a, CTime b) noexcept { return a.seconds_ < b.seconds_; }
+    friend bool operator>(CTime a, CTime b) noexcept { return a.seconds_ > b.seconds_; }
+    friend bool operator<=(CTime a, CTime b) noexcept { return a.seconds_ <= b.seconds_; }
+    friend bool operator>=(CTime a, CTime b) noexcept { return a.seconds_ >= b.seconds_; }
+
+private:
+    // The count for these local parts, or -1.
+    static std::int64_t count_of(int year, int month, int day, int hour, int minute, int second, int dst) noexcept {
+        if (year < 1969 || year > 2038 || month < 1 || month > 12 || day < 1 || day > 31) return -1;
+        std::int64_t count = host_count(year, month, day, hour, minute, second, dst);
+        if (count < 0 || count > INT32_MAX) return -1;
+        if (is_on(count, year, month, day)) return count;
+
+        // Midnight may be missing where clocks change then, and the host's step may lead to the day
+        // before. No zone leaves out more than a few hours of a day that exists.
+        if (hour < 0 || minute < 0 || second < 0) return -1;
+        for (int quarters = 1; quarters <= 16 && !is_on(count, year, month, day); ++quarters) {
+            count = host_count(year, month, day, hour, minute + 15 * quarters, second, dst);
+        }
+        if (!is_on(count, year, month, day)) return -1;
+        while (is_on(count - 1, year, month, day)) --count;
+        return count;
+    }
+
+    // The host's answer, which may be wider than 32 bits, before 1970, or another day than asked for.
+    static std::int64_t host_count(int year, int month, int day, int hour, int minute, int second, int dst) noexcept {
+        std::tm parts{};
+        parts.tm_year = year - 1900;
+        parts.tm_mon = month - 1;
+        parts.tm_mday = day;
+        parts.tm_hour = hour;
+        parts.tm_min = minute;
+        parts.tm_sec = second;
+        parts.tm_isdst = dst;
+        return static_cast<std::int64_t>(std::mktime(&parts));
+    }
+
+    static bool to_local(std::int64_t seconds, std::tm* parts) noexcept {
+        const std::time_t count = static_cast<std::time_t>(seconds);
+#ifdef _WIN32
+        return localtime_s(parts, &count) == 0;
+#else
+        tzset();
+        return localtime_r(&count, parts) != nullptr;
+#endif
+    }
+
+    static bool is_on(std::int64_t seconds, int year, int month, int day) noexcept {
+        std::tm parts{};
+        return seconds >= 0 && seconds <= INT32_MAX && to_local(seconds, &parts) && parts.tm_year == year - 1900 &&
+               parts.tm_mon == month - 1 && parts.tm_mday == day;
+    }
+
+    int part(int std::tm::*member, int offset) const noexcept {
+        std::tm parts{};
+        return GetLocalTm(&parts) != nullptr ? parts.*member + offset : 0;
+    }
+
+    LONG seconds_ = 0;
+};
+
+static_assert(sizeof(CTime) == 4, "the records rely on CTime being 4 bytes");

@@ -1,0 +1,181 @@
+#include "jet/journal.h"
+
+#include <algorithm>
+#include <chrono>
+#include <map>
+
+#include "jet/jet4.h"
+
+namespace jet {
+namespace {
+
+// Journal on disk; the engine's own format.
+constexpr char kMagic[8] = {'k', 'v', 'd', 'b', 'j', 'r', 'n', '1'};
+constexpr std::size_t kPageSizeAt = 8;
+constexpr std::size_t kIdentityAt = 16;
+constexpr std::size_t kCounterAt = 24;
+constexpr std::size_t kSaltAt = 32;
+constexpr std::size_t kHeaderChecksumAt = 56;
+
+constexpr std::uint32_t kCommitMark = 0x54494D43;  // "CMIT"
+constexpr std::size_t kCommitHeader = 24;
+constexpr std::size_t kCommitPagesAt = 4;
+constexpr std::size_t kCommitPageCountAt = 8;
+constexpr std::size_t kCommitChecksumAt = 16;  // last field; covers what is before it and the pages
+
+std::uint64_t fresh_salt() {
+    return static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) ^
+           static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) << 20;
+}
+
+}  // namespace
+
+std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed) {
+    constexpr std::uint64_t kMultiplier = 0x9FB21C651E98DF25;
+    std::uint64_t lanes[4] = {seed ^ 0x243F6A8885A308D3, seed ^ 0x13198A2E03707344, seed + 0xA4093822299F31D0,
+                              seed + bytes.size()};
+    const auto mix = [](std::uint64_t lane, std::uint64_t word) {
+        lane = (lane ^ word) * kMultiplier;
+        return lane ^ lane >> 29;
+    };
+    std::size_t at = 0;
+    for (; at + 32 <= bytes.size(); at += 32) {
+        for (std::size_t i = 0; i < 4; ++i) {
+            std::uint64_t word = 0;
+            std::memcpy(&word, bytes.data() + at + 8 * i, 8);
+            if constexpr (std::endian::native == std::endian::big) word = load_u64(bytes, at + 8 * i);
+            lanes[i] = mix(lanes[i], word);
+        }
+    }
+    for (; at < bytes.size(); ++at) lanes[at % 4] = mix(lanes[at % 4], bytes[at] + 1u);
+    return mix(mix(mix(lanes[0], lanes[1]), lanes[2]), lanes[3]);
+}
+
+Journal::Journal(os::FileSystem& files, std::string database_path)
+    : files_(files), path_(path_for(database_path)) {}
+
+void Journal::start(const JournalBinding& binding) {
+    if (!file_) {
+        name_unsynced_ = !files_.exists(path_);
+        file_ = files_.open(path_, os::OpenMode::kOpenOrCreate);
+        file_->truncate(0);
+    }
+    buffer_.assign(kHeaderBytes, 0);
+    std::copy(std::begin(kMagic), std::end(kMagic), buffer_.begin());
+    store_u32(buffer_, kPageSizeAt, jet4::kPageSize);
+    store_u64(buffer_, kIdentityAt, binding.identity);
+    store_u64(buffer_, kCounterAt, binding.base_counter);
+    store_u64(buffer_, kSaltAt, fresh_salt());
+    checksum_ = checksum64(ByteSpan(buffer_).first(kHeaderChecksumAt), 0);
+    store_u64(buffer_, kHeaderChecksumAt, checksum_);
+    end_ = 0;
+}
+
+void Journal::append(const std::vector<JournalPage>& pages, std::uint32_t page_count) {
+    if (end_ > 0) buffer_.clear();
+    const std::size_t head = buffer_.size();
+    buffer_.resize(head + kCommitHeader + pages.size() * (4 + jet4::kPageSize));
+    const MutableByteSpan commit = MutableByteSpan(buffer_).subspan(head);
+    store_u32(commit, 0, kCommitMark);
+    store_u32(commit, kCommitPagesAt, static_cast<std::uint32_t>(pages.size()));
+    store_u32(commit, kCommitPageCountAt, page_count);
+    std::size_t at = kCommitHeader;
+    for (const JournalPage& page : pages) {
+        store_u32(commit, at, page.page_no);
+        at += 4;
+    }
+    for (const JournalPage& page : pages) {
+        std::memcpy(commit.data() + at, page.bytes, jet4::kPageSize);
+        at += jet4::kPageSize;
+    }
+    std::uint64_t sum = checksum64(commit.first(kCommitChecksumAt), checksum_);
+    sum = checksum64(commit.subspan(kCommitHeader), sum);
+    store_u64(commit, kCommitChecksumAt, sum);
+    try {
+        file_->write(end_, buffer_);
+    } catch (...) {
+        // Part of it may be there: cut it off, so that a later commit stands where this one would have. The
+        // header stays in the buffer when this was the first commit.
+        buffer_.resize(head);
+        try {
+            file_->truncate(end_);
+        } catch (const os::FileError&) {
+            // A torn tail is ignored by the reader, and the next append overwrites it.
+        }
+        throw;
+    }
+    end_ += buffer_.size();
+    checksum_ = sum;
+    unsynced_ = true;
+    if (buffer_.capacity() > (4u << 20)) ByteVector().swap(buffer_);
+}
+
+void Journal::withdraw(std::uint64_t end) noexcept {
+    try {
+        file_->truncate(end);
+    } catch (const os::FileError&) {
+        // The commit may be found at the next opening; it was complete.
+    }
+}
+
+void Journal::sync() {
+    if (!unsynced_) return;
+    file_->sync();
+    if (name_unsynced_) files_.sync_folder_of(path_);
+    name_unsynced_ = false;
+    unsynced_ = false;
+}
+
+void Journal::reset() {
+    if (file_) file_->truncate(0);
+    unsynced_ = false;
+    end_ = 0;
+}
+
+void Journal::remove() {
+    if (!file_) return;
+    file_.reset();
+    end_ = 0;
+    files_.remove(path_);
+    files_.sync_folder_of(path_);
+}
+
+bool Journal::read(os::File& file, JournalContent& content) {
+    ByteVector header(kHeaderBytes);
+    if (file.read(0, header) != kHeaderBytes) return false;
+    if (!std::equal(std::begin(kMagic), std::end(kMagic), header.begin())) return false;
+    if (load_u32(header, kPageSizeAt) != jet4::kPageSize) return false;
+    std::uint64_t sum = checksum64(ByteSpan(header).first(kHeaderChecksumAt), 0);
+    if (load_u64(header, kHeaderChecksumAt) != sum) return false;
+    content.binding = {load_u64(header, kIdentityAt), load_u64(header, kCounterAt)};
+
+    const std::uint64_t size = file.size();
+    std::uint64_t at = kHeaderBytes;
+    std::map<PageNumber, std::uint64_t> images;
+    ByteVector body;
+    while (at + kCommitHeader <= size) {
+        std::uint8_t commit[kCommitHeader];
+        if (file.read(at, commit) != kCommitHeader || load_u32(commit, 0) != kCommitMark) break;
+        const std::uint64_t pages = load_u32(commit, kCommitPagesAt);
+        const std::uint64_t bytes = pages * (4 + jet4::kPageSize);
+        if (bytes > size - at - kCommitHeader) break;
+        body.resize(static_cast<std::size_t>(bytes));
+        if (file.read(at + kCommitHeader, body) != bytes) break;
+        const std::uint64_t commit_sum = checksum64(body, checksum64(ByteSpan(commit).first(kCommitChecksumAt), sum));
+        if (commit_sum != load_u64(commit, kCommitChecksumAt)) break;
+        sum = commit_sum;
+        for (std::uint64_t i = 0; i < pages; ++i) {
+            images[load_u32(body, static_cast<std::size_t>(4 * i))] =
+                at + kCommitHeader + 4 * pages + i * jet4::kPageSize;
+        }
+        content.page_count = load_u32(commit, kCommitPageCountAt);
+        at += kCommitHeader + bytes;
+    }
+    content.last_images.clear();
+    for (const auto& [page_no, offset] : images) {
+        if (page_no < content.page_count) content.last_images.push_back({page_no, offset});
+    }
+    return true;
+}
+
+}  // namespace jet

@@ -1,0 +1,89 @@
+// The journal beside a database file: whole pages of committed transactions, not yet all in the .mdb.
+//
+// Layout (all little-endian): a header of kHeaderBytes, then commits one behind the other. A commit is a
+// header (mark, number of pages, pages of the file afterwards, checksum), the page numbers, the pages.
+// Its checksum covers everything of it and the checksum before it, so a torn or stale tail never passes.
+//
+// Invariants
+//  1. A commit is appended with one write; what is in front of it is never changed.
+//  2. The header binds the journal to one state of one file: identity, change counter before and after.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "jet/bytes.h"
+#include "jet/types.h"
+#include "os/file.h"
+
+namespace jet {
+
+// What a journal is bound to.
+struct JournalBinding {
+    std::uint64_t identity = 0;      // of the file: what never changes in its header, and its commit words
+    std::uint64_t base_counter = 0;  // change counter of the file when the generation began
+};
+
+struct JournalPage {
+    PageNumber page_no = 0;
+    const std::uint8_t* bytes = nullptr;  // kPageSize of them
+};
+
+// The valid part of a journal found at opening: where the last image of each page lies.
+struct JournalContent {
+    struct Image {
+        PageNumber page_no = 0;
+        std::uint64_t at = 0;  // byte offset in the journal
+    };
+    JournalBinding binding;
+    std::uint32_t page_count = 0;  // of the file after the last commit; 0: no commit at all
+    std::vector<Image> last_images;  // by page number
+};
+
+class Journal {
+public:
+    static constexpr std::size_t kHeaderBytes = 64;
+
+    Journal(os::FileSystem& files, std::string database_path);
+
+    static std::string path_for(const std::string& database_path) { return database_path + "-journal"; }
+    const std::string& path() const { return path_; }
+
+    // Whether anything has been appended since the last reset.
+    bool started() const { return end_ > 0; }
+    std::uint64_t size_bytes() const { return end_; }
+
+    // Begins a generation: creates the file where needed and prepares its header, which is written with
+    // the first commit.
+    void start(const JournalBinding& binding);
+    // One write. On failure the tail is cut off again where the system lets it, and the error passes on.
+    void append(const std::vector<JournalPage>& pages, std::uint32_t page_count);
+    // Cuts the journal back to `end` bytes where the system lets it; no further use but removal afterwards.
+    void withdraw(std::uint64_t end) noexcept;
+    // What has been appended is on the disk when it returns, the journal's name included.
+    void sync();
+    // Everything is in the .mdb: an empty journal.
+    void reset();
+    // Removes the file, if any.
+    void remove();
+
+    // For opening: the valid content of a journal file, or none when it has no valid header.
+    static bool read(os::File& file, JournalContent& content);
+
+private:
+    os::FileSystem& files_;
+    std::string path_;
+    std::unique_ptr<os::File> file_;
+    bool unsynced_ = false;
+    bool name_unsynced_ = false;
+    std::uint64_t end_ = 0;       // bytes used
+    std::uint64_t checksum_ = 0;  // of the last commit (or the header)
+    ByteVector buffer_;           // the header waits here for the first commit
+};
+
+// A 64-bit checksum of `bytes`, chained on `seed`. Not a defence against intent.
+std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed);
+
+}  // namespace jet

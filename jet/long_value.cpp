@@ -1,0 +1,173 @@
+#include "jet/long_value.h"
+
+#include <algorithm>
+
+#include "jet/data_page.h"
+#include "jet/text_codec.h"
+
+namespace jet {
+
+namespace lv = jet4::long_value;
+
+namespace {
+
+struct Reference {
+    std::uint32_t length = 0;
+    std::uint32_t kind = 0;
+    RowId row;
+};
+
+Reference parse_reference(ByteSpan bytes) {
+    const std::uint32_t head = load_u32(bytes, 0);
+    check_range(bytes, 0, lv::kReference);
+    return {head & lv::kLengthMask, head & lv::kKindMask, RowId::unpack(load_u32(bytes, 4))};
+}
+
+ByteVector make_reference(std::size_t length, std::uint32_t kind, RowId row, std::uint32_t stamp = 0) {
+    ByteVector bytes;
+    append_u32(bytes, static_cast<std::uint32_t>(length) | kind);
+    append_u32(bytes, row.pack());
+    append_u32(bytes, stamp);
+    return bytes;
+}
+
+// The live row of a long-value page.
+ByteSpan piece_of(const Page& page, RowId row) {
+    if (!DataPage::belongs_to(page.bytes(), jet4::data::kLongValueOwner)) {
+        corrupt(row.page, "a long value leads to a page that holds none");
+    }
+    const DataPage data(page.bytes(), row.page);
+    const Slot slot = data.slot(row.slot);
+    if (!slot.is_live()) corrupt(row.page, "a long value leads to a deleted row");
+    return data.row(slot);
+}
+
+}  // namespace
+
+ByteVector LongValues::encode_memo(std::u16string_view text) {
+    return encode_text(text, 2 * text.size() <= lv::kMaxInline);
+}
+
+ByteVector LongValues::read(ByteSpan reference) const {
+    if (reference.empty()) return {};
+    const Reference ref = parse_reference(reference);
+    if (ref.kind == lv::kInline) {
+        const ByteSpan bytes = slice(reference, lv::kReference, ref.length);
+        return {bytes.begin(), bytes.end()};
+    }
+    if (ref.kind == lv::kSingle) {
+        const Page page = pager_.read(ref.row.page);
+        const ByteSpan bytes = slice(piece_of(page, ref.row), 0, ref.length);
+        return {bytes.begin(), bytes.end()};
+    }
+    if (ref.kind != 0) corrupt(ref.row.page, "a long value is of an unknown kind");
+    // The length is not believed before as many bytes have been seen; a chain longer than the file is a circle.
+    ByteVector bytes;
+    RowId next = ref.row;
+    for (std::uint32_t pieces = 0; bytes.size() < ref.length; ++pieces) {
+        if (next.is_null() || pieces > pager_.page_count()) corrupt(ref.row.page, "the chain of a long value is broken");
+        const Page page = pager_.read(next.page);
+        const ByteSpan piece = piece_of(page, next);
+        next = RowId::unpack(load_u32(piece, 0));
+        const std::size_t wanted = std::min<std::size_t>(piece.size() - 4, ref.length - bytes.size());
+        append_bytes(bytes, piece.subspan(4, wanted));
+    }
+    return bytes;
+}
+
+ByteVector LongValues::write(const ColumnDef& column, ByteSpan bytes, bool inline_allowed) {
+    if (bytes.size() > lv::kLengthMask) fail(errors::kRowTooLarge, "A long value is longer than 1 GiB.");
+    if (bytes.empty() || (inline_allowed && bytes.size() <= lv::kMaxInline)) {
+        ByteVector reference = make_reference(bytes.size(), lv::kInline, {});
+        append_bytes(reference, bytes);
+        return reference;
+    }
+    if (column.owned_map.is_null()) {
+        corrupt(0, "column '" + to_utf8(column.name) + "' has no map of its long values");
+    }
+    if (bytes.size() <= lv::kMaxSingle) return make_reference(bytes.size(), lv::kSingle, write_single(column, bytes));
+    return write_chain(column, bytes);
+}
+
+RowId LongValues::write_single(const ColumnDef& column, ByteSpan bytes) {
+    UsageMap free_pages(pager_, allocator_, column.free_map);
+    PageNumber target = 0;
+    for (auto candidate = free_pages.next(0); candidate; candidate = free_pages.next(*candidate + 1)) {
+        const Page page = pager_.read(*candidate);
+        if (DataPage::belongs_to(page.bytes(), jet4::data::kLongValueOwner) &&
+            DataPage(page.bytes(), *candidate).has_room(bytes.size())) {
+            target = *candidate;
+            break;
+        }
+        // A page that could not take a value is not offered again until something on it is given back.
+        free_pages.remove(*candidate);
+    }
+    if (target == 0) {
+        const MutablePage page = allocator_.allocate();
+        target = page.number();
+        format_data_page(page.bytes(), jet4::data::kLongValueOwner);
+        UsageMap(pager_, allocator_, column.owned_map).add(target);
+        if (!column.free_map.is_null()) free_pages.add(target);
+    }
+    const MutablePage page = pager_.modify(target);
+    return {target, add_row(page.bytes(), target, bytes)};
+}
+
+ByteVector LongValues::write_chain(const ColumnDef& column, ByteSpan bytes) {
+    UsageMap owned(pager_, allocator_, column.owned_map);
+    const std::size_t pieces = (bytes.size() + lv::kChainData - 1) / lv::kChainData;
+    std::vector<PageNumber> pages;
+    for (std::size_t i = 0; i < pieces; ++i) {
+        const MutablePage page = allocator_.allocate();
+        format_data_page(page.bytes(), jet4::data::kLongValueOwner);
+        owned.add(page.number());
+        pages.push_back(page.number());
+    }
+    // The number of the first page is unique among the chains of the file, so it serves as their stamp.
+    const std::uint32_t stamp = pages.front();
+    for (std::size_t i = 0; i < pieces; ++i) {
+        ByteVector piece;
+        append_u32(piece, i + 1 < pieces ? RowId{pages[i + 1], 0}.pack() : 0);
+        const std::size_t at = i * lv::kChainData;
+        append_bytes(piece, bytes.subspan(at, std::min(lv::kChainData, bytes.size() - at)));
+        const MutablePage page = pager_.modify(pages[i]);
+        add_row(page.bytes(), pages[i], piece);
+        if (i == 0) store_u32(page.bytes(), jet4::data::kStamp, stamp);
+    }
+    return make_reference(bytes.size(), 0, {pages.front(), 0}, stamp);
+}
+
+void LongValues::release(const ColumnDef& column, ByteSpan reference) {
+    if (reference.empty()) return;
+    const Reference ref = parse_reference(reference);
+    if (ref.kind == lv::kInline) return;
+    UsageMap owned(pager_, allocator_, column.owned_map);
+    UsageMap free_pages(pager_, allocator_, column.free_map);
+    std::uint32_t left = ref.length;
+    RowId row = ref.row;
+    for (std::uint32_t pieces = 0; !row.is_null(); ++pieces) {
+        if (pieces > pager_.page_count()) corrupt(row.page, "the chain of a long value is a circle");
+        RowId next;
+        {
+            const Page page = pager_.read(row.page);
+            const ByteSpan piece = piece_of(page, row);
+            if (ref.kind == 0) {
+                next = RowId::unpack(load_u32(piece, 0));
+                left -= std::min<std::uint32_t>(left, static_cast<std::uint32_t>(piece.size() - 4));
+                if (left == 0) next = {};
+            }
+        }
+        const MutablePage page = pager_.modify(row.page);
+        delete_row(page.bytes(), row.page, row.slot);
+        if (DataPage(page.bytes(), row.page).all_deleted()) {
+            owned.remove(row.page);
+            free_pages.remove(row.page);
+            allocator_.free(row.page);
+        } else if (ref.kind == lv::kSingle && !column.free_map.is_null() && owned.contains(row.page)) {
+            free_pages.add(row.page);
+        }
+        row = next;
+    }
+}
+
+}  // namespace jet

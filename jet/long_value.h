@@ -1,0 +1,34 @@
+// Memos and OLE objects: a 12-byte reference in the row, the bytes inline, on one row of a shared page, or
+// in a chain of pages of their own.
+#pragma once
+
+#include "jet/bytes.h"
+#include "jet/table_def.h"
+#include "jet/usage_map.h"
+
+namespace jet {
+
+class LongValues {
+public:
+    LongValues(Pager& pager, PageAllocator& allocator) : pager_(pager), allocator_(allocator) {}
+
+    // All bytes behind a stored reference. An empty field reads as an empty value.
+    ByteVector read(ByteSpan reference) const;
+    // Stores `bytes` and returns the reference with what follows it. `inline_allowed` false puts even a
+    // short value on a page of its own. Inside a transaction.
+    ByteVector write(const ColumnDef& column, ByteSpan bytes, bool inline_allowed = true);
+    // Gives back what the reference leads to. Inside a transaction.
+    void release(const ColumnDef& column, ByteSpan reference);
+
+    // A memo's text to and from the bytes stored; short text is compressed, as the format's own writer does.
+    static ByteVector encode_memo(std::u16string_view text);
+
+private:
+    RowId write_single(const ColumnDef& column, ByteSpan bytes);
+    ByteVector write_chain(const ColumnDef& column, ByteSpan bytes);
+
+    Pager& pager_;
+    PageAllocator& allocator_;
+};
+
+}  // namespace jet

@@ -1,0 +1,399 @@
+#include "jet/pager.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "jet/file_errors.h"
+#include "jet/journal.h"
+
+namespace jet {
+namespace detail {
+
+struct Frame {
+    PageNumber page_no = 0;
+    std::uint32_t pins = 0;
+    bool dirty = false;         // committed, not yet in the .mdb
+    bool recently_used = true;
+    int saved_level = 0;        // innermost open transaction that holds a before-image; 0: none
+    std::uint8_t bytes[jet4::kPageSize];
+};
+
+}  // namespace detail
+
+using detail::Frame;
+
+Page::Page(Frame* frame) : frame_(frame) { ++frame_->pins; }
+Page& Page::operator=(Page&& other) noexcept {
+    std::swap(frame_, other.frame_);
+    return *this;
+}
+Page::~Page() {
+    if (frame_) --frame_->pins;
+}
+ByteSpan Page::bytes() const { return {frame_->bytes, jet4::kPageSize}; }
+PageNumber Page::number() const { return frame_->page_no; }
+MutableByteSpan MutablePage::bytes() const { return {frame_->bytes, jet4::kPageSize}; }
+
+struct Pager::Undo {
+    Frame* frame;
+    int saved_level_before;
+    std::unique_ptr<std::uint8_t[]> image;  // null: the page did not exist before
+};
+
+struct Pager::Level {
+    std::vector<Undo> undo;
+    std::uint32_t page_count = 0;
+};
+
+namespace {
+
+std::uint64_t file_identity(ByteSpan header_page) {
+    std::uint64_t sum = checksum64(header_page.first(jet4::header::kMasked), 0);
+    sum = checksum64(header_page.subspan(jet4::header::kBuild, jet4::header::kSidKeyEnd - jet4::header::kBuild), sum);
+    return checksum64(header_page.subspan(jet4::header::kCommitWords, jet4::header::kCommitWordBytes), sum);
+}
+
+}  // namespace
+
+Pager::Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions options)
+    : file_(std::move(file)), path_(std::move(path)), options_(options) {
+    with_engine_errors([&] {
+        journal_ = std::make_unique<Journal>(os::file_system(), path_);
+        page_count_ = static_cast<std::uint32_t>(std::min<std::uint64_t>(file_->size() / jet4::kPageSize, jet4::kMaxPages));
+        table_.resize(page_count_);
+        recover();
+        if (!options_.read_only && file_->size() % jet4::kPageSize != 0) {
+            fail(errors::kDamaged, "The database is damaged: " + path_ + " ends inside a page.");
+        }
+    });
+    last_sync_ = std::chrono::steady_clock::now() - options_.sync_interval;
+}
+
+Pager::~Pager() {
+    if (closed_) return;
+    try {
+        close();
+    } catch (const Error&) {
+        // The journal stays beside the file; the next opening replays it.
+    }
+}
+
+void Pager::require_writable() const {
+    if (options_.read_only) fail(errors::kReadOnly, path_ + " is open for reading only.");
+    if (broken_) {
+        fail(errors::kDiskError, path_ + " can no longer be written: the disk failed earlier. Close it and open it again.");
+    }
+}
+
+Frame* Pager::new_frame(PageNumber page_no) {
+    Frame* frame = nullptr;
+    if (frames_.size() >= options_.cache_pages) {
+        // A clean page nobody holds makes room; two rounds, the first only takes the recent mark away.
+        for (std::size_t i = 0; i < 2 * frames_.size() && !frame; ++i) {
+            Frame* candidate = frames_[clock_hand_].get();
+            clock_hand_ = (clock_hand_ + 1) % frames_.size();
+            if (candidate->pins > 0 || candidate->dirty || candidate->saved_level > 0) continue;
+            if (std::exchange(candidate->recently_used, false)) continue;
+            frame = candidate;
+        }
+        if (frame && frame->page_no < table_.size() && table_[frame->page_no] == frame) table_[frame->page_no] = nullptr;
+    }
+    if (!frame) {
+        frames_.push_back(std::make_unique<Frame>());
+        frame = frames_.back().get();
+    }
+    frame->page_no = page_no;
+    frame->dirty = false;
+    frame->recently_used = true;
+    frame->saved_level = 0;
+    if (page_no >= table_.size()) table_.resize(page_no + 1);
+    table_[page_no] = frame;
+    return frame;
+}
+
+Frame* Pager::load(PageNumber page_no) {
+    if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
+    if (Frame* frame = table_[page_no]) {
+        frame->recently_used = true;
+        return frame;
+    }
+    Frame* frame = new_frame(page_no);
+    try {
+        const std::uint64_t at = std::uint64_t{page_no} * jet4::kPageSize;
+        const std::size_t got = with_engine_errors([&] { return file_->read(at, frame->bytes); });
+        if (got != jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
+    } catch (...) {
+        table_[page_no] = nullptr;
+        frame->page_no = jet4::kMaxPages;  // nobody's
+        frame->recently_used = false;
+        throw;
+    }
+    ++pages_read_;
+    return frame;
+}
+
+Page Pager::read(PageNumber page_no) { return Page(load(page_no)); }
+
+void Pager::save_for_undo(Frame* frame) {
+    const int level = static_cast<int>(levels_.size());
+    if (frame->saved_level == level) return;
+    std::unique_ptr<std::uint8_t[]> image;
+    if (spare_buffers_.empty()) {
+        image = std::make_unique<std::uint8_t[]>(jet4::kPageSize);
+    } else {
+        image = std::move(spare_buffers_.back());
+        spare_buffers_.pop_back();
+    }
+    std::memcpy(image.get(), frame->bytes, jet4::kPageSize);
+    levels_.back().undo.push_back({frame, frame->saved_level, std::move(image)});
+    frame->saved_level = level;
+}
+
+MutablePage Pager::modify(PageNumber page_no) {
+    require_writable();
+    if (levels_.empty()) fail(errors::kReserved, "A page was to be changed outside a transaction.");
+    MutablePage page(load(page_no));
+    save_for_undo(page.frame_);
+    return page;
+}
+
+MutablePage Pager::extend() {
+    require_writable();
+    if (levels_.empty()) fail(errors::kReserved, "A page was to be added outside a transaction.");
+    if (page_count_ >= jet4::kMaxPages) fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
+    Frame* frame = new_frame(page_count_);
+    std::memset(frame->bytes, 0, jet4::kPageSize);
+    MutablePage page(frame);
+    levels_.back().undo.push_back({frame, 0, nullptr});
+    frame->saved_level = static_cast<int>(levels_.size());
+    ++page_count_;
+    return page;
+}
+
+void Pager::begin() {
+    levels_.emplace_back();
+    levels_.back().page_count = page_count_;
+}
+
+void Pager::restore_level(Level& level) {
+    for (auto undo = level.undo.rbegin(); undo != level.undo.rend(); ++undo) {
+        Frame* frame = undo->frame;
+        if (undo->image) {
+            std::memcpy(frame->bytes, undo->image.get(), jet4::kPageSize);
+            frame->saved_level = undo->saved_level_before;
+            spare_buffers_.push_back(std::move(undo->image));
+        } else {
+            table_[frame->page_no] = nullptr;
+            frame->page_no = jet4::kMaxPages;
+            frame->saved_level = 0;
+            frame->recently_used = false;
+        }
+    }
+    page_count_ = level.page_count;
+}
+
+void Pager::rollback() {
+    restore_level(levels_.back());
+    levels_.pop_back();
+    if (on_rollback_) on_rollback_();
+}
+
+void Pager::commit() {
+    if (levels_.size() > 1) {
+        // What the outer transaction has not saved yet, it takes over.
+        Level inner = std::move(levels_.back());
+        levels_.pop_back();
+        const int outer = static_cast<int>(levels_.size());
+        for (Undo& undo : inner.undo) {
+            undo.frame->saved_level = outer;
+            if (undo.saved_level_before == outer) {
+                if (undo.image) spare_buffers_.push_back(std::move(undo.image));
+            } else {
+                levels_.back().undo.push_back(std::move(undo));
+            }
+        }
+        return;
+    }
+    if (levels_.back().undo.empty()) {
+        levels_.pop_back();
+        return;
+    }
+    const auto now = std::chrono::steady_clock::now();
+    const bool is_sync_point = now - last_sync_ >= options_.sync_interval;
+    try {
+        require_writable();
+        with_engine_errors([&] {
+            if (!journal_->started()) bump_change_counter();
+            std::vector<JournalPage> pages;
+            pages.reserve(levels_.back().undo.size());
+            for (const Undo& undo : levels_.back().undo) pages.push_back({undo.frame->page_no, undo.frame->bytes});
+            const std::uint64_t end_before = journal_->size_bytes();
+            journal_->append(pages, page_count_);
+            if (is_sync_point) {
+                try {
+                    sync_journal();
+                } catch (...) {
+                    journal_->withdraw(end_before);
+                    throw;
+                }
+            }
+        });
+    } catch (...) {
+        rollback();
+        throw;
+    }
+    for (Undo& undo : levels_.back().undo) {
+        undo.frame->saved_level = 0;
+        if (!undo.frame->dirty) dirty_.push_back(undo.frame->page_no);
+        undo.frame->dirty = true;
+        if (undo.image && spare_buffers_.size() < 64) spare_buffers_.push_back(std::move(undo.image));
+    }
+    levels_.pop_back();
+    if (!is_sync_point && journal_->size_bytes() < options_.journal_limit_bytes) return;
+    last_sync_ = now;
+    // The commit stands. Should the .mdb refuse its pages, they stay in the journal and in memory, and the
+    // next sync point tries again.
+    try {
+        write_back();
+        if (journal_->size_bytes() >= options_.journal_limit_bytes) reset_journal();
+    } catch (const os::FileError&) {
+    }
+}
+
+void Pager::bump_change_counter() {
+    const ByteSpan header_page = load(jet4::kHeaderPage)->bytes;
+    const std::uint64_t identity = file_identity(header_page);
+    MutablePage page = modify(jet4::kObjectsPage);
+    const std::uint64_t counter = load_u64(page.bytes(), jet4::tdef::kFiller);
+    journal_->start({identity, counter});
+    store_u64(page.bytes(), jet4::tdef::kFiller, counter + 1);
+}
+
+// After a failed sync nobody knows what the disk holds, and a later one may succeed without having written it:
+// from then on only the next opening, which reads back what there is, can tell.
+void Pager::sync_journal() {
+    try {
+        journal_->sync();
+    } catch (...) {
+        broken_ = true;
+        throw;
+    }
+}
+
+void Pager::sync_file() {
+    try {
+        file_->sync();
+    } catch (...) {
+        broken_ = true;
+        throw;
+    }
+}
+
+// Throws os::FileError.
+void Pager::write_back() {
+    sync_journal();
+    std::sort(dirty_.begin(), dirty_.end());
+    ByteVector run;
+    for (std::size_t i = 0; i < dirty_.size();) {
+        std::size_t end = i + 1;
+        while (end < dirty_.size() && dirty_[end] == dirty_[end - 1] + 1 && end - i < 64) ++end;
+        const std::uint64_t at = std::uint64_t{dirty_[i]} * jet4::kPageSize;
+        if (end - i == 1) {
+            file_->write(at, table_[dirty_[i]]->bytes);
+        } else {
+            run.clear();
+            for (std::size_t k = i; k < end; ++k) append_bytes(run, table_[dirty_[k]]->bytes);
+            file_->write(at, run);
+        }
+        pages_written_ += end - i;
+        i = end;
+    }
+    for (PageNumber page_no : dirty_) table_[page_no]->dirty = false;
+    dirty_.clear();
+}
+
+void Pager::reset_journal() {
+    sync_file();
+    journal_->reset();
+}
+
+void Pager::sync_point() {
+    require_writable();
+    if (in_transaction()) fail(errors::kReserved, "A sync point was asked for inside a transaction.");
+    with_engine_errors([&] { write_back(); });
+    last_sync_ = std::chrono::steady_clock::now();
+}
+
+void Pager::close() {
+    if (std::exchange(closed_, true)) return;
+    struct Release {
+        Pager& pager;
+        ~Release() { pager.file_.reset(); }
+    } release{*this};
+    while (in_transaction()) rollback();
+    if (options_.read_only || !journal_->started()) {
+        with_engine_errors([&] { journal_->remove(); });
+        return;
+    }
+    require_writable();
+    with_engine_errors([&] {
+        write_back();
+        sync_file();
+        journal_->remove();
+    });
+}
+
+void Pager::recover() {
+    const std::string& journal_path = journal_->path();
+    os::FileSystem& files = os::file_system();
+    if (!files.exists(journal_path)) return;
+    std::unique_ptr<os::File> file = files.open(journal_path, os::OpenMode::kReadOnly);
+    if (file->size() == 0) {
+        file.reset();
+        if (!options_.read_only) files.remove(journal_path);
+        return;
+    }
+    JournalContent content;
+    bool ours = page_count_ > jet4::kObjectsPage && Journal::read(*file, content);
+    if (ours) {
+        const ByteSpan header_page = load(jet4::kHeaderPage)->bytes;
+        const std::uint64_t counter = load_u64(load(jet4::kObjectsPage)->bytes, jet4::tdef::kFiller);
+        ours = content.binding.identity == file_identity(header_page) &&
+               (counter == content.binding.base_counter || counter == content.binding.base_counter + 1);
+    }
+    if (!ours) {
+        file.reset();
+        if (options_.read_only) return;
+        std::string aside = journal_path + "-set-aside";
+        for (int n = 2; files.exists(aside); ++n) aside = journal_path + "-set-aside-" + std::to_string(n);
+        files.rename(journal_path, aside);
+        files.sync_folder_of(aside);
+        return;
+    }
+    if (content.page_count > jet4::kMaxPages) corrupt(0, "the journal names more pages than a file may have");
+    if (content.page_count > 0) {
+        page_count_ = content.page_count;
+        table_.resize(std::max<std::size_t>(table_.size(), page_count_));
+    }
+    ByteVector image(jet4::kPageSize);
+    for (const JournalContent::Image& last : content.last_images) {
+        if (file->read(last.at, image) != jet4::kPageSize) corrupt(last.page_no, "the journal ends inside the page");
+        if (options_.read_only) {
+            // Only in memory, and never evicted: the file stays as it is.
+            Frame* frame = table_[last.page_no] ? table_[last.page_no] : new_frame(last.page_no);
+            std::memcpy(frame->bytes, image.data(), image.size());
+            frame->dirty = true;
+        } else {
+            file_->write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
+            if (Frame* frame = table_[last.page_no]) std::memcpy(frame->bytes, image.data(), image.size());
+        }
+    }
+    if (options_.read_only) return;
+    if (content.page_count > 0) file_->truncate(std::uint64_t{page_count_} * jet4::kPageSize);
+    file_->sync();
+    file.reset();
+    files.remove(journal_path);
+    files.sync_folder_of(journal_path);
+}
+
+}  // namespace jet

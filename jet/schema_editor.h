@@ -1,0 +1,34 @@
+// Changes of table definitions. Every function runs inside the caller's transaction.
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "jet/catalog.h"
+#include "jet/database.h"
+#include "jet/header.h"
+
+namespace jet {
+
+class SchemaEditor {
+public:
+    SchemaEditor(Database& database, Catalog& catalog, const FileHeader& header)
+        : database_(database), catalog_(catalog), header_(header) {}
+
+    void create_table(std::u16string_view name, std::span<const NewColumn> columns);
+    void add_column(Table& table, const NewColumn& column);
+    void delete_column(Table& table, std::u16string_view column);
+
+private:
+    void store_definition(const TableDef& def);
+    void rewrite_rows(Table& table, const TableDef& old_def, std::size_t number_from);
+
+    Database& database_;
+    Catalog& catalog_;
+    const FileHeader& header_;
+};
+
+// The logical definition on `page`: its pages joined. 3049 when the chain is broken.
+ByteVector read_definition(Pager& pager, PageNumber page);
+
+}  // namespace jet

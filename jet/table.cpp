@@ -1,0 +1,507 @@
+#include "jet/table.h"
+
+#include <algorithm>
+
+#include "jet/coerce.h"
+#include "jet/data_page.h"
+#include "jet/database.h"
+#include "jet/index.h"
+#include "jet/index_key.h"
+#include "jet/long_value.h"
+
+namespace jet {
+
+namespace {
+
+// Pointers a moved row may take before it is taken for a circle.
+constexpr int kMaxHops = 32;
+
+std::string described(const TableDef& def, const ColumnDef& column) {
+    return "column '" + to_utf8(column.name) + "' of table '" + to_utf8(def.name) + "'";
+}
+
+// What an index says of its keys; null: the row has no entry in it.
+const ByteVector* entry_of(const ByteVector& key) { return key.empty() ? nullptr : &key; }
+
+}  // namespace
+
+Value RowView::value(std::size_t position) const {
+    const ColumnDef& column = table_->def().columns.at(position);
+    const auto stored = RowReader(bytes_, table_->def()).stored(column);
+    if (!stored) return Null{};
+    if (!column.is_long()) return decode_value(*stored, column);
+    const LongValues long_values(table_->database().pager(), table_->database().allocator());
+    return decode_value(long_values.read(*stored), column);
+}
+
+bool RowView::is_null(std::size_t position) const {
+    return !RowReader(bytes_, table_->def()).stored(table_->def().columns.at(position)).has_value();
+}
+
+Table::Table(Database& database, TableDef def)
+    : database_(database),
+      def_(std::move(def)),
+      owned_(database.pager(), database.allocator(), def_.owned_map),
+      free_(database.pager(), database.allocator(), def_.free_map),
+      autonumber_(def_.last_autonumber) {}
+
+Table::~Table() = default;
+
+void Table::forget() {
+    stale_ = true;
+    insert_hint_ = 0;
+    column_maps_.clear();
+}
+
+void Table::refresh() const {
+    if (!stale_) return;
+    def_ = database_.load_table_def(def_.page, def_.name);
+    owned_ = UsageMap(database_.pager(), database_.allocator(), def_.owned_map);
+    free_ = UsageMap(database_.pager(), database_.allocator(), def_.free_map);
+    stale_ = false;
+}
+
+const TableDef& Table::def() const {
+    refresh();
+    return def_;
+}
+
+void Table::require_writable() const {
+    refresh();
+    for (const RealIndex& index : def_.real_indexes) {
+        if (const auto reason = why_not_maintainable(index, def_)) {
+            fail(errors::kCannotMaintainIndex, "Table '" + to_utf8(def_.name) + "' cannot be written: " + *reason + ".");
+        }
+    }
+}
+
+void Table::add_watcher(TableWatcher* watcher) { watchers_.push_back(watcher); }
+void Table::remove_watcher(TableWatcher* watcher) { std::erase(watchers_, watcher); }
+
+std::optional<Table::Place> Table::locate(RowId row) const {
+    refresh();
+    if (row.is_null() || row.page >= database_.pager().page_count()) return std::nullopt;
+    Place place{row, row, row};
+    for (int hop = 0; hop < kMaxHops; ++hop) {
+        const Page page = database_.pager().read(place.body.page);
+        const bool ours = DataPage::belongs_to(page.bytes(), def_.page);
+        if (hop == 0) {
+            // An address from outside: not a row when nothing of the table is there.
+            if (!ours || place.body.slot >= DataPage(page.bytes(), place.body.page).slot_count()) return std::nullopt;
+        } else if (!ours) {
+            corrupt(place.body.page, "a moved row leads to a page of another owner");
+        }
+        const DataPage data(page.bytes(), place.body.page);
+        const Slot slot = data.slot(place.body.slot);
+        if (slot.is_deleted() || (hop == 0 && slot.is_body())) {
+            if (hop == 0) return std::nullopt;
+            corrupt(place.body.page, "a moved row leads to a deleted one");
+        }
+        if (!slot.is_moved()) return place;
+        place.pointer = place.body;
+        place.body = RowId::unpack(load_u32(data.row(slot), 0));
+        if (place.body.is_null()) corrupt(place.pointer.page, "a moved row leads nowhere");
+    }
+    corrupt(row.page, "the pointers of a moved row go in a circle");
+}
+
+std::optional<RowId> Table::next_row(RowId after) const {
+    refresh();
+    Pager& pager = database_.pager();
+    std::size_t slot = after.is_null() ? 0 : after.slot + 1u;
+    std::optional<PageNumber> page_no = after.is_null() ? owned_.next(0) : std::optional(after.page);
+    while (page_no && *page_no < pager.page_count()) {
+        const Page page = pager.read(*page_no);
+        if (DataPage::belongs_to(page.bytes(), def_.page)) {
+            const DataPage data(page.bytes(), *page_no);
+            for (const std::size_t count = std::min(data.slot_count(), jet4::data::kMaxSlots + 1); slot < count; ++slot) {
+                const Slot entry = data.slot(slot);
+                if (!entry.is_deleted() && !entry.is_body()) return RowId{*page_no, static_cast<std::uint8_t>(slot)};
+            }
+        }
+        page_no = owned_.next(*page_no + 1);
+        slot = 0;
+    }
+    return std::nullopt;
+}
+
+bool Table::read(RowId row, RowView& into) const {
+    const auto place = locate(row);
+    if (!place) return false;
+    const Page page = database_.pager().read(place->body.page);
+    const DataPage data(page.bytes(), place->body.page);
+    const ByteSpan bytes = data.row(data.slot(place->body.slot));
+    into.table_ = this;
+    into.bytes_.assign(bytes.begin(), bytes.end());
+    return true;
+}
+
+bool Table::exists(RowId row) const { return locate(row).has_value(); }
+
+template <class Visitor>
+void Table::visit_rows(Visitor&& visitor) const {
+    RowView row;
+    for (auto id = next_row({}); id; id = next_row(*id)) {
+        if (read(*id, row)) visitor(*id, RowReader(row.bytes_, def_));
+    }
+}
+
+Value Table::coerce(std::size_t position, Value value) const {
+    const ColumnDef& column = def().columns.at(position);
+    if (column.is_autonumber()) {
+        fail(errors::kNotUpdatable, "The auto-number " + described(def_, column) + " cannot be assigned.");
+    }
+    return coerce_value(column, std::move(value));
+}
+
+void Table::validate(std::size_t position, const Value& value) const {
+    const ColumnDef& column = def().columns.at(position);
+    if (column.required && jet::is_null(value)) {
+        fail(errors::kNullNotAllowed, "A value is required in " + described(def_, column) + ".");
+    }
+    if (!column.allow_zero_length) {
+        const auto* text = std::get_if<std::u16string>(&value);
+        if (text && text->empty()) {
+            fail(errors::kEmptyNotAllowed, "A zero-length text is not allowed in " + described(def_, column) + ".");
+        }
+    }
+}
+
+std::int32_t Table::take_autonumber() {
+    refresh();
+    if (autonumber_ == INT32_MAX) {
+        fail(errors::kReserved, "The auto-numbers of table '" + to_utf8(def_.name) + "' are used up.");
+    }
+    return ++autonumber_;
+}
+
+void Table::flush_autonumber() {
+    if (stale_ || autonumber_ == def_.last_autonumber) return;
+    Transaction transaction(database_.pager());
+    store_counts();
+    transaction.commit();
+}
+
+// Row count, auto-number and index statistics, where the definition keeps them.
+void Table::store_counts() {
+    const MutablePage page = database_.pager().modify(def_.page);
+    def_.last_autonumber = std::max(def_.last_autonumber, autonumber_);
+    store_u32(page.bytes(), jet4::tdef::kRowCount, def_.row_count);
+    store_u32(page.bytes(), jet4::tdef::kLastAutoNumber, static_cast<std::uint32_t>(def_.last_autonumber));
+    for (std::size_t i = 0; i < def_.real_indexes.size(); ++i) {
+        store_u32(page.bytes(), jet4::tdef::kFixedHeader + i * jet4::tdef::kIndexStatistics + 4,
+                  def_.real_indexes[i].distinct_keys);
+    }
+}
+
+ByteVector Table::encode_fitting(std::vector<StoredValue>& stored) {
+    ByteVector row = encode_row(def_, stored);
+    LongValues long_values(database_.pager(), database_.allocator());
+    // A row that is too long gives its inline long values away, one by one.
+    for (std::size_t i = 0; i < stored.size() && row.size() > jet4::data::kMaxRow; ++i) {
+        const ColumnDef& column = def_.columns[i];
+        if (!column.is_long() || !stored[i] || stored[i]->size() <= jet4::long_value::kReference) continue;
+        stored[i] = long_values.write(column, long_values.read(*stored[i]), false);
+        row = encode_row(def_, stored);
+    }
+    if (row.size() > jet4::data::kMaxRow) {
+        fail(errors::kRowTooLarge, "A row of table '" + to_utf8(def_.name) + "' would be too large: " +
+                                       std::to_string(row.size()) + " of at most " +
+                                       std::to_string(jet4::data::kMaxRow) + " bytes.");
+    }
+    return row;
+}
+
+RowId Table::place_row(ByteSpan row, std::uint16_t flags) {
+    Pager& pager = database_.pager();
+    const auto fits = [&](PageNumber page_no) {
+        const Page page = pager.read(page_no);
+        return DataPage::belongs_to(page.bytes(), def_.page) && DataPage(page.bytes(), page_no).has_room(row.size());
+    };
+    PageNumber target = 0;
+    if (insert_hint_ != 0 && fits(insert_hint_)) {
+        target = insert_hint_;
+    } else {
+        for (auto page_no = free_.next(0); page_no; page_no = free_.next(*page_no + 1)) {
+            if (fits(*page_no)) {
+                target = *page_no;
+                break;
+            }
+            // A page that could not take a row is not offered again until something on it is deleted.
+            free_.remove(*page_no);
+        }
+    }
+    if (target == 0) {
+        const MutablePage page = database_.allocator().allocate();
+        target = page.number();
+        format_data_page(page.bytes(), def_.page);
+        owned_.add(target);
+        free_.add(target);
+    }
+    insert_hint_ = target;
+    const MutablePage page = pager.modify(target);
+    return {target, add_row(page.bytes(), target, row, flags)};
+}
+
+void Table::remove_slot(RowId slot) {
+    const MutablePage page = database_.pager().modify(slot.page);
+    delete_row(page.bytes(), slot.page, slot.slot);
+    if (DataPage(page.bytes(), slot.page).all_deleted()) {
+        owned_.remove(slot.page);
+        free_.remove(slot.page);
+        database_.allocator().free(slot.page);
+        if (insert_hint_ == slot.page) insert_hint_ = 0;
+    } else {
+        free_.add(slot.page);
+    }
+}
+
+void Table::move_row(const Place& place, ByteSpan row) {
+    Pager& pager = database_.pager();
+    {
+        const Page page = pager.read(place.body.page);
+        const DataPage data(page.bytes(), place.body.page);
+        const std::size_t old_length = data.slot(place.body.slot).length;
+        if (row.size() <= old_length + data.gap()) {
+            const bool shrinks = row.size() < old_length;
+            const MutablePage writable = pager.modify(place.body.page);
+            replace_row(writable.bytes(), place.body.page, place.body.slot, row);
+            if (shrinks) free_.add(place.body.page);
+            return;
+        }
+    }
+    const RowId body = place_row(row, jet4::data::kBodyFlag);
+    ByteVector pointer;
+    append_u32(pointer, body.pack());
+    if (place.home == place.body) {
+        const MutablePage page = pager.modify(place.home.page);
+        replace_row(page.bytes(), place.home.page, place.home.slot, pointer);
+        set_slot_flags(page.bytes(), place.home.page, place.home.slot, jet4::data::kMovedFlag);
+        free_.add(place.home.page);
+        return;
+    }
+    {
+        const MutablePage page = pager.modify(place.pointer.page);
+        const Slot slot = DataPage(page.bytes(), place.pointer.page).slot(place.pointer.slot);
+        store_bytes(page.bytes(), slot.offset, pointer);
+    }
+    remove_slot(place.body);
+}
+
+// The row's values as far as an index asks for them, by position.
+std::vector<Value> Table::key_values(const RowView& row) const {
+    std::vector<Value> values(def_.columns.size());
+    for (const RealIndex& index : def_.real_indexes) {
+        for (const KeyColumn& key : index.columns) {
+            if (const auto position = def_.column_by_number(key.column_number)) values[*position] = row.value(*position);
+        }
+    }
+    return values;
+}
+
+std::vector<ByteVector> Table::index_keys(std::span<const Value> values) const {
+    std::vector<ByteVector> keys(def_.real_indexes.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const RealIndex& index = def_.real_indexes[i];
+        if (index.ignore_nulls() && all_null_key(index, def_, values)) continue;
+        keys[i] = make_index_key(index, def_, values);
+    }
+    return keys;
+}
+
+// Before anything is written: no duplicate in a unique index, no Null where an index requires a value.
+void Table::check_indexes(std::span<const Value> values, const std::vector<ByteVector>* old_keys) const {
+    const std::vector<ByteVector> keys = index_keys(values);
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const RealIndex& index = def_.real_indexes[i];
+        if (index.required()) {
+            for (const KeyColumn& key : index.columns) {
+                const auto position = def_.column_by_number(key.column_number);
+                if (position && jet::is_null(values[*position])) {
+                    fail(errors::kNullNotAllowed, "An index requires a value in " + described(def_, def_.columns[*position]) + ".");
+                }
+            }
+        }
+        if (!index.unique() || keys[i].empty() || all_null_key(index, def_, values)) continue;
+        if (old_keys && (*old_keys)[i] == keys[i]) continue;
+        const Index tree(database_.pager(), database_.allocator(), def_.page, index.root, index.map);
+        if (tree.find(keys[i])) {
+            fail(errors::kDuplicateKey, "The change would create duplicate values in a unique index of table '" +
+                                            to_utf8(def_.name) + "'.");
+        }
+    }
+}
+
+void Table::change_index(std::size_t position, const ByteVector* old_key, const ByteVector* new_key, RowId row) {
+    if (old_key && new_key && *old_key == *new_key) return;
+    RealIndex& index = def_.real_indexes[position];
+    Index tree(database_.pager(), database_.allocator(), def_.page, index.root, index.map);
+    if (old_key) tree.erase(*old_key, row);
+    if (new_key && tree.insert(*new_key, row)) ++index.distinct_keys;
+}
+
+RowId Table::insert(std::vector<Value> values) {
+    require_writable();
+    values.resize(def_.columns.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ColumnDef& column = def_.columns[i];
+        const bool numbers_itself = column.is_autonumber() && column.type == ColumnType::kLong;
+        if (numbers_itself && jet::is_null(values[i])) values[i] = take_autonumber();
+        values[i] = coerce_value(column, std::move(values[i]));
+        if (numbers_itself) autonumber_ = std::max(autonumber_, std::get<std::int32_t>(values[i]));
+        validate(i, values[i]);
+    }
+    check_indexes(values, nullptr);
+
+    Transaction transaction(database_.pager());
+    LongValues long_values(database_.pager(), database_.allocator());
+    std::vector<StoredValue> stored(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const ColumnDef& column = def_.columns[i];
+        if (jet::is_null(values[i])) continue;
+        if (column.is_long()) {
+            const auto* text = std::get_if<std::u16string>(&values[i]);
+            stored[i] = long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(values[i]));
+        } else {
+            stored[i] = encode_value(values[i], column);
+        }
+    }
+    const RowId row = place_row(encode_fitting(stored), 0);
+    const std::vector<ByteVector> keys = index_keys(values);
+    for (std::size_t i = 0; i < keys.size(); ++i) change_index(i, nullptr, entry_of(keys[i]), row);
+    ++def_.row_count;
+    store_counts();
+    transaction.commit();
+
+    for (auto& [position, map] : column_maps_) {
+        if (const auto key = ColumnMap::key_of(values[position])) map.insert({*key, row.pack()});
+    }
+    for (TableWatcher* watcher : watchers_) watcher->row_inserted(row);
+    return row;
+}
+
+void Table::update(RowId row, std::span<const ColumnChange> changes) {
+    require_writable();
+    RowView old;
+    const auto place = locate(row);
+    if (!place || !read(row, old)) fail(errors::kRowDeleted, "The row has been deleted.");
+
+    std::vector<std::pair<std::size_t, Value>> new_values;
+    for (const ColumnChange& change : changes) {
+        Value value = coerce_value(def_.columns.at(change.position), change.value);
+        validate(change.position, value);
+        new_values.emplace_back(change.position, std::move(value));
+    }
+    for (TableWatcher* watcher : watchers_) watcher->row_changing(row);
+
+    const RowReader reader(old.bytes_, def_);
+    std::vector<ByteVector> old_keys;
+    std::vector<Value> values;
+    if (!def_.real_indexes.empty()) {
+        values = key_values(old);
+        old_keys = index_keys(values);
+        for (const auto& [position, value] : new_values) values[position] = value;
+        check_indexes(values, &old_keys);
+    }
+    std::vector<StoredValue> stored(def_.columns.size());
+    for (std::size_t i = 0; i < stored.size(); ++i) {
+        if (const auto bytes = reader.stored(def_.columns[i])) stored[i].emplace(bytes->begin(), bytes->end());
+    }
+
+    std::vector<std::pair<std::size_t, std::uint64_t>> old_map_keys;
+    for (const auto& [position, map] : column_maps_) {
+        if (const auto key = ColumnMap::key_of(old.value(position))) old_map_keys.emplace_back(position, *key);
+    }
+
+    Transaction transaction(database_.pager());
+    LongValues long_values(database_.pager(), database_.allocator());
+    std::vector<std::pair<std::size_t, ByteVector>> replaced;  // long values to give back
+    for (const auto& [position, value] : new_values) {
+        const ColumnDef& column = def_.columns[position];
+        if (column.is_long() && stored[position]) replaced.emplace_back(position, std::move(*stored[position]));
+        stored[position].reset();
+        if (jet::is_null(value)) continue;
+        if (column.is_long()) {
+            const auto* text = std::get_if<std::u16string>(&value);
+            stored[position] = long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
+        } else {
+            stored[position] = encode_value(value, column);
+        }
+    }
+    move_row(*place, encode_fitting(stored));
+    for (const auto& [position, reference] : replaced) long_values.release(def_.columns[position], reference);
+    if (!def_.real_indexes.empty()) {
+        const std::vector<ByteVector> keys = index_keys(values);
+        for (std::size_t i = 0; i < keys.size(); ++i) change_index(i, entry_of(old_keys[i]), entry_of(keys[i]), row);
+        store_counts();
+    }
+    transaction.commit();
+
+    for (const auto& [position, old_key] : old_map_keys) column_maps_[position].erase({old_key, row.pack()});
+    if (!column_maps_.empty()) {
+        RowView now;
+        if (!read(row, now)) return;
+        for (auto& [position, map] : column_maps_) {
+            if (const auto key = ColumnMap::key_of(now.value(position))) map.insert({*key, row.pack()});
+        }
+    }
+}
+
+void Table::erase(RowId row) {
+    require_writable();
+    RowView old;
+    const auto place = locate(row);
+    if (!place || !read(row, old)) fail(errors::kRowDeleted, "The row has been deleted.");
+    for (TableWatcher* watcher : watchers_) watcher->row_changing(row);
+
+    std::vector<std::pair<std::size_t, std::uint64_t>> old_map_keys;
+    for (const auto& [position, map] : column_maps_) {
+        if (const auto key = ColumnMap::key_of(old.value(position))) old_map_keys.emplace_back(position, *key);
+    }
+    const RowReader reader(old.bytes_, def_);
+    Transaction transaction(database_.pager());
+    if (!def_.real_indexes.empty()) {
+        const std::vector<ByteVector> keys = index_keys(key_values(old));
+        for (std::size_t i = 0; i < keys.size(); ++i) change_index(i, entry_of(keys[i]), nullptr, row);
+    }
+    LongValues long_values(database_.pager(), database_.allocator());
+    for (const ColumnDef& column : def_.columns) {
+        if (!column.is_long()) continue;
+        if (const auto reference = reader.stored(column)) long_values.release(column, *reference);
+    }
+    // A moved row goes with every slot its pointers lead through.
+    for (RowId slot = place->home; !(slot == place->body);) {
+        RowId next;
+        {
+            const Page page = database_.pager().read(slot.page);
+            const DataPage data(page.bytes(), slot.page);
+            next = RowId::unpack(load_u32(data.row(data.slot(slot.slot)), 0));
+        }
+        remove_slot(slot);
+        slot = next;
+    }
+    remove_slot(place->body);
+    if (def_.row_count > 0) --def_.row_count;
+    store_counts();
+    transaction.commit();
+    for (const auto& [position, old_key] : old_map_keys) column_maps_[position].erase({old_key, row.pack()});
+}
+
+const ColumnMap* Table::column_map(std::size_t position) {
+    refresh();
+    const ColumnDef& column = def_.columns.at(position);
+    if (column.type != ColumnType::kLong && column.type != ColumnType::kDate) return nullptr;
+    const auto known = column_maps_.find(position);
+    if (known != column_maps_.end()) return &known->second;
+    std::vector<ColumnMap::Entry> entries;
+    visit_rows([&](RowId row, const RowReader& reader) {
+        const auto stored = reader.stored(column);
+        if (!stored) return;
+        if (const auto key = ColumnMap::key_of(decode_value(*stored, column))) entries.push_back({*key, row.pack()});
+    });
+    ColumnMap& map = column_maps_[position];
+    map.build(std::move(entries));
+    return &map;
+}
+
+}  // namespace jet

@@ -1,0 +1,139 @@
+// An open table: its rows, their values, and whatever must stay true when they change (indexes, maps of
+// long values, row count, auto-number, properties).
+#pragma once
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "jet/column_map.h"
+#include "jet/pager.h"
+#include "jet/row_codec.h"
+#include "jet/table_def.h"
+#include "jet/types.h"
+#include "jet/usage_map.h"
+
+namespace jet {
+
+class Database;
+
+// The bytes of one stored row, copied from its page, and the way to its values.
+class RowView {
+public:
+    // Value of the column at `position` in the definition's columns; long values are fetched.
+    Value value(std::size_t position) const;
+    bool is_null(std::size_t position) const;
+
+private:
+    friend class Table;
+    friend class SchemaEditor;
+    const class Table* table_ = nullptr;
+    ByteVector bytes_;
+};
+
+// Told before and after rows change, so that open sets keep the membership they were opened with.
+class TableWatcher {
+public:
+    virtual ~TableWatcher() = default;
+    virtual void row_inserted(RowId row) = 0;
+    // Called while the row still has its old values.
+    virtual void row_changing(RowId row) = 0;
+};
+
+struct ColumnChange {
+    std::size_t position = 0;  // in the definition's columns
+    Value value;
+};
+
+class Table {
+public:
+    Table(Database& database, TableDef def);
+    ~Table();
+    Table(const Table&) = delete;
+    Table& operator=(const Table&) = delete;
+
+    const TableDef& def() const;
+    Database& database() const { return database_; }
+
+    // Rows in scan order (page, slot): the first live row after `after` (a null RowId: the first row).
+    std::optional<RowId> next_row(RowId after) const;
+    // Fills `into`; false when there is no such live row.
+    bool read(RowId row, RowView& into) const;
+    bool exists(RowId row) const;
+
+    // Adds a row; `values` by position in the definition's columns, absent positions Null. A Null
+    // auto-number takes the next number. Checks sizes, required, zero length and unique indexes before
+    // anything is written. One transaction of its own (or part of the caller's).
+    RowId insert(std::vector<Value> values);
+    // Changes the named columns of a row; 3167 when it is gone.
+    void update(RowId row, std::span<const ColumnChange> changes);
+    void erase(RowId row);
+
+    // The next auto-number, never handed out again.
+    std::int32_t take_autonumber();
+    // Stores an auto-number taken but not yet stored with a row, so that it is not handed out after a
+    // reopening either. Part of closing.
+    void flush_autonumber();
+
+    // Converts and checks a value for a column as assignment does: 3163 too long, 3421 no conversion,
+    // 3164 an auto-number. Returns the value in the column's own type.
+    Value coerce(std::size_t position, Value value) const;
+    // What storing a value checks besides: 3314 and 3315.
+    void validate(std::size_t position, const Value& value) const;
+
+    // The ordered map of a Long or Date column, built when first asked for; null for other types.
+    const ColumnMap* column_map(std::size_t position);
+
+    void add_watcher(TableWatcher* watcher);
+    void remove_watcher(TableWatcher* watcher);
+    bool watched() const { return !watchers_.empty(); }
+
+    // Pages of the table in order, for checks.
+    const UsageMap& owned_pages() const { return owned_; }
+
+    // What is derived from pages may no longer be true (a rollback, a changed definition): the next use
+    // reads it again.
+    void forget();
+
+private:
+    friend class RowView;
+    friend class SchemaEditor;
+
+    // Where a row address leads: the slot it names and the slot that holds the row (the same, unless the row
+    // has moved); `pointer` is the slot whose pointer leads to the body.
+    struct Place {
+        RowId home;
+        RowId pointer;
+        RowId body;
+    };
+
+    void refresh() const;
+    void require_writable() const;
+    std::optional<Place> locate(RowId row) const;
+    template <class Visitor>
+    void visit_rows(Visitor&& visitor) const;
+    ByteVector encode_fitting(std::vector<StoredValue>& stored);
+    RowId place_row(ByteSpan row, std::uint16_t flags);
+    void move_row(const Place& place, ByteSpan row);
+    void remove_slot(RowId slot);
+    void check_indexes(std::span<const Value> values, const std::vector<ByteVector>* old_keys) const;
+    std::vector<Value> key_values(const RowView& row) const;
+    std::vector<ByteVector> index_keys(std::span<const Value> values) const;
+    void change_index(std::size_t index, const ByteVector* old_key, const ByteVector* new_key, RowId row);
+    void store_counts();
+
+    Database& database_;
+    mutable TableDef def_;
+    mutable UsageMap owned_;
+    mutable UsageMap free_;
+    mutable bool stale_ = false;
+    std::int32_t autonumber_ = 0;    // highest one handed out
+    PageNumber insert_hint_ = 0;     // page that took the last new row; 0: none
+    mutable std::map<std::size_t, ColumnMap> column_maps_;
+    std::vector<TableWatcher*> watchers_;
+};
+
+}  // namespace jet

@@ -1,0 +1,17 @@
+// Text as rows hold it: UTF-16LE, or compressed to one byte a character behind the mark FF FE.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "jet/bytes.h"
+
+namespace jet {
+
+// `compress`: use the short form where the format's own writer would (three characters or more, all of
+// them U+0001..U+00FF).
+ByteVector encode_text(std::u16string_view text, bool compress);
+// Accepts every form, the toggling one included; an odd last byte is ignored.
+std::u16string decode_text(ByteSpan bytes);
+
+}  // namespace jet

@@ -1,0 +1,94 @@
+// Owns the overrides for tests and what is the same on every platform: joining and splitting of paths,
+// and the arithmetic of OLE dates.
+#include "os/system.h"
+
+#include <algorithm>
+
+#include "os/code_page.h"
+#include "os/system_parts.h"
+
+namespace os {
+namespace {
+
+detail::DateFormat date_format_override;
+CodePage code_page = CodePage::kSystem;
+
+// Days from 1970-01-01 to a date of the Gregorian calendar, after 0000-03-01. Years are counted from
+// March, so that the leap day is a year's last and the months before it follow one line.
+std::int32_t days_from_1970(std::int32_t year, std::int32_t month, std::int32_t day) {
+    const std::int32_t march_year = month > 2 ? year : year - 1;
+    const std::int32_t march_month = month > 2 ? month - 3 : month + 9;
+    const std::int32_t day_of_year = (153 * march_month + 2) / 5 + day - 1;
+    const std::int32_t leap_days = march_year / 4 - march_year / 100 + march_year / 400;
+    constexpr std::int32_t kDaysToMarchYear1970 = 719468;
+    return march_year * 365 + leap_days + day_of_year - kDaysToMarchYear1970;
+}
+
+}  // namespace
+
+std::string folder_of(std::string_view path) {
+    std::size_t end = detail::find_last_separator(path);
+    if (end == std::string_view::npos) return {};
+    const std::size_t last = end;
+    while (end > 0 && detail::find_last_separator(path.substr(0, end)) == end - 1) --end;
+    // A root is nothing without its separator.
+    const bool is_root = end == 0 || (detail::kPathSeparator == '\\' && end == 2 && path[1] == ':');
+    return std::string(path.substr(0, is_root ? last + 1 : end));
+}
+
+std::string join_path(std::string_view folder, std::string_view name) {
+    while (!name.empty() && !folder.empty() && detail::is_path_separator(name.front())) name.remove_prefix(1);
+    if (folder.empty()) return std::string(name);
+    std::string path(folder);
+    while (!path.empty() && detail::find_last_separator(path) == path.size() - 1) path.pop_back();
+    path.push_back(detail::kPathSeparator);
+    path.append(name);
+    return path;
+}
+
+std::string date_separator() {
+    return date_format_override.separator.empty() ? detail::system_date_format().separator
+                                                  : date_format_override.separator;
+}
+
+DateOrder date_order() {
+    return date_format_override.separator.empty() ? detail::system_date_format().order : date_format_override.order;
+}
+
+void set_date_format_for_test(std::string_view separator, DateOrder order) {
+    date_format_override = {std::string(separator), order};
+}
+
+std::u16string widen(std::string_view narrow) {
+    switch (code_page) {
+        case CodePage::kUtf8: return detail::utf8_to_utf16(narrow);
+        case CodePage::kWindows1252: return detail::windows_1252_to_utf16(narrow);
+        case CodePage::kSystem: break;
+    }
+    return detail::system_widen(narrow);
+}
+
+std::string narrow(std::u16string_view wide) {
+    switch (code_page) {
+        case CodePage::kUtf8: return detail::utf16_to_utf8(wide);
+        case CodePage::kWindows1252: return detail::utf16_to_windows_1252(wide);
+        case CodePage::kSystem: break;
+    }
+    return detail::system_narrow(wide);
+}
+
+void set_code_page_for_test(CodePage page) { code_page = page; }
+
+double detail::ole_date_of(const LocalTime& time) {
+    constexpr std::int32_t kDays1899To1970 = 25569;
+    constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
+    const std::int64_t days = days_from_1970(time.year, time.month, time.day) + kDays1899To1970;
+    // A leap second has no place in a day of fixed length.
+    const std::int64_t seconds = time.hour * 3600 + time.minute * 60 + std::min(time.second, 59);
+    const std::int64_t milliseconds = seconds * 1000 + time.millisecond;
+    return static_cast<double>(days * kMillisecondsPerDay + milliseconds) / static_cast<double>(kMillisecondsPerDay);
+}
+
+double local_time_as_ole_date() { return detail::ole_date_of(detail::system_local_time()); }
+
+}  // namespace os

@@ -1,0 +1,50 @@
+// What each platform answers for os/system.cpp, which adds the overrides and everything that is the
+// same everywhere.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "os/system.h"
+
+namespace os::detail {
+
+inline constexpr char kPathSeparator =
+#ifdef _WIN32
+    '\\';
+#else
+    '/';
+#endif
+
+bool is_path_separator(char c);
+// Position of the last separator of `path`; npos when there is none.
+std::size_t find_last_separator(std::string_view path);
+
+struct DateFormat {
+    std::string separator;
+    DateOrder order = DateOrder::kMonthDayYear;
+};
+// The system's own short date.
+DateFormat system_date_format();
+
+// Text in the system's own narrow code page.
+std::u16string system_widen(std::string_view narrow);
+std::string system_narrow(std::u16string_view wide);
+
+struct LocalTime {
+    std::int32_t year = 0;
+    std::int32_t month = 0;  // 1..12
+    std::int32_t day = 0;    // 1..31
+    std::int32_t hour = 0;
+    std::int32_t minute = 0;
+    std::int32_t second = 0;
+    std::int32_t millisecond = 0;
+};
+LocalTime system_local_time();
+
+// Days since 1899-12-30 with the time of day as their fraction; for dates from then on.
+double ole_date_of(const LocalTime& time);
+
+}  // namespace os::detail

@@ -1,0 +1,118 @@
+// Owns what the component asks of Windows besides files: its own place, the system locale's date format,
+// the ANSI code page and the local clock.
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+
+#include "os/code_page.h"
+#include "os/system_parts.h"
+
+namespace os {
+namespace {
+
+static_assert(sizeof(wchar_t) == sizeof(char16_t), "Windows text is UTF-16");
+
+constexpr UINT kUtf8 = 65001;
+constexpr UINT kWindows1252 = 1252;
+
+// The module that holds this code: the library, not the program that loaded it.
+HMODULE own_module() {
+    HMODULE module = nullptr;
+    const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    ::GetModuleHandleExA(flags, reinterpret_cast<LPCSTR>(&own_module), &module);
+    return module;
+}
+
+// An item of the system default locale; "" when it cannot be had.
+std::string system_locale_item(LCTYPE item) {
+    constexpr LCID kSystemDefault = 0x800;
+    std::array<char, 100> text{};
+    const int size = ::GetLocaleInfoA(kSystemDefault, item, text.data(), static_cast<int>(text.size()) - 1);
+    return size > 0 ? std::string(text.data()) : std::string();
+}
+
+}  // namespace
+
+std::string module_path() {
+    std::string path(MAX_PATH, '\0');
+    for (;;) {
+        const DWORD length = ::GetModuleFileNameA(own_module(), path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) {
+            path.resize(length);
+            return path;
+        }
+        // The path was cut off.
+        path.resize(path.size() * 2);
+    }
+}
+
+bool detail::is_path_separator(char c) { return c == '\\' || c == '/'; }
+
+// In a double-byte code page the second byte of a character may have the value of a separator.
+std::size_t detail::find_last_separator(std::string_view path) {
+    std::size_t found = std::string_view::npos;
+    for (std::size_t i = 0; i < path.size(); ++i) {
+        if (::IsDBCSLeadByte(static_cast<BYTE>(path[i]))) {
+            ++i;
+        } else if (is_path_separator(path[i])) {
+            found = i;
+        }
+    }
+    return found;
+}
+
+detail::DateFormat detail::system_date_format() {
+    constexpr LCTYPE kDateSeparator = 29;
+    constexpr LCTYPE kDateOrder = 33;
+    DateFormat format;
+    format.separator = system_locale_item(kDateSeparator);
+    if (format.separator.empty()) format.separator = "/";
+    const std::string order = system_locale_item(kDateOrder);
+    if (order == "1") format.order = DateOrder::kDayMonthYear;
+    if (order == "2") format.order = DateOrder::kYearMonthDay;
+    return format;
+}
+
+std::u16string detail::system_widen(std::string_view narrow) {
+    const UINT code_page = ::GetACP();
+    if (code_page == kUtf8) return utf8_to_utf16(narrow);
+    if (code_page == kWindows1252) return windows_1252_to_utf16(narrow);
+    if (narrow.empty()) return {};
+    const int size = static_cast<int>(narrow.size());
+    const int units = ::MultiByteToWideChar(CP_ACP, 0, narrow.data(), size, nullptr, 0);
+    std::u16string wide(static_cast<std::size_t>(std::max(units, 0)), u'\0');
+    ::MultiByteToWideChar(CP_ACP, 0, narrow.data(), size, reinterpret_cast<wchar_t*>(wide.data()), units);
+    return wide;
+}
+
+std::string detail::system_narrow(std::u16string_view wide) {
+    const UINT code_page = ::GetACP();
+    if (code_page == kUtf8) return utf16_to_utf8(wide);
+    if (code_page == kWindows1252) return utf16_to_windows_1252(wide);
+    if (wide.empty()) return {};
+    // A letter that only looks like the lost one would be a silent change.
+    constexpr DWORD kFlags = WC_NO_BEST_FIT_CHARS;
+    const auto* text = reinterpret_cast<const wchar_t*>(wide.data());
+    const int units = static_cast<int>(wide.size());
+    const int size = ::WideCharToMultiByte(CP_ACP, kFlags, text, units, nullptr, 0, "?", nullptr);
+    std::string narrow(static_cast<std::size_t>(std::max(size, 0)), '\0');
+    ::WideCharToMultiByte(CP_ACP, kFlags, text, units, narrow.data(), size, "?", nullptr);
+    return narrow;
+}
+
+detail::LocalTime detail::system_local_time() {
+    SYSTEMTIME now{};
+    ::GetLocalTime(&now);
+    return {.year = now.wYear,
+            .month = now.wMonth,
+            .day = now.wDay,
+            .hour = now.wHour,
+            .minute = now.wMinute,
+            .second = now.wSecond,
+            .millisecond = now.wMilliseconds};
+}
+
+}  // namespace os

@@ -1,0 +1,121 @@
+// The ordered map of one column, against a set.
+#include "jet/column_map.h"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <set>
+
+namespace {
+
+using jet::ColumnMap;
+using Entry = ColumnMap::Entry;
+
+std::vector<Entry> content(const ColumnMap& map) {
+    std::vector<Entry> entries;
+    auto entry = map.lower_bound(Entry{});
+    while (entry) {
+        entries.push_back(*entry);
+        Entry after = *entry;
+        if (++after.row == 0) ++after.key;
+        entry = map.lower_bound(after);
+    }
+    return entries;
+}
+
+TEST(ColumnMap, long_keys_keep_the_order_of_the_numbers) {
+    EXPECT_LT(ColumnMap::key_of_long(INT32_MIN), ColumnMap::key_of_long(-1));
+    EXPECT_LT(ColumnMap::key_of_long(-1), ColumnMap::key_of_long(0));
+    EXPECT_LT(ColumnMap::key_of_long(0), ColumnMap::key_of_long(1));
+    EXPECT_LT(ColumnMap::key_of_long(1), ColumnMap::key_of_long(INT32_MAX));
+}
+
+TEST(ColumnMap, date_keys_are_chronological_before_day_zero_too) {
+    // 29 December 1899 00:00, 06:00, 23:59; 30 December 00:00, 06:00; later days.
+    const double days[] = {-657434.0, -2.0, -1.0, -1.25, -1.999, 0.0, 0.25, 1.0, 38412.0, 38412.5, 2958465.9};
+    for (std::size_t i = 1; i < std::size(days); ++i) {
+        EXPECT_LT(ColumnMap::key_of_date(days[i - 1]), ColumnMap::key_of_date(days[i])) << days[i];
+    }
+    EXPECT_EQ(ColumnMap::key_of_date(0.0), ColumnMap::key_of_date(-0.0));
+    EXPECT_EQ(ColumnMap::key_of_date(0.25), ColumnMap::key_of_date(-0.25));
+}
+
+TEST(ColumnMap, only_longs_and_dates_have_keys) {
+    EXPECT_EQ(ColumnMap::key_of_long(7), ColumnMap::key_of(jet::Value(std::int32_t{7})));
+    EXPECT_EQ(ColumnMap::key_of_date(7), ColumnMap::key_of(jet::Value(jet::Date{7})));
+    EXPECT_FALSE(ColumnMap::key_of(jet::Value()));
+    EXPECT_FALSE(ColumnMap::key_of(jet::Value(7.0)));
+    EXPECT_FALSE(ColumnMap::key_of(jet::Value(std::int16_t{7})));
+    EXPECT_FALSE(ColumnMap::key_of(jet::Value(std::u16string(u"7"))));
+}
+
+TEST(ColumnMap, build_sorts_and_replaces) {
+    ColumnMap map;
+    map.insert({1, 1});
+    map.build({{5, 2}, {3, 9}, {5, 1}, {3, 9}});
+    EXPECT_EQ(3u, map.size());
+    EXPECT_EQ((std::vector<Entry>{{3, 9}, {5, 1}, {5, 2}}), content(map));
+    map.build({});
+    EXPECT_EQ(0u, map.size());
+    EXPECT_FALSE(map.lower_bound({}));
+}
+
+TEST(ColumnMap, double_insert_and_erase_of_absent_change_nothing) {
+    ColumnMap map;
+    map.insert({1, 1});
+    map.insert({1, 1});
+    EXPECT_EQ(1u, map.size());
+    map.erase({1, 2});
+    map.erase({0, 1});
+    map.erase({9, 1});
+    EXPECT_EQ(1u, map.size());
+    map.erase({1, 1});
+    EXPECT_EQ(0u, map.size());
+    map.erase({1, 1});
+    EXPECT_EQ(0u, map.size());
+}
+
+TEST(ColumnMap, growing_keys_are_all_found) {
+    ColumnMap map;
+    for (std::uint32_t i = 0; i < 100000; ++i) map.insert({i, i});
+    EXPECT_EQ(100000u, map.size());
+    for (std::uint32_t i = 0; i < 100000; i += 777) EXPECT_EQ((Entry{i, i}), map.lower_bound({i, 0}));
+    EXPECT_FALSE(map.lower_bound({100000, 0}));
+}
+
+TEST(ColumnMap, random_changes_agree_with_a_set) {
+    std::mt19937 random(99);
+    const auto any = [&random](std::uint32_t below) { return static_cast<std::uint32_t>(random() % below); };
+    for (const std::uint32_t keys : {5u, 300u, 100000u}) {
+        std::set<Entry> expected;
+        std::vector<Entry> start;
+        for (int i = 0; i < 2000; ++i) start.push_back({any(keys), any(1000)});
+        expected.insert(start.begin(), start.end());
+        ColumnMap map;
+        map.build(start);
+        for (int round = 0; round < 30000; ++round) {
+            const Entry entry{any(keys), any(1000)};
+            // Phases of growing and of shrinking, so that blocks split and vanish.
+            const bool grow = (round / 5000) % 2 == 0 ? any(4) != 0 : any(4) == 0;
+            if (grow) {
+                map.insert(entry);
+                expected.insert(entry);
+            } else {
+                const auto victim = expected.lower_bound(entry);
+                const Entry gone = victim == expected.end() ? entry : *victim;
+                map.erase(gone);
+                expected.erase(gone);
+            }
+            const auto found = map.lower_bound(entry);
+            const auto wanted = expected.lower_bound(entry);
+            ASSERT_EQ(wanted != expected.end(), found.has_value());
+            if (found) {
+                ASSERT_EQ(*wanted, *found);
+            }
+        }
+        EXPECT_EQ(expected.size(), map.size());
+        EXPECT_EQ((std::vector<Entry>(expected.begin(), expected.end())), content(map));
+    }
+}
+
+}  // namespace

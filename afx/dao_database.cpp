@@ -7,7 +7,6 @@
 
 #include "afx/dao_error.h"
 #include "afx/engine_database.h"
-#include "os/file.h"
 #include "os/system.h"
 
 namespace {
@@ -88,7 +87,10 @@ void afx::DatabaseUser::unlink() {
 // ---- Workspace -----------------------------------------------------------------------------------
 
 CDaoWorkspace::~CDaoWorkspace() {
-    for (CDaoDatabase* database : databases_) database->m_pWorkspace = &database->own_workspace_;
+    for (CDaoDatabase* database : databases_) {
+        database->m_pWorkspace = &database->own_workspace_;
+        if (this != database->m_pWorkspace) database->own_workspace_.databases_.push_back(database);
+    }
 }
 
 void CDaoWorkspace::BeginTrans() {

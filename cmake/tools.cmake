@@ -1,1 +1,8 @@
-# The command-line tool.
+# The command-line tool, which lies beside the library that it loads.
+file(GLOB kvdb_tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
+if(kvdb_tool_sources)
+    add_executable(kvdb_tool ${kvdb_tool_sources})
+    target_link_libraries(kvdb_tool PRIVATE kvdb_os kvdb_options ${CMAKE_DL_LIBS})
+    set_target_properties(kvdb_tool PROPERTIES OUTPUT_NAME kvdb RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+    add_dependencies(kvdb_tool kvdb)
+endif()

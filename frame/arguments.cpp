@@ -1,5 +1,6 @@
 #include "frame/arguments.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>

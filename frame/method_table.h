@@ -52,13 +52,13 @@ private:
     static HRESULT invoke(IDispatch* gate, [[maybe_unused]] std::span<VARIANT* const> arguments,
                           [[maybe_unused]] BadArgument& bad, std::index_sequence<I...>) {
         [[maybe_unused]] std::tuple<Argument<Parameters>...> values;
-        const auto fits = [&bad](std::size_t parameter, HRESULT result) {
+        [[maybe_unused]] const auto fits = [&bad](std::size_t parameter, HRESULT result) {
             if (FAILED(result)) bad = {parameter, result};
             return SUCCEEDED(result);
         };
         if (!(fits(I, std::get<I>(values).take(*arguments[I])) && ...)) return bad.result;
         const HRESULT result = (static_cast<Gate*>(gate)->*Member)(std::get<I>(values).value()...);
-        (fits(I, std::get<I>(values).give_back(SUCCEEDED(result))) && ...);
+        static_cast<void>((fits(I, std::get<I>(values).give_back(SUCCEEDED(result))) && ...));
         return result;
     }
 };

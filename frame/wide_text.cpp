@@ -10,7 +10,8 @@ static_assert(sizeof(OLECHAR) == sizeof(char16_t));
 
 BSTR to_bstr(std::string_view narrow) {
     const std::u16string wide = os::widen(narrow);
-    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(wide.data()), static_cast<UINT>(wide.size() * sizeof(OLECHAR)));
+    const UINT bytes = static_cast<UINT>(wide.size() * sizeof(OLECHAR));
+    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(wide.data()), bytes);
 }
 
 std::string to_narrow(BSTR wide) {

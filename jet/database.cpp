@@ -187,7 +187,8 @@ void Database::close() {
 TableDef Database::load_table_def(PageNumber page, const std::u16string& name) const {
     TableDef def = parse_table_def(read_definition(impl_->pager, page), page);
     def.name = name;
-    if (!impl_->catalog) return def;
+    // The catalogue's own tables have no properties, and asking it for them would go in a circle.
+    if (page <= jet4::kRelationshipsPage) return def;
     if (const Catalog::Object* object = impl_->catalog->find(static_cast<std::int32_t>(page))) {
         const PropertySet properties = impl_->catalog->properties(*object);
         for (ColumnDef& column : def.columns) {

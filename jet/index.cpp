@@ -182,6 +182,7 @@ private:
     // Writes the changed page at `depth` of the path, split where it has become too large. The path is
     // of no use afterwards.
     void store(Path& path, std::size_t depth, bool append) {
+        path[depth].page.normalize_tail();
         if (path[depth].page.fits()) {
             write(path[depth].page_no, path[depth].page);
             return;

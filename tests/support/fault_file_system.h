@@ -45,8 +45,8 @@ enum class CrashMode {
 
 // Which operation fails, and how.
 struct Fault {
-    std::optional<Operation> operation;  // none: any that is_change()
-    std::uint64_t nth = 1;               // 1: the next one
+    std::optional<Operation> operation = std::nullopt;  // none: any that is_change()
+    std::uint64_t nth = 1;                              // 1: the next one
     os::FileFault fault = os::FileFault::kIo;
     bool lasting = false;       // all later ones fail as well
     bool half_written = false;  // a failing write leaves the first half of its bytes

@@ -1,0 +1,311 @@
+#include "afx/recordset_state.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string>
+#include <utility>
+
+#include "afx/dao_value.h"
+#include "jet/error.h"
+#include "os/system.h"
+
+namespace afx {
+namespace {
+
+using jet::RowId;
+namespace errors = jet::errors;
+
+std::uint64_t next_opening() {
+    static std::uint64_t last = 0;
+    return ++last;
+}
+
+[[noreturn]] void no_current_row() { jet::fail(errors::kNoCurrentRow, "There is no current row."); }
+
+// A statement, or the name of a table standing for all of it.
+std::u16string statement_text(jet::Database& engine, std::string_view text) {
+    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
+    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
+    std::u16string wide = os::widen(text);
+    if (text.find_first_of(" \t\r\n[(") == std::string_view::npos && !text.empty() && engine.find_table(wide) != nullptr) {
+        return u"SELECT * FROM [" + wide + u"]";
+    }
+    return wide;
+}
+
+}  // namespace
+
+RecordsetState::RecordsetState(EngineDatabase& database, std::string_view statement, int type, int options)
+    : opening_(next_opening()),
+      forward_only_((options & dbForwardOnly) != 0 || type == dbOpenForwardOnly),
+      read_only_((options & dbReadOnly) != 0 || type == dbOpenForwardOnly || type == dbOpenSnapshot) {
+    jet::sql::Query query = jet::sql::Query::prepare(database.engine(), statement_text(database.engine(), statement));
+    table_ = &query.table();
+    if (query.is_aggregate()) {
+        // One row whatever it was made of, there from the beginning.
+        aggregate_ = query.aggregate();
+        std::vector<std::u16string> names;
+        for (const jet::sql::ResultColumn& column : query.columns()) names.push_back(column.name);
+        names_ = std::make_shared<const FieldNames>(std::move(names));
+        read_only_ = settled_ = true;
+        visited_ = 1;
+    } else {
+        names_ = database.field_names(*table_);
+        rows_ = std::make_unique<jet::sql::RowSet>(std::move(query));
+    }
+    table_->add_watcher(this);
+}
+
+RecordsetState::~RecordsetState() { table_->remove_watcher(this); }
+
+// ---- Others' changes -----------------------------------------------------------------------------
+
+void RecordsetState::row_inserted(RowId row) {
+    // The place of a deleted row may be given to a new one.
+    if (current_ && *current_ == row) {
+        gone_ = true;
+        has_view_ = false;
+    }
+}
+
+void RecordsetState::row_changing(RowId row) {
+    if (current_ && *current_ == row) has_view_ = false;
+}
+
+// ---- Moving --------------------------------------------------------------------------------------
+
+void RecordsetState::stand_on(RowId row) {
+    current_ = row;
+    erased_here_ = gone_ = has_view_ = false;
+    bof_ = eof_ = false;
+}
+
+void RecordsetState::settle() {
+    if (settled_) return;
+    const std::optional<RowId> first = rows_->first();
+    settled_ = true;
+    if (first) {
+        stand_on(*first);
+        position_ = 0;
+        visited_ = 1;
+    } else {
+        // An addition to an empty set clears the one flag and leaves the other.
+        bof_ = unsettled_.empty();
+        eof_ = true;
+    }
+    for (const RowId row : unsettled_) rows_->append(row);
+    unsettled_.clear();
+}
+
+bool RecordsetState::at_begin() {
+    settle();
+    return bof_;
+}
+
+bool RecordsetState::at_end() {
+    settle();
+    return eof_;
+}
+
+std::int32_t RecordsetState::record_count() {
+    settle();
+    return visited_ + static_cast<std::int32_t>(own_rows_.size()) - erased_;
+}
+
+void RecordsetState::move_first() {
+    cancel_edit();
+    if (forward_only_) jet::fail(errors::kForwardOnly, "A forward-only set does not go back.");
+    settle();
+    if (rows_ == nullptr) {
+        eof_ = false;
+        return;
+    }
+    const std::optional<RowId> first = rows_->first();
+    if (!first) {
+        bof_ = eof_ = true;
+        current_.reset();
+        no_current_row();
+    }
+    stand_on(*first);
+    if (!own_rows_.contains(first->pack())) {
+        position_ = 0;
+        visited_ = std::max(visited_, 1);
+    }
+}
+
+void RecordsetState::move_next() {
+    cancel_edit();
+    settle();
+    if (eof_) no_current_row();
+    const std::optional<RowId> next = rows_ != nullptr ? rows_->next() : std::nullopt;
+    if (!next) {
+        eof_ = true;
+        current_.reset();
+        return;
+    }
+    stand_on(*next);
+    if (!own_rows_.contains(next->pack())) visited_ = std::max(visited_, ++position_ + 1);
+}
+
+// ---- Values --------------------------------------------------------------------------------------
+
+std::size_t RecordsetState::field(std::string_view name) const {
+    const std::optional<std::size_t> position = names_->find(name);
+    if (!position) {
+        jet::fail(errors::kNotInCollection, "Table '" + jet::to_utf8(table_->def().name) + "' has no field '" +
+                                                jet::to_utf8(os::widen(name)) + "'.");
+    }
+    return *position;
+}
+
+std::size_t RecordsetState::field(int index) const {
+    if (index < 0 || static_cast<std::size_t>(index) >= names_->size()) {
+        jet::fail(errors::kNotInCollection, "There is no field number " + std::to_string(index) + ".");
+    }
+    return static_cast<std::size_t>(index);
+}
+
+void RecordsetState::require_current() {
+    settle();
+    if (!current_ || erased_here_) no_current_row();
+    if (gone_) jet::fail(errors::kRowDeleted, "The row has been deleted.");
+}
+
+const jet::RowView& RecordsetState::view() {
+    require_current();
+    if (!has_view_) {
+        if (!table_->read(*current_, view_)) jet::fail(errors::kRowDeleted, "The row has been deleted.");
+        has_view_ = true;
+    }
+    return view_;
+}
+
+void RecordsetState::get(std::size_t field, COleVariant& value) {
+    if (rows_ == nullptr) {
+        if (eof_) no_current_row();
+        return to_variant(aggregate_, value);
+    }
+    if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field])) return to_variant(pending_[field], value);
+    to_variant(view().value(field), value);
+}
+
+void RecordsetState::set(std::size_t field, jet::Value value) {
+    if (mode_ == dbEditNone) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
+    pending_[field] = table_->coerce(field, std::move(value));
+    assigned_[field] = 1;
+}
+
+// ---- Changing rows -------------------------------------------------------------------------------
+
+void RecordsetState::require_updatable() const {
+    if (read_only_) jet::fail(errors::kReadOnly, "The record set is read-only.");
+}
+
+void RecordsetState::add_new() {
+    cancel_edit();
+    require_updatable();
+    const std::vector<jet::ColumnDef>& columns = table_->def().columns;
+    pending_.assign(columns.size(), jet::Null{});
+    assigned_.assign(columns.size(), 0);
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].is_autonumber() && columns[i].type == jet::ColumnType::kLong) pending_[i] = table_->take_autonumber();
+    }
+    additions_.emplace_back();
+    mode_ = dbEditAdd;
+}
+
+void RecordsetState::edit() {
+    cancel_edit();
+    require_updatable();
+    view();
+    pending_.assign(names_->size(), jet::Null{});
+    assigned_.assign(names_->size(), 0);
+    mode_ = dbEditInProgress;
+}
+
+void RecordsetState::update() {
+    if (mode_ == dbEditNone) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
+    if (mode_ == dbEditInProgress) {
+        require_current();
+        std::vector<jet::ColumnChange> changes;
+        for (std::size_t i = 0; i < pending_.size(); ++i) {
+            if (assigned_[i]) changes.push_back({i, pending_[i]});
+        }
+        if (!changes.empty()) table_->update(*current_, changes);
+        has_view_ = false;
+        cancel_edit();
+        last_modified_ = Token{opening_, 0, current_->pack(), position_};
+        return;
+    }
+    const RowId row = table_->insert(pending_);
+    cancel_edit();
+    additions_.back() = row;
+    own_rows_.insert(row.pack());
+    last_modified_ = Token{opening_, static_cast<std::uint32_t>(additions_.size()), 0, 0};
+    if (settled_) {
+        rows_->append(row);
+        bof_ = false;
+    } else {
+        unsettled_.push_back(row);
+    }
+}
+
+void RecordsetState::erase() {
+    cancel_edit();
+    require_updatable();
+    require_current();
+    table_->erase(*current_);
+    erased_here_ = true;
+    ++erased_;
+}
+
+// ---- Bookmarks -----------------------------------------------------------------------------------
+
+COleVariant RecordsetState::make_bookmark(const Token& token) const {
+    char bytes[sizeof(Token)];
+    std::memcpy(bytes, &token, sizeof token);
+    COleVariant bookmark;
+    bookmark.SetText({bytes, sizeof bytes});
+    return bookmark;
+}
+
+COleVariant RecordsetState::bookmark() {
+    if (forward_only_) jet::fail(errors::kForwardOnly, "A forward-only set has no bookmarks.");
+    if (rows_ == nullptr) no_current_row();
+    require_current();
+    return make_bookmark({opening_, 0, current_->pack(), position_});
+}
+
+COleVariant RecordsetState::last_modified_bookmark() {
+    if (mode_ == dbEditAdd) return make_bookmark({opening_, static_cast<std::uint32_t>(additions_.size()), 0, 0});
+    if (mode_ == dbEditInProgress) return make_bookmark({opening_, 0, current_->pack(), position_});
+    if (!last_modified_) jet::fail(errors::kNoCurrentRow, "No row has been modified yet.");
+    return make_bookmark(*last_modified_);
+}
+
+void RecordsetState::set_bookmark(const VARIANT& bookmark) {
+    const auto invalid = [] { jet::fail(errors::kBadBookmark, "The bookmark is not one of this record set."); };
+    Token token;
+    if (bookmark.vt != VT_BSTR || variant_text(bookmark).size() != sizeof token) invalid();
+    std::memcpy(&token, variant_text(bookmark).data(), sizeof token);
+    if (token.opening != opening_ || token.addition > additions_.size()) invalid();
+
+    RowId row = RowId::unpack(token.row);
+    if (token.addition != 0) {
+        // The pending new row is where the set stands already.
+        if (mode_ == dbEditAdd && token.addition == additions_.size()) return;
+        row = additions_[token.addition - 1];
+    } else if (mode_ == dbEditInProgress && current_ && *current_ == row) {
+        return;
+    }
+    cancel_edit();
+    settle();
+    const bool own = own_rows_.contains(row.pack());
+    if (row.is_null() || rows_ == nullptr || (!own && !rows_->delivered(row))) invalid();
+    if (!table_->exists(row)) jet::fail(errors::kRowDeleted, "The row has been deleted.");
+    rows_->move_to(row);
+    stand_on(row);
+    position_ = own ? visited_ - 1 : token.position;
+}
+
+}  // namespace afx

@@ -68,7 +68,6 @@ protected:
 TEST_F(PosixFiles, locked_file_opened_by_a_second_process_is_locked_until_released) {
     auto holder = system_in_use().open(path_, OpenMode::kCreateExclusive);
     const auto open_in_child = [&] {
-        // The child lets go of what it inherited, as a process of its own would not have it.
         return in_child([&] {
             system_in_use().open(path_, OpenMode::kExclusive);
             return kNoFault;

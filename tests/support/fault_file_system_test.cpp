@@ -197,7 +197,7 @@ TEST_F(FaultFileSystemTest, torn_loss_takes_whole_sectors_and_differs_by_seed) {
     const auto file = make_durable("x", Bytes(2048, 1));
     file->write(100, Bytes(1500, 2));
     std::set<Bytes> outcomes;
-    for (std::uint32_t seed = 0; seed < 64; ++seed) {
+    for (std::uint32_t seed = 0; seed < 256; ++seed) {
         const Bytes torn = system_.crash(CrashMode::kTearUnsynced, seed)->content("x");
         EXPECT_EQ(torn, system_.crash(CrashMode::kTearUnsynced, seed)->content("x"));
         ASSERT_EQ(torn.size(), 2048u);
@@ -231,7 +231,7 @@ TEST_F(FaultFileSystemTest, torn_loss_keeps_some_names) {
     system_.open("a", OpenMode::kCreateExclusive);
     system_.open("b", OpenMode::kCreateExclusive);
     std::set<std::vector<std::string>> outcomes;
-    for (std::uint32_t seed = 0; seed < 64; ++seed) {
+    for (std::uint32_t seed = 0; seed < 256; ++seed) {
         outcomes.insert(system_.crash(CrashMode::kTearUnsynced, seed)->names());
     }
     EXPECT_EQ(outcomes.size(), 4u);

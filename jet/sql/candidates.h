@@ -1,0 +1,34 @@
+// The rows that may meet a query's condition: those of a span of a column's map, else the whole table.
+#pragma once
+
+#include <optional>
+
+#include "jet/sql/query.h"
+
+namespace jet::sql {
+
+// The entry behind `entry` in a map; none behind the last possible one.
+inline std::optional<ColumnMap::Entry> entry_after(ColumnMap::Entry entry) {
+    if (++entry.row == 0 && ++entry.key == 0) return std::nullopt;
+    return entry;
+}
+
+// Calls visit(RowId) for each candidate: by key and then row for a span, else in scan order. `visit` must not
+// change the table.
+template <class Visitor>
+void visit_candidates(Table& table, const std::optional<MapSpan>& span, Visitor&& visit) {
+    const ColumnMap* map = span ? table.column_map(span->position) : nullptr;
+    if (map == nullptr) {
+        for (auto row = table.next_row({}); row; row = table.next_row(*row)) visit(*row);
+        return;
+    }
+    std::optional<ColumnMap::Entry> from = ColumnMap::Entry{span->first_key, 0};
+    while (from) {
+        const auto entry = map->lower_bound(*from);
+        if (!entry || entry->key > span->last_key) return;
+        visit(RowId::unpack(entry->row));
+        from = entry_after(*entry);
+    }
+}
+
+}  // namespace jet::sql

@@ -1,0 +1,155 @@
+// Commands that look at one file with the engine alone: tables, schema, rows, check.
+#include <cstdio>
+#include <iostream>
+#include <memory>
+
+#include "jet/check.h"
+#include "jet/database.h"
+#include "tools/arguments.h"
+#include "tools/commands.h"
+#include "tools/value_text.h"
+
+namespace tools {
+namespace {
+
+std::unique_ptr<jet::Database> open(const std::string& path, const Arguments& arguments) {
+    jet::OpenOptions options;
+    options.read_only = true;
+    options.password = jet::from_utf8(arguments.value("--password").value_or(""));
+    return jet::Database::open(path, options);
+}
+
+jet::Table& find_table(jet::Database& database, const std::string& name) {
+    jet::Table* table = database.find_table(jet::from_utf8(name));
+    if (!table) throw CommandError("there is no table '" + name + "' in " + database.path());
+    return *table;
+}
+
+std::string type_text(const jet::ColumnDef& column) {
+    switch (column.type) {
+        case jet::ColumnType::kBoolean: return "boolean";
+        case jet::ColumnType::kByte: return "byte";
+        case jet::ColumnType::kInteger: return "integer";
+        case jet::ColumnType::kLong: return column.is_autonumber() ? "long auto-number" : "long";
+        case jet::ColumnType::kCurrency: return "currency";
+        case jet::ColumnType::kSingle: return "single";
+        case jet::ColumnType::kDouble: return "double";
+        case jet::ColumnType::kDate: return "date";
+        case jet::ColumnType::kBinary: return "binary(" + std::to_string(column.length_bytes) + ")";
+        case jet::ColumnType::kText: return "text(" + std::to_string(column.length_bytes / 2) + ")";
+        case jet::ColumnType::kOle: return "ole";
+        case jet::ColumnType::kMemo: return "memo";
+        case jet::ColumnType::kGuid: return "guid";
+        case jet::ColumnType::kNumeric:
+            return "numeric(" + std::to_string(column.precision) + "," + std::to_string(column.scale) + ")";
+        case jet::ColumnType::kFixedBinary: return "fixed binary(" + std::to_string(column.length_bytes) + ")";
+        case jet::ColumnType::kComplexId: return "complex";
+    }
+    return "type " + std::to_string(static_cast<int>(column.type));
+}
+
+void print_schema(const jet::TableDef& def) {
+    std::printf("%s (%u rows)\n", jet::to_utf8(def.name).c_str(), def.row_count);
+    for (const jet::ColumnDef& column : def.columns) {
+        std::string notes;
+        const bool is_text = column.type == jet::ColumnType::kText || column.type == jet::ColumnType::kMemo;
+        if (is_text && !column.allow_zero_length) notes += ", no zero length";
+        if (column.required) notes += ", required";
+        std::printf("  %-24s %s%s\n", jet::to_utf8(column.name).c_str(), type_text(column).c_str(), notes.c_str());
+    }
+    for (const jet::LogicalIndex& index : def.logical_indexes) {
+        std::printf("  index %s%s:", jet::to_utf8(index.name).c_str(), index.type == 1 ? " (primary key)" : "");
+        if (index.real_index < def.real_indexes.size()) {
+            for (const jet::KeyColumn& key : def.real_indexes[index.real_index].columns) {
+                const auto position = def.column_by_number(key.column_number);
+                std::printf(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?", key.ascending ? "" : " desc");
+            }
+        }
+        std::printf("\n");
+    }
+}
+
+// Calls `visit` with every row in scan order.
+template <class Visitor>
+void for_each_row(const jet::Table& table, Visitor&& visit) {
+    jet::RowView row;
+    for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
+        if (table.read(*id, row)) visit(row);
+    }
+}
+
+}  // namespace
+
+int run_tables(const Words& words) {
+    const Arguments arguments(words, {"--system"}, {"--password"});
+    const auto database = open(arguments.expect(1, 1, "tables FILE [--system] [--password TEXT]")[0], arguments);
+    for (const jet::CatalogEntry& entry : database->catalog()) {
+        if (entry.is_system() && !arguments.has("--system")) continue;
+        if (entry.type == 1) std::printf("%s\n", jet::to_utf8(entry.name).c_str());
+    }
+    return 0;
+}
+
+int run_schema(const Words& words) {
+    const Arguments arguments(words, {}, {"--password"});
+    const auto& positional = arguments.expect(1, 2, "schema FILE [TABLE] [--password TEXT]");
+    const auto database = open(positional[0], arguments);
+    if (positional.size() == 2) {
+        print_schema(find_table(*database, positional[1]).def());
+        return 0;
+    }
+    for (const std::u16string& name : database->table_names()) {
+        if (const jet::Table* table = database->find_table(name)) print_schema(table->def());
+    }
+    return 0;
+}
+
+int run_rows(const Words& words) {
+    const Arguments arguments(words, {"--json", "--csv"}, {"--password"});
+    const auto& positional = arguments.expect(2, 2, "rows FILE TABLE [--json|--csv] [--password TEXT]");
+    if (arguments.has("--json") && arguments.has("--csv")) throw UsageError("--json and --csv exclude each other");
+    const auto database = open(positional[0], arguments);
+    const jet::Table& table = find_table(*database, positional[1]);
+    const auto& columns = table.def().columns;
+    if (arguments.has("--json")) {
+        std::cout << "[";
+        const char* between = "\n";
+        for_each_row(table, [&](const jet::RowView& row) {
+            std::cout << between << "  {";
+            for (std::size_t i = 0; i < columns.size(); ++i) {
+                std::cout << (i ? ", " : "") << json_string(jet::to_utf8(columns[i].name)) << ": " << json_value(row.value(i));
+            }
+            std::cout << "}";
+            between = ",\n";
+        });
+        std::cout << "\n]\n";
+        return 0;
+    }
+    const bool csv = arguments.has("--csv");
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        std::cout << (i == 0 ? "" : csv ? "," : "\t") << (csv ? csv_quoted(jet::to_utf8(columns[i].name)) : jet::to_utf8(columns[i].name));
+    }
+    std::cout << (csv ? "\r\n" : "\n");
+    for_each_row(table, [&](const jet::RowView& row) {
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            std::cout << (i == 0 ? "" : csv ? "," : "\t") << (csv ? csv_field(row.value(i)) : plain_text(row.value(i)));
+        }
+        std::cout << (csv ? "\r\n" : "\n");
+    });
+    return 0;
+}
+
+int run_check(const Words& words) {
+    const Arguments arguments(words, {}, {"--password"});
+    const auto& positional = arguments.expect(1, 1, "check FILE [--password TEXT]");
+    const auto database = open(positional[0], arguments);
+    const std::vector<jet::Violation> violations = jet::check_structure(*database);
+    for (const jet::Violation& violation : violations) {
+        const std::string row = violation.row < 0 ? "" : ", row " + std::to_string(violation.row);
+        std::printf("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(), violation.detail.c_str());
+    }
+    std::printf("%s: %zu violation%s\n", positional[0].c_str(), violations.size(), violations.size() == 1 ? "" : "s");
+    return violations.empty() ? 0 : 1;
+}
+
+}  // namespace tools

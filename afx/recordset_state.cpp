@@ -61,11 +61,12 @@ RecordsetState::~RecordsetState() { table_->remove_watcher(this); }
 // ---- Others' changes -----------------------------------------------------------------------------
 
 void RecordsetState::row_inserted(RowId row) {
-    // The place of a deleted row may be given to a new one.
+    // The place of a deleted row may be given to a new one, which is not the old one's heir.
     if (current_ && *current_ == row) {
         gone_ = true;
         has_view_ = false;
     }
+    if (own_rows_.erase(row.pack()) != 0) std::replace(additions_.begin(), additions_.end(), row, RowId{});
 }
 
 void RecordsetState::row_changing(RowId row) {
@@ -109,7 +110,7 @@ bool RecordsetState::at_end() {
 
 std::int32_t RecordsetState::record_count() {
     settle();
-    return visited_ + static_cast<std::int32_t>(own_rows_.size()) - erased_;
+    return visited_ + added_ - erased_;
 }
 
 void RecordsetState::move_first() {
@@ -241,6 +242,7 @@ void RecordsetState::update() {
     cancel_edit();
     additions_.back() = row;
     own_rows_.insert(row.pack());
+    ++added_;
     last_modified_ = Token{opening_, static_cast<std::uint32_t>(additions_.size()), 0, 0};
     if (settled_) {
         rows_->append(row);

@@ -86,6 +86,7 @@ private:
     bool gone_ = false;                          // the current row's place holds another row
     std::int32_t position_ = -1;                 // of the current row among the original ones
     std::int32_t visited_ = 0;                   // original rows
+    std::int32_t added_ = 0;
     std::int32_t erased_ = 0;
     bool has_view_ = false;
     jet::RowView view_;

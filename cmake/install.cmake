@@ -27,3 +27,17 @@ install(FILES ${PROJECT_BINARY_DIR}/kvdb-config.cmake ${PROJECT_BINARY_DIR}/kvdb
 
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kvdb.pc.in ${PROJECT_BINARY_DIR}/kvdb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/pkgconfig)
+
+# The tests of the installed tree use this build as its packager does.
+if(TARGET frame_tests)
+    target_compile_definitions(frame_tests PRIVATE
+        KVDB_CXX="${CMAKE_CXX_COMPILER}"
+        KVDB_CMAKE="${CMAKE_COMMAND}"
+        KVDB_BUILD="${PROJECT_BINARY_DIR}"
+        KVDB_INCLUDE="${PROJECT_SOURCE_DIR}/include"
+        KVDB_TESTS="${PROJECT_SOURCE_DIR}/tests")
+    if(TARGET kvdb_tool)
+        target_compile_definitions(frame_tests PRIVATE KVDB_TOOL)
+        add_dependencies(frame_tests kvdb_tool)
+    endif()
+endif()

@@ -9,7 +9,8 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
 add_library(kvdb_options INTERFACE)
 target_include_directories(kvdb_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
-target_compile_options(kvdb_options INTERFACE -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wconversion -Wno-sign-conversion)
+target_compile_options(kvdb_options INTERFACE
+    -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wconversion -Wno-sign-conversion)
 if(KVDB_WERROR)
     target_compile_options(kvdb_options INTERFACE -Werror)
 endif()
@@ -18,6 +19,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
     target_compile_options(kvdb_options INTERFACE -fno-gnu-unique)
 endif()
 if(KVDB_SANITIZE)
-    target_compile_options(kvdb_options INTERFACE -fsanitize=${KVDB_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
+    target_compile_options(kvdb_options INTERFACE
+        -fsanitize=${KVDB_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
     target_link_options(kvdb_options INTERFACE -fsanitize=${KVDB_SANITIZE})
 endif()

@@ -19,6 +19,7 @@ constexpr std::size_t kHeaderChecksumAt = 56;
 
 constexpr std::uint32_t kCommitMark = 0x54494D43;  // "CMIT"
 constexpr std::size_t kCommitHeader = 24;
+constexpr std::size_t kKeptBufferBytes = 4u << 20;
 constexpr std::size_t kCommitPagesAt = 4;
 constexpr std::size_t kCommitPageCountAt = 8;
 constexpr std::size_t kCommitChecksumAt = 16;  // last field; covers what is before it and the pages
@@ -60,22 +61,28 @@ void Journal::start(const JournalBinding& binding) {
         file_ = files_.open(path_, os::OpenMode::kOpenOrCreate);
         file_->truncate(0);
     }
-    buffer_.assign(kHeaderBytes, 0);
-    std::copy(std::begin(kMagic), std::end(kMagic), buffer_.begin());
-    store_u32(buffer_, kPageSizeAt, jet4::kPageSize);
-    store_u64(buffer_, kIdentityAt, binding.identity);
-    store_u64(buffer_, kCounterAt, binding.base_counter);
-    store_u64(buffer_, kSaltAt, fresh_salt());
-    checksum_ = checksum64(ByteSpan(buffer_).first(kHeaderChecksumAt), 0);
-    store_u64(buffer_, kHeaderChecksumAt, checksum_);
+    header_.assign(kHeaderBytes, 0);
+    std::copy(std::begin(kMagic), std::end(kMagic), header_.begin());
+    store_u32(header_, kPageSizeAt, jet4::kPageSize);
+    store_u64(header_, kIdentityAt, binding.identity);
+    store_u64(header_, kCounterAt, binding.base_counter);
+    store_u64(header_, kSaltAt, fresh_salt());
+    checksum_ = checksum64(ByteSpan(header_).first(kHeaderChecksumAt), 0);
+    store_u64(header_, kHeaderChecksumAt, checksum_);
     end_ = 0;
 }
 
 void Journal::append(const std::vector<JournalPage>& pages, std::uint32_t page_count) {
-    if (end_ > 0) buffer_.clear();
-    const std::size_t head = buffer_.size();
-    buffer_.resize(head + kCommitHeader + pages.size() * (4 + jet4::kPageSize));
-    const MutableByteSpan commit = MutableByteSpan(buffer_).subspan(head);
+    const std::size_t head = end_ > 0 ? 0 : header_.size();
+    const std::size_t total = head + kCommitHeader + pages.size() * (4 + jet4::kPageSize);
+    if (total > buffer_bytes_) {
+        buffer_ = std::make_unique_for_overwrite<std::uint8_t[]>(total);
+        buffer_bytes_ = total;
+    }
+    const MutableByteSpan all(buffer_.get(), total);
+    if (head > 0) store_bytes(all, 0, header_);
+    const MutableByteSpan commit = all.subspan(head);
+    std::fill_n(commit.begin(), kCommitHeader, std::uint8_t{0});
     store_u32(commit, 0, kCommitMark);
     store_u32(commit, kCommitPagesAt, static_cast<std::uint32_t>(pages.size()));
     store_u32(commit, kCommitPageCountAt, page_count);
@@ -92,29 +99,27 @@ void Journal::append(const std::vector<JournalPage>& pages, std::uint32_t page_c
     sum = checksum64(commit.subspan(kCommitHeader), sum);
     store_u64(commit, kCommitChecksumAt, sum);
     try {
-        file_->write(end_, buffer_);
+        file_->write(end_, all);
     } catch (...) {
-        // Part of it may be there: cut it off, so that a later commit stands where this one would have. The
-        // header stays in the buffer when this was the first commit.
-        buffer_.resize(head);
-        try {
-            file_->truncate(end_);
-        } catch (const os::FileError&) {
-            // A torn tail is ignored by the reader, and the next append overwrites it.
-        }
+        // Part of it may be there: cut it off, so that a later commit stands where this one would have.
+        withdraw(end_);
         throw;
     }
-    end_ += buffer_.size();
+    end_ += total;
     checksum_ = sum;
     unsynced_ = true;
-    if (buffer_.capacity() > (4u << 20)) ByteVector().swap(buffer_);
+    if (buffer_bytes_ > kKeptBufferBytes) {
+        buffer_.reset();
+        buffer_bytes_ = 0;
+    }
 }
 
 void Journal::withdraw(std::uint64_t end) noexcept {
     try {
         file_->truncate(end);
     } catch (const os::FileError&) {
-        // The commit may be found at the next opening; it was complete.
+        // A torn tail is ignored by the reader and overwritten by the next append; a whole commit may be found
+        // at the next opening.
     }
 }
 

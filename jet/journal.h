@@ -60,7 +60,7 @@ public:
     void start(const JournalBinding& binding);
     // One write. On failure the tail is cut off again where the system lets it, and the error passes on.
     void append(const std::vector<JournalPage>& pages, std::uint32_t page_count);
-    // Cuts the journal back to `end` bytes where the system lets it; no further use but removal afterwards.
+    // Cuts the journal back to `end` bytes where the system lets it.
     void withdraw(std::uint64_t end) noexcept;
     // What has been appended is on the disk when it returns, the journal's name included.
     void sync();
@@ -80,7 +80,9 @@ private:
     bool name_unsynced_ = false;
     std::uint64_t end_ = 0;       // bytes used
     std::uint64_t checksum_ = 0;  // of the last commit (or the header)
-    ByteVector buffer_;           // the header waits here for the first commit
+    ByteVector header_;           // waits for the first commit
+    std::unique_ptr<std::uint8_t[]> buffer_;
+    std::size_t buffer_bytes_ = 0;
 };
 
 // A 64-bit checksum of `bytes`, chained on `seed`. Not a defence against intent.

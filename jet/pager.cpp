@@ -60,7 +60,6 @@ Pager::Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions opti
     with_engine_errors([&] {
         journal_ = std::make_unique<Journal>(os::file_system(), path_);
         page_count_ = static_cast<std::uint32_t>(std::min<std::uint64_t>(file_->size() / jet4::kPageSize, jet4::kMaxPages));
-        table_.resize(page_count_);
         recover();
         if (!options_.read_only && file_->size() % jet4::kPageSize != 0) {
             fail(errors::kDamaged, "The database is damaged: " + path_ + " ends inside a page.");
@@ -96,7 +95,7 @@ Frame* Pager::new_frame(PageNumber page_no) {
             if (std::exchange(candidate->recently_used, false)) continue;
             frame = candidate;
         }
-        if (frame && frame->page_no < table_.size() && table_[frame->page_no] == frame) table_[frame->page_no] = nullptr;
+        if (frame && frame->page_no < jet4::kMaxPages) table_.set(frame->page_no, nullptr);
     }
     if (!frame) {
         frames_.push_back(std::make_unique<Frame>());
@@ -106,14 +105,13 @@ Frame* Pager::new_frame(PageNumber page_no) {
     frame->dirty = false;
     frame->recently_used = true;
     frame->saved_level = 0;
-    if (page_no >= table_.size()) table_.resize(page_no + 1);
-    table_[page_no] = frame;
+    table_.set(page_no, frame);
     return frame;
 }
 
 Frame* Pager::load(PageNumber page_no) {
     if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
-    if (Frame* frame = table_[page_no]) {
+    if (Frame* frame = table_.find(page_no)) {
         frame->recently_used = true;
         return frame;
     }
@@ -123,7 +121,7 @@ Frame* Pager::load(PageNumber page_no) {
         const std::size_t got = with_engine_errors([&] { return file_->read(at, frame->bytes); });
         if (got != jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
     } catch (...) {
-        table_[page_no] = nullptr;
+        table_.set(page_no, nullptr);
         frame->page_no = jet4::kMaxPages;  // nobody's
         frame->recently_used = false;
         throw;
@@ -183,7 +181,7 @@ void Pager::restore_level(Level& level) {
             frame->saved_level = undo->saved_level_before;
             spare_buffers_.push_back(std::move(undo->image));
         } else {
-            table_[frame->page_no] = nullptr;
+            table_.set(frame->page_no, nullptr);
             frame->page_no = jet4::kMaxPages;
             frame->saved_level = 0;
             frame->recently_used = false;
@@ -299,16 +297,16 @@ void Pager::write_back() {
         while (end < dirty_.size() && dirty_[end] == dirty_[end - 1] + 1 && end - i < 64) ++end;
         const std::uint64_t at = std::uint64_t{dirty_[i]} * jet4::kPageSize;
         if (end - i == 1) {
-            file_->write(at, table_[dirty_[i]]->bytes);
+            file_->write(at, table_.find(dirty_[i])->bytes);
         } else {
             run.clear();
-            for (std::size_t k = i; k < end; ++k) append_bytes(run, table_[dirty_[k]]->bytes);
+            for (std::size_t k = i; k < end; ++k) append_bytes(run, table_.find(dirty_[k])->bytes);
             file_->write(at, run);
         }
         pages_written_ += end - i;
         i = end;
     }
-    for (PageNumber page_no : dirty_) table_[page_no]->dirty = false;
+    for (PageNumber page_no : dirty_) table_.find(page_no)->dirty = false;
     dirty_.clear();
 }
 
@@ -371,21 +369,18 @@ void Pager::recover() {
         return;
     }
     if (content.page_count > jet4::kMaxPages) corrupt(0, "the journal names more pages than a file may have");
-    if (content.page_count > 0) {
-        page_count_ = content.page_count;
-        table_.resize(std::max<std::size_t>(table_.size(), page_count_));
-    }
+    if (content.page_count > 0) page_count_ = content.page_count;
     ByteVector image(jet4::kPageSize);
     for (const JournalContent::Image& last : content.last_images) {
         if (file->read(last.at, image) != jet4::kPageSize) corrupt(last.page_no, "the journal ends inside the page");
         if (options_.read_only) {
             // Only in memory, and never evicted: the file stays as it is.
-            Frame* frame = table_[last.page_no] ? table_[last.page_no] : new_frame(last.page_no);
+            Frame* frame = table_.find(last.page_no) ? table_.find(last.page_no) : new_frame(last.page_no);
             std::memcpy(frame->bytes, image.data(), image.size());
             frame->dirty = true;
         } else {
             file_->write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
-            if (Frame* frame = table_[last.page_no]) std::memcpy(frame->bytes, image.data(), image.size());
+            if (Frame* frame = table_.find(last.page_no)) std::memcpy(frame->bytes, image.data(), image.size());
         }
     }
     if (options_.read_only) return;

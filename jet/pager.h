@@ -8,6 +8,7 @@
 //     commit, so that a journal is replayed onto the file it was written for and no other.
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -27,8 +28,30 @@ class Journal;
 class Pager;
 
 namespace detail {
+
 struct Frame;
-}
+
+// Frames by page number, in chunks made at first use: a large file costs nothing until its pages are read.
+class FrameTable {
+public:
+    Frame* find(PageNumber page_no) const {
+        const std::size_t chunk = page_no / kChunk;
+        return chunk < chunks_.size() && chunks_[chunk] ? (*chunks_[chunk])[page_no % kChunk] : nullptr;
+    }
+    void set(PageNumber page_no, Frame* frame) {
+        const std::size_t chunk = page_no / kChunk;
+        if (chunk >= chunks_.size()) chunks_.resize(chunk + 1);
+        if (!chunks_[chunk]) chunks_[chunk] = std::make_unique<Chunk>();
+        (*chunks_[chunk])[page_no % kChunk] = frame;
+    }
+
+private:
+    static constexpr std::size_t kChunk = 1024;
+    using Chunk = std::array<Frame*, kChunk>;
+    std::vector<std::unique_ptr<Chunk>> chunks_;
+};
+
+}  // namespace detail
 
 // A pinned page: its bytes stay in place while the object lives. `bytes()` is always kPageSize long.
 class Page {
@@ -129,7 +152,7 @@ private:
     PagerOptions options_;
     std::unique_ptr<Journal> journal_;
     std::uint32_t page_count_ = 0;
-    std::vector<detail::Frame*> table_;                    // by page number
+    detail::FrameTable table_;
     std::vector<std::unique_ptr<detail::Frame>> frames_;   // all of them
     std::size_t clock_hand_ = 0;
     std::vector<Level> levels_;

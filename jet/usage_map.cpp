@@ -134,23 +134,36 @@ std::vector<PageNumber> UsageMap::bitmap_pages() const { return map_bitmap_pages
 
 void UsageMap::remove(PageNumber page_no) {
     if (!contains(page_no)) return;
-    const MutablePage page = pager_->modify(row_.page);
-    const MutableByteSpan row = map_bytes(page, row_);
-    const MapRow map(row, row_.page);
-    if (!map.reference) {
-        set_bit(row.subspan(usage::kBitmap), page_no - map.start, false);
-    } else {
+    const Page page = pager_->read(row_.page);
+    const MapRow map(map_bytes(page, row_), row_.page);
+    if (map.reference) {
         const MutablePage bitmap = pager_->modify(map.pointer(page_no / usage::kPagesPerBitmap));
         set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, false);
+    } else {
+        const MutablePage writable = pager_->modify(row_.page);
+        set_bit(map_bytes(writable, row_).subspan(usage::kBitmap), page_no - map.start, false);
     }
 }
 
 void UsageMap::add(PageNumber page_no) {
     if (row_.is_null()) corrupt(page_no, "a page was to be added to a usage map that is not there");
+    if (contains(page_no)) return;
+    const std::size_t k = page_no / usage::kPagesPerBitmap;
+    {
+        // Where the map's bitmap page is there already, it alone changes.
+        const Page page = pager_->read(row_.page);
+        const MapRow map(map_bytes(page, row_), row_.page);
+        if (map.reference && k < map.pointers() && map.pointer(k) != 0) {
+            const MutablePage bitmap = pager_->modify(map.pointer(k));
+            bitmap_of(bitmap);
+            set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, true);
+            return;
+        }
+    }
     const MutablePage page = pager_->modify(row_.page);
     const MutableByteSpan row = map_bytes(page, row_);
-    if (!MapRow(row, row_.page).reference) {
-        const MapRow map(row, row_.page);
+    const MapRow map(row, row_.page);
+    if (!map.reference) {
         if (map.covers(page_no)) {
             set_bit(row.subspan(usage::kBitmap), page_no - map.start, true);
             return;
@@ -172,18 +185,11 @@ void UsageMap::add(PageNumber page_no) {
         for (PageNumber member : members) add(member);
         return;
     }
-    const std::size_t k = page_no / usage::kPagesPerBitmap;
-    const MapRow map(row, row_.page);
     if (k >= map.pointers()) corrupt(row_.page, "a usage map has no room for a page of its file");
-    if (map.pointer(k) == 0) {
-        const MutablePage bitmap = allocator_->allocate();
-        format_bitmap_page(bitmap.bytes(), 0);
-        store_u32(row, 1 + 4 * k, bitmap.number());
-    }
-    const Page check = pager_->read(map.pointer(k));
-    if (test_bit(bitmap_of(check), page_no % usage::kPagesPerBitmap)) return;
-    const MutablePage bitmap = pager_->modify(map.pointer(k));
+    const MutablePage bitmap = allocator_->allocate();
+    format_bitmap_page(bitmap.bytes(), 0);
     set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, true);
+    store_u32(row, 1 + 4 * k, bitmap.number());
 }
 
 void UsageMap::destroy() {

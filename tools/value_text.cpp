@@ -164,6 +164,12 @@ std::string json_string(std::string_view utf8) {
     return text + "\"";
 }
 
+std::string padded(std::string_view utf8, std::size_t width) {
+    std::string text(utf8);
+    for (const char c : utf8) width -= width > 0 && (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+    return text.append(width, ' ');
+}
+
 std::string json_value(const jet::Value& value) {
     if (jet::is_null(value)) return "null";
     const std::string text = plain_text(value);

@@ -17,5 +17,7 @@ std::string csv_quoted(std::string_view utf8);
 // One JSON value; dates, bytes, GUIDs and currency are strings so that nothing is rounded.
 std::string json_value(const jet::Value& value);
 std::string json_string(std::string_view utf8);
+// Text filled up with blanks to `width` characters (not bytes).
+std::string padded(std::string_view utf8, std::size_t width);
 
 }  // namespace tools

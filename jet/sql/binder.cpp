@@ -110,7 +110,7 @@ private:
 
 }  // namespace
 
-Binding bind(const Statement& statement, const TableDef& def, std::vector<Literal> literals) {
+Binding bind_statement(const Statement& statement, const TableDef& def, std::vector<Literal> literals) {
     return Binder(statement, def, std::move(literals)).run();
 }
 

@@ -30,7 +30,7 @@ struct Binding {
 
 // Errors: 3061 for an unknown column, 3464 for values that cannot be compared, 3075 for a bad pattern, 3117
 // and 3122 for the sort keys.
-Binding bind(const Statement& statement, const TableDef& def, std::vector<Literal> literals);
+Binding bind_statement(const Statement& statement, const TableDef& def, std::vector<Literal> literals);
 
 // Of the whole condition; kTrue when there is none. Reads only columns that the condition names.
 Truth evaluate(const Statement& statement, const Binding& binding, const ValueSource& row);

@@ -183,7 +183,7 @@ Query Query::prepare(Database& database, std::u16string_view statement) {
         impl->table = &table_instead_of_statement(database, lexed);
         impl->statement = whole_table(impl->table->def().name);
     }
-    impl->binding = bind(*impl->statement, impl->table->def(), std::move(lexed.literals));
+    impl->binding = bind_statement(*impl->statement, impl->table->def(), std::move(lexed.literals));
     for (const OrderTerm& term : impl->statement->order) {
         impl->order.push_back({impl->binding.positions[term.column], term.descending});
     }

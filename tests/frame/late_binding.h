@@ -43,7 +43,8 @@ public:
     static Variant text(std::u16string_view value) {
         Variant result;
         result.vt = VT_BSTR;
-        result.bstrVal = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(value.data()), static_cast<UINT>(value.size() * 2));
+        const UINT bytes = static_cast<UINT>(value.size() * sizeof(char16_t));
+        result.bstrVal = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(value.data()), bytes);
         return result;
     }
     // A reference to `target`, which must live as long as the result is used.
@@ -73,7 +74,8 @@ public:
 };
 
 inline std::u16string text_of(BSTR text) {
-    return text == nullptr ? std::u16string() : std::u16string(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
+    if (text == nullptr) return std::u16string();
+    return std::u16string(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
 }
 
 // What a call by identifier gave.

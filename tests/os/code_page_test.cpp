@@ -59,7 +59,8 @@ TEST_F(CodePageTest, utf8_every_code_point_survives_a_round_trip) {
             wide = {static_cast<char16_t>(0xD7C0 + (code_point >> 10)),
                     static_cast<char16_t>(0xDC00 + (code_point & 0x3FF))};
         }
-        ASSERT_EQ(os::detail::utf8_to_utf16(os::detail::utf16_to_utf8(wide)), wide) << static_cast<std::uint32_t>(code_point);
+        ASSERT_EQ(os::detail::utf8_to_utf16(os::detail::utf16_to_utf8(wide)), wide)
+            << static_cast<std::uint32_t>(code_point);
     }
 }
 

@@ -89,10 +89,12 @@ std::vector<std::string> output_of(const std::string& command) {
 
 std::string quoted(const std::string& text) { return "'" + text + "'"; }
 
-// What a process with no locale variables but `environment` ("NAME=value ...") is told.
+// What a process with no locale variables but `environment` ("NAME=value ...") is told. The C library itself
+// does not free what it makes of LOCPATH, so leaks are not looked for.
 Answers ask(const std::string& environment, const std::string& program = KVDB_OS_PROBE) {
     const std::vector<std::string> lines =
-        output_of("env -u LC_ALL -u LC_TIME -u LC_CTYPE -u LANG -u LOCPATH " + environment + " " + quoted(program));
+        output_of("env -u LC_ALL -u LC_TIME -u LC_CTYPE -u LANG -u LOCPATH ASAN_OPTIONS=detect_leaks=0 " + environment +
+                  " " + quoted(program));
     if (lines.size() != 5) {
         ADD_FAILURE() << "the probe answered " << lines.size() << " lines";
         return {};

@@ -38,7 +38,7 @@ TEST(Path, join_with_empty_folder_is_the_name) {
     EXPECT_EQ(os::join_path(os::folder_of("b"), "b"), "b");
 }
 
-TEST(DateFormat, override_given_is_answered_until_taken_back) {
+TEST(DateFormatOverride, override_given_is_answered_until_taken_back) {
     const std::string separator = os::date_separator();
     const os::DateOrder order = os::date_order();
     os::set_date_format_for_test("~", os::DateOrder::kYearMonthDay);

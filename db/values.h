@@ -1,0 +1,47 @@
+// The conversions between field values and the members of the records.
+#pragma once
+
+#include <kvdb/cstring.h>
+#include <kvdb/ctime.h>
+
+#include "afx/ole_variant.h"
+
+namespace db {
+
+// A field's value as text, the form from which callers parse numbers. Integers in decimal, VT_R4 with six
+// decimals, VT_R8 in exponent form (the difference is deliberate), currency as COleCurrency::Format, dates
+// as dd/mm/yyyy, VT_BOOL as TRUE or FALSE, VT_UI1 as 0x and two hexadecimal digits, other named types as
+// their name. A type that no rule names gives "Fish", and so does everything by reference before its
+// "Pointer to VT_..." is appended; both are part of the published behaviour.
+CString value_to_text(const VARIANT& value);
+
+// "TRUE" for anything but 0.
+CString truth_text(LONG value);
+
+// What atoi finds in the value's text.
+LONG value_to_integer(const VARIANT& value);
+// What atof finds in the value's text.
+float value_to_float(const VARIANT& value);
+
+// Splits an amount for a currency column: whole units towards zero, and the four digits behind the point of
+// the rest. The rest's sign is lost (-1.25 becomes -1 and 2500, stored as -0.75) and so is its carry
+// (12.99996 becomes 12 and 0): both deliberate. Any float is accepted; what is no number gives a rest of 0.
+// Returns 0.
+int float_to_currency(float value, LONG* whole, LONG* ten_thousandths);
+// The split as an amount.
+COleCurrency currency_of(float value);
+// The amount read back: atof of its text, 0 for Null.
+float float_of(const COleCurrency& amount);
+
+// Month, day and year, each separated by the system locale's date separator whatever the locale's order is:
+// what statements put between "#" marks. 5 March 2005 is 03/05/2005 where the separator is "/".
+CString date_text(CTime time);
+
+// Calendar dates between records and columns. Only the date travels, or date, hour and minute.
+enum class TimeOfDay { kDropped, kToTheMinute };
+// Null column value for a time that has no date (a negative count).
+COleVariant date_value(CTime time, TimeOfDay precision);
+// -1 for Null and for dates that a CTime cannot hold.
+CTime time_of(const COleDateTime& date, TimeOfDay precision);
+
+}  // namespace db

@@ -1,0 +1,88 @@
+# Sourced by ./run, ./test and bench/run: what they need on the machine, and the build of a preset. What is
+# there already is neither installed nor built again.
+
+say() { printf '== %s\n' "$*"; }
+
+die() {
+    printf '%s\n' "$*" >&2
+    exit 1
+}
+
+# A C++ header that the compiler finds.
+has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -std=c++20 -E -x c++ - >/dev/null 2>&1; }
+
+# Whether what the package gives is there, by whatever way it came.
+has_package() {
+    case $1 in
+        g++) command -v "${CXX:-c++}" >/dev/null ;;
+        cmake) command -v cmake >/dev/null ;;
+        ninja-build) command -v ninja >/dev/null ;;
+        pkg-config) command -v pkg-config >/dev/null ;;
+        libgtest-dev) has_header gtest/gtest.h ;;
+        libgmock-dev) has_header gmock/gmock.h ;;
+        libbenchmark-dev) has_header benchmark/benchmark.h ;;
+        libsqlite3-dev) has_header sqlite3.h ;;
+        mdbtools) command -v mdb-export >/dev/null ;;
+        locales) command -v localedef >/dev/null && [ -e /usr/share/i18n/locales/de_DE ] ;;
+        nodejs) command -v node >/dev/null ;;
+        npm) command -v npm >/dev/null ;;
+        clang-format) command -v clang-format >/dev/null ;;
+        python3) command -v python3 >/dev/null ;;
+        *) die "scripts/setup.sh: unknown package $1" ;;
+    esac
+}
+
+# need_packages PACKAGE...: Debian's names. Installs what is missing, or says what is and ends.
+need_packages() {
+    local package as_root=() missing=()
+    for package in "$@"; do
+        has_package "$package" || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+
+    if [ "$(id -u)" -ne 0 ]; then as_root=(sudo); fi
+    if ! command -v apt-get >/dev/null || { [ ${#as_root[@]} -gt 0 ] && ! command -v sudo >/dev/null; }; then
+        die "Please install these packages (Debian's names) and start again: ${missing[*]}"
+    fi
+    say "Installing ${missing[*]}"
+    # An index that is out of date in one part may still hold these packages.
+    "${as_root[@]}" apt-get update -qq || say "The package index could not be brought up to date"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
+        apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
+        die "Installing failed. Please install these packages and start again: ${missing[*]}"
+    for package in "${missing[@]}"; do
+        has_package "$package" || die "$package is installed, but what it should bring is not found"
+    done
+}
+
+# build_preset PRESET [-DNAME=VALUE...] [-- TARGET...]: configures and builds; the named targets alone when given.
+build_preset() {
+    local preset=$1 settings=() targets=()
+    shift
+    while [ $# -gt 0 ] && [ "$1" != -- ]; do
+        settings+=("$1")
+        shift
+    done
+    if [ $# -gt 1 ]; then targets=(--target "${@:2}"); fi
+    if command -v ccache >/dev/null; then
+        export CMAKE_CXX_COMPILER_LAUNCHER=${CMAKE_CXX_COMPILER_LAUNCHER-ccache}
+    fi
+    say "Configuring and building preset $preset"
+    cmake --preset "$preset" --log-level=WARNING "${settings[@]}" >/dev/null
+    cmake --build --preset "$preset" "${targets[@]}"
+}
+
+# The reader of another maker that the interop tests compare with, at the version that its file names.
+# Tests that need it skip where it could not be had.
+install_interop_reader() {
+    local folder=build/interop
+    mkdir -p "$folder"
+    if [ -d "$folder/node_modules" ] && cmp -s tests/interop/package.json "$folder/package.json"; then return 0; fi
+    say "Installing the second reader for the interop tests into $folder"
+    cp tests/interop/package.json "$folder/package.json"
+    if ! npm install --prefix "$folder" --no-package-lock --no-audit --no-fund --ignore-scripts --loglevel=error; then
+        rm -rf "$folder/node_modules" "$folder/package.json"
+        [ "${CI:-}" != true ] || die "The second reader could not be installed"
+        say "The second reader could not be installed: the tests that need it will skip"
+    fi
+}

@@ -1,0 +1,182 @@
+#include "db/values.h"
+
+#include <cmath>
+#include <limits>
+
+#include <gtest/gtest.h>
+
+#include "os/system.h"
+
+namespace {
+
+using db::TimeOfDay;
+
+VARIANT of_type(int type) {
+    VARIANT value;
+    VariantInit(&value);
+    value.vt = static_cast<VARTYPE>(type);
+    value.llVal = 0;
+    return value;
+}
+
+TEST(ValueToText, null_and_empty_are_empty_text) {
+    EXPECT_EQ(db::value_to_text(of_type(VT_EMPTY)), "");
+    EXPECT_EQ(db::value_to_text(of_type(VT_NULL)), "");
+    EXPECT_EQ(db::value_to_integer(of_type(VT_NULL)), 0);
+}
+
+TEST(ValueToText, numbers) {
+    EXPECT_EQ(db::value_to_text(COleVariant(static_cast<short>(-12))), "-12");
+    EXPECT_EQ(db::value_to_text(COleVariant(-2147483647 - 1)), "-2147483648");
+    EXPECT_EQ(db::value_to_text(COleVariant(2.5f)), "2.500000");
+    EXPECT_EQ(db::value_to_text(COleVariant(1.5)), "1.500000e+000");
+    EXPECT_EQ(db::value_to_text(COleVariant(COleCurrency(12, 5000))), "12.5");
+    EXPECT_EQ(db::value_to_text(COleVariant(static_cast<BYTE>(0xAB))), "0xAB");
+    EXPECT_EQ(db::value_to_text(COleVariant(static_cast<BYTE>(7))), "0x07");
+}
+
+TEST(ValueToText, boolean_is_truth_text_and_parses_as_zero) {
+    EXPECT_EQ(db::value_to_text(COleVariant(1, VT_BOOL)), "TRUE");
+    EXPECT_EQ(db::value_to_text(COleVariant(0, VT_BOOL)), "FALSE");
+    EXPECT_EQ(db::value_to_integer(COleVariant(1, VT_BOOL)), 0);
+    EXPECT_EQ(db::truth_text(-5), "TRUE");
+    EXPECT_EQ(db::truth_text(0), "FALSE");
+}
+
+TEST(ValueToText, date_is_day_month_year_without_time) {
+    EXPECT_EQ(db::value_to_text(COleVariant(COleDateTime(2004, 12, 31, 18, 30, 0))), "31/12/2004");
+    EXPECT_EQ(db::value_to_text(COleVariant(COleDateTime())), "30/12/1899");
+}
+
+TEST(ValueToText, text_ends_at_its_first_zero_byte) {
+    EXPECT_EQ(db::value_to_text(COleVariant("caf\xE9")), "caf\xE9");
+    COleVariant value;
+    value.SetText(std::string_view("a\0b", 3));
+    EXPECT_EQ(db::value_to_text(value), "a");
+    EXPECT_EQ(db::value_to_text(of_type(VT_BSTR)), "");
+}
+
+TEST(ValueToText, other_types_give_their_names) {
+    EXPECT_EQ(db::value_to_text(of_type(9)), "VT_DISPATCH");
+    EXPECT_EQ(db::value_to_text(of_type(10)), "VT_ERROR");
+    EXPECT_EQ(db::value_to_text(of_type(13)), "VT_UNKNOWN");
+    EXPECT_EQ(db::value_to_text(of_type(16)), "VT_I1");
+    EXPECT_EQ(db::value_to_text(of_type(31)), "VT_LPWSTR");
+    EXPECT_EQ(db::value_to_text(of_type(64)), "VT_FILETIME");
+    EXPECT_EQ(db::value_to_text(of_type(72)), "VT_CLSID");
+}
+
+TEST(ValueToText, unnamed_types_give_fish) {
+    for (const int type : {14, 15, 32, 36, 63, 73, 0x1000, 0x0FFF}) {
+        EXPECT_EQ(db::value_to_text(of_type(type)), "Fish") << type;
+    }
+}
+
+TEST(ValueToText, flags_keep_their_published_texts) {
+    EXPECT_EQ(db::value_to_text(of_type(VT_BYREF | VT_I4)), "FishPointer to VT_I4");
+    EXPECT_EQ(db::value_to_text(of_type(VT_ARRAY | VT_I2)), "Array of VT_I2");
+    EXPECT_EQ(db::value_to_text(of_type(VT_ARRAY | VT_BYREF | VT_CLSID)), "Array of Pointer to VT_CLSID");
+    EXPECT_EQ(db::value_to_text(of_type(VT_BYREF | 14)), "FishPointer to ");
+    EXPECT_EQ(db::value_to_text(of_type(VT_BYREF | VT_BSTR)), "FishPointer to VT_BSTR");
+}
+
+struct Split {
+    LONG whole = -9;
+    LONG rest = -9;
+};
+
+Split split(float value) {
+    Split result;
+    EXPECT_EQ(db::float_to_currency(value, &result.whole, &result.rest), 0);
+    return result;
+}
+
+struct SplitCase {
+    float value;
+    LONG whole;
+    LONG rest;
+    std::int64_t amount;
+};
+
+class FloatToCurrency : public testing::TestWithParam<SplitCase> {};
+
+TEST_P(FloatToCurrency, known_value_splits_as_documented) {
+    const SplitCase& expected = GetParam();
+    const Split result = split(expected.value);
+    EXPECT_EQ(result.whole, expected.whole);
+    EXPECT_EQ(result.rest, expected.rest);
+    EXPECT_EQ(db::currency_of(expected.value).m_cur.int64, expected.amount);
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, FloatToCurrency,
+                         testing::Values(SplitCase{0.0f, 0, 0, 0}, SplitCase{12.5f, 12, 5000, 125000},
+                                         SplitCase{1.1f, 1, 1000, 11000}, SplitCase{19.99f, 19, 9900, 199900},
+                                         SplitCase{-1.25f, -1, 2500, -7500},           // sign of the rest lost
+                                         SplitCase{-0.5f, 0, 5000, 5000},              // sign lost entirely
+                                         SplitCase{12.99996f, 12, 0, 120000},          // carry dropped
+                                         SplitCase{12.03125f, 12, 313, 120313},        // a tie, away from zero
+                                         SplitCase{1234567.89f, 1234567, 8750, 12345678750}));
+
+TEST(FloatToCurrencySplit, any_float_is_accepted) {
+    EXPECT_EQ(split(std::numeric_limits<float>::infinity()).rest, 0);
+    EXPECT_EQ(split(-std::numeric_limits<float>::infinity()).rest, 0);
+    EXPECT_EQ(split(std::nanf("")).rest, 0);
+    EXPECT_EQ(split(std::numeric_limits<float>::max()).whole, std::numeric_limits<LONG>::min());
+    EXPECT_EQ(split(std::numeric_limits<float>::denorm_min()).rest, 0);
+    EXPECT_EQ(split(3e9f).whole, -1294967296);  // the low 32 bits
+    EXPECT_EQ(split(3e9f).rest, 0);
+    EXPECT_EQ(split(-2147483648.0f).whole, std::numeric_limits<LONG>::min());
+    EXPECT_EQ(split(9.3e18f).whole, std::numeric_limits<LONG>::min());
+}
+
+TEST(FloatOfCurrency, amounts_come_back) {
+    EXPECT_EQ(db::float_of(db::currency_of(12.5f)), 12.5f);
+    EXPECT_EQ(db::float_of(db::currency_of(150.25f)), 150.25f);
+    EXPECT_EQ(db::float_of(db::currency_of(1.1f)), 1.1f);
+    EXPECT_EQ(db::float_of(COleCurrency(of_type(VT_NULL))), 0.0f);
+    EXPECT_EQ(db::value_to_float(COleVariant(2.5f)), 2.5f);
+}
+
+class DateText : public testing::Test {
+protected:
+    ~DateText() override { os::set_date_format_for_test("", os::DateOrder::kMonthDayYear); }
+};
+
+TEST_F(DateText, order_is_month_day_year_whatever_the_locale) {
+    const CTime day(2005, 3, 5, 14, 35, 0);
+    os::set_date_format_for_test("/", os::DateOrder::kMonthDayYear);
+    EXPECT_EQ(db::date_text(day), "03/05/2005");
+    os::set_date_format_for_test(".", os::DateOrder::kDayMonthYear);
+    EXPECT_EQ(db::date_text(day), "03.05.2005");
+    os::set_date_format_for_test("-", os::DateOrder::kYearMonthDay);
+    EXPECT_EQ(db::date_text(CTime(2004, 12, 31, 0, 0, 0)), "12-31-2004");
+}
+
+TEST_F(DateText, time_without_date_gives_no_calendar_date) {
+    os::set_date_format_for_test("/", os::DateOrder::kMonthDayYear);
+    EXPECT_EQ(db::date_text(CTime(-1)), "00/00/0");
+}
+
+TEST(DateValue, only_the_date_travels) {
+    const COleVariant value = db::date_value(CTime(2005, 3, 1, 14, 35, 20), TimeOfDay::kDropped);
+    EXPECT_EQ(value.vt, VT_DATE);
+    EXPECT_EQ(value.date, 38412.0);
+    EXPECT_EQ(db::time_of(COleDateTime(38412.75), TimeOfDay::kDropped), CTime(2005, 3, 1, 0, 0, 0));
+}
+
+TEST(DateValue, to_the_minute_drops_seconds_both_ways) {
+    const COleVariant value = db::date_value(CTime(2005, 3, 1, 14, 35, 20), TimeOfDay::kToTheMinute);
+    EXPECT_EQ(COleDateTime(value).GetHour(), 14);
+    EXPECT_EQ(COleDateTime(value).GetMinute(), 35);
+    EXPECT_EQ(COleDateTime(value).GetSecond(), 0);
+    EXPECT_EQ(db::time_of(COleDateTime(2005, 3, 1, 14, 35, 20), TimeOfDay::kToTheMinute), CTime(2005, 3, 1, 14, 35, 0));
+}
+
+TEST(DateValue, time_without_date_is_null_and_back) {
+    EXPECT_EQ(db::date_value(CTime(-1), TimeOfDay::kDropped).vt, VT_NULL);
+    EXPECT_EQ(db::time_of(COleDateTime(of_type(VT_NULL)), TimeOfDay::kDropped), CTime(-1));
+    EXPECT_EQ(db::time_of(COleDateTime(1960, 1, 1, 0, 0, 0), TimeOfDay::kDropped), CTime(-1));
+    EXPECT_EQ(db::time_of(COleDateTime(2050, 1, 1, 0, 0, 0), TimeOfDay::kDropped), CTime(-1));
+}
+
+}  // namespace

@@ -1,0 +1,549 @@
+// Late binding over a method table of this test's own, with one method for every kind of parameter.
+#include "frame/dispatch.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <stdexcept>
+#include <string>
+
+#include "os/system.h"
+#include "tests/frame/late_binding.h"
+
+using testing_support::invoke;
+using testing_support::Outcome;
+using testing_support::text_of;
+using testing_support::Variant;
+
+namespace {
+
+struct IProbe : IDispatch {
+    virtual HRESULT STDMETHODCALLTYPE Plain() = 0;
+    virtual HRESULT STDMETHODCALLTYPE TakeKey(LONG nKey) = 0;
+    virtual HRESULT STDMETHODCALLTYPE TakeRecord(LONG_PTR pRecord) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Compute(LONG dwType, LONG* pnResult) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Name(LPSTR szName) = 0;
+    virtual HRESULT STDMETHODCALLTYPE File(BSTR szFile) = 0;
+
+protected:
+    ~IProbe() = default;
+};
+
+constexpr frame::Method kMethods[] = {
+    frame::method<&IProbe::Plain>("Plain"),
+    frame::method<&IProbe::TakeKey>("TakeKey", "nKey"),
+    frame::method<&IProbe::TakeRecord>("TakeRecord", "pRecord"),
+    frame::method<&IProbe::Compute>("Compute", "dwType", "pnResult"),
+    frame::method<&IProbe::Name>("Name", "szName"),
+    frame::method<&IProbe::File>("File", "szFile"),
+};
+
+// Records what arrives and answers what it is told.
+class Probe final : public IProbe {
+public:
+    HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }
+    ULONG STDMETHODCALLTYPE AddRef() override { return 1; }
+    ULONG STDMETHODCALLTYPE Release() override { return 1; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
+        return frame::ids_of_names(kMethods, riid, names, count, ids);
+    }
+    HRESULT STDMETHODCALLTYPE Invoke(DISPID id, REFIID riid, LCID, WORD flags, DISPPARAMS* parameters, VARIANT* outcome,
+                                     EXCEPINFO* exception, UINT* bad) override {
+        return frame::invoke_method(kMethods, this, id, riid, flags, parameters, outcome, exception, bad);
+    }
+
+    HRESULT STDMETHODCALLTYPE Plain() override {
+        ++calls;
+        if (throws == 1) throw new CDaoException(3343, "No database there");
+        if (throws == 2) throw std::runtime_error("out of luck");
+        if (throws == 3) throw 3;
+        return answer;
+    }
+    HRESULT STDMETHODCALLTYPE TakeKey(LONG nKey) override {
+        ++calls;
+        key = nKey;
+        return answer;
+    }
+    HRESULT STDMETHODCALLTYPE TakeRecord(LONG_PTR pRecord) override {
+        ++calls;
+        address = pRecord;
+        return answer;
+    }
+    HRESULT STDMETHODCALLTYPE Compute(LONG dwType, LONG* pnResult) override {
+        ++calls;
+        key = dwType;
+        if (stores) *pnResult = stored;
+        return answer;
+    }
+    HRESULT STDMETHODCALLTYPE Name(LPSTR szName) override {
+        ++calls;
+        text = szName;
+        if (stores) std::strcpy(szName, new_text.c_str());
+        return answer;
+    }
+    HRESULT STDMETHODCALLTYPE File(BSTR szFile) override {
+        ++calls;
+        wide = text_of(szFile);
+        return answer;
+    }
+
+    HRESULT answer = S_OK;
+    int throws = 0;
+    int calls = 0;
+    LONG key = -99;
+    LONG_PTR address = -99;
+    bool stores = true;
+    LONG stored = 42;
+    std::string text;
+    std::string new_text = "Bass";
+    std::u16string wide;
+};
+
+constexpr DISPID kPlain = 1, kTakeKey = 2, kTakeRecord = 3, kCompute = 4, kName = 5, kFile = 6;
+
+Variant with(VARTYPE type, LONGLONG bits) {
+    Variant result;
+    result.vt = type;
+    result.llVal = bits;
+    return result;
+}
+
+HRESULT ids(Probe& probe, std::vector<std::u16string> names, std::vector<DISPID>& found, REFIID riid = IID_NULL) {
+    std::vector<LPOLESTR> pointers;
+    for (auto& name : names) pointers.push_back(reinterpret_cast<LPOLESTR>(name.data()));
+    found.assign(names.size(), 555);
+    return probe.GetIDsOfNames(riid, pointers.data(), static_cast<UINT>(names.size()), 0, found.data());
+}
+
+}  // namespace
+
+TEST(DispatchNames, method_and_parameters_give_slot_and_position) {
+    Probe probe;
+    std::vector<DISPID> found;
+    EXPECT_EQ(ids(probe, {u"Compute", u"pnResult", u"dwType"}, found), S_OK);
+    EXPECT_EQ(found, (std::vector<DISPID>{4, 1, 0}));
+}
+
+TEST(DispatchNames, any_case_is_the_same_name) {
+    Probe probe;
+    std::vector<DISPID> found;
+    EXPECT_EQ(ids(probe, {u"tAKEkEY", u"NKEY"}, found), S_OK);
+    EXPECT_EQ(found, (std::vector<DISPID>{2, 0}));
+}
+
+TEST(DispatchNames, unknown_method_gives_unknown_name) {
+    Probe probe;
+    std::vector<DISPID> found;
+    EXPECT_EQ(ids(probe, {u"TakeKe", u"nKey"}, found), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(found, (std::vector<DISPID>{DISPID_UNKNOWN, DISPID_UNKNOWN}));
+    EXPECT_EQ(ids(probe, {u"TakeKeys"}, found), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(ids(probe, {u""}, found), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(ids(probe, {u"T\u0101keKey"}, found), DISP_E_UNKNOWNNAME);
+}
+
+TEST(DispatchNames, unknown_parameter_gives_unknown_name_for_it_alone) {
+    Probe probe;
+    std::vector<DISPID> found;
+    EXPECT_EQ(ids(probe, {u"Compute", u"nothing", u"dwType"}, found), DISP_E_UNKNOWNNAME);
+    EXPECT_EQ(found, (std::vector<DISPID>{4, DISPID_UNKNOWN, 0}));
+}
+
+TEST(DispatchNames, other_interface_identifier_is_refused) {
+    Probe probe;
+    std::vector<DISPID> found;
+    EXPECT_EQ(ids(probe, {u"Plain"}, found, IID_IDispatch), DISP_E_UNKNOWNINTERFACE);
+}
+
+TEST(DispatchInvoke, success_clears_the_result) {
+    Probe probe;
+    const Outcome outcome = invoke(probe, kPlain, {});
+    EXPECT_EQ(outcome.result, S_OK);
+    EXPECT_EQ(outcome.result_type, VT_EMPTY);
+    EXPECT_EQ(probe.calls, 1);
+}
+
+TEST(DispatchInvoke, unknown_identifier_is_member_not_found) {
+    Probe probe;
+    EXPECT_EQ(invoke(probe, 0, {}).result, DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(invoke(probe, -1, {}).result, DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(invoke(probe, 7, {}).result, DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchInvoke, property_access_is_member_not_found) {
+    Probe probe;
+    DISPPARAMS none{};
+    EXPECT_EQ(probe.Invoke(kPlain, IID_NULL, 0, DISPATCH_PROPERTYGET, &none, nullptr, nullptr, nullptr),
+              DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(probe.Invoke(kPlain, IID_NULL, 0, DISPATCH_PROPERTYPUT, &none, nullptr, nullptr, nullptr),
+              DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(probe.calls, 0);
+    const WORD either = DISPATCH_METHOD | DISPATCH_PROPERTYGET;
+    EXPECT_EQ(probe.Invoke(kPlain, IID_NULL, 0, either, &none, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(probe.calls, 1);
+}
+
+TEST(DispatchInvoke, other_interface_identifier_is_refused) {
+    Probe probe;
+    DISPPARAMS none{};
+    EXPECT_EQ(probe.Invoke(kPlain, IID_IUnknown, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr),
+              DISP_E_UNKNOWNINTERFACE);
+    EXPECT_EQ(probe.Invoke(kPlain, IID_NULL, 0, DISPATCH_METHOD, nullptr, nullptr, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchInvoke, wrong_count_is_bad_parameter_count) {
+    Probe probe;
+    EXPECT_EQ(invoke(probe, kPlain, {Variant::i4(1)}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(invoke(probe, kTakeKey, {}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(1)}).result, DISP_E_BADPARAMCOUNT);
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchInvoke, failure_of_the_method_is_an_exception_with_its_code) {
+    Probe probe;
+    probe.answer = E_FAIL;
+    const Outcome outcome = invoke(probe, kPlain, {});
+    EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+    EXPECT_EQ(outcome.scode, E_FAIL);
+    EXPECT_EQ(outcome.description, u"");
+    DISPPARAMS none{};
+    EXPECT_EQ(probe.Invoke(kPlain, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr), DISP_E_EXCEPTION);
+}
+
+TEST(DispatchInvoke, engine_error_let_out_is_an_exception_with_its_text) {
+    Probe probe;
+    probe.throws = 1;
+    const Outcome outcome = invoke(probe, kPlain, {});
+    EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+    EXPECT_EQ(outcome.scode, E_FAIL);
+    EXPECT_EQ(outcome.source, u"KVDB");
+    EXPECT_EQ(outcome.description, u"No database there");
+}
+
+TEST(DispatchInvoke, other_exceptions_do_not_get_out) {
+    Probe probe;
+    probe.throws = 2;
+    const Outcome outcome = invoke(probe, kPlain, {});
+    EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+    EXPECT_EQ(outcome.description, u"out of luck");
+    probe.throws = 3;
+    EXPECT_EQ(invoke(probe, kPlain, {}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(invoke(probe, kPlain, {}).scode, E_FAIL);
+}
+
+TEST(DispatchNamedArguments, position_by_identifier_replaces_order) {
+    Probe probe;
+    LONG out = 0;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::ref(out), Variant::i4(9)}, {1, 0}).result, S_OK);
+    EXPECT_EQ(probe.key, 9);
+    EXPECT_EQ(out, 42);
+}
+
+TEST(DispatchNamedArguments, mixed_with_unnamed_ones_fill_the_rest) {
+    Probe probe;
+    LONG out = 0;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(8), Variant::ref(out)}, {1}).result, S_OK);
+    EXPECT_EQ(probe.key, 8);
+    EXPECT_EQ(out, 42);
+}
+
+TEST(DispatchNamedArguments, unknown_or_twice_given_is_parameter_not_found) {
+    Probe probe;
+    LONG out = 0;
+    const Outcome unknown = invoke(probe, kCompute, {Variant::i4(8), Variant::ref(out)}, {2});
+    EXPECT_EQ(unknown.result, DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(unknown.bad_argument, 0u);
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(8), Variant::ref(out)}, {0}).result, DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(invoke(probe, kTakeKey, {Variant::i4(8)}, {DISPID_PROPERTYPUT}).result, DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchNamedArguments, left_out_argument_is_not_optional) {
+    Probe probe;
+    LONG out = 0;
+    const Variant left_out = with(VT_ERROR, static_cast<LONG>(DISP_E_PARAMNOTFOUND));
+    const Outcome outcome = invoke(probe, kCompute, {left_out, Variant::ref(out)});
+    EXPECT_EQ(outcome.result, DISP_E_PARAMNOTOPTIONAL);
+    EXPECT_EQ(outcome.bad_argument, 1u);
+}
+
+// ---- Integers
+
+TEST(DispatchInteger, every_numeric_type_is_taken) {
+    Probe probe;
+    struct Case {
+        Variant given;
+        LONG expected;
+    };
+    Variant r4;
+    r4.vt = VT_R4;
+    r4.fltVal = 1.5f;
+    Variant cy;
+    cy.vt = VT_CY;
+    cy.cyVal.int64 = 120000;
+    Variant date = Variant::r8(38412.25);
+    date.vt = VT_DATE;
+    Variant truth;
+    truth.vt = VT_BOOL;
+    truth.boolVal = VARIANT_TRUE;
+    const Case cases[] = {
+        {with(VT_I1, 0xFF), -1},
+        {with(VT_UI1, 0xFF), 255},
+        {with(VT_I2, 0xFFFE), -2},
+        {with(VT_UI2, 0xFFFE), 65534},
+        {Variant::i4(-7), -7},
+        {with(VT_INT, 7), 7},
+        {with(VT_UI4, 2147483647), 2147483647},
+        {with(VT_UINT, 12), 12},
+        {Variant::i8(-2147483648LL), std::numeric_limits<LONG>::min()},
+        {with(VT_UI8, 5), 5},
+        {r4, 2},
+        {Variant::r8(2.5), 2},
+        {Variant::r8(-3.5), -4},
+        {truth, -1},
+        {cy, 12},
+        {date, 38412},
+        {Variant(), 0},
+        {Variant::text(u"17"), 17},
+        {Variant::text(u"  -17 "), -17},
+        {Variant::text(u"+8"), 8},
+        {Variant::text(u"1.6e1"), 16},
+    };
+    for (const Case& c : cases) {
+        probe.key = -99;
+        EXPECT_EQ(invoke(probe, kTakeKey, {c.given}).result, S_OK) << "type " << c.given.vt;
+        EXPECT_EQ(probe.key, c.expected) << "type " << c.given.vt;
+    }
+}
+
+TEST(DispatchInteger, references_are_followed) {
+    Probe probe;
+    LONG number = 31;
+    EXPECT_EQ(invoke(probe, kTakeKey, {Variant::ref(number)}).result, S_OK);
+    EXPECT_EQ(probe.key, 31);
+    Variant inner = Variant::text(u"32");
+    EXPECT_EQ(invoke(probe, kTakeKey, {Variant::ref(inner)}).result, S_OK);
+    EXPECT_EQ(probe.key, 32);
+    double real = 33.0;
+    EXPECT_EQ(invoke(probe, kTakeKey, {Variant::ref_to(VT_R8, &real)}).result, S_OK);
+    EXPECT_EQ(probe.key, 33);
+    Variant nested = Variant::ref(number);
+    EXPECT_EQ(invoke(probe, kTakeKey, {Variant::ref(nested)}).result, S_OK);
+    EXPECT_EQ(probe.key, 31);
+}
+
+TEST(DispatchInteger, value_out_of_range_overflows) {
+    Probe probe;
+    for (const Variant& given :
+         {Variant::i8(2147483648LL), with(VT_UI4, 4294967295LL), with(VT_UI8, -1), Variant::r8(1e300),
+          Variant::r8(std::nan("")), Variant::text(u"99999999999"), Variant::text(u"1e999")}) {
+        const Outcome outcome = invoke(probe, kTakeKey, {given});
+        EXPECT_EQ(outcome.result, DISP_E_OVERFLOW) << "type " << given.vt;
+        EXPECT_EQ(outcome.bad_argument, 0u);
+    }
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchInteger, other_types_mismatch_and_name_the_argument) {
+    Probe probe;
+    LONG out = 0;
+    for (const Variant& given : {with(VT_NULL, 0), with(VT_ERROR, 1), with(VT_DISPATCH, 0), Variant::text(u"seven"),
+                                 Variant::text(u""), Variant::text(u"1 2"), Variant::ref_to(VT_I4, nullptr)}) {
+        const Outcome outcome = invoke(probe, kCompute, {given, Variant::ref(out)});
+        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << "type " << given.vt;
+        EXPECT_EQ(outcome.bad_argument, 1u);  // arguments are listed backwards
+    }
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchRecord, address_arrives_whole) {
+    Probe probe;
+    LONG record = 0;
+    EXPECT_EQ(invoke(probe, kTakeRecord, {Variant::record(record)}).result, S_OK);
+    EXPECT_EQ(probe.address, reinterpret_cast<LONG_PTR>(&record));
+    EXPECT_EQ(invoke(probe, kTakeRecord, {Variant::i4(0)}).result, S_OK);
+    EXPECT_EQ(probe.address, 0);
+    EXPECT_EQ(invoke(probe, kTakeRecord, {Variant::i4(-2)}).result, S_OK);
+    EXPECT_EQ(probe.address, -2);
+}
+
+// ---- Out integers
+
+TEST(DispatchOutInteger, is_stored_through_every_kind_of_reference) {
+    Probe probe;
+    LONG number = 1;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref(number)}).result, S_OK);
+    EXPECT_EQ(number, 42);
+    std::int64_t wide = 1;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref_to(VT_I8, &wide)}).result, S_OK);
+    EXPECT_EQ(wide, 42);
+    std::int16_t small = 1;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref_to(VT_I2, &small)}).result, S_OK);
+    EXPECT_EQ(small, 42);
+    double real = 1;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref_to(VT_R8, &real)}).result, S_OK);
+    EXPECT_EQ(real, 42);
+    Variant inner = Variant::ref(number);
+    number = 1;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref(inner)}).result, S_OK);
+    EXPECT_EQ(number, 42);
+}
+
+TEST(DispatchOutInteger, referred_variant_becomes_an_integer) {
+    Probe probe;
+    for (Variant inner : {Variant(), Variant::text(u"before"), Variant::r8(2.5)}) {
+        EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref(inner)}).result, S_OK);
+        EXPECT_EQ(inner.vt, VT_I4);
+        EXPECT_EQ(inner.lVal, 42);
+    }
+}
+
+TEST(DispatchOutInteger, plain_integer_argument_is_overwritten) {
+    Probe probe;
+    VARIANT arguments[2] = {Variant::i4(1), Variant::i4(3)};
+    DISPPARAMS parameters{arguments, nullptr, 2, 0};
+    EXPECT_EQ(probe.Invoke(kCompute, IID_NULL, 0, DISPATCH_METHOD, &parameters, nullptr, nullptr, nullptr), S_OK);
+    EXPECT_EQ(arguments[0].vt, VT_I4);
+    EXPECT_EQ(arguments[0].lVal, 42);
+}
+
+TEST(DispatchOutInteger, failure_leaves_the_callers_value) {
+    Probe probe;
+    probe.answer = E_FAIL;
+    probe.stores = false;
+    LONG number = 17;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref(number)}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(number, 17);
+    Variant inner = Variant::text(u"before");
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref(inner)}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(inner.vt, VT_BSTR);
+}
+
+TEST(DispatchOutInteger, stored_before_a_failure_is_given_back) {
+    Probe probe;
+    probe.answer = E_FAIL;
+    LONG number = 17;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref(number)}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(number, 42);
+}
+
+TEST(DispatchOutInteger, what_cannot_hold_it_mismatches_before_the_call) {
+    Probe probe;
+    BSTR text = nullptr;
+    float real = 0;
+    for (const Variant& given : {Variant::r8(1), Variant::text(u"1"), Variant(), Variant::ref(text),
+                                 Variant::ref_to(VT_R4, &real), Variant::ref_to(VT_I4, nullptr)}) {
+        const Outcome outcome = invoke(probe, kCompute, {Variant::i4(3), given});
+        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << "type " << given.vt;
+        EXPECT_EQ(outcome.bad_argument, 0u);
+    }
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchOutInteger, too_large_for_the_reference_overflows) {
+    Probe probe;
+    probe.stored = 70000;
+    std::int16_t small = 1;
+    EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(3), Variant::ref_to(VT_I2, &small)}).result, DISP_E_OVERFLOW);
+    EXPECT_EQ(small, 1);
+}
+
+// ---- Texts
+
+TEST(DispatchText, by_value_is_read_only) {
+    Probe probe;
+    EXPECT_EQ(invoke(probe, kName, {Variant::text(u"Drums")}).result, S_OK);
+    EXPECT_EQ(probe.text, "Drums");
+    EXPECT_EQ(invoke(probe, kName, {Variant()}).result, S_OK);
+    EXPECT_EQ(probe.text, "");
+}
+
+TEST(DispatchText, written_text_goes_back_into_a_reference) {
+    Probe probe;
+    BSTR text = SysAllocString(reinterpret_cast<LPCOLESTR>(u"Drums"));
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(text)}).result, S_OK);
+    EXPECT_EQ(probe.text, "Drums");
+    EXPECT_EQ(text_of(text), u"Bass");
+    SysFreeString(text);
+
+    Variant inner;
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(inner)}).result, S_OK);
+    ASSERT_EQ(inner.vt, VT_BSTR);
+    EXPECT_EQ(text_of(inner.bstrVal), u"Bass");
+}
+
+TEST(DispatchText, reference_inside_a_referred_variant_is_written) {
+    Probe probe;
+    BSTR text = nullptr;
+    Variant inner = Variant::ref(text);
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(inner)}).result, S_OK);
+    EXPECT_EQ(text_of(text), u"Bass");
+    SysFreeString(text);
+}
+
+TEST(DispatchText, unwritten_text_is_left_as_it_is) {
+    Probe probe;
+    probe.stores = false;
+    const BSTR before = SysAllocString(reinterpret_cast<LPCOLESTR>(u"Tu\u0107"));
+    BSTR text = before;
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(text)}).result, S_OK);
+    EXPECT_EQ(text, before);
+    EXPECT_EQ(text_of(text), u"Tu\u0107");
+
+    probe.stores = true;
+    probe.answer = E_FAIL;
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(text)}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(text, before);
+    SysFreeString(text);
+}
+
+TEST(DispatchText, longest_name_fits_in_any_code_page) {
+    os::set_code_page_for_test(os::CodePage::kUtf8);
+    Probe probe;
+    for (int i = 0; i < 8; ++i) probe.new_text += probe.new_text;  // 1024 bytes
+    probe.new_text.resize(1020);
+    BSTR text = nullptr;
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(text)}).result, S_OK);
+    EXPECT_EQ(SysStringLen(text), 1020u);
+    SysFreeString(text);
+    os::set_code_page_for_test(os::CodePage::kSystem);
+}
+
+TEST(DispatchText, characters_travel_in_the_narrow_code_page) {
+    os::set_code_page_for_test(os::CodePage::kWindows1252);
+    Probe probe;
+    probe.new_text = "Fl\xF6te";
+    Variant inner = Variant::text(u"Caf\u00E9");
+    EXPECT_EQ(invoke(probe, kName, {Variant::ref(inner)}).result, S_OK);
+    EXPECT_EQ(probe.text, "Caf\xE9");
+    EXPECT_EQ(text_of(inner.bstrVal), u"Fl\u00F6te");
+    os::set_code_page_for_test(os::CodePage::kSystem);
+}
+
+TEST(DispatchText, other_types_mismatch) {
+    Probe probe;
+    LONG number = 0;
+    for (const Variant& given :
+         {Variant::i4(1), with(VT_NULL, 0), Variant::ref(number), Variant::ref_to(VT_BSTR, nullptr)}) {
+        EXPECT_EQ(invoke(probe, kName, {given}).result, DISP_E_TYPEMISMATCH) << "type " << given.vt;
+        EXPECT_EQ(invoke(probe, kFile, {given}).result, DISP_E_TYPEMISMATCH) << "type " << given.vt;
+    }
+    EXPECT_EQ(probe.calls, 0);
+}
+
+TEST(DispatchFileName, wide_text_arrives_unchanged) {
+    Probe probe;
+    EXPECT_EQ(invoke(probe, kFile, {Variant::text(u"stu\u0111io.mdb")}).result, S_OK);
+    EXPECT_EQ(probe.wide, u"stu\u0111io.mdb");
+    BSTR text = SysAllocString(reinterpret_cast<LPCOLESTR>(u"x"));
+    EXPECT_EQ(invoke(probe, kFile, {Variant::ref(text)}).result, S_OK);
+    EXPECT_EQ(probe.wide, u"x");
+    SysFreeString(text);
+    EXPECT_EQ(invoke(probe, kFile, {Variant()}).result, S_OK);
+    EXPECT_EQ(probe.wide, u"");
+}

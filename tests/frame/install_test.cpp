@@ -1,0 +1,57 @@
+// The installed tree, and a host that finds it in each of the two ways.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <string>
+
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class InstallSlow : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(run("'" KVDB_CMAKE "' --install '" KVDB_BUILD "' --prefix '" + prefix() + "'"), 0); }
+
+    std::string prefix() const { return folder_.file("prefix"); }
+    std::string file(const std::string& name) const { return folder_.file(name); }
+
+    static int run(const std::string& command) { return std::system((command + " >/dev/null").c_str()); }
+
+private:
+    testing_support::TempFolder folder_;
+};
+
+constexpr const char* kHost = KVDB_TESTS "/frame/install_host";
+
+}  // namespace
+
+TEST_F(InstallSlow, tree_has_headers_library_and_packages) {
+    for (const char* name : {"include/kvdb/kvdb.h", "include/kvdb/com.h", "include/kvdb/cstring.h", "include/kvdb/ctime.h",
+                             "include/kvdb/dao_exception.h", "include/kvdb/gates.h", "include/kvdb/records.h",
+                             "lib/libkvdb.so", "lib/cmake/kvdb/kvdb-config.cmake", "lib/pkgconfig/kvdb.pc"}) {
+        EXPECT_TRUE(fs::exists(fs::path(prefix()) / name)) << name;
+    }
+#ifdef KVDB_TOOL
+    EXPECT_TRUE(fs::exists(fs::path(prefix()) / "bin/kvdb"));
+#endif
+}
+
+TEST_F(InstallSlow, host_finds_the_cmake_package) {
+    ASSERT_EQ(run("'" KVDB_CMAKE "' -S '" + std::string(kHost) + "' -B '" + file("host") + "' -DCMAKE_PREFIX_PATH='" +
+                  prefix() + "' -DCMAKE_CXX_COMPILER='" KVDB_CXX "'"),
+              0);
+    ASSERT_EQ(run("'" KVDB_CMAKE "' --build '" + file("host") + "'"), 0);
+    EXPECT_EQ(run("'" + file("host/host") + "'"), 0);
+}
+
+TEST_F(InstallSlow, host_finds_the_pkg_config_package) {
+    if (run("pkg-config --version") != 0) GTEST_SKIP() << "pkg-config is not installed";
+    const std::string with_path = "PKG_CONFIG_PATH='" + prefix() + "/lib/pkgconfig' ";
+    ASSERT_EQ(run(with_path + "sh -c \"'" KVDB_CXX "' -std=c++17 -o '" + file("pc_host") + "' '" + kHost +
+                  "/host.cpp' \\$(pkg-config --cflags --libs kvdb) -ldl\""),
+              0);
+    EXPECT_EQ(run(with_path + "sh -c \"'" + file("pc_host") + "' \\$(pkg-config --variable=library kvdb)\""), 0);
+}

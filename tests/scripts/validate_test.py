@@ -1,0 +1,128 @@
+#!/usr/bin/env python3
+"""The validate script reports each kind of violation, and nothing else, in a tree made for it."""
+
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+VALIDATE = sys.argv.pop(1)
+
+GOOD_CPP = '#include "os/x.h"\n\nint answer() { return 42; }\n'
+
+
+class ValidateTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="kvdb validate ")
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.write("os/x.h", "#pragma once\n")
+        self.write("jet/x.h", "#pragma once\n")
+        self.write("jet/sql/x.h", "#pragma once\n")
+        self.write("tests/x.h", "#pragma once\n")
+        self.write("include/kvdb/kvdb.h", "#pragma once\n")
+
+    def write(self, path, content):
+        full = os.path.join(self.folder, path)
+        os.makedirs(os.path.dirname(full), exist_ok=True)
+        with open(full, "wb") as file:
+            file.write(content if isinstance(content, bytes) else content.encode())
+
+    def validate(self):
+        """Exit code and the lines reported."""
+        answer = subprocess.run([sys.executable, VALIDATE, self.folder], capture_output=True, text=True, check=False)
+        lines = [line for line in answer.stdout.splitlines() if not line.startswith("validate:")]
+        return answer.returncode, lines
+
+    def expect_only(self, prefix):
+        code, lines = self.validate()
+        self.assertEqual(code, 1)
+        self.assertEqual(len(lines), 1, lines)
+        self.assertTrue(lines[0].startswith(prefix), lines[0])
+
+    def test_good_tree_passes(self):
+        self.write("jet/good.cpp", GOOD_CPP)
+        self.assertEqual(self.validate(), (0, []))
+
+    def test_upward_include_is_reported(self):
+        self.write("os/bad.cpp", '#include "jet/x.h"\n')
+        self.expect_only("os/bad.cpp:1: layer: ")
+
+    def test_upward_include_by_relative_path_is_reported(self):
+        self.write("os/bad.cpp", '\n#include "../jet/x.h"\n')
+        self.expect_only("os/bad.cpp:2: layer: ")
+
+    def test_include_of_an_equal_layer_is_reported(self):
+        self.write("gear/x.h", "#pragma once\n")
+        self.write("studio/bad.cpp", '#include "gear/x.h"\n')
+        self.expect_only("studio/bad.cpp:1: layer: ")
+
+    def test_engine_including_its_statements_is_reported(self):
+        self.write("jet/bad.cpp", '#include "jet/sql/x.h"\n')
+        self.expect_only("jet/bad.cpp:1: layer: ")
+
+    def test_layer_including_tests_is_reported(self):
+        self.write("frame/bad.cpp", '#include "tests/x.h"\n')
+        self.expect_only("frame/bad.cpp:1: layer: ")
+
+    def test_public_header_including_a_layer_is_reported(self):
+        self.write("include/kvdb/bad.h", '#include "os/x.h"\n')
+        self.expect_only("include/kvdb/bad.h:1: layer: ")
+
+    def test_downward_includes_pass(self):
+        self.write("jet/sql/good.cpp", '#include "x.h"\n\n#include "jet/x.h"\n#include "os/x.h"\n')
+        self.write("os/good.cpp", '#include <kvdb/kvdb.h>\n\n#include <string>\n')
+        self.write("tests/good.cpp", '#include "jet/x.h"\n#include "os/x.h"\n')
+        self.assertEqual(self.validate(), (0, []))
+
+    def test_tab_is_reported(self):
+        self.write("docs/bad.md", "one\n\ttwo\n")
+        self.expect_only("docs/bad.md:2: tab: ")
+
+    def test_tab_in_table_of_data_passes(self):
+        self.write("jet/good.tsv", "one\ttwo\n")
+        self.assertEqual(self.validate(), (0, []))
+
+    def test_crlf_is_reported(self):
+        self.write("docs/bad.md", "one\r\n")
+        self.expect_only("docs/bad.md:1: line-end: ")
+
+    def test_missing_last_newline_is_reported(self):
+        self.write("docs/bad.md", "one\ntwo")
+        self.expect_only("docs/bad.md:2: line-end: ")
+
+    def test_line_of_120_characters_passes_and_of_121_is_reported(self):
+        self.write("docs/good.md", "\u00e4" * 120 + "\n")
+        self.assertEqual(self.validate(), (0, []))
+        self.write("docs/bad.md", "x" * 121 + "\n")
+        self.expect_only("docs/bad.md:1: width: ")
+
+    def test_blank_at_line_end_is_reported(self):
+        self.write("docs/bad.md", "one \n")
+        self.expect_only("docs/bad.md:1: blank: ")
+
+    def test_bytes_that_are_not_utf8_are_reported(self):
+        self.write("docs/bad.md", b"one\n\xe4\n")
+        self.expect_only("docs/bad.md:2: encoding: ")
+
+    @unittest.skipUnless(shutil.which("clang-format-14"), "clang-format 14 is not here")
+    def test_unformatted_code_is_reported(self):
+        self.write(".clang-format", "BasedOnStyle: Google\n")
+        self.write("os/bad.cpp", "int  x;\n")
+        self.expect_only("os/bad.cpp:1: format: ")
+
+    def test_every_violation_has_a_line(self):
+        self.write("os/bad.cpp", '#include "jet/x.h"\n\tint x;\n')
+        code, lines = self.validate()
+        self.assertEqual(code, 1)
+        self.assertEqual(len(lines), 2, lines)
+
+    def test_wrong_arguments_are_told_apart(self):
+        answer = subprocess.run([sys.executable, VALIDATE, "a", "b"], capture_output=True, text=True, check=False)
+        self.assertEqual(answer.returncode, 2)
+        self.assertIn("usage", answer.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()

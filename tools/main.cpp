@@ -1,0 +1,69 @@
+// kvdb: the command-line tool. Exit codes: 0 done, 1 failed, 2 not understood; errors are one line on stderr.
+#include <cstdio>
+#include <cstring>
+#include <exception>
+
+#include "tools/arguments.h"
+#include "tools/commands.h"
+
+namespace {
+
+struct Command {
+    const char* name;
+    const char* usage;
+    const char* effect;
+    int (*run)(const tools::Words&);
+};
+
+constexpr Command kCommands[] = {
+    {"demo", "demo [FOLDER]", "make a studio in FOLDER (default: a new temporary folder), work on it, show it", tools::run_demo},
+    {"info", "info FOLDER", "version, files, tables and rows of the studio in FOLDER", tools::run_info},
+    {"projects", "projects FOLDER [--client N] [--type T] [--json]", "list projects through the gate", tools::run_projects},
+    {"tables", "tables FILE [--system] [--password TEXT]", "names of the tables of a Jet file", tools::run_tables},
+    {"schema", "schema FILE [TABLE] [--password TEXT]", "columns and indexes", tools::run_schema},
+    {"rows", "rows FILE TABLE [--json|--csv] [--password TEXT]", "all rows of a table", tools::run_rows},
+    {"check", "check FILE [--password TEXT]", "structural check; lists every violation", tools::run_check},
+};
+
+void print_help() {
+    std::printf("kvdb: the database component of a recording studio, and a reader of its Jet files\n\n");
+    for (const Command& command : kCommands) std::printf("  kvdb %s\n      %s\n", command.usage, command.effect);
+    std::printf("\nStudio commands work on the folder that holds sldb.mdb and kvinvdb.mdb; the others read one file\n"
+                "and never write. Exit codes: 0 done, 1 failed, 2 not understood.\n");
+}
+
+int fail(int code, const char* text) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "kvdb: %s\n", text);
+    return code;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const tools::Words words(argv + 1, argv + argc);
+    if (words.empty()) return fail(2, "no command; kvdb --help lists them");
+    if (words[0] == "--help" || words[0] == "help") {
+        print_help();
+        return 0;
+    }
+    for (const Command& command : kCommands) {
+        if (words[0] != command.name) continue;
+        const tools::Words rest(words.begin() + 1, words.end());
+        for (const std::string& word : rest) {
+            if (word == "--") break;
+            if (word == "--help") {
+                std::printf("kvdb %s\n  %s\n", command.usage, command.effect);
+                return 0;
+            }
+        }
+        try {
+            return command.run(rest);
+        } catch (const tools::UsageError& error) {
+            return fail(2, error.what());
+        } catch (const std::exception& error) {
+            return fail(1, error.what());
+        }
+    }
+    return fail(2, ("unknown command '" + words[0] + "'; kvdb --help lists them").c_str());
+}

@@ -11,13 +11,9 @@ thread_local ModuleStateObserver state_observer = nullptr;
 
 }  // namespace
 
-AFX_MODULE_STATE* AfxGetStaticModuleState() {
-    return &component_state;
-}
+AFX_MODULE_STATE* AfxGetStaticModuleState() { return &component_state; }
 
-AFX_MODULE_STATE* AfxGetModuleState() {
-    return current_state;
-}
+AFX_MODULE_STATE* AfxGetModuleState() { return current_state; }
 
 AFX_MODULE_STATE* AfxSetModuleState(AFX_MODULE_STATE* state) {
     AFX_MODULE_STATE* const previous = current_state;
@@ -26,18 +22,10 @@ AFX_MODULE_STATE* AfxSetModuleState(AFX_MODULE_STATE* state) {
     return previous;
 }
 
-void AfxOleLockApp() {
-    component_state.m_nObjectCount.fetch_add(1);
-}
+void AfxOleLockApp() { component_state.m_nObjectCount.fetch_add(1); }
 
-void AfxOleUnlockApp() {
-    component_state.m_nObjectCount.fetch_sub(1);
-}
+void AfxOleUnlockApp() { component_state.m_nObjectCount.fetch_sub(1); }
 
-HRESULT AfxDllCanUnloadNow() {
-    return component_state.m_nObjectCount.load() == 0 ? S_OK : S_FALSE;
-}
+HRESULT AfxDllCanUnloadNow() { return component_state.m_nObjectCount.load() == 0 ? S_OK : S_FALSE; }
 
-void set_module_state_observer_for_test(ModuleStateObserver observer) {
-    state_observer = observer;
-}
+void set_module_state_observer_for_test(ModuleStateObserver observer) { state_observer = observer; }

@@ -36,6 +36,9 @@ if(TARGET frame_tests)
         KVDB_BUILD="${PROJECT_BINARY_DIR}"
         KVDB_INCLUDE="${PROJECT_SOURCE_DIR}/include"
         KVDB_TESTS="${PROJECT_SOURCE_DIR}/tests")
+    if(KVDB_SANITIZE)
+        target_compile_definitions(frame_tests PRIVATE KVDB_SANITIZED)
+    endif()
     if(TARGET kvdb_tool)
         target_compile_definitions(frame_tests PRIVATE KVDB_TOOL)
         add_dependencies(frame_tests kvdb_tool)

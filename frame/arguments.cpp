@@ -1,3 +1,4 @@
+// The conversions, and where results go back to. What the caller owns is changed by give_back only.
 #include "frame/arguments.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Creation of gates. A gate is never part of another object.
 #include "frame/class_factory.h"
 
 #include "afx/module_state.h"

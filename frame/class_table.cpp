@@ -1,3 +1,4 @@
+// The table itself; order and script numbers are part of the component's contract.
 #include "frame/class_table.h"
 
 #include <kvdb/gates.h>
@@ -33,9 +34,7 @@ constexpr ClassEntry kClasses[] = {
 
 }  // namespace
 
-std::span<const ClassEntry> class_table() {
-    return kClasses;
-}
+std::span<const ClassEntry> class_table() { return kClasses; }
 
 const ClassEntry* find_class(REFCLSID clsid) {
     for (const ClassEntry& entry : kClasses) {

@@ -1,3 +1,5 @@
+// Reads what automation callers pass before any method is called, and turns failures and exceptions into
+// what they expect. No exception passes here.
 #include "frame/dispatch.h"
 
 #include <kvdb/dao_exception.h>

@@ -1,3 +1,4 @@
+// Each entry point runs under the component's own module state.
 #include "frame/entry_points.h"
 
 #include "afx/module_state.h"

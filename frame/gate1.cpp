@@ -7,9 +7,7 @@ namespace frame {
 
 DBgate1::DBgate1() : GateBase(IID_IDBgate1, gate1_methods()) {}
 
-DBgate1::~DBgate1() {
-    release_cursors(projects_);
-}
+DBgate1::~DBgate1() { release_cursors(projects_); }
 
 // The file name has no meaning: where the files are is the component's own business.
 HRESULT STDMETHODCALLTYPE DBgate1::CreateDB(BSTR) {

@@ -196,8 +196,6 @@ static_assert(std::size(kMethods) == 183);
 
 }  // namespace
 
-std::span<const Method> gate1_methods() {
-    return kMethods;
-}
+std::span<const Method> gate1_methods() { return kMethods; }
 
 }  // namespace frame

@@ -132,10 +132,10 @@ protected:
     static HRESULT remove(Table& table, LONG key) {
         return call([&] { return table.Delete(key); });
     }
-    // As `remove`; the key is the member `key` of the record at `address`.
-    template <class Record, class Table>
-    static HRESULT remove(Table& table, LONG_PTR address, LONG Record::*key) {
-        return call([&] { return address != 0 ? table.Delete(record<Record>(address)->*key) : E_FAIL; });
+    // As `remove`, for the row that the record names.
+    template <class Table>
+    static HRESULT remove_record(Table& table, LONG_PTR address) {
+        return call([&] { return table.Delete(RecordAddress{address}); });
     }
 
     // A method whose table this gate does not hold.

@@ -72,7 +72,7 @@ protected:
     using Base::find;
     using Base::not_served;
     using Base::release_cursors;
-    using Base::remove;
+    using Base::remove_record;
     using Base::update;
 
     using Base::Base;

@@ -49,12 +49,8 @@ static_assert(std::size(kMethods<IDBGate3>) == 32);
 
 }  // namespace
 
-std::span<const Method> gate2_methods() {
-    return kMethods<IDBgate2>;
-}
+std::span<const Method> gate2_methods() { return kMethods<IDBgate2>; }
 
-std::span<const Method> gate3_methods() {
-    return kMethods<IDBGate3>;
-}
+std::span<const Method> gate3_methods() { return kMethods<IDBGate3>; }
 
 }  // namespace frame

@@ -10,21 +10,15 @@
 #define KVDB_EXPORT extern "C" __attribute__((visibility("default")))
 #endif
 
-KVDB_EXPORT HRESULT STDAPICALLTYPE DllCanUnloadNow() {
-    return frame::can_unload_now();
-}
+KVDB_EXPORT HRESULT STDAPICALLTYPE DllCanUnloadNow() { return frame::can_unload_now(); }
 
 KVDB_EXPORT HRESULT STDAPICALLTYPE DllGetClassObject(REFCLSID rclsid, REFIID riid, LPVOID* ppv) {
     return frame::get_class_object(rclsid, riid, ppv);
 }
 
-KVDB_EXPORT HRESULT STDAPICALLTYPE DllRegisterServer() {
-    return frame::register_server(true);
-}
+KVDB_EXPORT HRESULT STDAPICALLTYPE DllRegisterServer() { return frame::register_server(true); }
 
-KVDB_EXPORT HRESULT STDAPICALLTYPE DllUnregisterServer() {
-    return frame::register_server(false);
-}
+KVDB_EXPORT HRESULT STDAPICALLTYPE DllUnregisterServer() { return frame::register_server(false); }
 
 namespace {
 

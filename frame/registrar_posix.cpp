@@ -3,12 +3,8 @@
 
 namespace frame {
 
-HRESULT run_registration_script(std::uint16_t, bool) {
-    return E_NOTIMPL;
-}
+HRESULT run_registration_script(std::uint16_t, bool) { return E_NOTIMPL; }
 
-HRESULT register_type_library(bool) {
-    return E_NOTIMPL;
-}
+HRESULT register_type_library(bool) { return E_NOTIMPL; }
 
 }  // namespace frame

@@ -1,3 +1,4 @@
+// A BSTR may hold any bytes, so its characters are copied out before they are looked at.
 #include "frame/wide_text.h"
 
 #include <cstring>

@@ -2,6 +2,7 @@
 #include "jet/check.h"
 
 #include "jet/check_parts.h"
+#include "os/file.h"
 
 namespace jet {
 

@@ -13,13 +13,13 @@ namespace os {
 
 // What went wrong with a file, told apart as far as the engine answers differently.
 enum class FileFault {
-    kNotFound,       // the file is not there
-    kBadPath,        // its folder is not there, or the path is malformed
-    kExists,         // create found a file of that name
-    kAccessDenied,   // no permission, or a read-only medium
-    kLocked,         // somebody else holds the file
-    kDiskFull,       // no space left, or over a quota or the file size limit
-    kIo,             // anything else the system reported
+    kNotFound,      // the file is not there
+    kBadPath,       // its folder is not there, or the path is malformed
+    kExists,        // create found a file of that name
+    kAccessDenied,  // no permission, or a read-only medium
+    kLocked,        // somebody else holds the file
+    kDiskFull,      // no space left, or over a quota or the file size limit
+    kIo,            // anything else the system reported
 };
 
 // Thrown by every operation below. `what()` is one line naming the operation, the path and the

@@ -172,8 +172,9 @@ public:
         if (fd < 0) fail(operation, path, errno);
         auto file = std::make_unique<PosixFile>(Descriptor(fd), path);
         const struct stat info = file->status(operation);
-        if (S_ISDIR(info.st_mode)) fail(operation, path, EISDIR);
-        if (!S_ISREG(info.st_mode)) fail(operation, path, FileFault::kAccessDenied, ENODEV);
+        if (!S_ISREG(info.st_mode)) {
+            fail(operation, path, FileFault::kAccessDenied, S_ISDIR(info.st_mode) ? EISDIR : ENODEV);
+        }
         if (mode == OpenMode::kExclusive || mode == OpenMode::kCreateExclusive) file->lock();
         return file;
     }

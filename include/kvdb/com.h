@@ -110,12 +110,8 @@ inline constexpr HRESULT DISP_E_BADPARAMCOUNT = static_cast<HRESULT>(0x8002000Eu
 inline constexpr HRESULT DISP_E_PARAMNOTOPTIONAL = static_cast<HRESULT>(0x8002000Fu);
 inline constexpr HRESULT TYPE_E_ELEMENTNOTFOUND = static_cast<HRESULT>(0x8002802Bu);
 
-constexpr bool SUCCEEDED(HRESULT result) {
-    return result >= 0;
-}
-constexpr bool FAILED(HRESULT result) {
-    return result < 0;
-}
+constexpr bool SUCCEEDED(HRESULT result) { return result >= 0; }
+constexpr bool FAILED(HRESULT result) { return result < 0; }
 
 // ---- Identifiers -----------------------------------------------------------------------------
 
@@ -131,21 +127,11 @@ using REFGUID = const GUID&;
 using REFIID = const IID&;
 using REFCLSID = const CLSID&;
 
-inline bool IsEqualGUID(REFGUID a, REFGUID b) {
-    return std::memcmp(&a, &b, sizeof(GUID)) == 0;
-}
-inline bool IsEqualIID(REFIID a, REFIID b) {
-    return IsEqualGUID(a, b);
-}
-inline bool IsEqualCLSID(REFCLSID a, REFCLSID b) {
-    return IsEqualGUID(a, b);
-}
-inline bool operator==(REFGUID a, REFGUID b) {
-    return IsEqualGUID(a, b);
-}
-inline bool operator!=(REFGUID a, REFGUID b) {
-    return !IsEqualGUID(a, b);
-}
+inline bool IsEqualGUID(REFGUID a, REFGUID b) { return std::memcmp(&a, &b, sizeof(GUID)) == 0; }
+inline bool IsEqualIID(REFIID a, REFIID b) { return IsEqualGUID(a, b); }
+inline bool IsEqualCLSID(REFCLSID a, REFCLSID b) { return IsEqualGUID(a, b); }
+inline bool operator==(REFGUID a, REFGUID b) { return IsEqualGUID(a, b); }
+inline bool operator!=(REFGUID a, REFGUID b) { return !IsEqualGUID(a, b); }
 
 inline constexpr GUID GUID_NULL{0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 inline constexpr IID IID_NULL = GUID_NULL;
@@ -195,9 +181,7 @@ inline UINT SysStringByteLen(BSTR text) {
     return bytes;
 }
 
-inline UINT SysStringLen(BSTR text) {
-    return SysStringByteLen(text) / 2;
-}
+inline UINT SysStringLen(BSTR text) { return SysStringByteLen(text) / 2; }
 
 // ---- Interfaces ------------------------------------------------------------------------------
 // The destructors take no slot; they are protected because objects end by Release only.
@@ -408,9 +392,7 @@ using LPDISPATCH = IDispatch*;
 
 // ---- VARIANT operations ----------------------------------------------------------------------
 
-inline void VariantInit(VARIANT* variant) {
-    std::memset(variant, 0, sizeof *variant);
-}
+inline void VariantInit(VARIANT* variant) { std::memset(variant, 0, sizeof *variant); }
 
 // Frees what the value owns and makes it VT_EMPTY. Arrays are not part of this set: DISP_E_BADVARTYPE.
 inline HRESULT VariantClear(VARIANT* variant) {

@@ -138,7 +138,8 @@ public:
 #ifdef __GNUC__
     __attribute__((format(printf, 2, 3)))
 #endif
-    void Format(const char* format, ...) {
+    void
+    Format(const char* format, ...) {
         std::va_list arguments;
         va_start(arguments, format);
         FormatV(format, arguments);
@@ -147,7 +148,8 @@ public:
 #ifdef __GNUC__
     __attribute__((format(printf, 2, 0)))
 #endif
-    void FormatV(const char* format, std::va_list arguments) {
+    void
+    FormatV(const char* format, std::va_list arguments) {
         std::va_list again;
         va_copy(again, arguments);
         const int length = std::vsnprintf(nullptr, 0, format, arguments);
@@ -297,39 +299,15 @@ inline CString operator+(char a, const CString& b) {
     return sum;
 }
 
-inline bool operator==(const CString& a, const CString& b) noexcept {
-    return a.Compare(b) == 0;
-}
-inline bool operator==(const CString& a, const char* b) noexcept {
-    return a.Compare(b) == 0;
-}
-inline bool operator==(const char* a, const CString& b) noexcept {
-    return b.Compare(a) == 0;
-}
-inline bool operator!=(const CString& a, const CString& b) noexcept {
-    return a.Compare(b) != 0;
-}
-inline bool operator!=(const CString& a, const char* b) noexcept {
-    return a.Compare(b) != 0;
-}
-inline bool operator!=(const char* a, const CString& b) noexcept {
-    return b.Compare(a) != 0;
-}
-inline bool operator<(const CString& a, const CString& b) noexcept {
-    return a.Compare(b) < 0;
-}
-inline bool operator<(const CString& a, const char* b) noexcept {
-    return a.Compare(b) < 0;
-}
-inline bool operator<(const char* a, const CString& b) noexcept {
-    return b.Compare(a) > 0;
-}
-inline bool operator>(const CString& a, const CString& b) noexcept {
-    return a.Compare(b) > 0;
-}
-inline bool operator>(const CString& a, const char* b) noexcept {
-    return a.Compare(b) > 0;
-}
-inline bool operator>(const char* a, const CString& b) noexcept {
-    return b.Compare(a) < 0;
-}
+inline bool operator==(const CString& a, const CString& b) noexcept { return a.Compare(b) == 0; }
+inline bool operator==(const CString& a, const char* b) noexcept { return a.Compare(b) == 0; }
+inline bool operator==(const char* a, const CString& b) noexcept { return b.Compare(a) == 0; }
+inline bool operator!=(const CString& a, const CString& b) noexcept { return a.Compare(b) != 0; }
+inline bool operator!=(const CString& a, const char* b) noexcept { return a.Compare(b) != 0; }
+inline bool operator!=(const char* a, const CString& b) noexcept { return b.Compare(a) != 0; }
+inline bool operator<(const CString& a, const CString& b) noexcept { return a.Compare(b) < 0; }
+inline bool operator<(const CString& a, const char* b) noexcept { return a.Compare(b) < 0; }
+inline bool operator<(const char* a, const CString& b) noexcept { return b.Compare(a) > 0; }
+inline bool operator>(const CString& a, const CString& b) noexcept { return a.Compare(b) > 0; }
+inline bool operator>(const CString& a, const char* b) noexcept { return a.Compare(b) > 0; }
+inline bool operator>(const char* a, const CString& b) noexcept { return b.Compare(a) < 0; }

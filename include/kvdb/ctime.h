@@ -9,9 +9,9 @@
 
 #include <kvdb/com.h>
 
+#include <time.h>
 #include <cstdint>
 #include <ctime>
-#include <time.h>
 
 #ifdef GetCurrentTime
 #undef GetCurrentTime  // a macro of the platform's headers, in the way of the member below

@@ -201,7 +201,6 @@ void RowSet::row_inserted(RowId row) {
     } else {
         verdicts_[row.pack()] = false;
     }
-    if (source_ == Source::kCollect) collect();
 }
 
 void RowSet::row_changing(RowId row) {

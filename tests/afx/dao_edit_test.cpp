@@ -313,8 +313,7 @@ TEST_F(DaoEdit, row_too_large_is_refused_by_update) {
     table.Close();
     rows_.Open(dbOpenDynaset, "SELECT * FROM [Wide]", 0);
     rows_.AddNew();
-    // Characters beyond Latin-1 would need two bytes each; mixed text is stored uncompressed or nearly so.
-    const std::string text(255, '\x80');
+    const std::string text(255, '\x80');  // the euro sign: two bytes each, 6 KB in all
     for (int i = 0; i < 12; ++i) rows_.SetFieldValue(("T" + std::to_string(i)).c_str(), text.c_str());
     EXPECT_EQ(error_of([&] { rows_.Update(); }), 3047);
     rows_.Close();

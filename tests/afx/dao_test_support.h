@@ -9,6 +9,7 @@
 #include "afx/dao_database.h"
 #include "afx/dao_recordset.h"
 #include "afx/dao_table_def.h"
+#include "os/system.h"
 
 // Number of the CDaoException* that `call` throws; 0 when it throws nothing.
 template <class Call>
@@ -26,7 +27,7 @@ int error_of(Call&& call) {
     return 0;
 }
 
-// A test with an empty folder that is removed afterwards.
+// A test with an empty folder that is removed afterwards. Narrow text is Windows-1252.
 class FolderTest : public testing::Test {
 protected:
     FolderTest() {
@@ -37,8 +38,10 @@ protected:
                    std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "_" + std::to_string(++count) + "_" +
                    std::to_string(std::filesystem::file_time_type::clock::now().time_since_epoch().count()));
         std::filesystem::create_directories(folder_);
+        os::set_code_page_for_test(os::CodePage::kWindows1252);
     }
     ~FolderTest() override {
+        os::set_code_page_for_test(os::CodePage::kSystem);
         std::error_code ignored;
         std::filesystem::remove_all(folder_, ignored);
     }

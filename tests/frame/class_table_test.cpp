@@ -1,3 +1,4 @@
+// The class table, its creators, and the identifiers that the outside world knows.
 #include "frame/class_table.h"
 
 #include <gtest/gtest.h>

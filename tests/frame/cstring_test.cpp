@@ -1,3 +1,4 @@
+// CString alone: layout, sharing, and the members that applications use.
 #include <kvdb/cstring.h>
 
 #include <gtest/gtest.h>

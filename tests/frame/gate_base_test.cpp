@@ -71,9 +71,7 @@ private:
     }
 };
 
-ComPtr<UnrulyGate> unruly_gate() {
-    return ComPtr<UnrulyGate>(new UnrulyGate);
-}
+ComPtr<UnrulyGate> unruly_gate() { return ComPtr<UnrulyGate>(new UnrulyGate); }
 
 template <class Interface>
 ComPtr<Interface> linked_gate() {
@@ -119,7 +117,7 @@ TEST(ModuleState, switches_nest_and_end_with_their_scope) {
         AFX_MANAGE_STATE(AfxGetStaticModuleState());
         EXPECT_EQ(AfxGetModuleState(), AfxGetStaticModuleState());
         try {
-            AFX_MANAGE_STATE(&other);
+            const AFX_MAINTAIN_STATE2 inner(&other);
             EXPECT_EQ(AfxGetModuleState(), &other);
             throw 1;
         } catch (int) {

@@ -33,10 +33,6 @@ void expect_all_compile(const std::string& standard) {
 
 }  // namespace
 
-TEST(PublicHeaders, each_compiles_alone_as_cpp17) {
-    expect_all_compile("c++17");
-}
+TEST(PublicHeaders, each_compiles_alone_as_cpp17) { expect_all_compile("c++17"); }
 
-TEST(PublicHeaders, each_compiles_alone_as_cpp20) {
-    expect_all_compile("c++20");
-}
+TEST(PublicHeaders, each_compiles_alone_as_cpp20) { expect_all_compile("c++20"); }

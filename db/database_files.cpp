@@ -1,0 +1,62 @@
+#include "db/database_files.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "afx/dao_constants.h"
+#include "os/file.h"
+#include "os/system.h"
+
+namespace db {
+namespace {
+
+constexpr std::size_t kFolderSize = 260;
+char folder_buffer[kFolderSize];
+std::string& test_folder() {
+    static std::string folder;
+    return folder;
+}
+
+struct FileFacts {
+    const char* name;
+    const char* password;
+};
+
+// The passwords keep a curious user with a copy of Access from changing the files by accident, and nothing
+// more: a Jet password is stored in the file's first page, masked with a key that every reader knows, and
+// the data itself is not encrypted. What must stay secret needs the protection of the file system.
+constexpr char kConnectKeyword[] = ";PWD=";
+constexpr FileFacts kFiles[] = {
+    {"sldb.mdb", "KvStudio2005sl"},
+    {"kvinvdb.mdb", "KvInvoice2005"},
+};
+constexpr bool is_plain_password(std::string_view password) {
+    return !password.empty() && password.size() <= 14 && std::all_of(password.begin(), password.end(), [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    });
+}
+static_assert(is_plain_password(kFiles[0].password) && is_plain_password(kFiles[1].password));
+
+const FileFacts& facts(DatabaseFile file) { return kFiles[static_cast<std::size_t>(file)]; }
+
+}  // namespace
+
+const char* database_folder() {
+    const std::string folder = test_folder().empty() ? os::folder_of(os::module_path()) : test_folder();
+    const std::size_t length = std::min(folder.size(), kFolderSize - 1);
+    std::memcpy(folder_buffer, folder.data(), length);
+    folder_buffer[length] = 0;
+    return folder_buffer;
+}
+
+std::string file_path(DatabaseFile file) { return os::join_path(database_folder(), facts(file).name); }
+
+bool file_exists(DatabaseFile file) { return os::file_system().exists(file_path(file)); }
+
+std::string connect_text(DatabaseFile file) { return std::string(kConnectKeyword) + facts(file).password; }
+
+std::string locale_text(DatabaseFile file) { return dbLangGeneral + connect_text(file); }
+
+void set_database_folder_for_test(std::string_view folder) { test_folder() = folder; }
+
+}  // namespace db

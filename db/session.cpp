@@ -1,0 +1,146 @@
+#include "db/session.h"
+
+#include "afx/dao_recordset.h"
+#include "db/content.h"
+#include "db/create_files.h"
+#include "db/database_files.h"
+#include "db/upgrade.h"
+#include "db/values.h"
+
+namespace db {
+namespace {
+
+constexpr char kHeader[] = "SELECT * FROM [DBHeader]";
+
+// Made when the library starts, ended when it goes.
+CDaoDatabase main_database;
+CDaoDatabase invoice_database;
+
+void open_file(CDaoDatabase& database, DatabaseFile file) {
+    database.Open(file_path(file).c_str(), TRUE, FALSE, connect_text(file).c_str());
+}
+
+void close_quietly(CDaoDatabase& database) {
+    try {
+        database.Close();
+    } catch (CDaoException* e) {
+        e->Delete();
+    }
+}
+
+CDaoDatabase& obtain(CDaoDatabase& database, DatabaseFile file, bool reopen) {
+    if (database.IsOpen() && !reopen) return database;
+    const bool is_main = file == DatabaseFile::kMain;
+    if (reopen) close(is_main ? kCloseMainOnly : kCloseInvoiceOnly);
+    if (file_exists(file)) {
+        open_file(database, file);
+    } else if (is_main) {
+        create_main_file(database);
+    } else {
+        create_invoice_file(database);
+    }
+    return database;
+}
+
+// Runs `work` on the header of the main database while it stands on its row.
+template <class Work>
+HRESULT with_header(const GateDatabases& databases, int options, Work&& work) {
+    if (databases.main == nullptr || !databases.main->IsOpen()) return E_FAIL;
+    try {
+        CDaoRecordset rows(databases.main);
+        rows.Open(dbOpenDynaset, kHeader, options);
+        if (rows.GetRecordCount() < 1) return E_FAIL;
+        work(rows);
+        rows.Close();
+        return S_OK;
+    } catch (CDaoException* e) {
+        e->Delete();
+        return E_FAIL;
+    }
+}
+
+LONG integer_field(CDaoRecordset& rows, const char* name) { return value_to_integer(rows.GetFieldValue(name)); }
+
+}  // namespace
+
+CDaoDatabase& obtain_main(bool reopen) { return obtain(main_database, DatabaseFile::kMain, reopen); }
+
+CDaoDatabase& obtain_invoice(bool reopen) { return obtain(invoice_database, DatabaseFile::kInvoice, reopen); }
+
+HRESULT attach(GateDatabases& databases) {
+    databases.main = &obtain_main(false);
+    databases.invoice = &obtain_invoice(false);
+    return S_OK;
+}
+
+HRESULT open(GateDatabases& databases) {
+    if (const HRESULT attached = attach(databases); attached != S_OK) return attached;
+
+    CDaoDatabase& main = *databases.main;
+    close_quietly(main);
+    if (file_exists(DatabaseFile::kMain)) {
+        open_file(main, DatabaseFile::kMain);
+        upgrade_main_file(main);  // its result changes nothing here
+    } else {
+        create_main_file(main);
+        add_sample_equipment(main);
+    }
+
+    CDaoDatabase& invoice = *databases.invoice;
+    close_quietly(invoice);
+    if (file_exists(DatabaseFile::kInvoice)) {
+        open_file(invoice, DatabaseFile::kInvoice);
+        try {
+            upgrade_invoice_file(invoice, stored_version(invoice));
+        } catch (CDaoException* e) {
+            e->Delete();  // a file without a readable header is served as it stands
+        }
+    } else {
+        create_invoice_file(invoice);
+    }
+    return S_OK;
+}
+
+void close(unsigned flags) {
+    const bool both = flags == kCloseAll || flags == kCloseBoth;
+    if (both || flags == kCloseMainOnly) close_quietly(main_database);
+    if (both || flags == kCloseInvoiceOnly) close_quietly(invoice_database);
+}
+
+void shut_down_engine() {
+    static bool done = false;
+    if (done) return;
+    done = true;
+    AfxDaoTerm();
+}
+
+bool main_file_exists() { return file_exists(DatabaseFile::kMain); }
+
+HRESULT get_version(const GateDatabases& databases, LONG* version) {
+    if (version == nullptr) return E_FAIL;
+    return with_header(databases, dbForwardOnly | dbReadOnly,
+                       [&](CDaoRecordset& rows) { *version = integer_field(rows, "DBversion"); });
+}
+
+HRESULT get_head(const GateDatabases& databases, HeadInfo* head) {
+    if (head == nullptr) return E_FAIL;
+    return with_header(databases, 0, [&](CDaoRecordset& rows) {
+        HeadInfo read;
+        read.DBversion = integer_field(rows, "DBversion");
+        read.Color1 = integer_field(rows, "Color1");
+        read.Color2 = integer_field(rows, "Color2");
+        *head = read;
+    });
+}
+
+HRESULT set_head(const GateDatabases& databases, const HeadInfo* head) {
+    if (head == nullptr) return E_FAIL;
+    return with_header(databases, 0, [&](CDaoRecordset& rows) {
+        rows.Edit();
+        rows.SetFieldValue("Color1", COleVariant(head->Color1, VT_I4));
+        rows.SetFieldValue("Color2", COleVariant(head->Color2, VT_I4));
+        rows.Update();
+    });
+}
+
+}  // namespace db

@@ -1,0 +1,125 @@
+// The two mappings between the current row and a record, each a list of columns in the order in which the
+// engine is called, and the conversion of every kind of member.
+#pragma once
+
+#include <kvdb/cstring.h>
+#include <kvdb/ctime.h>
+
+#include <span>
+
+#include "afx/dao_recordset.h"
+
+namespace studio {
+
+enum class Conversion {
+    kText,
+    kInteger,           // written as VT_I4, read as text and parsed
+    kDate,              // the calendar date; the time of day never travels
+    kDateToTheMinute,
+    kCurrency,          // a float, split into currency; read as currency text and parsed
+    kCurrencyByText,    // the same, read by the value's own text
+    kSingle,            // a float, stored as VT_R4; read as text and parsed
+};
+
+// A column and the member it goes to or comes from; of the member pointers one is not null.
+template <class Record>
+struct Column {
+    const char* name = nullptr;
+    Conversion conversion = Conversion::kText;
+    CString Record::* text = nullptr;
+    LONG Record::* number = nullptr;
+    CTime Record::* time = nullptr;
+    float Record::* amount = nullptr;
+};
+
+// Declarations of columns: column::text("Name", &ProjInfo::Name).
+namespace column {
+
+template <class R>
+constexpr Column<R> text(const char* name, CString R::* member) {
+    return {.name = name, .conversion = Conversion::kText, .text = member};
+}
+template <class R>
+constexpr Column<R> integer(const char* name, LONG R::* member) {
+    return {.name = name, .conversion = Conversion::kInteger, .number = member};
+}
+template <class R>
+constexpr Column<R> date(const char* name, CTime R::* member) {
+    return {.name = name, .conversion = Conversion::kDate, .time = member};
+}
+template <class R>
+constexpr Column<R> date_to_the_minute(const char* name, CTime R::* member) {
+    return {.name = name, .conversion = Conversion::kDateToTheMinute, .time = member};
+}
+template <class R>
+constexpr Column<R> currency(const char* name, float R::* member) {
+    return {.name = name, .conversion = Conversion::kCurrency, .amount = member};
+}
+template <class R>
+constexpr Column<R> currency_by_text(const char* name, float R::* member) {
+    return {.name = name, .conversion = Conversion::kCurrencyByText, .amount = member};
+}
+template <class R>
+constexpr Column<R> single(const char* name, float R::* member) {
+    return {.name = name, .conversion = Conversion::kSingle, .amount = member};
+}
+
+}  // namespace column
+
+// One value each way; they throw CDaoException*.
+void read_value(CDaoRecordset& rows, const char* column, CString& member);
+void read_value(CDaoRecordset& rows, const char* column, LONG& member);
+void read_value(CDaoRecordset& rows, const char* column, Conversion conversion, CTime& member);
+void read_value(CDaoRecordset& rows, const char* column, Conversion conversion, float& member);
+void write_value(CDaoRecordset& rows, const char* column, const CString& member);
+void write_value(CDaoRecordset& rows, const char* column, LONG member);
+void write_value(CDaoRecordset& rows, const char* column, Conversion conversion, CTime member);
+void write_value(CDaoRecordset& rows, const char* column, Conversion conversion, float member);
+
+// Reads the columns of the current row into the record. E_FAIL at the first exception of the engine, which
+// is deleted; the members before it keep their new contents.
+template <class Record>
+HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, Record& record) {
+    try {
+        for (const Column<Record>& column : columns) {
+            if (column.text != nullptr) {
+                read_value(rows, column.name, record.*column.text);
+            } else if (column.number != nullptr) {
+                read_value(rows, column.name, record.*column.number);
+            } else if (column.time != nullptr) {
+                read_value(rows, column.name, column.conversion, record.*column.time);
+            } else {
+                read_value(rows, column.name, column.conversion, record.*column.amount);
+            }
+        }
+        return S_OK;
+    } catch (CDaoException* e) {
+        e->Delete();
+        return E_FAIL;
+    }
+}
+
+// Sets the columns in the edit buffer. E_FAIL at the first exception of the engine, which is deleted; the
+// columns before it stay set.
+template <class Record>
+HRESULT write_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, const Record& record) {
+    try {
+        for (const Column<Record>& column : columns) {
+            if (column.text != nullptr) {
+                write_value(rows, column.name, record.*column.text);
+            } else if (column.number != nullptr) {
+                write_value(rows, column.name, record.*column.number);
+            } else if (column.time != nullptr) {
+                write_value(rows, column.name, column.conversion, record.*column.time);
+            } else {
+                write_value(rows, column.name, column.conversion, record.*column.amount);
+            }
+        }
+        return S_OK;
+    } catch (CDaoException* e) {
+        e->Delete();
+        return E_FAIL;
+    }
+}
+
+}  // namespace studio

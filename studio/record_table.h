@@ -1,0 +1,272 @@
+// The six operations that every table of a gate offers, written once over a declaration of the table.
+//
+// Invariants
+//  1. Every operation gives S_OK or E_FAIL; nothing escapes it.
+//  2. Only EnumFirst and EnumNext touch the cursor. It is made at the first enumeration, kept, and closed
+//     when the enumeration runs off its end or a new one begins.
+//  3. The engine is called in one fixed order per operation; the comments name where that order matters.
+//  4. No reference to a record is kept after a call.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <span>
+#include <string>
+
+#include "afx/dao_recordset.h"
+#include "studio/columns.h"
+#include "studio/filter.h"
+
+namespace studio {
+
+enum class FindBy {
+    kKey,
+    kKeyOrName,          // the key when it is not 0, else the name when it is not empty, else nothing
+    kFilter,             // the first row of the enumeration's statement
+    kFilterOrNothing,    // as kFilter, but a record in which nothing is set finds nothing
+};
+
+enum class ChangeBy {
+    kKey,
+    kFilter,             // the first row of the enumeration's statement
+};
+
+// The rows that Add opens before it adds; the new row is added whatever they are, unless stated otherwise.
+enum class AddOpens {
+    kWholeTable,
+    kParentRows,         // those with the record's value in the parent column
+    kNamedRows,          // those with the record's name
+    kNamedRowsIfNone,    // the same; where there are any, nothing is added and the answer is S_OK
+};
+
+enum class NullRecord {
+    kEmptyStatement,     // the enumeration begins, and fails at the statement
+    kFailsAtOnce,        // an enumeration under way goes on undisturbed
+};
+
+template <class Record>
+struct NameColumn {
+    const char* column = nullptr;
+    CString Record::* member = nullptr;
+};
+
+// What differs from table to table.
+template <class Record>
+struct TableMapping {
+    const char* table = nullptr;                             // null: every statement is the empty text
+    Key<Record> key = {};
+    std::span<const Column<Record>> read = {};               // in the order of reading
+    std::span<const Column<Record>> write = {};              // in the order of writing, never the key
+    std::span<const Column<Record>> enum_read = {};          // for enumerations, where they read otherwise
+    std::span<const Clause<Record>> filter = {};
+    FilterRule filter_rule = FilterRule::kClauses;
+    NullRecord null_record = NullRecord::kEmptyStatement;
+    FindBy find_by = FindBy::kKey;
+    ChangeBy change_by = ChangeBy::kKey;                     // update and delete
+    AddOpens add_opens = AddOpens::kWholeTable;
+    Key<Record> parent = {};                                 // for kParentRows
+    NameColumn<Record> name = {};                            // for names in find_by and add_opens
+    HRESULT (*read_row)(CDaoRecordset& rows, Record& record) = nullptr;  // in place of the lists, for enumerations
+
+    // The statement of EnumFirst, and of whatever goes by the filter.
+    std::string statement(const Record* record, WhenNothingIsSet otherwise = WhenNothingIsSet::kWholeTable) const {
+        if (table == nullptr) return {};
+        if (filter.empty() && filter_rule == FilterRule::kClauses) return whole_table(table);
+        if (record == nullptr) return {};
+        return filter_statement(table, key, filter_rule, filter, *record, otherwise);
+    }
+};
+
+// Runs an operation; E_FAIL for whatever it throws, and `failed` is run then.
+template <class Operation, class Failed>
+HRESULT guarded(Operation&& operation, Failed&& failed) {
+    try {
+        return operation();
+    } catch (CDaoException* e) {
+        e->Delete();
+    } catch (const std::exception&) {
+        // Lack of memory outside the engine.
+    }
+    failed();
+    return E_FAIL;
+}
+
+inline bool is_usable(const CDaoDatabase* database) { return database != nullptr && database->IsOpen(); }
+
+inline constexpr int kForReading = dbForwardOnly | dbReadOnly;
+inline constexpr int kForWriting = 0;
+
+template <class Record>
+class RecordTable {
+public:
+    // Both have to live as long as the table; the database pointer may change and may be null.
+    RecordTable(const TableMapping<Record>& mapping, CDaoDatabase* const& database)
+        : mapping_(mapping), database_(database) {}
+    RecordTable(const RecordTable&) = delete;
+    RecordTable& operator=(const RecordTable&) = delete;
+
+    // `record` is the filter and the place of the first row. An empty result leaves the cursor open.
+    HRESULT EnumFirst(Record* record) {
+        if (!is_usable(database_)) return E_FAIL;
+        if (record == nullptr && mapping_.null_record == NullRecord::kFailsAtOnce) return E_FAIL;
+        return guarded(
+            [&] {
+                open_cursor();
+                cursor_->Open(dbOpenDynaset, mapping_.statement(record).c_str(), kForReading);
+                return cursor_->GetRecordCount() >= 1 ? deliver(record) : E_FAIL;
+            },
+            [&] { close_cursor(); });
+    }
+
+    // `record` is only filled. Before a beginning and at the end the cursor is closed.
+    HRESULT EnumNext(Record* record) {
+        if (!is_usable(database_) || record == nullptr || cursor_ == nullptr || !cursor_->IsOpen()) return E_FAIL;
+        return guarded(
+            [&] {
+                const auto off_the_rows = [&] { return cursor_->IsBOF() || cursor_->IsEOF(); };
+                if (!off_the_rows()) {
+                    cursor_->MoveNext();
+                    if (!off_the_rows()) return deliver(record);
+                }
+                cursor_->Close();
+                return E_FAIL;
+            },
+            [&] { close_cursor(); });
+    }
+
+    // An absent row leaves the record as it was.
+    HRESULT Find(Record* record) {
+        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        return guarded(
+            [&] {
+                const std::string statement = find_statement(*record);
+                if (statement.empty()) return E_FAIL;
+                CDaoRecordset rows(database_);
+                rows.Open(dbOpenDynaset, statement.c_str(), kForReading);
+                return rows.GetRecordCount() >= 1 ? read_columns(rows, mapping_.read, *record) : E_FAIL;
+            },
+            [] {});
+    }
+
+    // The new key comes back in the record.
+    HRESULT Add(Record* record) {
+        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        return guarded(
+            [&] {
+                CDaoRecordset rows(database_);
+                rows.Open(dbOpenDynaset, add_statement(*record).c_str(), kForWriting);
+                if (mapping_.add_opens == AddOpens::kNamedRowsIfNone && rows.GetRecordCount() >= 1) return S_OK;
+                rows.AddNew();
+                // Between AddNew and the first column: the bookmark is that of the pending row.
+                rows.SetBookmark(rows.GetLastModifiedBookmark());
+                const HRESULT result = write_columns(rows, mapping_.write, *record);
+                // The number is in the buffer already.
+                read_value(rows, mapping_.key.column, record->*mapping_.key.member);
+                // Deliberate: a failed mapping still saves the columns set before the failure.
+                rows.Update();
+                rows.Close();
+                return result;
+            },
+            [] {});
+    }
+
+    HRESULT Update(Record* record) {
+        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        return guarded(
+            [&] {
+                CDaoRecordset rows(database_);
+                rows.Open(dbOpenDynaset, change_statement(*record).c_str(), kForWriting);
+                if (rows.GetRecordCount() < 1) return E_FAIL;
+                rows.Edit();
+                rows.SetBookmark(rows.GetLastModifiedBookmark());
+                const HRESULT result = write_columns(rows, mapping_.write, *record);
+                rows.Update();  // whatever the mapping gave, as in Add
+                rows.Close();
+                return result;
+            },
+            [] {});
+    }
+
+    HRESULT Delete(LONG key) { return delete_first(rows_where(mapping_.table, mapping_.key.column, key)); }
+
+    // By the record's key, or by its filter where the table goes by that.
+    HRESULT Delete(const Record* record) {
+        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        return guarded([&] { return delete_first(change_statement(*record)); }, [] {});
+    }
+
+    // Closes and frees the cursor.
+    void ReleaseCursor() {
+        close_cursor();
+        cursor_.reset();
+    }
+
+private:
+    void open_cursor() {
+        if (cursor_ != nullptr && cursor_->m_pDatabase == database_) return close_cursor();
+        ReleaseCursor();
+        cursor_ = std::make_unique<CDaoRecordset>(database_);
+    }
+    void close_cursor() {
+        if (cursor_ != nullptr && cursor_->IsOpen()) cursor_->Close();
+    }
+
+    HRESULT deliver(Record* record) {
+        if (record == nullptr) return E_FAIL;
+        if (mapping_.read_row != nullptr) return mapping_.read_row(*cursor_, *record);
+        return read_columns(*cursor_, mapping_.enum_read.empty() ? mapping_.read : mapping_.enum_read, *record);
+    }
+
+    std::string key_statement(const Record& record) const {
+        return rows_where(mapping_.table, mapping_.key.column, record.*mapping_.key.member);
+    }
+    std::string name_statement(const Record& record) const {
+        return rows_named(mapping_.table, mapping_.name.column, record.*mapping_.name.member);
+    }
+
+    std::string find_statement(const Record& record) const {
+        switch (mapping_.find_by) {
+            case FindBy::kKey: return key_statement(record);
+            case FindBy::kKeyOrName:
+                if (record.*mapping_.key.member != 0) return key_statement(record);
+                return (record.*mapping_.name.member).IsEmpty() ? std::string() : name_statement(record);
+            case FindBy::kFilter: return mapping_.statement(&record);
+            case FindBy::kFilterOrNothing: return mapping_.statement(&record, WhenNothingIsSet::kNoRows);
+        }
+        return {};
+    }
+    std::string change_statement(const Record& record) const {
+        return mapping_.change_by == ChangeBy::kFilter ? mapping_.statement(&record) : key_statement(record);
+    }
+    std::string add_statement(const Record& record) const {
+        switch (mapping_.add_opens) {
+            case AddOpens::kWholeTable: break;
+            case AddOpens::kParentRows:
+                return rows_where(mapping_.table, mapping_.parent.column, record.*mapping_.parent.member);
+            case AddOpens::kNamedRows:
+            case AddOpens::kNamedRowsIfNone: return name_statement(record);
+        }
+        return whole_table(mapping_.table);
+    }
+
+    HRESULT delete_first(const std::string& statement) {
+        if (!is_usable(database_)) return E_FAIL;
+        return guarded(
+            [&] {
+                CDaoRecordset rows(database_);
+                rows.Open(dbOpenDynaset, statement.c_str(), kForWriting);
+                if (rows.GetRecordCount() < 1) return E_FAIL;
+                rows.MoveFirst();
+                rows.Delete();
+                rows.Close();
+                return S_OK;
+            },
+            [] {});
+    }
+
+    const TableMapping<Record>& mapping_;
+    CDaoDatabase* const& database_;
+    std::unique_ptr<CDaoRecordset> cursor_;
+};
+
+}  // namespace studio

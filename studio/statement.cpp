@@ -1,0 +1,80 @@
+#include "studio/statement.h"
+
+#include <string_view>
+
+#include "afx/number_text.h"
+#include "db/values.h"
+
+namespace studio {
+namespace {
+
+std::string bracketed(const char* name) { return "[" + std::string(name) + "]"; }
+std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+std::string date_literal(CTime date) { return "#" + std::string(db::date_text(date)) + "#"; }
+
+}  // namespace
+
+std::string whole_table(const char* table) { return "SELECT * FROM " + bracketed(table); }
+
+std::string rows_where(const char* table, const char* column, LONG value) {
+    return whole_table(table) + " WHERE " + clause::equals(column, value);
+}
+
+std::string rows_named(const char* table, const char* column, const char* text) {
+    return whole_table(table) + " WHERE " + clause::equals(column, text);
+}
+
+void Statement::add(const std::string& clause, Join join) {
+    if (!has_condition_) {
+        text_ += " WHERE ";
+    } else if (join == Join::kAnd) {
+        text_ += " AND ";
+    }
+    text_ += clause;
+    has_condition_ = true;
+}
+
+namespace clause {
+
+std::string equals(const char* column, LONG value) { return bracketed(column) + "=" + std::to_string(value); }
+
+std::string equals(const char* column, const char* text) { return bracketed(column) + "=" + quoted(text); }
+
+std::string like(const char* column, const char* pattern) { return bracketed(column) + " LIKE " + quoted(pattern); }
+
+std::string contains(const char* column, const char* text) {
+    return bracketed(column) + " LIKE " + quoted("*" + std::string(text) + "*");
+}
+
+std::string contains(const char* column, LONG value) { return contains(column, std::to_string(value).c_str()); }
+
+std::string equals_or_zero(const char* column, LONG value) {
+    return "(" + equals(column, value) + " OR " + equals(column, LONG{0}) + ")";
+}
+
+std::string contains_any(const char* column, const char* list) {
+    std::string_view rest(list);
+    std::string group = "(";
+    bool more = !rest.empty();
+    while (more) {
+        const std::size_t end = rest.find(';');
+        if (group.size() > 1) group += " OR ";
+        group += contains(column, LONG{afx::integer_of(rest.substr(0, end))});
+        more = end != std::string_view::npos;
+        if (more) rest.remove_prefix(end + 1);
+    }
+    return group + ")";
+}
+
+std::string on_or_after(const char* column, CTime date) { return bracketed(column) + ">=" + date_literal(date); }
+
+std::string on_or_before(const char* column, CTime date) { return bracketed(column) + "<=" + date_literal(date); }
+
+std::string ordered_span(const char* column, CTime from, CTime to, bool descending) {
+    return on_or_after(column, from) + " AND " + on_or_before(column, to) + " ORDER BY " + bracketed(column) +
+           (descending ? " DESC" : " ASC");
+}
+
+}  // namespace clause
+
+}  // namespace studio

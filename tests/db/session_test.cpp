@@ -1,0 +1,348 @@
+#include "db/session.h"
+
+#include <cstring>
+#include <fstream>
+
+#include "db/content.h"
+#include "db/create_files.h"
+#include "db/database_files.h"
+#include "db/schema.h"
+#include "db/upgrade.h"
+#include "db/values.h"
+#include "os/system.h"
+#include "tests/afx/dao_test_support.h"
+
+namespace {
+
+class Session : public FolderTest {
+protected:
+    Session() { db::set_database_folder_for_test(folder_.string()); }
+    ~Session() override {
+        db::close(db::kCloseAll);
+        db::set_database_folder_for_test("");
+    }
+
+    int row_count(CDaoDatabase* database, const char* table) {
+        CDaoRecordset rows(database);
+        rows.Open(dbOpenDynaset, table, 260);
+        int count = 0;
+        for (; !rows.IsEOF(); rows.MoveNext()) ++count;
+        return count;
+    }
+    std::string field(CDaoDatabase* database, const char* table, const char* name) {
+        CDaoRecordset rows(database);
+        rows.Open(dbOpenDynaset, table, 260);
+        const COleVariant value = rows.GetFieldValue(name);
+        return value.vt == VT_NULL ? "(null)" : std::string(db::value_to_text(value));
+    }
+    // Takes the main file away from under the open database, as far as the host allows.
+    void take_main_file_away() { std::filesystem::remove(path("sldb.mdb")); }
+    std::size_t files() const {
+        return static_cast<std::size_t>(std::distance(std::filesystem::directory_iterator(folder_), {}));
+    }
+
+    db::GateDatabases gate_;
+};
+
+TEST_F(Session, attach_makes_both_files_and_points_the_gate_at_them) {
+    EXPECT_FALSE(db::main_file_exists());
+    EXPECT_EQ(db::attach(gate_), S_OK);
+    EXPECT_TRUE(db::main_file_exists());
+    EXPECT_TRUE(std::filesystem::exists(path("kvinvdb.mdb")));
+    ASSERT_NE(gate_.main, nullptr);
+    ASSERT_NE(gate_.invoice, nullptr);
+    EXPECT_NE(gate_.main, gate_.invoice);
+    EXPECT_TRUE(gate_.main->IsOpen());
+    EXPECT_TRUE(gate_.invoice->IsOpen());
+    db::GateDatabases other;
+    EXPECT_EQ(db::attach(other), S_OK);
+    EXPECT_EQ(other.main, gate_.main);
+    EXPECT_EQ(other.invoice, gate_.invoice);
+}
+
+TEST_F(Session, new_files_hold_their_tables_and_first_rows) {
+    db::attach(gate_);
+    for (const db::TableSchema& table : db::studio_tables()) {
+        const std::string name = table.name;
+        EXPECT_EQ(row_count(gate_.main, table.name), name == "DBHeader" || name == "Def_Invoice" ? 1 : 0) << name;
+    }
+    CDaoRecordset engineers(gate_.main);
+    EXPECT_EQ(error_of([&] { engineers.Open(dbOpenDynaset, "SELECT * FROM [Def_Engineers]", 260); }), 3078);
+    EXPECT_EQ(field(gate_.main, "DBHeader", "DBversion"), "210000");
+    EXPECT_EQ(field(gate_.main, "DBHeader", "Color1"), "(null)");
+    EXPECT_EQ(field(gate_.main, "DBHeader", "Color2"), "1");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "StudioName"), "Your Studio Name");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "StudioDetails"), "Your Studio Details");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "BaseCounter"), "1");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "LastUsedCounter"), "0");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "VAT1"), "0");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "VAT2"), "0");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "Tax"), "0");
+    EXPECT_EQ(field(gate_.main, "Def_Invoice", "ExData"), "0");
+
+    EXPECT_EQ(row_count(gate_.invoice, "DBHeader"), 1);
+    EXPECT_EQ(row_count(gate_.invoice, "Invoices"), 0);
+    EXPECT_EQ(row_count(gate_.invoice, "InvoiceParams"), 0);
+    EXPECT_EQ(field(gate_.invoice, "DBHeader", "DBversion"), "210000");
+    EXPECT_EQ(field(gate_.invoice, "DBHeader", "CreateDate"), "(null)");
+}
+
+TEST_F(Session, open_on_an_empty_folder_leaves_no_sample_equipment) {
+    EXPECT_EQ(db::open(gate_), S_OK);
+    EXPECT_TRUE(gate_.main->IsOpen());
+    EXPECT_TRUE(gate_.invoice->IsOpen());
+    // The first step makes the file, so the later one finds it present.
+    EXPECT_EQ(row_count(gate_.main, "Equipment"), 0);
+    EXPECT_EQ(row_count(gate_.main, "DBHeader"), 1);
+    EXPECT_EQ(db::open(gate_), S_OK);
+    EXPECT_EQ(row_count(gate_.main, "DBHeader"), 1);
+    EXPECT_EQ(row_count(gate_.main, "Def_Invoice"), 1);
+}
+
+#ifndef _WIN32  // an open file cannot be taken away there
+TEST_F(Session, open_that_itself_finds_no_main_file_writes_sample_equipment) {
+    db::attach(gate_);
+    take_main_file_away();
+    EXPECT_EQ(db::open(gate_), S_OK);
+    EXPECT_EQ(row_count(gate_.main, "DBHeader"), 1);
+    ASSERT_EQ(row_count(gate_.main, "Equipment"), 2);
+    CDaoRecordset rows(gate_.main);
+    rows.Open(dbOpenDynaset, "SELECT * FROM [Equipment]", 260);
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Name")), "S3200 - AKAI");
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Action")), "New gear");
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Cost")), "$ 800");
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Notes")), "second hand. 127MB RAM");
+    const double today = std::floor(os::local_time_as_ole_date());
+    EXPECT_NEAR(rows.GetFieldValue("ActDate").date, today, 1);  // midnight may pass
+    EXPECT_EQ(rows.GetFieldValue("ActDate").date, std::floor(rows.GetFieldValue("ActDate").date));
+    EXPECT_EQ(rows.GetFieldValue("ExData").vt, VT_NULL);
+    rows.MoveNext();
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Name")), "TR-Rack KORG");
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Action")), "Repair");
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Cost")), "$ 40");
+    EXPECT_EQ(db::value_to_text(rows.GetFieldValue("Notes")), "Distorted output sound");
+}
+#endif
+
+TEST_F(Session, open_closes_and_opens_the_main_file_but_keeps_its_rows) {
+    db::attach(gate_);
+    CDaoRecordset rows(gate_.main);
+    rows.Open(dbOpenDynaset, "Projects", 0);
+    rows.AddNew();
+    rows.SetFieldValue("Name", "kept");
+    rows.Update();
+    db::open(gate_);
+    EXPECT_FALSE(rows.IsOpen());  // closed with its database
+    EXPECT_EQ(field(gate_.main, "Projects", "Name"), "kept");
+}
+
+struct CloseCase {
+    unsigned flags;
+    bool closes_main;
+    bool closes_invoice;
+};
+
+class SessionClose : public Session, public testing::WithParamInterface<CloseCase> {};
+
+TEST_P(SessionClose, flags_say_what_is_closed) {
+    db::attach(gate_);
+    db::close(GetParam().flags);
+    EXPECT_EQ(gate_.main->IsOpen(), !GetParam().closes_main);
+    EXPECT_EQ(gate_.invoice->IsOpen(), !GetParam().closes_invoice);
+    db::close(GetParam().flags);  // closing what is closed is nothing
+}
+
+INSTANTIATE_TEST_SUITE_P(Flags, SessionClose,
+                         testing::Values(CloseCase{0, true, true}, CloseCase{8, true, true}, CloseCase{16, false, true},
+                                         CloseCase{32, true, false}, CloseCase{1, false, false},
+                                         CloseCase{24, false, false}, CloseCase{64, false, false}));
+
+TEST_F(Session, closed_files_are_released_and_opened_again) {
+    db::open(gate_);
+    db::close(0);
+    {
+        CDaoDatabase other;
+        other.Open(path("sldb.mdb").c_str(), TRUE, FALSE, db::connect_text(db::DatabaseFile::kMain).c_str());
+    }
+    LONG version = -1;
+    EXPECT_EQ(db::get_version(gate_, &version), E_FAIL);
+    EXPECT_EQ(version, -1);
+    EXPECT_EQ(db::open(gate_), S_OK);
+    EXPECT_EQ(db::get_version(gate_, &version), S_OK);
+    EXPECT_EQ(version, 210000);
+    EXPECT_EQ(files(), 2u);  // no journals, no drafts
+}
+
+TEST_F(Session, reopen_closes_first) {
+    CDaoDatabase& main = db::obtain_main(false);
+    const DAODatabase* before = main.m_pDAODatabase;
+    EXPECT_EQ(db::obtain_main(false).m_pDAODatabase, before);
+    CDaoRecordset rows(&main);
+    rows.Open(dbOpenDynaset, "Projects", 260);
+    db::obtain_main(true);
+    EXPECT_FALSE(rows.IsOpen());
+    EXPECT_TRUE(main.IsOpen());
+    db::obtain_invoice(true);
+    db::obtain_invoice(true);
+    EXPECT_TRUE(db::obtain_invoice(false).IsOpen());
+}
+
+TEST_F(Session, file_that_cannot_be_opened_raises_out_of_attach_and_open) {
+    std::ofstream(path("sldb.mdb")) << std::string(8192, 'x');
+    EXPECT_EQ(error_of([&] { db::attach(gate_); }), 3343);
+    EXPECT_EQ(error_of([&] { db::open(gate_); }), 3343);
+    EXPECT_EQ(gate_.main, nullptr);
+    std::filesystem::remove(path("sldb.mdb"));
+    CDaoDatabase foreign;
+    foreign.Create(path("sldb.mdb").c_str(), ";PWD=other");
+    foreign.Close();
+    EXPECT_EQ(error_of([&] { db::open(gate_); }), 3031);
+    foreign.Open(path("sldb.mdb").c_str(), TRUE, FALSE, ";PWD=other");
+    EXPECT_EQ(error_of([&] { db::open(gate_); }), 3045);
+}
+
+TEST_F(Session, two_files_have_two_passwords) {
+    db::attach(gate_);
+    db::close(0);
+    const std::string main = db::connect_text(db::DatabaseFile::kMain);
+    const std::string invoice = db::connect_text(db::DatabaseFile::kInvoice);
+    EXPECT_NE(main, invoice);
+    EXPECT_EQ(main.substr(0, 5), ";PWD=");
+    EXPECT_EQ(invoice.substr(0, 5), ";PWD=");
+    CDaoDatabase other;
+    EXPECT_EQ(error_of([&] { other.Open(path("sldb.mdb").c_str(), TRUE, FALSE, invoice.c_str()); }), 3031);
+    EXPECT_EQ(error_of([&] { other.Open(path("sldb.mdb").c_str(), TRUE); }), 3031);
+    EXPECT_EQ(error_of([&] { other.Open(path("kvinvdb.mdb").c_str(), TRUE, FALSE, main.c_str()); }), 3031);
+}
+
+TEST_F(Session, head_is_read_and_only_the_colours_are_written) {
+    db::open(gate_);
+    HeadInfo head{-1, -1, -1};
+    EXPECT_EQ(db::get_head(gate_, &head), S_OK);
+    EXPECT_EQ(head.DBversion, 210000);
+    EXPECT_EQ(head.Color1, 0);  // Null reads as 0
+    EXPECT_EQ(head.Color2, 1);
+    const HeadInfo wanted{5, 0x00FF00, -7};
+    EXPECT_EQ(db::set_head(gate_, &wanted), S_OK);
+    db::open(gate_);
+    EXPECT_EQ(db::get_head(gate_, &head), S_OK);
+    EXPECT_EQ(head.DBversion, 210000);
+    EXPECT_EQ(head.Color1, 0x00FF00);
+    EXPECT_EQ(head.Color2, -7);
+}
+
+TEST_F(Session, header_without_a_row_fails_and_leaves_the_record) {
+    db::attach(gate_);
+    CDaoRecordset rows(gate_.main);
+    rows.Open(dbOpenDynaset, "DBHeader", 0);
+    rows.Delete();
+    rows.Close();
+    LONG version = -5;
+    HeadInfo head{-1, -2, -3};
+    EXPECT_EQ(db::get_version(gate_, &version), E_FAIL);
+    EXPECT_EQ(version, -5);
+    EXPECT_EQ(db::get_head(gate_, &head), E_FAIL);
+    EXPECT_EQ(head.Color1, -2);
+    EXPECT_EQ(db::set_head(gate_, &head), E_FAIL);
+    EXPECT_EQ(db::stored_version(*gate_.main), 0);
+    EXPECT_EQ(db::open(gate_), S_OK);  // served as it stands
+}
+
+TEST_F(Session, gate_that_never_attached_fails) {
+    LONG version = -5;
+    HeadInfo head;
+    EXPECT_EQ(db::get_version(gate_, &version), E_FAIL);
+    EXPECT_EQ(db::get_head(gate_, &head), E_FAIL);
+    EXPECT_EQ(db::set_head(gate_, &head), E_FAIL);
+    db::attach(gate_);
+    EXPECT_EQ(db::get_version(gate_, nullptr), E_FAIL);
+    EXPECT_EQ(db::get_head(gate_, nullptr), E_FAIL);
+    EXPECT_EQ(db::set_head(gate_, nullptr), E_FAIL);
+}
+
+TEST_F(Session, older_version_is_served_untouched) {
+    db::attach(gate_);
+    CDaoRecordset rows(gate_.main);
+    rows.Open(dbOpenDynaset, "DBHeader", 0);
+    rows.Edit();
+    rows.SetFieldValue("DBversion", COleVariant(200010));
+    rows.Update();
+    rows.Close();
+    EXPECT_EQ(db::upgrade_main_file(*gate_.main), -1);
+    EXPECT_EQ(db::upgrade_invoice_file(*gate_.invoice, db::stored_version(*gate_.invoice)), 0);
+    EXPECT_EQ(db::upgrade_invoice_file(*gate_.invoice, 100006), -1);
+    EXPECT_EQ(db::open(gate_), S_OK);
+    LONG version = 0;
+    EXPECT_EQ(db::get_version(gate_, &version), S_OK);
+    EXPECT_EQ(version, 200010);
+    EXPECT_EQ(row_count(gate_.main, "Projects"), 0);
+}
+
+TEST_F(Session, version_of_a_closed_database_is_0) {
+    CDaoDatabase closed;
+    EXPECT_EQ(db::stored_version(closed), 0);
+    EXPECT_EQ(db::upgrade_main_file(closed), -1);
+}
+
+TEST_F(Session, draft_left_by_a_crash_is_made_anew) {
+    std::ofstream(path("sldb.mdb-new")) << "half a file";
+    std::ofstream(path("sldb.mdb-new-journal")) << "and its journal";
+    EXPECT_EQ(db::attach(gate_), S_OK);
+    EXPECT_EQ(row_count(gate_.main, "DBHeader"), 1);
+    EXPECT_FALSE(std::filesystem::exists(path("sldb.mdb-new")));
+    EXPECT_FALSE(std::filesystem::exists(path("sldb.mdb-new-journal")));
+}
+
+TEST_F(Session, draft_somebody_works_on_is_left_alone) {
+    CDaoDatabase other;
+    other.Create(path("sldb.mdb-new").c_str());
+    EXPECT_EQ(error_of([&] { db::attach(gate_); }), 3204);
+    EXPECT_TRUE(std::filesystem::exists(path("sldb.mdb-new")));
+    EXPECT_FALSE(db::main_file_exists());
+    other.Close();
+    EXPECT_EQ(error_of([&] { db::attach(gate_); }), 0);
+}
+
+TEST_F(Session, missing_folder_raises) {
+    db::set_database_folder_for_test(path("nowhere"));
+    EXPECT_EQ(error_of([&] { db::attach(gate_); }), 3044);
+    EXPECT_FALSE(db::main_file_exists());
+}
+
+TEST_F(Session, content_on_a_closed_database_fails) {
+    CDaoDatabase closed;
+    EXPECT_EQ(db::write_main_content(closed), -1);
+    EXPECT_EQ(db::write_invoice_content(closed), -1);
+    EXPECT_EQ(db::add_sample_equipment(closed), -1);
+}
+
+TEST_F(Session, shutting_down_closes_once_and_opening_again_works) {
+    db::attach(gate_);
+    db::shut_down_engine();
+    EXPECT_FALSE(gate_.main->IsOpen());
+    EXPECT_EQ(db::attach(gate_), S_OK);
+    db::shut_down_engine();  // once per process
+    EXPECT_TRUE(gate_.main->IsOpen());
+}
+
+TEST(DatabaseFolder, is_the_module_folder_without_separator) {
+    const std::string folder = db::database_folder();
+    EXPECT_EQ(folder, os::folder_of(os::module_path()));
+    EXPECT_NE(folder.back(), '/');
+    EXPECT_NE(folder.back(), '\\');
+    const std::string file = db::file_path(db::DatabaseFile::kMain);
+    EXPECT_EQ(file.size(), folder.size() + 1 + std::strlen("sldb.mdb"));
+}
+
+TEST(DatabaseFolder, is_worked_out_at_every_use_and_cut_to_its_buffer) {
+    db::set_database_folder_for_test("/first");
+    EXPECT_STREQ(db::database_folder(), "/first");
+    const char* buffer = db::database_folder();
+    db::set_database_folder_for_test(std::string(400, 'x'));
+    EXPECT_EQ(std::strlen(db::database_folder()), 259u);
+    EXPECT_EQ(db::database_folder(), buffer);
+    db::set_database_folder_for_test("");
+    EXPECT_EQ(db::database_folder(), os::folder_of(os::module_path()));
+}
+
+}  // namespace

@@ -1,0 +1,65 @@
+// Prints what mdb-reader reads of a file, as one JSON array of strings and nulls a line:
+//   ["password", TEXT or null]
+//   ["table", NAME, "user" or "system", ROW COUNT]     then, of this table,
+//   ["column", NAME, TYPE, SIZE, "autonumber" or ""]   one for each column
+//   ["row", VALUE...]                                  one for each row
+//   ["refused", MESSAGE]                               when the reader would not read the rows
+// Dates are milliseconds since 1970-01-01, bytes are hex digits.
+//
+// usage: node dump_tables.mjs READER_FOLDER FILE
+import { readFileSync, writeSync } from "node:fs";
+import { createRequire } from "node:module";
+import { join } from "node:path";
+import { pathToFileURL } from "node:url";
+
+const [readerFolder, file] = process.argv.slice(2);
+const require = createRequire(join(readerFolder, "package.json"));
+const { default: MDBReader } = await import(pathToFileURL(require.resolve("mdb-reader")));
+
+const kFlushCharacters = 1 << 20;
+let pending = "";
+
+function flush() {
+    const bytes = Buffer.from(pending, "utf8");
+    pending = "";
+    for (let at = 0; at < bytes.length; ) {
+        at += writeSync(1, bytes, at);
+    }
+}
+
+function print(...items) {
+    pending += JSON.stringify(items) + "\n";
+    if (pending.length > kFlushCharacters) flush();
+}
+
+function text(value) {
+    if (value === null || value === undefined) return null;
+    if (value instanceof Date) return String(value.getTime());
+    if (Buffer.isBuffer(value)) return value.toString("hex");
+    if (Object.is(value, -0)) return "-0";
+    return String(value);
+}
+
+const reader = new MDBReader(readFileSync(file));
+print("password", reader.getPassword());
+for (const kind of ["user", "system"]) {
+    const names = reader.getTableNames({ normalTables: kind === "user", systemTables: kind === "system" });
+    for (const name of names) {
+        const table = reader.getTable(name);
+        print("table", name, kind, String(table.rowCount));
+        for (const column of table.getColumns()) {
+            print("column", column.name, column.type, String(column.size), column.autoLong ? "autonumber" : "");
+        }
+        const columns = table.getColumnNames();
+        let rows = [];
+        try {
+            rows = table.getData();
+        } catch (error) {
+            print("refused", error.message);
+        }
+        for (const row of rows) {
+            print("row", ...columns.map((column) => text(row[column])));
+        }
+    }
+}
+flush();

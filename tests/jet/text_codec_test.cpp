@@ -1,0 +1,59 @@
+#include "jet/text_codec.h"
+
+#include <gtest/gtest.h>
+
+namespace jet {
+namespace {
+
+ByteVector bytes(std::initializer_list<int> list) {
+    ByteVector result;
+    for (const int value : list) result.push_back(static_cast<std::uint8_t>(value));
+    return result;
+}
+
+TEST(TextCodec, plain_text_is_two_bytes_a_unit) {
+    EXPECT_EQ(encode_text(u"a\u4e01", false), bytes({'a', 0, 0x01, 0x4e}));
+    EXPECT_EQ(encode_text(u"", true), ByteVector());
+    EXPECT_EQ(decode_text(bytes({'a', 0, 0x01, 0x4e})), u"a\u4e01");
+    EXPECT_EQ(decode_text({}), u"");
+}
+
+TEST(TextCodec, three_narrow_characters_or_more_are_compressed) {
+    EXPECT_EQ(encode_text(u"abc", true), bytes({0xFF, 0xFE, 'a', 'b', 'c'}));
+    EXPECT_EQ(encode_text(u"ab\u00ff", true), bytes({0xFF, 0xFE, 'a', 'b', 0xFF}));
+    EXPECT_EQ(encode_text(u"ab", true), bytes({'a', 0, 'b', 0}));
+    EXPECT_EQ(encode_text(u"abc", false), bytes({'a', 0, 'b', 0, 'c', 0}));
+}
+
+TEST(TextCodec, a_wide_character_or_a_nul_keeps_the_text_plain) {
+    EXPECT_EQ(encode_text(u"abc\u0100", true).size(), 8u);
+    EXPECT_EQ(encode_text(std::u16string(u"ab\0c", 4), true), bytes({'a', 0, 'b', 0, 0, 0, 'c', 0}));
+}
+
+TEST(TextCodec, toggling_form_is_read) {
+    EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 'a', 'b', 0, 0x01, 0x4e, 0x02, 0x4e, 0, 'c'})), u"ab\u4e01\u4e02c");
+    // It may end in either mode, and inside a unit.
+    EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 0, 0x01, 0x4e})), u"\u4e01");
+    EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 0, 0x01, 0x4e, 0x02})), u"\u4e01");
+    EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 'a', 0})), u"a");
+    // The high byte of a unit is no toggle.
+    EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 0, 'x', 0, 'y', 0, 0, 'z'})), u"xyz");
+}
+
+TEST(TextCodec, odd_last_byte_and_lone_marks_are_harmless) {
+    EXPECT_EQ(decode_text(bytes({'a', 0, 'b'})), u"a");
+    EXPECT_EQ(decode_text(bytes({0xFF})), u"");
+    EXPECT_EQ(decode_text(bytes({0xFF, 0xFE})), u"");
+}
+
+TEST(TextCodec, every_text_comes_back) {
+    for (const bool compress : {false, true}) {
+        for (const std::u16string& text : {std::u16string(u"Grüße"), std::u16string(255, u'x'), std::u16string(u"\u20ac\u20ac\u20ac"),
+                                           std::u16string(u"a\0b\0c", 5), std::u16string(1, u'\ud800')}) {
+            EXPECT_EQ(decode_text(encode_text(text, compress)), text);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace jet

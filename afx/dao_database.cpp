@@ -101,21 +101,33 @@ void CDaoWorkspace::BeginTrans() {
 
 void CDaoWorkspace::CommitTrans() {
     afx::translated([&] {
-        bool any = false;
-        for (CDaoDatabase* database : databases_) any = afx::EngineDatabase::of(*database).commit() || any;
-        if (!any) jet::fail(kNoTransaction, "There is no transaction to commit.");
+        for (CDaoDatabase* database : in_transaction()) {
+            try {
+                afx::EngineDatabase::of(*database).commit();
+            } catch (...) {
+                database->close_users();
+                throw;
+            }
+        }
     });
 }
 
 void CDaoWorkspace::Rollback() {
     afx::translated([&] {
-        bool any = false;
-        for (CDaoDatabase* database : databases_) {
+        for (CDaoDatabase* database : in_transaction()) {
             database->close_users();
-            any = afx::EngineDatabase::of(*database).rollback() || any;
+            afx::EngineDatabase::of(*database).rollback();
         }
-        if (!any) jet::fail(kNoTransaction, "There is no transaction to roll back.");
     });
+}
+
+std::vector<CDaoDatabase*> CDaoWorkspace::in_transaction() const {
+    std::vector<CDaoDatabase*> result;
+    for (CDaoDatabase* database : databases_) {
+        if (afx::EngineDatabase::of(*database).in_transaction()) result.push_back(database);
+    }
+    if (result.empty()) jet::fail(kNoTransaction, "There is no open transaction.");
+    return result;
 }
 
 // ---- Database ------------------------------------------------------------------------------------

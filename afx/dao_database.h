@@ -40,7 +40,8 @@ public:
     ~CDaoWorkspace() override;
 
     virtual void BeginTrans();
-    // Everything since BeginTrans becomes durable as one change. When that fails nothing of it stays.
+    // Everything since BeginTrans becomes durable as one change. When that fails nothing of it stays, and
+    // the database's record sets and table definitions are closed. 3034 without a transaction.
     virtual void CommitTrans();
     // Takes back everything since BeginTrans. Closes the record sets and table definitions of its
     // databases: they may stand on rows that never were.
@@ -48,6 +49,8 @@ public:
 
 private:
     friend class CDaoDatabase;
+    std::vector<CDaoDatabase*> in_transaction() const;
+
     std::vector<CDaoDatabase*> databases_;  // open ones
 };
 

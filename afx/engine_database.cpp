@@ -48,19 +48,16 @@ void EngineDatabase::begin() {
     ++transactions_;
 }
 
-bool EngineDatabase::commit() {
-    if (transactions_ == 0) return false;
+void EngineDatabase::commit() {
     --transactions_;
+    names_.clear();  // should it fail, tables may be gone
     engine_->pager().commit();
-    return true;
 }
 
-bool EngineDatabase::rollback() {
-    if (transactions_ == 0) return false;
+void EngineDatabase::rollback() {
     --transactions_;
     names_.clear();
     engine_->pager().rollback();
-    return true;
 }
 
 std::shared_ptr<const FieldNames> EngineDatabase::field_names(const jet::Table& table) {

@@ -24,9 +24,9 @@ public:
     void close();
 
     void begin();
-    // False when there is no transaction.
-    bool commit();
-    bool rollback();
+    bool in_transaction() const { return transactions_ > 0; }
+    void commit();
+    void rollback();
 
     // The names of a table's fields, made when first asked for.
     std::shared_ptr<const FieldNames> field_names(const jet::Table& table);

@@ -38,6 +38,16 @@ FieldNames::FieldNames(std::vector<std::u16string> names) : wide_(std::move(name
 }
 
 std::optional<std::size_t> FieldNames::find(std::string_view name) const {
+    // Callers name their columns by the same few texts again and again: the one found last time at this
+    // address is right when it still reads the same.
+    std::uint16_t& recent = recent_[reinterpret_cast<std::uintptr_t>(name.data()) / 4 % recent_.size()];
+    if (recent < names_.size() && names_[recent] == name) return recent;
+    const std::optional<std::size_t> found = look_up(name);
+    if (found) recent = static_cast<std::uint16_t>(*found);
+    return found;
+}
+
+std::optional<std::size_t> FieldNames::look_up(std::string_view name) const {
     for (std::size_t slot = hash_of(name) & (slots_.size() - 1); slots_[slot] != 0; slot = (slot + 1) & (slots_.size() - 1)) {
         const std::size_t position = slots_[slot] - 1u;
         if (same_ascii(names_[position], name)) return position;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -21,6 +22,9 @@ public:
     const std::u16string& name(std::size_t position) const { return wide_[position]; }
 
 private:
+    std::optional<std::size_t> look_up(std::string_view name) const;
+
+    mutable std::array<std::uint16_t, 64> recent_{};  // positions found last, by the address of the name
     std::vector<std::string> names_;  // narrow
     std::vector<std::u16string> wide_;
     std::vector<std::uint16_t> slots_;  // position + 1, 0 is free; a power of two of them

@@ -11,6 +11,8 @@ add_library(kvdb_options INTERFACE)
 target_include_directories(kvdb_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(kvdb_options INTERFACE
     -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wconversion -Wno-sign-conversion)
+# Texts are converted and copied unit by unit: loops that the compiler turns into vector code from -O3 on.
+target_compile_options(kvdb_options INTERFACE $<$<CONFIG:Release,RelWithDebInfo>:-O3>)
 if(KVDB_WERROR)
     target_compile_options(kvdb_options INTERFACE -Werror)
 endif()

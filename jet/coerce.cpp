@@ -48,7 +48,7 @@ double round_half_even(double value) { return value - std::remainder(value, 1.0)
 template <class Integer>
 Value to_integer(const ColumnDef& column, const Value& value) {
     const auto number = as_number(value);
-    if (!number || std::isnan(*number)) no_conversion(column);
+    if (!number || !std::isfinite(*number)) no_conversion(column);
     const double rounded = round_half_even(*number);
     if (rounded < std::numeric_limits<Integer>::min() || rounded > std::numeric_limits<Integer>::max()) {
         no_conversion(column);

@@ -43,10 +43,10 @@ Weight surrogate_weight(char16_t c) {
 Weight wide_weight(char16_t c) {
     if (is_surrogate(c)) return surrogate_weight(c);
     const auto* first = collation::kRanges + collation::kFirstRange[c >> 8];
-    const auto* last = collation::kRanges + std::min<std::size_t>(collation::kFirstRange[(c >> 8) + 1] + 1u,
-                                                                  collation::kRangeCount);
-    const auto* next = std::upper_bound(first, last, c,
-                                        [](char16_t unit, const collation::Range& range) { return unit < range.first; });
+    const auto* last =
+        collation::kRanges + std::min<std::size_t>(collation::kFirstRange[(c >> 8) + 1] + 1u, collation::kRangeCount);
+    const auto* next = std::upper_bound(
+        first, last, c, [](char16_t unit, const collation::Range& range) { return unit < range.first; });
     const collation::Range& range = *(next - 1);
     Weight weight = range.weight;
     if (weight.kind == Kind::kSimple) weight.value += static_cast<std::uint32_t>(c - range.first);
@@ -55,9 +55,7 @@ Weight wide_weight(char16_t c) {
 
 Weight weight_of(char16_t c) { return c < 256 ? collation::kLatin[c] : wide_weight(c); }
 
-bool has_inline_bytes(Kind kind) {
-    return kind == Kind::kSimple || kind == Kind::kAccented || kind == Kind::kKana;
-}
+bool has_inline_bytes(Kind kind) { return kind == Kind::kSimple || kind == Kind::kAccented || kind == Kind::kKana; }
 
 void append_value(ByteVector& to, std::uint32_t value, int bytes) { append_be(to, value, bytes); }
 
@@ -191,6 +189,14 @@ private:
     bool needs_tail_ = false;
 };
 
+// Whether two characters put the same bytes into every section of a key; false where that takes a closer look.
+bool same_weight(char16_t a, char16_t b) {
+    if (a == b) return true;
+    if (a > 0xFF || b > 0xFF) return false;
+    const Weight& left = collation::kLatin[a];
+    return left.kind == Kind::kSimple && left == collation::kLatin[b];
+}
+
 int sign(bool less) { return less ? -1 : 1; }
 
 bool is_letter(const Weight& weight) {
@@ -227,9 +233,9 @@ bool equal_text(std::u16string_view a, std::u16string_view b) { return compare_t
 int compare_text(std::u16string_view a, std::u16string_view b) {
     a = without_trailing_blanks(a);
     b = without_trailing_blanks(b);
-    const auto differing = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
+    const auto differing = std::mismatch(a.begin(), a.end(), b.begin(), b.end(), same_weight);
     if (differing.first == a.end() && differing.second == b.end()) return 0;
-    // The common beginning puts the same bytes into every section, so only the rest is looked at first.
+    // The rest is looked at first: the common beginning adds the same to both.
     const std::size_t common = static_cast<std::size_t>(differing.first - a.begin());
     InlineBytes left(a.substr(common));
     InlineBytes right(b.substr(common));

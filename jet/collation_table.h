@@ -33,7 +33,7 @@ struct Range {
     Weight weight;  // of `first`
 };
 
-extern const Weight kLatin[256];             // U+0000..U+00FF
+extern const Weight kLatin[256];              // U+0000..U+00FF
 extern const std::uint16_t kFirstRange[257];  // by high byte: the range that holds its first code unit
 extern const std::size_t kRangeCount;
 extern const Range kRanges[];

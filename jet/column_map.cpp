@@ -18,9 +18,7 @@ std::optional<std::uint64_t> ColumnMap::key_of(const Value& value) {
     return std::nullopt;
 }
 
-std::uint64_t ColumnMap::key_of_long(std::int32_t value) {
-    return static_cast<std::uint32_t>(value) ^ 0x80000000u;
-}
+std::uint64_t ColumnMap::key_of_long(std::int32_t value) { return static_cast<std::uint32_t>(value) ^ 0x80000000u; }
 
 // A stored date before day 0 has its time of day as a positive fraction, so -1.25 is later than -1.0. The
 // sum of day and time is linear, and exact: its magnitude is never above that of the stored number.

@@ -16,7 +16,7 @@ constexpr std::uint8_t kValueAscending = 0x7F;
 constexpr std::uint8_t kValueDescending = 0x80;
 constexpr std::uint8_t kNullDescending = 0xFF;
 
-constexpr std::size_t kSegment = 8;           // bytes of binary data between two markers
+constexpr std::size_t kSegment = 8;  // bytes of binary data between two markers
 constexpr std::uint8_t kMoreSegments = 0x09;
 
 template <class T>
@@ -78,8 +78,12 @@ void append_plain(ByteVector& to, const ColumnDef& column, const Value& value) {
         case ColumnType::kInteger: append_signed(to, expect<std::int16_t>(value, column), 2); return;
         case ColumnType::kLong: append_signed(to, expect<std::int32_t>(value, column), 4); return;
         case ColumnType::kCurrency: append_signed(to, expect<Currency>(value, column).ten_thousandths, 8); return;
-        case ColumnType::kSingle: append_real(to, std::bit_cast<std::uint32_t>(expect<float>(value, column)), 4); return;
-        case ColumnType::kDouble: append_real(to, std::bit_cast<std::uint64_t>(expect<double>(value, column)), 8); return;
+        case ColumnType::kSingle:
+            append_real(to, std::bit_cast<std::uint32_t>(expect<float>(value, column)), 4);
+            return;
+        case ColumnType::kDouble:
+            append_real(to, std::bit_cast<std::uint64_t>(expect<double>(value, column)), 8);
+            return;
         case ColumnType::kDate:
             append_real(to, std::bit_cast<std::uint64_t>(expect<Date>(value, column).days), 8);
             return;

@@ -17,6 +17,10 @@ std::size_t common_bytes(ByteSpan a, ByteSpan b, std::size_t limit) {
     return count;
 }
 
+void store_be32(MutableByteSpan bytes, std::size_t at, std::uint32_t value) {
+    for (std::size_t i = 0; i < 4; ++i) store_u8(bytes, at + i, static_cast<std::uint8_t>(value >> (24 - 8 * i)));
+}
+
 // The prefix never reaches into the row pointer.
 std::size_t key_bytes(ByteSpan entry) { return entry.size() - format::kRowPointer; }
 
@@ -42,26 +46,36 @@ IndexPage IndexPage::parse(ByteSpan bytes, PageNumber page_no, PageNumber table_
     if (!page.leaf_) page.tail = load_u32(bytes, format::kTail);
 
     const std::size_t prefix = load_u16(bytes, format::kPrefix);
-    const std::size_t least = format::kRowPointer + page.suffix_bytes();
+    const std::size_t suffix = page.suffix_bytes();
     const ByteSpan area = bytes.subspan(format::kEntries);
+    page.ends_.reserve(format::kEntryBytes / 8);
     std::size_t begin = 0;
     for (std::size_t at = 0; at < format::kBitmapBytes; ++at) {
         for (unsigned bits = bytes[format::kBitmap + at]; bits != 0; bits &= bits - 1) {
             const std::size_t end = 8 * at + static_cast<std::size_t>(std::countr_zero(bits));
             if (end > area.size()) corrupt(page_no, "an index entry leaves the page");
-            if (end < begin + least) corrupt(page_no, "an index entry is too short");
-            const ByteSpan own = area.subspan(begin, end - begin - page.suffix_bytes());
-            if (page.size() == 1 && prefix > key_bytes(page.entry(0))) {
-                corrupt(page_no, "the shared part of the index entries is longer than the first one");
-            }
-            if (page.size() > 0) page.bytes_.insert(page.bytes_.end(), area.begin(), area.begin() + prefix);
-            append_bytes(page.bytes_, own);
-            page.ends_.push_back(static_cast<std::uint32_t>(page.bytes_.size()));
-            if (!page.leaf_) page.children_.push_back(load_be32(area, end - format::kChildPointer));
+            if (end < begin + format::kRowPointer + suffix) corrupt(page_no, "an index entry is too short");
+            page.ends_.push_back(static_cast<std::uint32_t>(end));
             begin = end;
         }
     }
     page.stored_bytes = begin;
+    if (page.size() > 1 && prefix + format::kRowPointer + suffix > page.ends_[0]) {
+        corrupt(page_no, "the shared part of the index entries is longer than the first one");
+    }
+    if (prefix == 0 && page.leaf_) {
+        page.bytes_.assign(area.begin(), area.begin() + static_cast<std::ptrdiff_t>(begin));
+        return page;
+    }
+    begin = 0;
+    page.bytes_.reserve(jet4::kPageSize);
+    for (std::uint32_t& end : page.ends_) {
+        if (begin > 0) append_bytes(page.bytes_, area.first(prefix));
+        append_bytes(page.bytes_, area.subspan(begin, end - begin - suffix));
+        if (!page.leaf_) page.children_.push_back(load_be32(area, end - suffix));
+        begin = end;
+        end = static_cast<std::uint32_t>(page.bytes_.size());
+    }
     return page;
 }
 
@@ -76,15 +90,15 @@ void IndexPage::write(MutableByteSpan page) const {
     store_u32(page, format::kTail, tail);
     store_u16(page, format::kPrefix, static_cast<std::uint16_t>(prefix));
     store_u8(page, format::kLevel, level_);
-    std::size_t at = 0;  // from the start of the entry area
+    const MutableByteSpan area = page.subspan(format::kEntries);
+    std::size_t at = 0;
     for (std::size_t i = 0; i < size(); ++i) {
         const ByteSpan own = entry(i).subspan(i == 0 ? 0 : prefix);
-        store_bytes(page, format::kEntries + at, own);
+        store_bytes(area, at, own);
         at += own.size();
         if (!leaf_) {
-            for (std::size_t k = 0; k < format::kChildPointer; ++k) {
-                page[format::kEntries + at++] = static_cast<std::uint8_t>(children_[i] >> (24 - 8 * k));
-            }
+            store_be32(area, at, children_[i]);
+            at += format::kChildPointer;
         }
         page[format::kBitmap + at / 8] |= static_cast<std::uint8_t>(1u << (at % 8));
     }
@@ -110,8 +124,16 @@ std::size_t IndexPage::lower_bound(ByteSpan target) const {
 }
 
 bool IndexPage::is_sorted() const {
-    for (std::size_t i = 1; i < size(); ++i) {
-        if (compare_entries(entry(i - 1), entry(i)) >= 0) return false;
+    // Done for every page on the way to an entry, hence without the comfort of spans.
+    const std::uint8_t* bytes = bytes_.data();
+    std::size_t before = 0;
+    for (std::size_t i = 1; i < ends_.size(); ++i) {
+        const std::size_t begin = ends_[i - 1];
+        const std::size_t length_before = begin - before;
+        const std::size_t length = ends_[i] - begin;
+        const int order = std::memcmp(bytes + before, bytes + begin, std::min(length_before, length));
+        if (order > 0 || (order == 0 && length_before >= length)) return false;
+        before = begin;
     }
     return true;
 }

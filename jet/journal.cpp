@@ -15,6 +15,7 @@ constexpr std::size_t kPageSizeAt = 8;
 constexpr std::size_t kIdentityAt = 16;
 constexpr std::size_t kCounterAt = 24;
 constexpr std::size_t kSaltAt = 32;
+constexpr std::size_t kNextCounterAt = 40;
 constexpr std::size_t kHeaderChecksumAt = 56;
 
 constexpr std::uint32_t kCommitMark = 0x54494D43;  // "CMIT"
@@ -24,12 +25,12 @@ constexpr std::size_t kCommitPagesAt = 4;
 constexpr std::size_t kCommitPageCountAt = 8;
 constexpr std::size_t kCommitChecksumAt = 16;  // last field; covers what is before it and the pages
 
+}  // namespace
+
 std::uint64_t fresh_salt() {
     return static_cast<std::uint64_t>(std::chrono::steady_clock::now().time_since_epoch().count()) ^
            static_cast<std::uint64_t>(std::chrono::system_clock::now().time_since_epoch().count()) << 20;
 }
-
-}  // namespace
 
 std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed) {
     constexpr std::uint64_t kMultiplier = 0x9FB21C651E98DF25;
@@ -67,6 +68,7 @@ void Journal::start(const JournalBinding& binding) {
     store_u64(header_, kIdentityAt, binding.identity);
     store_u64(header_, kCounterAt, binding.base_counter);
     store_u64(header_, kSaltAt, fresh_salt());
+    store_u64(header_, kNextCounterAt, binding.next_counter);
     checksum_ = checksum64(ByteSpan(header_).first(kHeaderChecksumAt), 0);
     store_u64(header_, kHeaderChecksumAt, checksum_);
     end_ = 0;
@@ -133,7 +135,7 @@ void Journal::sync() {
 
 void Journal::reset() {
     if (file_) file_->truncate(0);
-    unsynced_ = false;
+    unsynced_ = file_ != nullptr;
     end_ = 0;
 }
 
@@ -152,7 +154,7 @@ bool Journal::read(os::File& file, JournalContent& content) {
     if (load_u32(header, kPageSizeAt) != jet4::kPageSize) return false;
     std::uint64_t sum = checksum64(ByteSpan(header).first(kHeaderChecksumAt), 0);
     if (load_u64(header, kHeaderChecksumAt) != sum) return false;
-    content.binding = {load_u64(header, kIdentityAt), load_u64(header, kCounterAt)};
+    content.binding = {load_u64(header, kIdentityAt), load_u64(header, kCounterAt), load_u64(header, kNextCounterAt)};
 
     const std::uint64_t size = file.size();
     std::uint64_t at = kHeaderBytes;

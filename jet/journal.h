@@ -6,7 +6,8 @@
 //
 // Invariants
 //  1. A commit is appended with one write; what is in front of it is never changed.
-//  2. The header binds the journal to one state of one file: identity, change counter before and after.
+//  2. The header binds the journal to one state of one file: identity, change counter before and after. The
+//     counter moves by steps of chance, so that two copies of a file that went their own ways differ in it.
 #pragma once
 
 #include <cstdint>
@@ -24,6 +25,7 @@ namespace jet {
 struct JournalBinding {
     std::uint64_t identity = 0;      // of the file: what never changes in its header, and its commit words
     std::uint64_t base_counter = 0;  // change counter of the file when the generation began
+    std::uint64_t next_counter = 0;  // what the generation's first commit makes of it
 };
 
 struct JournalPage {
@@ -64,7 +66,7 @@ public:
     void withdraw(std::uint64_t end) noexcept;
     // What has been appended is on the disk when it returns, the journal's name included.
     void sync();
-    // Everything is in the .mdb: an empty journal.
+    // Everything is in the .mdb: an empty journal. Only after sync() is it sure not to come back.
     void reset();
     // Removes the file, if any.
     void remove();
@@ -84,6 +86,9 @@ private:
     std::unique_ptr<std::uint8_t[]> buffer_;
     std::size_t buffer_bytes_ = 0;
 };
+
+// A number that is another one each time.
+std::uint64_t fresh_salt();
 
 // A 64-bit checksum of `bytes`, chained on `seed`. Not a defence against intent.
 std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed);

@@ -263,8 +263,9 @@ void Pager::bump_change_counter() {
     const std::uint64_t identity = file_identity(header_page);
     MutablePage page = modify(jet4::kObjectsPage);
     const std::uint64_t counter = load_u64(page.bytes(), jet4::tdef::kFiller);
-    journal_->start({identity, counter});
-    store_u64(page.bytes(), jet4::tdef::kFiller, counter + 1);
+    const std::uint64_t next = counter + 1 + (checksum64({}, fresh_salt()) & 0xFFFFFFFF);
+    journal_->start({identity, counter, next});
+    store_u64(page.bytes(), jet4::tdef::kFiller, next);
 }
 
 // After a failed sync nobody knows what the disk holds, and a later one may succeed without having written it:
@@ -313,6 +314,8 @@ void Pager::write_back() {
 void Pager::reset_journal() {
     sync_file();
     journal_->reset();
+    // Otherwise a part of the old journal could be found under the new one's first commit and be replayed.
+    sync_journal();
 }
 
 void Pager::sync_point() {
@@ -357,7 +360,7 @@ void Pager::recover() {
         const ByteSpan header_page = load(jet4::kHeaderPage)->bytes;
         const std::uint64_t counter = load_u64(load(jet4::kObjectsPage)->bytes, jet4::tdef::kFiller);
         ours = content.binding.identity == file_identity(header_page) &&
-               (counter == content.binding.base_counter || counter == content.binding.base_counter + 1);
+               (counter == content.binding.base_counter || counter == content.binding.next_counter);
     }
     if (!ours) {
         file.reset();

@@ -139,9 +139,14 @@ void SchemaEditor::store_definition(const TableDef& def) {
             continue;
         }
         store_u32(page.bytes(), tdef::kNext, 0);
-        while (next != 0) {
+        for (std::uint32_t freed = 0; next != 0; ++freed) {
+            if (freed > pager.page_count()) corrupt(def.page, "the pages of a table definition go in a circle");
             const PageNumber unused_page = next;
-            next = load_u32(pager.read(unused_page).bytes(), tdef::kNext);
+            {
+                const Page page_behind = pager.read(unused_page);
+                if (page_behind.bytes()[0] != jet4::kTableDefPage) break;
+                next = load_u32(page_behind.bytes(), tdef::kNext);
+            }
             database_.allocator().free(unused_page);
         }
         return;

@@ -88,7 +88,7 @@ std::optional<PageNumber> map_next(Pager& pager, RowId row, PageNumber from) {
     const MapRow map(map_bytes(page, row), row.page);
     if (!map.reference) {
         const auto bit = next_bit(map.bitmap, from > map.start ? from - map.start : 0);
-        if (!bit || *bit + map.start >= jet4::kMaxPages) return std::nullopt;
+        if (!bit || std::uint64_t{*bit} + map.start >= jet4::kMaxPages) return std::nullopt;
         return map.start + static_cast<PageNumber>(*bit);
     }
     for (std::size_t k = from / usage::kPagesPerBitmap; k < map.pointers(); ++k) {
@@ -214,6 +214,7 @@ std::vector<PageNumber> PageAllocator::bitmap_pages() const { return map_bitmap_
 MutablePage PageAllocator::allocate() {
     const auto lowest = map_next(pager_, kGlobalMapRow, std::max<PageNumber>(lowest_free_hint_, jet4::kGlobalMapPage + 1));
     if (lowest && *lowest < pager_.page_count()) {
+        if (*lowest <= jet4::kRelationshipsPage) corrupt(*lowest, "a page of the catalogue is marked free");
         mark_used(*lowest);
         lowest_free_hint_ = *lowest + 1;
         MutablePage page = pager_.modify(*lowest);

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <type_traits>
 
 namespace os::detail {
 namespace {
@@ -79,11 +80,29 @@ char to_windows_1252(char16_t unit) {
     return '?';
 }
 
+// ASCII is the same in every code page, and most texts are nothing else: such a text is taken whole into the
+// result and from `text`.
+template <class Result, class Text>
+Result take_ascii(Text& text) {
+    using Unit = std::conditional_t<sizeof(typename Text::value_type) == 1, std::uint8_t, char16_t>;
+    unsigned bits = 0;
+    for (const auto unit : text) bits |= static_cast<Unit>(unit);
+    Result result;
+    if (bits >= 0x80) {
+        result.reserve(text.size());
+        return result;
+    }
+    result.resize(text.size());
+    auto to = result.begin();
+    for (const auto unit : text) *to++ = static_cast<typename Result::value_type>(unit);
+    text = {};
+    return result;
+}
+
 }  // namespace
 
 std::u16string utf8_to_utf16(std::string_view narrow) {
-    std::u16string wide;
-    wide.reserve(narrow.size());
+    std::u16string wide = take_ascii<std::u16string>(narrow);
     while (!narrow.empty()) {
         char32_t code_point = 0;
         const std::size_t length = decode_utf8(narrow, code_point);
@@ -104,8 +123,7 @@ std::u16string utf8_to_utf16(std::string_view narrow) {
 }
 
 std::string utf16_to_utf8(std::u16string_view wide) {
-    std::string narrow;
-    narrow.reserve(wide.size());
+    std::string narrow = take_ascii<std::string>(wide);
     for (std::size_t i = 0; i < wide.size(); ++i) {
         const char16_t unit = wide[i];
         if (is_high_surrogate(unit) && i + 1 < wide.size() && is_low_surrogate(wide[i + 1])) {
@@ -121,8 +139,7 @@ std::string utf16_to_utf8(std::u16string_view wide) {
 }
 
 std::u16string windows_1252_to_utf16(std::string_view narrow) {
-    std::u16string wide;
-    wide.reserve(narrow.size());
+    std::u16string wide = take_ascii<std::u16string>(narrow);
     for (const char c : narrow) {
         const auto byte = static_cast<std::uint8_t>(c);
         const bool is_special = byte >= kFirstSpecial && byte < kFirstSpecial + kSpecial.size();
@@ -132,8 +149,7 @@ std::u16string windows_1252_to_utf16(std::string_view narrow) {
 }
 
 std::string utf16_to_windows_1252(std::u16string_view wide) {
-    std::string narrow;
-    narrow.reserve(wide.size());
+    std::string narrow = take_ascii<std::string>(wide);
     for (const char16_t unit : wide) narrow.push_back(to_windows_1252(unit));
     return narrow;
 }

@@ -24,6 +24,11 @@ std::string rows_named(const char* table, const char* column, const char* text) 
     return whole_table(table) + " WHERE " + clause::equals(column, text);
 }
 
+std::string sum_where(const char* summed, const char* table, const char* column, LONG value) {
+    return "SELECT SUM(" + std::string(summed) + ") AS [total] FROM " + bracketed(table) + " WHERE " +
+           clause::equals(column, value);
+}
+
 void Statement::add(const std::string& clause, Join join) {
     if (!has_condition_) {
         text_ += " WHERE ";

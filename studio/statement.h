@@ -17,6 +17,8 @@ std::string whole_table(const char* table);
 std::string rows_where(const char* table, const char* column, LONG value);
 // SELECT * FROM [table] WHERE [column]="text"
 std::string rows_named(const char* table, const char* column, const char* text);
+// SELECT SUM(summed) AS [total] FROM [table] WHERE [column]=value
+std::string sum_where(const char* summed, const char* table, const char* column, LONG value);
 
 // What stands between a clause and the one before it.
 enum class Join {

@@ -80,8 +80,16 @@ private:
         return count;
     }
 
-    // The host's answer, which may be wider than 32 bits, before 1970, or another day than asked for.
+    // The count whose local parts are these, hours and below in any range; it may be wider than 32 bits. For
+    // the zone's own rule the local clock is asked rather than the host's mktime, which looks for changes of
+    // the zone at every call.
     static std::int64_t host_count(int year, int month, int day, int hour, int minute, int second, int dst) noexcept {
+        if (dst < 0) {
+            const std::int64_t wall = days_before(year, month, day) * 86400 + hour * 3600LL + minute * 60LL + second;
+            const std::int64_t first = wall - offset_at(wall);
+            if (first + offset_at(first) == wall) return first;
+            return wall - offset_at(first);
+        }
         std::tm parts{};
         parts.tm_year = year - 1900;
         parts.tm_mon = month - 1;
@@ -93,12 +101,28 @@ private:
         return static_cast<std::int64_t>(std::mktime(&parts));
     }
 
+    // Days from 1970-01-01 to this date.
+    static std::int64_t days_before(int year, int month, int day) noexcept {
+        const int shifted = month <= 2 ? year - 1 : year;  // years that begin in March
+        const int month_index = month <= 2 ? month + 9 : month - 3;
+        return 365LL * shifted + shifted / 4 - shifted / 100 + shifted / 400 + (153 * month_index + 2) / 5 + day - 1 - 719468;
+    }
+
+    // How far the local clock is ahead at a moment; that of the nearest moment the host can tell.
+    static std::int64_t offset_at(std::int64_t seconds) noexcept {
+        if (seconds < 0) seconds = 0;
+        if (seconds > INT32_MAX) seconds = INT32_MAX;
+        std::tm parts{};
+        if (!to_local(seconds, &parts)) return 0;
+        return days_before(parts.tm_year + 1900, parts.tm_mon + 1, parts.tm_mday) * 86400 + parts.tm_hour * 3600LL +
+               parts.tm_min * 60LL + parts.tm_sec - seconds;
+    }
+
     static bool to_local(std::int64_t seconds, std::tm* parts) noexcept {
         const std::time_t count = static_cast<std::time_t>(seconds);
 #ifdef _WIN32
         return localtime_s(parts, &count) == 0;
 #else
-        tzset();
         return localtime_r(&count, parts) != nullptr;
 #endif
     }

@@ -61,7 +61,8 @@ private:
             if (operand.kind == Operand::Kind::kColumn) names += " " + to_utf8(column(operand.index).name);
         }
         fail(errors::kTypeMismatch, "A condition on the table " + to_utf8(def_.name) +
-                                        " compares values of different types" + (names.empty() ? "" : ":" + names) + ".");
+                                        " compares values of different types" + (names.empty() ? "" : ":" + names) +
+                                        ".");
     }
 
     void check_comparison(const Node& node) const {
@@ -99,7 +100,8 @@ private:
 
     void check_order(const ColumnDef& key) const {
         if (is_long_value(key.type)) {
-            fail(errors::kSortOnMemo, "The column " + to_utf8(key.name) + " is a memo or object and cannot be a sort key.");
+            fail(errors::kSortOnMemo,
+                 "The column " + to_utf8(key.name) + " is a memo or object and cannot be a sort key.");
         }
     }
 

@@ -23,9 +23,9 @@ public:
 };
 
 struct Binding {
-    std::vector<std::uint32_t> positions;               // by column of the statement
+    std::vector<std::uint32_t> positions;  // by column of the statement
     std::vector<Literal> literals;
-    std::vector<std::optional<LikePattern>> patterns;   // by LIKE of the statement; none: taken from each row
+    std::vector<std::optional<LikePattern>> patterns;  // by LIKE of the statement; none: taken from each row
 };
 
 // Errors: 3061 for an unknown column, 3464 for values that cannot be compared, 3075 for a bad pattern, 3117

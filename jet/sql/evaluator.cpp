@@ -90,7 +90,8 @@ private:
     Truth evaluate_like(const Node& node) const {
         const auto value = text_of(node.left);
         if (!value) return Truth::kUnknown;
-        if (const auto& fixed = binding_.patterns[node.pattern]) return truth_of(fixed->matches(*value) != node.negated);
+        if (const auto& fixed = binding_.patterns[node.pattern])
+            return truth_of(fixed->matches(*value) != node.negated);
         // A pattern out of the row itself: a bad one matches nothing and fails nothing.
         const auto pattern = text_of(node.right);
         if (!pattern) return Truth::kUnknown;

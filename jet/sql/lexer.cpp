@@ -18,9 +18,7 @@ bool is_digit(char16_t c) { return c >= u'0' && c <= u'9'; }
 
 char16_t upper(char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c; }
 
-bool starts_name(char16_t c) {
-    return (upper(c) >= u'A' && upper(c) <= u'Z') || c == u'_' || c > 0xA0;
-}
+bool starts_name(char16_t c) { return (upper(c) >= u'A' && upper(c) <= u'Z') || c == u'_' || c > 0xA0; }
 bool continues_name(char16_t c) { return starts_name(c) || is_digit(c) || c == u'$'; }
 
 struct Keyword {

@@ -48,8 +48,8 @@ enum class TokenKind : std::uint8_t {
 
 struct Token {
     TokenKind kind = TokenKind::kEnd;
-    bool bracketed = false;     // a name in brackets is never a keyword or a function
-    std::uint32_t begin = 0;    // characters of the statement; of a name without its brackets
+    bool bracketed = false;   // a name in brackets is never a keyword or a function
+    std::uint32_t begin = 0;  // characters of the statement; of a name without its brackets
     std::uint32_t length = 0;
     std::uint32_t literal = 0;  // index of the literal
 };

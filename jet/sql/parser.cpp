@@ -10,8 +10,8 @@ namespace jet::sql {
 
 namespace {
 
-constexpr int kMaxDepth = 256;             // parentheses and NOTs within each other
-constexpr std::size_t kExcerpt = 40;       // characters of a statement quoted in an error text
+constexpr int kMaxDepth = 256;        // parentheses and NOTs within each other
+constexpr std::size_t kExcerpt = 40;  // characters of a statement quoted in an error text
 constexpr std::u16string_view kSumAlias = u"Expr1000";
 
 bool is_sum(std::u16string_view word) {
@@ -69,7 +69,8 @@ private:
         const auto rest = lexed_.statement.substr(std::min<std::size_t>(current().begin, lexed_.statement.size()));
         const std::string near = rest.empty() ? "at its end" : "near '" + to_utf8(rest.substr(0, kExcerpt)) + "'";
         if (kind() == TokenKind::kBad) {
-            fail(errors::kExpressionSyntax, "Unfinished or malformed literal, name or sign in the statement " + near + ".");
+            fail(errors::kExpressionSyntax,
+                 "Unfinished or malformed literal, name or sign in the statement " + near + ".");
         }
         fail(number, std::string(what) + ": the statement is wrong " + near + ".");
     }

@@ -89,8 +89,8 @@ MapSpan span_of_number(std::uint32_t position, std::int64_t number) {
 void narrow(MapSpan& span, Comparison comparison, std::uint64_t key) {
     const bool from = comparison == Comparison::kEqual || comparison == Comparison::kGreater ||
                       comparison == Comparison::kGreaterEqual;
-    const bool to = comparison == Comparison::kEqual || comparison == Comparison::kLess ||
-                    comparison == Comparison::kLessEqual;
+    const bool to =
+        comparison == Comparison::kEqual || comparison == Comparison::kLess || comparison == Comparison::kLessEqual;
     if (from) span.first_key = std::max(span.first_key, key);
     if (to) span.last_key = std::min(span.last_key, key);
 }

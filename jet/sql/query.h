@@ -13,16 +13,16 @@
 namespace jet::sql {
 
 struct ResultColumn {
-    std::u16string name;               // column name or alias
+    std::u16string name;  // column name or alias
     ColumnType type = ColumnType::kLong;
     std::uint16_t length_bytes = 0;
-    std::size_t position = 0;          // in the table's columns (not for SUM)
+    std::size_t position = 0;  // in the table's columns (not for SUM)
 };
 
 // A span of a column's ordered map that holds every row of the result (and maybe more).
 struct MapSpan {
-    std::size_t position = 0;          // the column
-    std::uint64_t first_key = 0;       // both ends included
+    std::size_t position = 0;     // the column
+    std::uint64_t first_key = 0;  // both ends included
     std::uint64_t last_key = 0;
 };
 
@@ -43,7 +43,7 @@ public:
 
     Table& table() const;
     const std::vector<ResultColumn>& columns() const;
-    bool is_aggregate() const;                      // SELECT SUM(...)
+    bool is_aggregate() const;  // SELECT SUM(...)
     bool has_condition() const;
     // Whether the row meets the condition (true only; unknown is no).
     bool matches(const RowView& row) const;

@@ -64,22 +64,22 @@ private:
     std::optional<MapSpan> span_;
     Source source_ = Source::kScan;
     bool started_ = false;
-    RowId position_;             // uncollected: where next() continues
-    RowId furthest_;             // uncollected: rows up to here have been looked at
-    std::optional<RowId> end_;   // uncollected: members stand before this row
+    RowId position_;            // uncollected: where next() continues
+    RowId furthest_;            // uncollected: rows up to here have been looked at
+    std::optional<RowId> end_;  // uncollected: members stand before this row
     bool collected_ = false;
-    std::vector<RowId> rows_;    // collected members
-    std::size_t index_ = 0;      // into rows_, of the next one
+    std::vector<RowId> rows_;                  // collected members
+    std::size_t index_ = 0;                    // into rows_, of the next one
     mutable std::vector<std::size_t> by_row_;  // indexes into rows_ by row, made for sets with an order
-    RowId last_row_;             // the highest in rows_
+    RowId last_row_;                           // the highest in rows_
     std::vector<RowId> added_;
-    RowId last_added_;           // the highest in added_
+    RowId last_added_;  // the highest in added_
     std::size_t added_index_ = 0;
     bool in_added_ = false;
     // Uncollected: whether rows changed or added since the opening are members. Collected: false for rows
     // added in the place of members deleted before.
     std::unordered_map<std::uint32_t, bool> verdicts_;
-    mutable RowView row_;        // buffer
+    mutable RowView row_;  // buffer
 };
 
 }  // namespace jet::sql

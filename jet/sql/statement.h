@@ -38,9 +38,9 @@ struct OrderTerm {
 
 struct Statement {
     std::u16string table;
-    bool sum = false;            // SELECT SUM(...) instead of *
+    bool sum = false;  // SELECT SUM(...) instead of *
     std::uint32_t sum_column = 0;
-    std::u16string alias;        // of the sum
+    std::u16string alias;                 // of the sum
     std::vector<std::u16string> columns;  // every column named, each spelling once
     std::vector<Node> nodes;
     std::uint32_t condition = kNoNode;

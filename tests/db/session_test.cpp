@@ -1,5 +1,6 @@
 #include "db/session.h"
 
+#include <cmath>
 #include <cstring>
 #include <fstream>
 

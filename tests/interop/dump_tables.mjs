@@ -3,17 +3,17 @@
 //   ["table", NAME, "user" or "system", ROW COUNT]     then, of this table,
 //   ["column", NAME, TYPE, SIZE, "autonumber" or ""]   one for each column
 //   ["row", VALUE...]                                  one for each row
-//   ["refused", MESSAGE]                               when the reader would not read the rows
+//   ["refused", MESSAGE]                               when the reader does not read the table
 // Dates are milliseconds since 1970-01-01, bytes are hex digits.
 //
 // usage: node dump_tables.mjs READER_FOLDER FILE
 import { readFileSync, writeSync } from "node:fs";
 import { createRequire } from "node:module";
-import { join } from "node:path";
+import { resolve } from "node:path";
 import { pathToFileURL } from "node:url";
 
 const [readerFolder, file] = process.argv.slice(2);
-const require = createRequire(join(readerFolder, "package.json"));
+const require = createRequire(resolve(readerFolder, "package.json"));
 const { default: MDBReader } = await import(pathToFileURL(require.resolve("mdb-reader")));
 
 const kFlushCharacters = 1 << 20;
@@ -40,26 +40,27 @@ function text(value) {
     return String(value);
 }
 
+function printTable(table, kind) {
+    print("table", table.name, kind, String(table.rowCount));
+    try {
+        const columns = table.getColumns();
+        for (const column of columns) {
+            print("column", column.name, column.type, String(column.size), column.autoLong ? "autonumber" : "");
+        }
+        for (const row of table.getData()) {
+            print("row", ...columns.map((column) => text(row[column.name])));
+        }
+    } catch (error) {
+        print("refused", error.message);
+    }
+}
+
 const reader = new MDBReader(readFileSync(file));
 print("password", reader.getPassword());
 for (const kind of ["user", "system"]) {
     const names = reader.getTableNames({ normalTables: kind === "user", systemTables: kind === "system" });
     for (const name of names) {
-        const table = reader.getTable(name);
-        print("table", name, kind, String(table.rowCount));
-        for (const column of table.getColumns()) {
-            print("column", column.name, column.type, String(column.size), column.autoLong ? "autonumber" : "");
-        }
-        const columns = table.getColumnNames();
-        let rows = [];
-        try {
-            rows = table.getData();
-        } catch (error) {
-            print("refused", error.message);
-        }
-        for (const row of rows) {
-            print("row", ...columns.map((column) => text(row[column])));
-        }
+        printTable(reader.getTable(name), kind);
     }
 }
 flush();

@@ -657,4 +657,35 @@ TEST_F(StructureCheck, access_files_break_only_the_rules_access_does_not_keep) {
     EXPECT_GT(files, 5);
 }
 
+TEST_F(StructureCheck, access_file_changed_by_this_engine_breaks_no_rule) {
+    const fs::path sample = fs::path(KVDB_SAMPLES) / "indexTestV2000.mdb";
+    if (!fs::exists(sample)) GTEST_SKIP() << "no sample files";
+    const fs::path path = folder_.file("changed.mdb");
+    write_whole(path, read_whole(sample));
+    int changed = 0;
+    {
+        auto database = Database::open(path.string(), {});
+        for (const std::u16string& name : database->table_names()) {
+            Table& table = *database->find_table(name);
+            // Every other row goes and comes back with the values it had.
+            std::vector<RowId> rows;
+            for (auto row = table.next_row({}); row; row = table.next_row(*row)) rows.push_back(*row);
+            for (std::size_t i = 0; i < rows.size(); i += 2) {
+                RowView view;
+                ASSERT_TRUE(table.read(rows[i], view));
+                std::vector<Value> values;
+                for (std::size_t k = 0; k < table.def().columns.size(); ++k) values.push_back(view.value(k));
+                table.erase(rows[i]);
+                table.insert(values);
+                ++changed;
+            }
+        }
+        database->close();
+    }
+    EXPECT_GT(changed, 10);
+    for (const Violation& violation : check(read_whole(path))) {
+        ADD_FAILURE() << "page " << violation.page << " " << violation.rule << ": " << violation.detail;
+    }
+}
+
 }  // namespace

@@ -78,8 +78,8 @@ TEST(Coerce, text_becomes_a_number_where_it_is_one) {
 }
 
 TEST(Coerce, currency_keeps_four_places_and_its_range) {
-    EXPECT_EQ(coerced(kCurrency, 1.00005), Value(Currency{10000}));
-    EXPECT_EQ(coerced(kCurrency, 1.00015), Value(Currency{10002}));
+    EXPECT_EQ(coerced(kCurrency, 0.00005), Value(Currency{0}));
+    EXPECT_EQ(coerced(kCurrency, 0.00035), Value(Currency{4}));
     EXPECT_EQ(coerced(kCurrency, Currency{std::numeric_limits<std::int64_t>::min()}),
               Value(Currency{std::numeric_limits<std::int64_t>::min()}));
     EXPECT_EQ(refused(kCurrency, 1e15), errors::kBadConversion);

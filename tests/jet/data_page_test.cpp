@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 
 #include "tests/jet/engine_fixture.h"
 
@@ -49,7 +48,7 @@ TEST(DataPage, new_page_is_empty_and_belongs_to_its_owner) {
 }
 
 TEST(DataPage, invariants_hold_under_random_changes) {
-    std::mt19937 random(7);
+    Random random(7);
     int full = 0;
     for (int round = 0; round < 60; ++round) {
         ByteVector page(jet4::kPageSize);
@@ -57,7 +56,7 @@ TEST(DataPage, invariants_hold_under_random_changes) {
         std::vector<ModelRow> rows;
         const auto some_bytes = [&](std::size_t most) {
             ByteVector bytes(random() % (most + 1));
-            for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
+            for (std::uint8_t& byte : bytes) byte = random.byte();
             return bytes;
         };
         for (int step = 0; step < 250; ++step) {

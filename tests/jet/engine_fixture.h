@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -48,28 +49,35 @@ inline std::vector<Value> row_values(const Table& table, RowId row) {
     return values;
 }
 
-inline std::string text_of(const Value& value) {
-    struct Writer {
-        std::string operator()(Null) const { return "null"; }
-        std::string operator()(bool v) const { return v ? "true" : "false"; }
-        std::string operator()(Currency v) const { return std::to_string(v.ten_thousandths) + "e-4"; }
-        std::string operator()(Date v) const { return std::to_string(v.days) + "d"; }
-        std::string operator()(const std::u16string& v) const { return "'" + to_utf8(v) + "'"; }
-        std::string operator()(const ByteVector& v) const { return bytes(v); }
-        std::string operator()(const Guid& v) const { return bytes(v.bytes); }
-        std::string operator()(const Numeric& v) const { return bytes(v.bytes); }
-        template <class Number>
-        std::string operator()(Number v) const {
-            return std::to_string(v);
-        }
-        static std::string bytes(ByteSpan v) {
-            std::string hex = "x";
-            for (const std::uint8_t byte : v) hex += "0123456789abcdef"[byte >> 4], hex += "0123456789abcdef"[byte & 15];
-            return hex;
-        }
-    };
-    return std::visit(Writer{}, value);
+namespace detail {
+
+inline std::string hex(ByteSpan bytes) {
+    std::string text = "x";
+    for (const std::uint8_t byte : bytes) {
+        text += "0123456789abcdef"[byte >> 4];
+        text += "0123456789abcdef"[byte & 15];
+    }
+    return text;
 }
+
+struct ValueWriter {
+    std::string operator()(Null) const { return "null"; }
+    std::string operator()(bool v) const { return v ? "true" : "false"; }
+    std::string operator()(Currency v) const { return std::to_string(v.ten_thousandths) + "e-4"; }
+    std::string operator()(Date v) const { return std::to_string(v.days) + "d"; }
+    std::string operator()(const std::u16string& v) const { return "'" + to_utf8(v) + "'"; }
+    std::string operator()(const ByteVector& v) const { return hex(v); }
+    std::string operator()(const Guid& v) const { return hex(v.bytes); }
+    std::string operator()(const Numeric& v) const { return hex(v.bytes); }
+    template <class Number>
+    std::string operator()(Number v) const {
+        return std::to_string(v);
+    }
+};
+
+}  // namespace detail
+
+inline std::string text_of(const Value& value) { return std::visit(detail::ValueWriter{}, value); }
 
 // Everything in the file that its user can tell apart: password, tables, columns, rows with their addresses, and
 // the catalogue's owners. The catalogue's dates are left out: they are those of the moment.
@@ -104,6 +112,18 @@ inline std::string content_of(Database& database) {
     for (const std::u16string& name : database.table_names()) add_table(*database.find_table(name));
     return text;
 }
+
+// Numbers that are the same in every run.
+class Random {
+public:
+    explicit Random(std::uint32_t seed) : engine_(seed) {}
+    std::uint32_t operator()() { return static_cast<std::uint32_t>(engine_()); }
+    std::uint32_t below(std::size_t bound) { return static_cast<std::uint32_t>((*this)() % bound); }
+    std::uint8_t byte() { return static_cast<std::uint8_t>((*this)()); }
+
+private:
+    std::mt19937 engine_;
+};
 
 // A disk in memory that the engine uses for as long as the object lives.
 struct MemoryDisk {

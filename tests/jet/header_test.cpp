@@ -74,7 +74,8 @@ TEST(Header, another_password_changes_its_bytes_alone) {
     store_password(page, header, u"new");
     const ByteVector after = plain(page);
     for (std::size_t i = 0; i < page.size(); ++i) {
-        if (i < 0x42 || i >= 0x42 + 40) EXPECT_EQ(before[i], after[i]) << i;
+        if (i >= 0x42 && i < 0x42 + 40) continue;
+        EXPECT_EQ(before[i], after[i]) << i;
     }
     EXPECT_EQ(parse_header(page, "").password, u"new");
     store_password(page, header, u"");

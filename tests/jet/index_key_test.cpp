@@ -113,7 +113,8 @@ TEST(IndexKey, binary_is_cut_into_counted_segments) {
 }
 
 TEST(IndexKey, guid_is_its_textual_order_as_binary) {
-    const jet::Guid guid{{0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}};
+    const jet::Guid guid{
+        {0x33, 0x22, 0x11, 0x00, 0x55, 0x44, 0x77, 0x66, 0x88, 0x99, 0xAA, 0xBB, 0xCC, 0xDD, 0xEE, 0xFF}};
     EXPECT_EQ("7F 00 11 22 33 44 55 66 77 09 88 99 AA BB CC DD EE FF 08", ascending(ColumnType::kGuid, guid));
     EXPECT_EQ("80 FF EE DD CC BB AA 99 88 09 77 66 55 44 33 22 11 00 F7", descending(ColumnType::kGuid, guid));
 }
@@ -121,7 +122,8 @@ TEST(IndexKey, guid_is_its_textual_order_as_binary) {
 TEST(IndexKey, numeric_keeps_its_sign_byte_in_both_directions) {
     const std::string zeros = "00 00 00 00 00 00 00 00 ";
     const std::string ones = "FF FF FF FF FF FF FF FF ";
-    EXPECT_EQ("7F FF " + zeros + "00 00 00 01 00 00 00 02", ascending(ColumnType::kNumeric, numeric(false, 0x100000002)));
+    EXPECT_EQ("7F FF " + zeros + "00 00 00 01 00 00 00 02",
+              ascending(ColumnType::kNumeric, numeric(false, 0x100000002)));
     EXPECT_EQ("7F 00 " + ones + "FF FF FF FE FF FF FF FD", ascending(ColumnType::kNumeric, numeric(true, 0x100000002)));
     EXPECT_EQ("80 FF " + ones + "FF FF FF FF FF FF FF FD", descending(ColumnType::kNumeric, numeric(false, 2)));
     EXPECT_EQ("80 00 " + zeros + "00 00 00 00 00 00 00 02", descending(ColumnType::kNumeric, numeric(true, 2)));
@@ -179,10 +181,10 @@ TEST(AllNullKey, one_value_is_enough_to_say_no) {
 }
 
 TEST(WhyNotMaintainable, known_types_in_general_order_are_maintainable) {
-    for (const ColumnType type : {ColumnType::kBoolean, ColumnType::kByte, ColumnType::kInteger, ColumnType::kLong,
-                                  ColumnType::kCurrency, ColumnType::kSingle, ColumnType::kDouble, ColumnType::kDate,
-                                  ColumnType::kBinary, ColumnType::kText, ColumnType::kMemo, ColumnType::kGuid,
-                                  ColumnType::kNumeric}) {
+    for (const ColumnType type :
+         {ColumnType::kBoolean, ColumnType::kByte, ColumnType::kInteger, ColumnType::kLong, ColumnType::kCurrency,
+          ColumnType::kSingle, ColumnType::kDouble, ColumnType::kDate, ColumnType::kBinary, ColumnType::kText,
+          ColumnType::kMemo, ColumnType::kGuid, ColumnType::kNumeric}) {
         const Fixture fixture(type);
         EXPECT_FALSE(jet::why_not_maintainable(fixture.index, fixture.def));
     }

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 
 #include "tests/jet/engine_fixture.h"
 
@@ -165,13 +164,13 @@ TEST(RowCodec, every_type_comes_back) {
 
 TEST(RowCodec, damaged_rows_fail_or_stay_inside) {
     const TableDef def = example_def();
-    std::mt19937 random(1);
+    Random random(1);
     int failures = 0;
     for (int round = 0; round < 20000; ++round) {
         ByteVector row = kExampleRow;
-        row[random() % row.size()] = static_cast<std::uint8_t>(random());
-        row[random() % row.size()] = static_cast<std::uint8_t>(random());
-        if (round % 4 == 0) row.resize(random() % row.size());
+        row[random.below(row.size())] = random.byte();
+        row[random.below(row.size())] = random.byte();
+        if (round % 4 == 0) row.resize(random.below(row.size()));
         const int error = error_number([&] { decode(def, row); });
         if (error != 0) ++failures;
         ASSERT_TRUE(error == 0 || error == errors::kDamaged) << round;

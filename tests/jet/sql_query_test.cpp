@@ -205,8 +205,7 @@ TEST_F(QueryTest, sum_of_amounts_beyond_their_range_is_an_error) {
 
 TEST_F(QueryTest, equality_of_a_long_gives_a_span_of_one_key) {
     for (const auto* text : {u"[ProjID]=7", u"7=[ProjID]", u"[Name] LIKE \"*x*\" AND [ProjID]=7",
-                             u"([Name]=\"x\" AND ([ProjID]=7)) AND [RecID]=3",
-                             u"[Date]=#1/1/2005# AND [ProjID]=7"}) {
+                             u"([Name]=\"x\" AND ([ProjID]=7)) AND [RecID]=3", u"[Date]=#1/1/2005# AND [ProjID]=7"}) {
         const auto span = span_of(text);
         ASSERT_TRUE(span);
         EXPECT_EQ(1u, span->position);
@@ -217,8 +216,8 @@ TEST_F(QueryTest, equality_of_a_long_gives_a_span_of_one_key) {
 
 TEST_F(QueryTest, other_conditions_give_no_span) {
     for (const auto* text : {u"[ProjID]=7 OR [ProjID]=8", u"NOT [ProjID]=7", u"[ProjID]>7", u"[ProjID]=7.5",
-                             u"[ProjID]=[RecID]", u"[Name]=\"x\"", u"[ProjID]=NULL", u"[Price]=7", u"[Date]<>#1/1/2005#",
-                             u"[ProjID] LIKE \"7\"", u"[ProjID] IS NULL", u"7=7"}) {
+                             u"[ProjID]=[RecID]", u"[Name]=\"x\"", u"[ProjID]=NULL", u"[Price]=7",
+                             u"[Date]<>#1/1/2005#", u"[ProjID] LIKE \"7\"", u"[ProjID] IS NULL", u"7=7"}) {
         EXPECT_FALSE(span_of(text)) << jet::to_utf8(text);
     }
     EXPECT_FALSE(prepare(u"SELECT * FROM [Songs]").span());
@@ -256,11 +255,12 @@ TEST_F(QueryTest, date_conditions_narrow_one_span) {
 TEST_F(QueryTest, spans_hold_every_row_that_meets_the_condition) {
     for (int i = 0; i < 300; ++i) {
         const double day = 38400 + i % 40 + (i % 3 == 0 ? 0.5 : 0);
-        add(std::int32_t{i % 7}, std::u16string(u"x"), i % 11 == 0 ? Value() : Value(jet::Date{i % 13 == 0 ? -day : day}));
+        add(std::int32_t{i % 7}, std::u16string(u"x"),
+            i % 11 == 0 ? Value() : Value(jet::Date{i % 13 == 0 ? -day : day}));
     }
-    for (const auto* condition : {u"[ProjID]=3", u"[ProjID]=99", u"[Date]=#03/01/2005#",
-                                  u"[Date]>#03/01/2005# AND [Date]<=#03/09/2005#", u"[Date]<#03/01/2005#",
-                                  u"[Date]>=#03/01/2005# AND [ProjID]>2"}) {
+    for (const auto* condition :
+         {u"[ProjID]=3", u"[ProjID]=99", u"[Date]=#03/01/2005#", u"[Date]>#03/01/2005# AND [Date]<=#03/09/2005#",
+          u"[Date]<#03/01/2005#", u"[Date]>=#03/01/2005# AND [ProjID]>2"}) {
         const Query query = prepare(u"SELECT * FROM [Songs] WHERE " + std::u16string(condition));
         ASSERT_TRUE(query.span());
         Ids found;

@@ -75,8 +75,12 @@ protected:
 };
 
 // The same rows through each kind of source.
-const char16_t* const kEverySource[] = {u"", u"WHERE [Name]=\"x\"", u"WHERE [ProjID]=1", u"WHERE [Date]>=#1/1/2000#",
-                                        u"ORDER BY [RecID]", u"WHERE [ProjID]=1 ORDER BY [Date]"};
+const char16_t* const kEverySource[] = {u"",
+                                        u"WHERE [Name]=\"x\"",
+                                        u"WHERE [ProjID]=1",
+                                        u"WHERE [Date]>=#1/1/2000#",
+                                        u"ORDER BY [RecID]",
+                                        u"WHERE [ProjID]=1 ORDER BY [Date]"};
 
 TEST_F(RowSetTest, rows_come_in_scan_order) {
     for (int i = 0; i < 5; ++i) add(1, jet::Date{40000});
@@ -128,8 +132,9 @@ TEST_F(RowSetTest, many_additions_are_no_members_either) {
 TEST_F(RowSetTest, row_that_no_longer_matches_is_still_delivered_with_its_new_values) {
     std::vector<RowId> rows;
     for (int i = 0; i < 4; ++i) rows.push_back(add(1, jet::Date{40000}));
-    for (const auto* rest_of_statement : {u"WHERE [ProjID]=1", u"WHERE [ProjID]<5", u"WHERE [ProjID]=1 ORDER BY [RecID]",
-                                          u"WHERE [Date]>=#1/1/2000# AND [ProjID]=1", u"WHERE [Date]>#1/1/2000#"}) {
+    for (const auto* rest_of_statement :
+         {u"WHERE [ProjID]=1", u"WHERE [ProjID]<5", u"WHERE [ProjID]=1 ORDER BY [RecID]",
+          u"WHERE [Date]>=#1/1/2000# AND [ProjID]=1", u"WHERE [Date]>#1/1/2000#"}) {
         auto unread = open(rest_of_statement);
         auto set = open(rest_of_statement);
         ASSERT_TRUE(set->first());
@@ -152,8 +157,8 @@ TEST_F(RowSetTest, row_that_begins_to_match_is_no_member) {
     add(1, jet::Date{40000});
     const RowId other = add(2, jet::Date{1});
     add(1, jet::Date{40000});
-    for (const auto* rest_of_statement : {u"WHERE [ProjID]=1", u"WHERE [ProjID]<2", u"WHERE [Date]>#1/1/2000#",
-                                          u"WHERE [ProjID]=1 ORDER BY [Date]"}) {
+    for (const auto* rest_of_statement :
+         {u"WHERE [ProjID]=1", u"WHERE [ProjID]<2", u"WHERE [Date]>#1/1/2000#", u"WHERE [ProjID]=1 ORDER BY [Date]"}) {
         auto set = open(rest_of_statement);
         ASSERT_TRUE(set->first());
         change(other, kProject, std::int32_t{1});
@@ -286,7 +291,8 @@ TEST_F(RowSetTest, only_rows_looked_at_are_delivered) {
 }
 
 TEST_F(RowSetTest, changed_and_deleted_members_stay_delivered) {
-    for (const auto* rest_of_statement : {u"WHERE [ProjID]=1", u"WHERE [ProjID]<2", u"WHERE [ProjID]=1 ORDER BY [Date]"}) {
+    for (const auto* rest_of_statement :
+         {u"WHERE [ProjID]=1", u"WHERE [ProjID]<2", u"WHERE [ProjID]=1 ORDER BY [Date]"}) {
         const RowId row = add(1, jet::Date{40000});
         auto set = open(rest_of_statement);
         ASSERT_TRUE(set->first());
@@ -402,7 +408,9 @@ TEST_F(RowSetTest, random_changes_under_open_sets_keep_their_membership) {
         std::mt19937 random(seed);
         const auto any = [&random](std::size_t below) { return static_cast<std::size_t>(random() % below); };
         const auto any_project = [&] { return static_cast<std::int32_t>(any(4)); };
-        const auto any_date = [&] { return any(5) == 0 ? Value() : Value(jet::Date{40000.0 + static_cast<double>(any(10))}); };
+        const auto any_date = [&] {
+            return any(5) == 0 ? Value() : Value(jet::Date{40000.0 + static_cast<double>(any(10))});
+        };
         std::map<std::int32_t, RowId> rows;
         std::set<std::int32_t> alive;
         for (auto row = songs().next_row({}); row; row = songs().next_row({})) songs().erase(*row);
@@ -413,7 +421,9 @@ TEST_F(RowSetTest, random_changes_under_open_sets_keep_their_membership) {
             alive.insert(id);
             return id;
         };
-        const auto any_alive = [&] { return *std::next(alive.begin(), static_cast<std::ptrdiff_t>(any(alive.size()))); };
+        const auto any_alive = [&] {
+            return *std::next(alive.begin(), static_cast<std::ptrdiff_t>(any(alive.size())));
+        };
         for (int i = 0; i < 40; ++i) insert();
         std::vector<Model> models;
         for (int step = 0; step < 4000; ++step) {

@@ -14,7 +14,11 @@ TEST(Utf8, characters_of_every_length_survive_both_ways) {
 
 TEST(Utf8, unpaired_surrogate_becomes_replacement) {
     EXPECT_EQ("a\xEF\xBF\xBD", jet::to_utf8(u"a\xD800"));
-    EXPECT_EQ("\xEF\xBF\xBD" "b", jet::to_utf8(u"\xDC00" u"b"));
+    EXPECT_EQ(
+        "\xEF\xBF\xBD"
+        "b",
+        jet::to_utf8(u"\xDC00"
+                     u"b"));
     EXPECT_EQ("\xEF\xBF\xBD\xEF\xBF\xBD", jet::to_utf8(u"\xD800\xD800"));
 }
 

@@ -1,0 +1,50 @@
+#include "studio/bookings.h"
+
+namespace studio {
+namespace {
+
+constexpr Column<BookingInfo> kColumns[] = {
+    column::integer("RecID", &BookingInfo::RecID),
+    column::date_to_the_minute("DateStart", &BookingInfo::DateStart),
+    column::date_to_the_minute("DateEnd", &BookingInfo::DateEnd),
+    column::integer("ClientID", &BookingInfo::ClientID),
+    column::text("ClientName", &BookingInfo::ClientName),
+    column::integer("ProjID", &BookingInfo::ProjID),
+    column::integer("RoomID", &BookingInfo::RoomID),
+    column::integer("EngineerID", &BookingInfo::EngineerID),
+    column::text("EngineerName", &BookingInfo::EngineerName),
+    column::integer("SessionID", &BookingInfo::SessionID),
+    column::integer("StatusID", &BookingInfo::StatusID),
+    column::text("Notes", &BookingInfo::Notes),
+    column::integer("ExData", &BookingInfo::ExData),
+};
+
+// Values of ExData that ask for a span of days.
+constexpr LONG kAscendingSpan = 4;
+constexpr LONG kDescendingSpan = 8;
+
+// Deliberate: a span looks at the start of a booking only. Its bounds are midnights, so what starts later on the
+// last day is outside.
+constexpr Clause<BookingInfo> kFilter[] = {
+    filter::equals("ClientID", &BookingInfo::ClientID),
+    filter::equals("EngineerID", &BookingInfo::EngineerID),
+    filter::equals("ProjID", &BookingInfo::ProjID),
+    filter::equals("RoomID", &BookingInfo::RoomID),
+    filter::ordered_span("DateStart", &BookingInfo::DateStart, &BookingInfo::DateEnd, filter::Order::kAscending,
+                         &BookingInfo::ExData, kAscendingSpan),
+    filter::ordered_span("DateStart", &BookingInfo::DateStart, &BookingInfo::DateEnd, filter::Order::kDescending,
+                         &BookingInfo::ExData, kDescendingSpan),
+};
+
+}  // namespace
+
+constinit const TableMapping<BookingInfo> kBookings{
+    .table = "Bookings",
+    .key = {"RecID", &BookingInfo::RecID},
+    .read = kColumns,
+    .write = std::span(kColumns).subspan(1),
+    .filter = kFilter,
+    .null_record = NullRecord::kFailsAtOnce,
+};
+
+}  // namespace studio

@@ -1,0 +1,78 @@
+#include "studio/lookup_lists.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace studio {
+namespace {
+
+constexpr char kNameColumn[] = "Name";
+
+constexpr Column<ListName> kColumns[] = {
+    column::text(kNameColumn, &ListName::Name),
+};
+
+constexpr TableMapping<ListName> list(const char* table) {
+    return {.table = table, .read = kColumns, .write = kColumns, .null_record = NullRecord::kFailsAtOnce};
+}
+
+void copy_name(const CString& name, LPSTR buffer) {
+    const int length = std::min(name.GetLength(), kListNameSize - 1);
+    std::memcpy(buffer, name.GetString(), static_cast<std::size_t>(length));
+    buffer[length] = 0;
+}
+
+}  // namespace
+
+constinit const TableMapping<ListName> kTrackTypes = list("Def_TrackTypes");
+constinit const TableMapping<ListName> kProjectTypes = list("Def_ProjTypes");
+constinit const TableMapping<ListName> kTrackDestinations = list("Def_TrackDestination");
+constinit const TableMapping<ListName> kEquipmentActions = list("Def_EquipActs");
+
+HRESULT NameList::EnumFirst(LPSTR buffer) {
+    ListName first;
+    const HRESULT result = names_.EnumFirst(buffer != nullptr ? &first : nullptr);
+    if (result == S_OK) copy_name(first.Name, buffer);
+    return result;
+}
+
+HRESULT NameList::EnumNext(LPSTR buffer) {
+    ListName next;
+    const HRESULT result = names_.EnumNext(buffer != nullptr ? &next : nullptr);
+    if (result == S_OK) copy_name(next.Name, buffer);
+    return result;
+}
+
+template <class Work>
+HRESULT NameList::with_rows_named(LPCSTR name, Work&& work) {
+    if (!is_usable(database_) || name == nullptr) return E_FAIL;
+    return guarded(
+        [&] {
+            CDaoRecordset rows(database_);
+            rows.Open(dbOpenDynaset, rows_named(mapping_.table, kNameColumn, name).c_str(), kForWriting);
+            work(rows, rows.GetRecordCount() >= 1);
+            rows.Close();
+            return S_OK;
+        },
+        [] {});
+}
+
+HRESULT NameList::Add(LPCSTR name) {
+    return with_rows_named(name, [&](CDaoRecordset& rows, bool is_there) {
+        if (is_there) return;
+        rows.AddNew();
+        rows.SetBookmark(rows.GetLastModifiedBookmark());
+        rows.SetFieldValue(kNameColumn, name);
+        rows.Update();
+    });
+}
+
+HRESULT NameList::Delete(LPCSTR name) {
+    return with_rows_named(name, [](CDaoRecordset& rows, bool is_there) {
+        if (!is_there) return;
+        rows.MoveFirst();
+        rows.Delete();
+    });
+}
+
+}  // namespace studio

@@ -1,0 +1,15 @@
+// The catalogue of media files: groups (`LibGroups`), the libraries of a group (`MediaLibs`), the files of a
+// library (`MediaFiles`). Nothing checks that a parent exists, and nothing goes with it when it is deleted.
+#pragma once
+
+#include <kvdb/records.h>
+
+#include "studio/record_table.h"
+
+namespace studio {
+
+extern const TableMapping<LibGrpInfo> kLibraryGroups;
+extern const TableMapping<MediaLibInfo> kMediaLibraries;
+extern const TableMapping<MediaFileInfo> kMediaFiles;
+
+}  // namespace studio

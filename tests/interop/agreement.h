@@ -1,0 +1,38 @@
+// When a value of ours and what another reader prints of it are the same, and the known faults of those
+// readers, for which they may differ.
+#pragma once
+
+#include <string>
+
+#include "jet/table_def.h"
+#include "jet/types.h"
+#include "tests/interop/readers.h"
+
+namespace interop {
+
+enum class Reader { kMdbExport, kMdbReader };
+
+// A value and where it comes from.
+struct Sample {
+    const jet::ColumnDef& column;
+    const jet::Value& value;
+    bool short_row = false;  // the row was stored when the table had fewer columns
+};
+
+// Whether the reader printed exactly this value.
+bool agrees(Reader reader, const Sample& sample, const Field& field);
+
+// Name of the known fault of the reader that explains what it printed; null when none does. Only asked
+// where agrees() is false.
+const char* known_fault(Reader reader, const Sample& sample, const Field& field);
+
+// Whether no reader at all prints values of this column.
+bool is_unreadable(const jet::ColumnDef& column);
+
+// The value for messages.
+std::string describe(const jet::Value& value);
+
+// Hex digits, capital.
+std::string hex_of(const std::uint8_t* bytes, std::size_t count);
+
+}  // namespace interop

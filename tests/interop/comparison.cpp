@@ -1,0 +1,245 @@
+#include "tests/interop/comparison.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <set>
+
+#include "jet/data_page.h"
+#include "tests/interop/agreement.h"
+
+namespace interop {
+
+namespace {
+
+// A moved row's pointers are followed this far; the engine itself has a larger limit.
+constexpr int kMaxHops = 8;
+
+// How the row is stored: which columns it knows of, and whether it has moved.
+void look_at_stored_row(jet::Database& database, std::size_t max_columns, OurRow& row) {
+    jet::RowId at = row.id;
+    for (int hop = 0; hop < kMaxHops; ++hop) {
+        const jet::Page page = database.pager().read(at.page);
+        const jet::DataPage data(page.bytes(), at.page);
+        const jet::Slot slot = data.slot(at.slot);
+        if (!slot.is_moved()) {
+            row.short_row = jet::load_u16(data.row(slot), 0) < max_columns;
+            row.moved = hop > 0;
+            return;
+        }
+        at = jet::RowId::unpack(jet::load_u32(data.row(slot), 0));
+    }
+    ADD_FAILURE() << "a moved row leads through more than " << kMaxHops << " pointers";
+}
+
+struct Verdict {
+    bool same = false;
+    const char* fault = nullptr;  // explains why it is not the same
+};
+
+Verdict judge(Reader reader, const Sample& sample, const Field& field) {
+    if (agrees(reader, sample, field)) return {true, nullptr};
+    return {false, known_fault(reader, sample, field)};
+}
+
+// Positions of our columns in the foreign row; nothing is compared of a column that the reader lacks.
+std::vector<std::size_t> column_positions(const OurTable& ours, const ForeignTable& theirs, const std::string& where) {
+    std::vector<std::size_t> positions;
+    for (const jet::ColumnDef& column : ours.def.columns) {
+        const auto position = theirs.find_column(jet::to_utf8(column.name));
+        EXPECT_TRUE(position) << where << " has no column " << jet::to_utf8(column.name);
+        positions.push_back(position.value_or(theirs.columns.size()));
+    }
+    EXPECT_EQ(theirs.columns.size(), ours.def.columns.size()) << where;
+    return positions;
+}
+
+bool row_matches(Reader reader, const OurTable& ours, const OurRow& row, const std::vector<Field>& fields,
+                 const std::vector<std::size_t>& positions) {
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+        if (positions[i] >= fields.size()) return false;
+        const Verdict verdict = judge(reader, {ours.def.columns[i], row.values[i], row.short_row}, fields[positions[i]]);
+        if (!verdict.same && !verdict.fault) return false;
+    }
+    return true;
+}
+
+std::string row_difference(Reader reader, const OurTable& ours, const OurRow& row, const std::vector<Field>& fields,
+                           const std::vector<std::size_t>& positions) {
+    std::string text;
+    for (std::size_t i = 0; i < row.values.size(); ++i) {
+        if (positions[i] >= fields.size()) continue;
+        const Field& field = fields[positions[i]];
+        const Verdict verdict = judge(reader, {ours.def.columns[i], row.values[i], row.short_row}, field);
+        if (verdict.same || verdict.fault) continue;
+        text += "\n  " + jet::to_utf8(ours.def.columns[i].name) + ": we read " + describe(row.values[i]) + ", it reads " +
+                (field ? "'" + field->substr(0, 120) + "' (" + std::to_string(field->size()) + " bytes)" : "Null");
+    }
+    return text;
+}
+
+// For each of our rows the reader's row with the same values; none where there is none. Both list moved rows
+// where they lie now, so a row is first looked for behind the one found last and then everywhere.
+std::vector<const std::vector<Field>*> pair_rows(Reader reader, const OurTable& ours, const ForeignTable& theirs,
+                                                 const std::vector<std::size_t>& positions, const std::string& where) {
+    std::vector<const std::vector<Field>*> pairs(ours.rows.size(), nullptr);
+    std::vector<bool> taken(theirs.rows.size());
+    std::size_t next = 0;
+    for (std::size_t i = 0; i < ours.rows.size(); ++i) {
+        for (std::size_t step = 0; step < theirs.rows.size(); ++step) {
+            const std::size_t at = (next + step) % theirs.rows.size();
+            if (taken[at] || !row_matches(reader, ours, ours.rows[i], theirs.rows[at], positions)) continue;
+            taken[at] = true;
+            pairs[i] = &theirs.rows[at];
+            next = at + 1;
+            break;
+        }
+        if (!pairs[i]) {
+            const jet::RowId id = ours.rows[i].id;
+            ADD_FAILURE() << where << " has no row like ours at page " << id.page << ", slot " << int{id.slot}
+                          << (i < theirs.rows.size()
+                                  ? "; the row at its place differs in" + row_difference(reader, ours, ours.rows[i], theirs.rows[i], positions)
+                                  : "");
+            return pairs;
+        }
+    }
+    EXPECT_EQ(theirs.rows.size(), ours.rows.size()) << where;
+    return pairs;
+}
+
+class TableComparison {
+public:
+    TableComparison(const OurTable& ours, Comparison& result) : ours_(ours), result_(result) {}
+
+    void run(const std::string& path, const ForeignFile& reader_file) {
+        const std::string name = jet::to_utf8(ours_.def.name);
+        const auto exported = read_with_mdbtools(path, name);
+        const ForeignTable* read = reader_file.find_table(name);
+        ASSERT_TRUE(exported) << "mdb-export does not read table " << name;
+        ASSERT_TRUE(read) << "mdb-reader does not list table " << name;
+        const bool refusable = std::any_of(ours_.def.columns.begin(), ours_.def.columns.end(),
+                                           [](const jet::ColumnDef& column) { return is_unreadable(column); });
+        if (refusable) {
+            // mdb-reader reads nothing of a table with a column of type 0x11.
+            EXPECT_NE(read->refusal, "") << name;
+            ++result_.faults["mdb-reader: a table with a column of type 0x11 is refused"];
+            read = nullptr;
+        } else {
+            EXPECT_EQ(read->refusal, "") << "mdb-reader refuses table " << name;
+        }
+
+        expect_column_order(*exported, "mdb-export, table " + name);
+        const auto export_rows = pair(Reader::kMdbExport, *exported, "mdb-export, table " + name);
+        std::vector<const std::vector<Field>*> reader_rows;
+        if (read) {
+            expect_column_order(*read, "mdb-reader, table " + name);
+            reader_rows = pair(Reader::kMdbReader, *read, "mdb-reader, table " + name);
+        }
+        // Whatever has no counterpart has been reported.
+        if (std::count(export_rows.begin(), export_rows.end(), nullptr) != 0) return;
+        if (std::count(reader_rows.begin(), reader_rows.end(), nullptr) != 0) return;
+        judge_values(*exported, export_rows, read, reader_rows);
+    }
+
+private:
+    std::vector<const std::vector<Field>*> pair(Reader reader, const ForeignTable& theirs, const std::string& where) {
+        return pair_rows(reader, ours_, theirs, column_positions(ours_, theirs, where), where);
+    }
+
+    void expect_column_order(const ForeignTable& theirs, const std::string& where) {
+        std::vector<std::string> our_names, their_names;
+        for (const jet::ColumnDef& column : ours_.def.columns) our_names.push_back(jet::to_utf8(column.name));
+        for (const ForeignColumn& column : theirs.columns) their_names.push_back(column.name);
+        EXPECT_EQ(their_names, our_names) << where;
+    }
+
+    void judge_values(const ForeignTable& exported, const std::vector<const std::vector<Field>*>& export_rows,
+                      const ForeignTable* read, const std::vector<const std::vector<Field>*>& reader_rows) {
+        for (std::size_t i = 0; i < ours_.rows.size(); ++i) {
+            for (std::size_t c = 0; c < ours_.def.columns.size(); ++c) {
+                const jet::ColumnDef& column = ours_.def.columns[c];
+                const Sample sample{column, ours_.rows[i].values[c], ours_.rows[i].short_row};
+                const std::string name = jet::to_utf8(column.name);
+                bool confirmed = note("mdb-export: ", judge(Reader::kMdbExport, sample, (*export_rows[i])[*exported.find_column(name)]));
+                if (read) {
+                    confirmed |= note("mdb-reader: ", judge(Reader::kMdbReader, sample, (*reader_rows[i])[*read->find_column(name)]));
+                }
+                EXPECT_TRUE(confirmed || is_unreadable(column))
+                    << "neither reader has our value of " << jet::to_utf8(ours_.def.name) << "." << name << ": " << describe(sample.value);
+                ++result_.values;
+            }
+            ++result_.rows;
+        }
+        ++result_.tables;
+    }
+
+    // True when the reader has our value.
+    bool note(const std::string& reader, const Verdict& verdict) {
+        if (verdict.fault) ++result_.faults[reader + verdict.fault];
+        return verdict.same;
+    }
+
+    const OurTable& ours_;
+    Comparison& result_;
+};
+
+}  // namespace
+
+std::vector<OurTable> read_with_engine(jet::Database& database) {
+    std::vector<OurTable> tables;
+    for (const jet::CatalogEntry& entry : database.catalog()) {
+        if (entry.type != 1) continue;
+        jet::Table* table = database.table_by_page(static_cast<jet::PageNumber>(entry.id));
+        EXPECT_TRUE(table) << jet::to_utf8(entry.name);
+        if (!table) continue;
+        OurTable ours;
+        ours.def = table->def();
+        ours.def.name = entry.name;
+        ours.system = entry.is_system();
+        jet::RowView view;
+        for (auto id = table->next_row({}); id; id = table->next_row(*id)) {
+            EXPECT_TRUE(table->read(*id, view));
+            OurRow row;
+            row.id = *id;
+            look_at_stored_row(database, ours.def.max_columns, row);
+            for (std::size_t i = 0; i < ours.def.columns.size(); ++i) row.values.push_back(view.value(i));
+            ours.rows.push_back(std::move(row));
+        }
+        tables.push_back(std::move(ours));
+    }
+    return tables;
+}
+
+Comparison compare_with_other_readers(const std::string& path, const std::vector<OurTable>& tables) {
+    Comparison result;
+    const auto reader_file = read_with_mdb_reader(path);
+    EXPECT_TRUE(reader_file) << "mdb-reader does not read " << path;
+    if (!reader_file) return result;
+
+    EXPECT_EQ(mdbtools_version_of(path), "JET4");
+    std::multiset<std::string> ours, exported, read;
+    for (const OurTable& table : tables) {
+        if (!table.system) ours.insert(jet::to_utf8(table.def.name));
+    }
+    for (const std::string& name : mdbtools_table_names(path)) exported.insert(name);
+    for (const ForeignTable& table : reader_file->tables) {
+        if (!table.system) read.insert(table.name);
+    }
+    EXPECT_EQ(exported, ours) << "user tables as mdb-tables lists them";
+    EXPECT_EQ(read, ours) << "user tables as mdb-reader lists them";
+    EXPECT_EQ(reader_file->tables.size(), tables.size()) << "tables as mdb-reader lists them";
+    for (const OurTable& table : tables) TableComparison(table, result).run(path, *reader_file);
+    return result;
+}
+
+Comparison compare_with_other_readers(const std::string& path) {
+    jet::OpenOptions options;
+    options.read_only = true;
+    options.ignore_password = true;
+    const auto database = jet::Database::open(path, options);
+    const auto tables = read_with_engine(*database);
+    database->close();
+    return compare_with_other_readers(path, tables);
+}
+
+}  // namespace interop

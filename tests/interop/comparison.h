@@ -1,0 +1,48 @@
+// A whole file as the engine reads it, and its comparison with the two other readers.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "jet/database.h"
+#include "jet/types.h"
+#include "tests/interop/readers.h"
+
+namespace interop {
+
+struct OurRow {
+    jet::RowId id;
+    std::vector<jet::Value> values;
+    bool short_row = false;  // stored when the table had fewer columns
+    bool moved = false;      // lies on another page than its address says
+};
+
+struct OurTable {
+    jet::TableDef def;
+    bool system = false;
+    std::vector<OurRow> rows;
+};
+
+// Every table of the catalogue, system tables included, with its rows in scan order.
+std::vector<OurTable> read_with_engine(jet::Database& database);
+
+struct Comparison {
+    std::size_t tables = 0;
+    std::size_t rows = 0;
+    std::size_t values = 0;
+    std::map<std::string, std::size_t> faults;  // how often each known fault explained a difference
+};
+
+// Fails the running test for every difference that no known fault explains, and for every value that
+// neither reader has as we do. The file must be closed.
+Comparison compare_with_other_readers(const std::string& path, const std::vector<OurTable>& tables);
+// Opens the file read-only, whatever its password, and compares.
+Comparison compare_with_other_readers(const std::string& path);
+
+// For files that our engine made: what the other readers say of the definitions is what ours says. Checks the
+// row counts of all tables, and of the user tables the columns with their order, types, sizes, auto-number and,
+// by mdb-schema alone, whether a text may be empty.
+void compare_definitions(const std::string& path, const std::vector<OurTable>& tables);
+
+}  // namespace interop

@@ -1,0 +1,53 @@
+// What every interop test needs: both other readers, an empty folder, a file in it.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "jet/database.h"
+#include "tests/interop/comparison.h"
+#include "tests/interop/readers.h"
+#include "tests/support/temp_folder.h"
+
+namespace interop {
+
+// Skips, visibly, where one of the readers is not installed.
+class InteropTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        const std::string missing = why_readers_are_missing();
+        if (!missing.empty()) GTEST_SKIP() << missing;
+    }
+
+    testing_support::TempFolder folder_;
+};
+
+// Sample files of one Jet version by their names, sorted; none where the folder is absent.
+inline std::vector<std::string> sample_files(bool jet3) {
+    std::vector<std::string> files;
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(KVDB_SAMPLES, error)) {
+        const std::string name = entry.path().filename().string();
+        if (name.ends_with(".mdb") && name.ends_with("V1997.mdb") == jet3) files.push_back(entry.path().string());
+    }
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+// The error number with which `work` ends; 0 when it does not fail.
+template <class Work>
+int error_number(Work&& work) {
+    try {
+        work();
+    } catch (const jet::Error& error) {
+        return error.number();
+    }
+    return 0;
+}
+
+}  // namespace interop

@@ -148,7 +148,8 @@ std::string currency_text(std::int64_t ten_thousandths) {
     // Negation in unsigned arithmetic: the smallest amount has no positive counterpart.
     const std::uint64_t magnitude =
         negative ? 0 - static_cast<std::uint64_t>(ten_thousandths) : static_cast<std::uint64_t>(ten_thousandths);
-    std::string text = (negative ? "-" : "") + std::to_string(magnitude / 10000);
+    std::string text(negative ? "-" : "");
+    text += std::to_string(magnitude / 10000);
     if (const std::uint64_t fraction = magnitude % 10000; fraction != 0) {
         const std::string digits = std::to_string(10000 + fraction).substr(1);
         text += '.';

@@ -138,6 +138,25 @@ protected:
         return call([&] { return table.Delete(RecordAddress{address}); });
     }
 
+    // ---- The operations of a list of names, whose rows are texts
+
+    template <class List>
+    static HRESULT enum_first(List& list, LPSTR text) {
+        return call([&] { return list.EnumFirst(text); });
+    }
+    template <class List>
+    static HRESULT enum_next(List& list, LPSTR text) {
+        return call([&] { return list.EnumNext(text); });
+    }
+    template <class List>
+    static HRESULT add(List& list, LPSTR text) {
+        return call([&] { return list.Add(text); });
+    }
+    template <class List>
+    static HRESULT remove(List& list, LPSTR text) {
+        return call([&] { return list.Delete(text); });
+    }
+
     // A method whose table this gate does not hold.
     static HRESULT not_served() {
         return call([] { return E_FAIL; });

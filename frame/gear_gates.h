@@ -13,6 +13,8 @@
 
 #include "frame/gate_base.h"
 #include "frame/gate_methods.h"
+#include "gear/gear.h"
+#include "studio/record_table.h"
 
 namespace frame {
 
@@ -30,36 +32,70 @@ public:
             return S_OK;
         });
     }
-    HRESULT STDMETHODCALLTYPE EnumFirstGear(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumNextGear(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE AddGear(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE UpdateGear(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE FindGear(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE DeleteGear(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumFirstGearService(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumNextGearService(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE AddGearService(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE UpdateGearService(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE FindGearService(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE DeleteGearService(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumFirstGRepairs(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumNextGRepairs(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE AddGRepairs(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE UpdateGRepairs(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE FindGRepairs(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE DeleteGRepairs(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumFirstGearCat(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumNextGearCat(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE AddGearCat(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE UpdateGearCat(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE FindGearCat(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE DeleteGearCat(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumFirstGearRent(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE EnumNextGearRent(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE AddGearRent(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE UpdateGearRent(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE FindGearRent(LONG_PTR) override { return not_served(); }
-    HRESULT STDMETHODCALLTYPE DeleteGearRent(LONG_PTR) override { return not_served(); }
+    HRESULT STDMETHODCALLTYPE EnumFirstGear(LONG_PTR pGearInfo) override { return enum_first(gear_, pGearInfo); }
+    HRESULT STDMETHODCALLTYPE EnumNextGear(LONG_PTR pGearInfo) override { return enum_next(gear_, pGearInfo); }
+    HRESULT STDMETHODCALLTYPE AddGear(LONG_PTR pGearInfo) override { return add(gear_, pGearInfo); }
+    HRESULT STDMETHODCALLTYPE UpdateGear(LONG_PTR pGearInfo) override { return update(gear_, pGearInfo); }
+    HRESULT STDMETHODCALLTYPE FindGear(LONG_PTR pGearInfo) override { return find(gear_, pGearInfo); }
+    HRESULT STDMETHODCALLTYPE DeleteGear(LONG_PTR pGearInfo) override { return remove_record(gear_, pGearInfo); }
+    HRESULT STDMETHODCALLTYPE EnumFirstGearService(LONG_PTR pGearServInfo) override {
+        return enum_first(services_, pGearServInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumNextGearService(LONG_PTR pGearServInfo) override {
+        return enum_next(services_, pGearServInfo);
+    }
+    HRESULT STDMETHODCALLTYPE AddGearService(LONG_PTR pGearServInfo) override { return add(services_, pGearServInfo); }
+    HRESULT STDMETHODCALLTYPE UpdateGearService(LONG_PTR pGearServInfo) override {
+        return update(services_, pGearServInfo);
+    }
+    HRESULT STDMETHODCALLTYPE FindGearService(LONG_PTR pGearServInfo) override {
+        return find(services_, pGearServInfo);
+    }
+    HRESULT STDMETHODCALLTYPE DeleteGearService(LONG_PTR pGearServInfo) override {
+        return remove_record(services_, pGearServInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumFirstGRepairs(LONG_PTR pGRepairsInfo) override {
+        return enum_first(repairs_, pGRepairsInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumNextGRepairs(LONG_PTR pGRepairsInfo) override {
+        return enum_next(repairs_, pGRepairsInfo);
+    }
+    HRESULT STDMETHODCALLTYPE AddGRepairs(LONG_PTR pGRepairsInfo) override { return add(repairs_, pGRepairsInfo); }
+    HRESULT STDMETHODCALLTYPE UpdateGRepairs(LONG_PTR pGRepairsInfo) override {
+        return update(repairs_, pGRepairsInfo);
+    }
+    HRESULT STDMETHODCALLTYPE FindGRepairs(LONG_PTR pGRepairsInfo) override { return find(repairs_, pGRepairsInfo); }
+    HRESULT STDMETHODCALLTYPE DeleteGRepairs(LONG_PTR pGRepairsInfo) override {
+        return remove_record(repairs_, pGRepairsInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumFirstGearCat(LONG_PTR pGearCatInfo) override {
+        return enum_first(categories_, pGearCatInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumNextGearCat(LONG_PTR pGearCatInfo) override {
+        return enum_next(categories_, pGearCatInfo);
+    }
+    HRESULT STDMETHODCALLTYPE AddGearCat(LONG_PTR pGearCatInfo) override { return add(categories_, pGearCatInfo); }
+    HRESULT STDMETHODCALLTYPE UpdateGearCat(LONG_PTR pGearCatInfo) override {
+        return update(categories_, pGearCatInfo);
+    }
+    HRESULT STDMETHODCALLTYPE FindGearCat(LONG_PTR pGearCatInfo) override { return find(categories_, pGearCatInfo); }
+    HRESULT STDMETHODCALLTYPE DeleteGearCat(LONG_PTR pGearCatInfo) override {
+        return remove_record(categories_, pGearCatInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumFirstGearRent(LONG_PTR pGearRentInfo) override {
+        return enum_first(rentals_, pGearRentInfo);
+    }
+    HRESULT STDMETHODCALLTYPE EnumNextGearRent(LONG_PTR pGearRentInfo) override {
+        return enum_next(rentals_, pGearRentInfo);
+    }
+    HRESULT STDMETHODCALLTYPE AddGearRent(LONG_PTR pGearRentInfo) override { return add(rentals_, pGearRentInfo); }
+    HRESULT STDMETHODCALLTYPE UpdateGearRent(LONG_PTR pGearRentInfo) override {
+        return update(rentals_, pGearRentInfo);
+    }
+    HRESULT STDMETHODCALLTYPE FindGearRent(LONG_PTR pGearRentInfo) override { return find(rentals_, pGearRentInfo); }
+    HRESULT STDMETHODCALLTYPE DeleteGearRent(LONG_PTR pGearRentInfo) override {
+        return remove_record(rentals_, pGearRentInfo);
+    }
 
 protected:
     using Base = GateBase<Interface>;
@@ -70,32 +106,41 @@ protected:
     using Base::enum_first;
     using Base::enum_next;
     using Base::find;
-    using Base::not_served;
     using Base::release_cursors;
     using Base::remove_record;
     using Base::update;
 
-    using Base::Base;
+    // `rentals` is what the gate serves of a rental.
+    GearGate(REFIID interface_id, std::span<const Method> methods, const studio::TableMapping<GearRentInfo>& rentals)
+        : Base(interface_id, methods), rentals_(rentals, databases_.main) {}
 
     ~GearGate() override {
+        release_cursors(gear_, services_, repairs_, categories_, rentals_);
         static_cast<void>(call([] {
             db::close(0);
             db::shut_down_engine();
             return S_OK;
         }));
     }
+
+private:
+    studio::RecordTable<GearInfo> gear_{::gear::kGear, databases_.main};
+    studio::RecordTable<GearServInfo> services_{::gear::kServices, databases_.main};
+    studio::RecordTable<GRepairsInfo> repairs_{::gear::kRepairs, databases_.main};
+    studio::RecordTable<GearCatInfo> categories_{::gear::kCategories, databases_.main};
+    studio::RecordTable<GearRentInfo> rentals_;
 };
 
 class DBgate2 final : public GearGate<IDBgate2> {
 public:
-    DBgate2() : GearGate(IID_IDBgate2, gate2_methods()) {}
+    DBgate2() : GearGate(IID_IDBgate2, gate2_methods(), gear::kRentalsInPart) {}
 
     static const char* description() { return "DBgate2 Class"; }
 };
 
 class DBGate3 final : public GearGate<IDBGate3> {
 public:
-    DBGate3() : GearGate(IID_IDBGate3, gate3_methods()) {}
+    DBGate3() : GearGate(IID_IDBGate3, gate3_methods(), gear::kRentals) {}
 
     static const char* description() { return "DBGate3 Class"; }
 };

@@ -24,12 +24,9 @@ constexpr Column<GearInfo> kGearColumns[] = {
 };
 
 constexpr Clause<GearInfo> kGearFilter[] = {
-    filter::equals("CategoryID", &GearInfo::CategoryID),
-    filter::equals("RoomID", &GearInfo::RoomID),
-    filter::equals("StatusID", &GearInfo::StatusID),
-    filter::contains("Manufacturer", &GearInfo::Manufacturer),
-    filter::contains("Model", &GearInfo::Model),
-    filter::contains("SerialNo", &GearInfo::SerialNo),
+    filter::equals("CategoryID", &GearInfo::CategoryID), filter::equals("RoomID", &GearInfo::RoomID),
+    filter::equals("StatusID", &GearInfo::StatusID),     filter::contains("Manufacturer", &GearInfo::Manufacturer),
+    filter::contains("Model", &GearInfo::Model),         filter::contains("SerialNo", &GearInfo::SerialNo),
 };
 
 constexpr Column<GearServInfo> kServiceColumns[] = {
@@ -96,16 +93,11 @@ constexpr Clause<GearRentInfo> kPartialRentalFilter[] = {
 };
 
 constexpr Column<GearRentInfo> kRentalColumns[] = {
-    column::integer("RecID", &GearRentInfo::RecID),
-    column::integer("GearID", &GearRentInfo::GearID),
-    column::integer("ServiceID", &GearRentInfo::ServiceID),
-    column::integer("ProjID", &GearRentInfo::ProjID),
-    column::text("ServiceName", &GearRentInfo::ServiceName),
-    column::date("Date", &GearRentInfo::Date),
-    column::single("Quantity", &GearRentInfo::Quantity),
-    column::integer("QuantType", &GearRentInfo::QuantType),
-    column::integer("ClientID", &GearRentInfo::ClientID),
-    column::integer("RoomID", &GearRentInfo::RoomID),
+    column::integer("RecID", &GearRentInfo::RecID),          column::integer("GearID", &GearRentInfo::GearID),
+    column::integer("ServiceID", &GearRentInfo::ServiceID),  column::integer("ProjID", &GearRentInfo::ProjID),
+    column::text("ServiceName", &GearRentInfo::ServiceName), column::date("Date", &GearRentInfo::Date),
+    column::single("Quantity", &GearRentInfo::Quantity),     column::integer("QuantType", &GearRentInfo::QuantType),
+    column::integer("ClientID", &GearRentInfo::ClientID),    column::integer("RoomID", &GearRentInfo::RoomID),
     column::integer("ExData", &GearRentInfo::ExData),
 };
 

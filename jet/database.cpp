@@ -59,6 +59,33 @@ std::unique_ptr<os::File> open_file(const std::string& path, os::OpenMode mode) 
     }
 }
 
+// Under another name until it is whole: nobody, whatever happens on the way, finds half a database.
+void write_new_file(const std::string& path, ByteSpan pages) {
+    os::FileSystem& files = os::file_system();
+    if (files.exists(path)) fail(errors::kFileExists, path + " exists already.");
+    const std::string unfinished = path + "-new";
+    std::string removed_on_failure = unfinished;
+    try {
+        with_engine_errors([&] {
+            if (files.exists(unfinished)) files.remove(unfinished);
+            std::unique_ptr<os::File> file = files.open(unfinished, os::OpenMode::kCreateExclusive);
+            file->write(0, pages);
+            file->sync();
+            file.reset();
+            files.rename(unfinished, path);
+            removed_on_failure = path;
+            files.sync_folder_of(path);
+        });
+    } catch (...) {
+        try {
+            if (files.exists(removed_on_failure)) files.remove(removed_on_failure);
+        } catch (const os::FileError&) {
+            // What could not be removed stays; the error that matters passes on.
+        }
+        throw;
+    }
+}
+
 FileHeader read_header(os::File& file, const std::string& path) {
     ByteVector page(jet4::kPageSize);
     const std::size_t got = with_engine_errors([&] { return file.read(0, page); });
@@ -87,24 +114,7 @@ std::unique_ptr<Database> Database::create(const std::string& path, const Create
     CreateOptions complete = options;
     if (complete.creation_date == 0) complete.creation_date = os::local_time_as_ole_date();
     const ByteVector pages = build_empty_database(complete);
-    {
-        std::unique_ptr<os::File> file = open_file(path, os::OpenMode::kCreateExclusive);
-        try {
-            with_engine_errors([&] {
-                file->write(0, pages);
-                file->sync();
-                os::file_system().sync_folder_of(path);
-            });
-        } catch (...) {
-            file.reset();
-            try {
-                os::file_system().remove(path);
-            } catch (const os::FileError&) {
-                // What could not be removed stays; the error that matters passes on.
-            }
-            throw;
-        }
-    }
+    write_new_file(path, pages);
     OpenOptions open_options;
     open_options.password = complete.password;
     return open(path, open_options);

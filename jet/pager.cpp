@@ -86,7 +86,7 @@ void Pager::require_writable() const {
 
 Frame* Pager::new_frame(PageNumber page_no) {
     Frame* frame = nullptr;
-    if (frames_.size() >= options_.cache_pages) {
+    if (frames_.size() >= std::max(options_.cache_pages, search_from_)) {
         // A clean page nobody holds makes room; two rounds, the first only takes the recent mark away.
         for (std::size_t i = 0; i < 2 * frames_.size() && !frame; ++i) {
             Frame* candidate = frames_[clock_hand_].get();
@@ -96,6 +96,8 @@ Frame* Pager::new_frame(PageNumber page_no) {
             frame = candidate;
         }
         if (frame && frame->page_no < jet4::kMaxPages) table_.set(frame->page_no, nullptr);
+        // All are held by one large transaction: searching again for each of its pages would take ever longer.
+        if (!frame) search_from_ = frames_.size() + frames_.size() / 4;
     }
     if (!frame) {
         frames_.push_back(std::make_unique<Frame>());
@@ -193,6 +195,7 @@ void Pager::restore_level(Level& level) {
 void Pager::rollback() {
     restore_level(levels_.back());
     levels_.pop_back();
+    search_from_ = 0;
     if (on_rollback_) on_rollback_();
 }
 
@@ -291,6 +294,7 @@ void Pager::sync_file() {
 // Throws os::FileError.
 void Pager::write_back() {
     sync_journal();
+    search_from_ = 0;
     std::sort(dirty_.begin(), dirty_.end());
     ByteVector run;
     for (std::size_t i = 0; i < dirty_.size();) {

@@ -155,6 +155,7 @@ private:
     detail::FrameTable table_;
     std::vector<std::unique_ptr<detail::Frame>> frames_;   // all of them
     std::size_t clock_hand_ = 0;
+    std::size_t search_from_ = 0;                          // frames below which none can be free
     std::vector<Level> levels_;
     std::vector<PageNumber> dirty_;                        // committed, not yet in the .mdb
     std::vector<std::unique_ptr<std::uint8_t[]>> spare_buffers_;

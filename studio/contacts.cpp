@@ -86,17 +86,14 @@ constexpr Clause<ConCatInfo> kCategoryFilter[] = {
 // ---- Messages
 
 constexpr Column<MsgInfo> kMessageRead[] = {
-    column::integer("RecID", &MsgInfo::RecID),
-    column::integer("ContactID", &MsgInfo::ContactID),
-    column::text("ConnectType", &MsgInfo::ConnectType),
-    column::date("Date", &MsgInfo::Date),
-    column::text("Descript", &MsgInfo::Descript),
-    column::text("Details", &MsgInfo::Details),
+    column::integer("RecID", &MsgInfo::RecID),          column::integer("ContactID", &MsgInfo::ContactID),
+    column::text("ConnectType", &MsgInfo::ConnectType), column::date("Date", &MsgInfo::Date),
+    column::text("Descript", &MsgInfo::Descript),       column::text("Details", &MsgInfo::Details),
     column::integer("ExData", &MsgInfo::ExData),
 };
 
 constexpr Column<MsgInfo> kMessageWrite[] = {
-    column::integer("ContactID", &MsgInfo::ContactID), column::date("Date", &MsgInfo::Date),
+    column::integer("ContactID", &MsgInfo::ContactID),  column::date("Date", &MsgInfo::Date),
     column::text("ConnectType", &MsgInfo::ConnectType), column::text("Descript", &MsgInfo::Descript),
     column::text("Details", &MsgInfo::Details),         column::integer("ExData", &MsgInfo::ExData),
 };
@@ -106,14 +103,10 @@ constexpr Clause<MsgInfo> kMessageFilter[] = {filter::equals("ContactID", &MsgIn
 // ---- Services
 
 constexpr Column<ServiceInfo> kServiceRead[] = {
-    column::integer("RecID", &ServiceInfo::RecID),
-    column::text("Name", &ServiceInfo::Name),
-    column::integer("ContactID", &ServiceInfo::ContactID),
-    column::integer("CategoryID", &ServiceInfo::CategoryID),
-    column::integer("TimeUnit", &ServiceInfo::TimeUnit),
-    column::integer("RoomID", &ServiceInfo::RoomID),
-    column::currency("Price", &ServiceInfo::Price),
-    column::integer("ExData", &ServiceInfo::ExData),
+    column::integer("RecID", &ServiceInfo::RecID),         column::text("Name", &ServiceInfo::Name),
+    column::integer("ContactID", &ServiceInfo::ContactID), column::integer("CategoryID", &ServiceInfo::CategoryID),
+    column::integer("TimeUnit", &ServiceInfo::TimeUnit),   column::integer("RoomID", &ServiceInfo::RoomID),
+    column::currency("Price", &ServiceInfo::Price),        column::integer("ExData", &ServiceInfo::ExData),
 };
 
 constexpr Clause<ServiceInfo> kServiceFilter[] = {

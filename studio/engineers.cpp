@@ -16,10 +16,8 @@ constexpr Column<SeqInfo> kSequencer[] = {
 };
 
 constexpr Column<RoomInfo> kRoom[] = {
-    column::integer("RecID", &RoomInfo::RecID),
-    column::text("Name", &RoomInfo::Name),
-    column::currency("BasePrice", &RoomInfo::BasePrice),
-    column::currency("FullPrice", &RoomInfo::FullPrice),
+    column::integer("RecID", &RoomInfo::RecID),          column::text("Name", &RoomInfo::Name),
+    column::currency("BasePrice", &RoomInfo::BasePrice), column::currency("FullPrice", &RoomInfo::FullPrice),
     column::integer("ExData", &RoomInfo::ExData),
 };
 

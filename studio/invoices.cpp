@@ -109,9 +109,8 @@ constinit const TableMapping<InvParamsInfo> kInvoiceLines{
 };
 
 HRESULT get_invoice_defaults(CDaoDatabase* database, InvoiceDef* defaults) {
-    return with_defaults(database, defaults, kForReading, [&](CDaoRecordset& rows) {
-        return read_columns<InvoiceDef>(rows, kDefaultsRead, *defaults);
-    });
+    return with_defaults(database, defaults, kForReading,
+                         [&](CDaoRecordset& rows) { return read_columns<InvoiceDef>(rows, kDefaultsRead, *defaults); });
 }
 
 HRESULT set_invoice_defaults(CDaoDatabase* database, const InvoiceDef* defaults) {

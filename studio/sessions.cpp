@@ -25,20 +25,13 @@ constexpr Column<SessionInfo> kSessionRead[] = {
 };
 
 constexpr Column<SessionInfo> kSessionWrite[] = {
-    column::integer("ProjID", &SessionInfo::ProjID),
-    column::text("SongName", &SessionInfo::SongName),
-    column::text("Engineer", &SessionInfo::Engineer),
-    column::integer("ArtistID", &SessionInfo::ArtistID),
-    column::integer("SongID", &SessionInfo::SongID),
-    column::date("RecDate", &SessionInfo::RecDate),
-    column::text("StartTime", &SessionInfo::StartTime),
-    column::text("EndTime", &SessionInfo::EndTime),
-    column::text("Total", &SessionInfo::Total),
-    column::text("Notes", &SessionInfo::Notes),
-    column::text("Client", &SessionInfo::Client),
-    column::integer("ClientID", &SessionInfo::ClientID),
-    column::integer("ExData", &SessionInfo::ExData),
-    column::integer("RoomID", &SessionInfo::RoomID),
+    column::integer("ProjID", &SessionInfo::ProjID),    column::text("SongName", &SessionInfo::SongName),
+    column::text("Engineer", &SessionInfo::Engineer),   column::integer("ArtistID", &SessionInfo::ArtistID),
+    column::integer("SongID", &SessionInfo::SongID),    column::date("RecDate", &SessionInfo::RecDate),
+    column::text("StartTime", &SessionInfo::StartTime), column::text("EndTime", &SessionInfo::EndTime),
+    column::text("Total", &SessionInfo::Total),         column::text("Notes", &SessionInfo::Notes),
+    column::text("Client", &SessionInfo::Client),       column::integer("ClientID", &SessionInfo::ClientID),
+    column::integer("ExData", &SessionInfo::ExData),    column::integer("RoomID", &SessionInfo::RoomID),
 };
 
 constexpr auto kSessionFilter = session_clauses<SessionInfo>();
@@ -46,14 +39,10 @@ constexpr auto kSessionFilter = session_clauses<SessionInfo>();
 // ---- Participants
 
 constexpr Column<ParticInfo> kParticRead[] = {
-    column::integer("RecID", &ParticInfo::RecID),
-    column::integer("SessionID", &ParticInfo::SessionID),
-    column::integer("ContactID", &ParticInfo::ContactID),
-    column::integer("CategoryID", &ParticInfo::CategoryID),
-    column::integer("ServiceID", &ParticInfo::ServiceID),
-    column::currency("Duration", &ParticInfo::Duration),
-    column::text("Communicate", &ParticInfo::Communicate),
-    column::text("Notes", &ParticInfo::Notes),
+    column::integer("RecID", &ParticInfo::RecID),          column::integer("SessionID", &ParticInfo::SessionID),
+    column::integer("ContactID", &ParticInfo::ContactID),  column::integer("CategoryID", &ParticInfo::CategoryID),
+    column::integer("ServiceID", &ParticInfo::ServiceID),  column::currency("Duration", &ParticInfo::Duration),
+    column::text("Communicate", &ParticInfo::Communicate), column::text("Notes", &ParticInfo::Notes),
     column::integer("ExData", &ParticInfo::ExData),
 };
 
@@ -87,16 +76,11 @@ constexpr Clause<ProjPayInfo> kPayFilter[] = {filter::equals("ProjID", &ProjPayI
 // ---- Activities. A quantity is deliberately an amount of currency, with its four decimals.
 
 constexpr Column<ProjActInfo> kActRead[] = {
-    column::integer("RecID", &ProjActInfo::RecID),
-    column::integer("ProjID", &ProjActInfo::ProjID),
-    column::integer("CatID", &ProjActInfo::CatID),
-    column::integer("ItemID", &ProjActInfo::ItemID),
-    column::integer("QuantType", &ProjActInfo::QuantType),
-    column::date("Date", &ProjActInfo::Date),
-    column::text("Category", &ProjActInfo::Category),
-    column::text("Item", &ProjActInfo::Item),
-    column::currency("Quantity", &ProjActInfo::Quantity),
-    column::currency("Fee", &ProjActInfo::Fee),
+    column::integer("RecID", &ProjActInfo::RecID),         column::integer("ProjID", &ProjActInfo::ProjID),
+    column::integer("CatID", &ProjActInfo::CatID),         column::integer("ItemID", &ProjActInfo::ItemID),
+    column::integer("QuantType", &ProjActInfo::QuantType), column::date("Date", &ProjActInfo::Date),
+    column::text("Category", &ProjActInfo::Category),      column::text("Item", &ProjActInfo::Item),
+    column::currency("Quantity", &ProjActInfo::Quantity),  column::currency("Fee", &ProjActInfo::Fee),
     column::integer("ExData", &ProjActInfo::ExData),
 };
 

@@ -94,7 +94,7 @@ constexpr Clause<TrackInfo> kTrackFilter[] = {
 // ---- Mix files
 
 constexpr Column<MixInfo> kMixRead[] = {
-    column::integer("RecID", &MixInfo::RecID), column::integer("SongID", &MixInfo::SongID),
+    column::integer("RecID", &MixInfo::RecID),    column::integer("SongID", &MixInfo::SongID),
     column::text("Descript", &MixInfo::Descript), column::text("Path", &MixInfo::Path),
     column::integer("ExData", &MixInfo::ExData),
 };

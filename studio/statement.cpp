@@ -1,5 +1,6 @@
 #include "studio/statement.h"
 
+#include <initializer_list>
 #include <string_view>
 
 #include "afx/number_text.h"
@@ -8,25 +9,34 @@
 namespace studio {
 namespace {
 
-std::string bracketed(const char* name) { return "[" + std::string(name) + "]"; }
-std::string quoted(const std::string& text) { return "\"" + text + "\""; }
-std::string date_literal(CTime date) { return "#" + std::string(db::date_text(date)) + "#"; }
+// The parts one behind the other.
+std::string joined(std::initializer_list<std::string_view> parts) {
+    std::string text;
+    std::size_t length = 0;
+    for (const std::string_view part : parts) length += part.size();
+    text.reserve(length);
+    for (const std::string_view part : parts) text += part;
+    return text;
+}
+
+std::string date_clause(const char* column, const char* comparison, CTime date) {
+    return joined({"[", column, "]", comparison, "#", db::date_text(date).GetString(), "#"});
+}
 
 }  // namespace
 
-std::string whole_table(const char* table) { return "SELECT * FROM " + bracketed(table); }
+std::string whole_table(const char* table) { return joined({"SELECT * FROM [", table, "]"}); }
 
 std::string rows_where(const char* table, const char* column, LONG value) {
-    return whole_table(table) + " WHERE " + clause::equals(column, value);
+    return joined({"SELECT * FROM [", table, "] WHERE ", clause::equals(column, value)});
 }
 
 std::string rows_named(const char* table, const char* column, const char* text) {
-    return whole_table(table) + " WHERE " + clause::equals(column, text);
+    return joined({"SELECT * FROM [", table, "] WHERE ", clause::equals(column, text)});
 }
 
 std::string sum_where(const char* summed, const char* table, const char* column, LONG value) {
-    return "SELECT SUM(" + std::string(summed) + ") AS [total] FROM " + bracketed(table) + " WHERE " +
-           clause::equals(column, value);
+    return joined({"SELECT SUM(", summed, ") AS [total] FROM [", table, "] WHERE ", clause::equals(column, value)});
 }
 
 void Statement::add(const std::string& clause, Join join) {
@@ -41,20 +51,18 @@ void Statement::add(const std::string& clause, Join join) {
 
 namespace clause {
 
-std::string equals(const char* column, LONG value) { return bracketed(column) + "=" + std::to_string(value); }
+std::string equals(const char* column, LONG value) { return joined({"[", column, "]=", std::to_string(value)}); }
 
-std::string equals(const char* column, const char* text) { return bracketed(column) + "=" + quoted(text); }
+std::string equals(const char* column, const char* text) { return joined({"[", column, "]=\"", text, "\""}); }
 
-std::string like(const char* column, const char* pattern) { return bracketed(column) + " LIKE " + quoted(pattern); }
+std::string like(const char* column, const char* pattern) { return joined({"[", column, "] LIKE \"", pattern, "\""}); }
 
-std::string contains(const char* column, const char* text) {
-    return bracketed(column) + " LIKE " + quoted("*" + std::string(text) + "*");
-}
+std::string contains(const char* column, const char* text) { return joined({"[", column, "] LIKE \"*", text, "*\""}); }
 
 std::string contains(const char* column, LONG value) { return contains(column, std::to_string(value).c_str()); }
 
 std::string equals_or_zero(const char* column, LONG value) {
-    return "(" + equals(column, value) + " OR " + equals(column, LONG{0}) + ")";
+    return joined({"(", equals(column, value), " OR ", equals(column, LONG{0}), ")"});
 }
 
 std::string contains_any(const char* column, const char* list) {
@@ -71,13 +79,13 @@ std::string contains_any(const char* column, const char* list) {
     return group + ")";
 }
 
-std::string on_or_after(const char* column, CTime date) { return bracketed(column) + ">=" + date_literal(date); }
+std::string on_or_after(const char* column, CTime date) { return date_clause(column, ">=", date); }
 
-std::string on_or_before(const char* column, CTime date) { return bracketed(column) + "<=" + date_literal(date); }
+std::string on_or_before(const char* column, CTime date) { return date_clause(column, "<=", date); }
 
 std::string ordered_span(const char* column, CTime from, CTime to, bool descending) {
-    return on_or_after(column, from) + " AND " + on_or_before(column, to) + " ORDER BY " + bracketed(column) +
-           (descending ? " DESC" : " ASC");
+    return joined({on_or_after(column, from), " AND ", on_or_before(column, to), " ORDER BY [", column,
+                   descending ? "] DESC" : "] ASC"});
 }
 
 }  // namespace clause

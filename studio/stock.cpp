@@ -40,27 +40,18 @@ constexpr Clause<StockInfo> kStockFilter[] = {
 };
 
 constexpr Column<SupplyAct> kSupplyRead[] = {
-    column::integer("ActionID", &SupplyAct::ActionID),
-    column::integer("ProjID", &SupplyAct::ProjID),
-    column::integer("StockID", &SupplyAct::StockID),
-    column::text("StockName", &SupplyAct::StockName),
-    column::text("StockType", &SupplyAct::StockType),
-    column::text("Client", &SupplyAct::Client),
-    column::integer("ClientID", &SupplyAct::ClientID),
-    column::date("Date", &SupplyAct::Date),
-    column::integer("Quantity", &SupplyAct::Quantity),
-    column::integer("ExData", &SupplyAct::ExData),
+    column::integer("ActionID", &SupplyAct::ActionID), column::integer("ProjID", &SupplyAct::ProjID),
+    column::integer("StockID", &SupplyAct::StockID),   column::text("StockName", &SupplyAct::StockName),
+    column::text("StockType", &SupplyAct::StockType),  column::text("Client", &SupplyAct::Client),
+    column::integer("ClientID", &SupplyAct::ClientID), column::date("Date", &SupplyAct::Date),
+    column::integer("Quantity", &SupplyAct::Quantity), column::integer("ExData", &SupplyAct::ExData),
 };
 
 constexpr Column<SupplyAct> kSupplyWrite[] = {
-    column::integer("StockID", &SupplyAct::StockID),
-    column::integer("ProjID", &SupplyAct::ProjID),
-    column::text("StockType", &SupplyAct::StockType),
-    column::text("StockName", &SupplyAct::StockName),
-    column::text("Client", &SupplyAct::Client),
-    column::integer("ClientID", &SupplyAct::ClientID),
-    column::date("Date", &SupplyAct::Date),
-    column::integer("Quantity", &SupplyAct::Quantity),
+    column::integer("StockID", &SupplyAct::StockID),  column::integer("ProjID", &SupplyAct::ProjID),
+    column::text("StockType", &SupplyAct::StockType), column::text("StockName", &SupplyAct::StockName),
+    column::text("Client", &SupplyAct::Client),       column::integer("ClientID", &SupplyAct::ClientID),
+    column::date("Date", &SupplyAct::Date),           column::integer("Quantity", &SupplyAct::Quantity),
     column::integer("ExData", &SupplyAct::ExData),
 };
 
@@ -98,12 +89,9 @@ constexpr Column<StockTypeInfo> kStockTypeWrite[] = {
 
 // Deliberate: the cost is text, unlike that of stock. The column ExData has no member.
 constexpr Column<EquipInfo> kEquipmentColumns[] = {
-    column::integer("RecID", &EquipInfo::RecID),
-    column::text("Name", &EquipInfo::Name),
-    column::text("Action", &EquipInfo::Action),
-    column::date("ActDate", &EquipInfo::ActDate),
-    column::text("Cost", &EquipInfo::Cost),
-    column::text("Notes", &EquipInfo::Notes),
+    column::integer("RecID", &EquipInfo::RecID), column::text("Name", &EquipInfo::Name),
+    column::text("Action", &EquipInfo::Action),  column::date("ActDate", &EquipInfo::ActDate),
+    column::text("Cost", &EquipInfo::Cost),      column::text("Notes", &EquipInfo::Notes),
 };
 
 // Sum of the column `Quantity` over the rows whose `column` has this value, as a whole number; 0 without rows.

@@ -101,6 +101,7 @@ struct RecordCase {
     std::vector<const char*> write_order = {};
     std::function<void(Record&)> ask = nullptr;  // what else an enumeration has to be given
     const char* file = "sldb.mdb";
+    std::function<void(const std::string& folder)> prepare = nullptr;  // of the new files, while they are closed
 
     HRESULT call_remove(Gate& gate, Record& record) const {
         if (const Method* method = std::get_if<Method>(&remove)) {

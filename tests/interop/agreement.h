@@ -16,7 +16,7 @@ enum class Reader { kMdbExport, kMdbReader };
 struct Sample {
     const jet::ColumnDef& column;
     const jet::Value& value;
-    bool short_row = false;  // the row was stored when the table had fewer columns
+    bool younger_than_row = false;  // the row was stored before the table had the column
 };
 
 // Whether the reader printed exactly this value.

@@ -16,14 +16,14 @@ namespace {
 constexpr int kMaxHops = 8;
 
 // How the row is stored: which columns it knows of, and whether it has moved.
-void look_at_stored_row(jet::Database& database, std::size_t max_columns, OurRow& row) {
+void look_at_stored_row(jet::Database& database, OurRow& row) {
     jet::RowId at = row.id;
     for (int hop = 0; hop < kMaxHops; ++hop) {
         const jet::Page page = database.pager().read(at.page);
         const jet::DataPage data(page.bytes(), at.page);
         const jet::Slot slot = data.slot(at.slot);
         if (!slot.is_moved()) {
-            row.short_row = jet::load_u16(data.row(slot), 0) < max_columns;
+            row.stored_columns = jet::load_u16(data.row(slot), 0);
             row.moved = hop > 0;
             return;
         }
@@ -36,6 +36,11 @@ struct Verdict {
     bool same = false;
     const char* fault = nullptr;  // explains why it is not the same
 };
+
+Sample sample_of(const OurTable& table, const OurRow& row, std::size_t position) {
+    const jet::ColumnDef& column = table.def.columns[position];
+    return {column, row.values[position], column.number >= row.stored_columns};
+}
 
 Verdict judge(Reader reader, const Sample& sample, const Field& field) {
     if (agrees(reader, sample, field)) return {true, nullptr};
@@ -58,7 +63,7 @@ bool row_matches(Reader reader, const OurTable& ours, const OurRow& row, const s
                  const std::vector<std::size_t>& positions) {
     for (std::size_t i = 0; i < row.values.size(); ++i) {
         if (positions[i] >= fields.size()) return false;
-        const Verdict verdict = judge(reader, {ours.def.columns[i], row.values[i], row.short_row}, fields[positions[i]]);
+        const Verdict verdict = judge(reader, sample_of(ours, row, i), fields[positions[i]]);
         if (!verdict.same && !verdict.fault) return false;
     }
     return true;
@@ -70,7 +75,7 @@ std::string row_difference(Reader reader, const OurTable& ours, const OurRow& ro
     for (std::size_t i = 0; i < row.values.size(); ++i) {
         if (positions[i] >= fields.size()) continue;
         const Field& field = fields[positions[i]];
-        const Verdict verdict = judge(reader, {ours.def.columns[i], row.values[i], row.short_row}, field);
+        const Verdict verdict = judge(reader, sample_of(ours, row, i), field);
         if (verdict.same || verdict.fault) continue;
         text += "\n  " + jet::to_utf8(ours.def.columns[i].name) + ": we read " + describe(row.values[i]) + ", it reads " +
                 (field ? "'" + field->substr(0, 120) + "' (" + std::to_string(field->size()) + " bytes)" : "Null");
@@ -158,7 +163,7 @@ private:
         for (std::size_t i = 0; i < ours_.rows.size(); ++i) {
             for (std::size_t c = 0; c < ours_.def.columns.size(); ++c) {
                 const jet::ColumnDef& column = ours_.def.columns[c];
-                const Sample sample{column, ours_.rows[i].values[c], ours_.rows[i].short_row};
+                const Sample sample = sample_of(ours_, ours_.rows[i], c);
                 const std::string name = jet::to_utf8(column.name);
                 bool confirmed = note("mdb-export: ", judge(Reader::kMdbExport, sample, (*export_rows[i])[*exported.find_column(name)]));
                 if (read) {
@@ -183,6 +188,63 @@ private:
     Comparison& result_;
 };
 
+std::string schema_type(const jet::ColumnDef& column) {
+    switch (column.type) {
+        case jet::ColumnType::kBoolean: return "Boolean";
+        case jet::ColumnType::kByte: return "Byte";
+        case jet::ColumnType::kInteger: return "Integer";
+        case jet::ColumnType::kLong: return "Long Integer";
+        case jet::ColumnType::kCurrency: return "Currency";
+        case jet::ColumnType::kSingle: return "Single";
+        case jet::ColumnType::kDouble: return "Double";
+        case jet::ColumnType::kDate: return "DateTime";
+        case jet::ColumnType::kText: return "Text (" + std::to_string(column.length_bytes / 2) + ")";
+        // It words the size of every long value like this, in files of Access as well.
+        case jet::ColumnType::kOle: return "OLE (255)";
+        case jet::ColumnType::kMemo: return "Memo/Hyperlink (255)";
+        default: return "a type that we do not create";
+    }
+}
+
+std::string reader_type(const jet::ColumnDef& column) {
+    switch (column.type) {
+        case jet::ColumnType::kBoolean: return "boolean";
+        case jet::ColumnType::kByte: return "byte";
+        case jet::ColumnType::kInteger: return "integer";
+        case jet::ColumnType::kLong: return "long";
+        case jet::ColumnType::kCurrency: return "currency";
+        case jet::ColumnType::kSingle: return "float";
+        case jet::ColumnType::kDouble: return "double";
+        case jet::ColumnType::kDate: return "datetime";
+        case jet::ColumnType::kText: return "text";
+        case jet::ColumnType::kOle: return "ole";
+        case jet::ColumnType::kMemo: return "memo";
+        default: return "a type that we do not create";
+    }
+}
+
+void compare_columns(const std::string& path, const OurTable& ours, const std::vector<ForeignColumn>& schema, const ForeignTable& read) {
+    const std::string table = jet::to_utf8(ours.def.name);
+    const auto zero_length = mdbtools_zero_length(path, table);
+    ASSERT_EQ(schema.size(), ours.def.columns.size()) << "mdb-schema, table " << table;
+    ASSERT_EQ(read.columns.size(), ours.def.columns.size()) << "mdb-reader, table " << table;
+    for (std::size_t i = 0; i < schema.size(); ++i) {
+        const jet::ColumnDef& column = ours.def.columns[i];
+        const std::string name = jet::to_utf8(column.name);
+        EXPECT_EQ(schema[i].name, name) << "mdb-schema, table " << table;
+        EXPECT_EQ(schema[i].type, schema_type(column)) << "mdb-schema, table " << table << ", column " << name;
+        EXPECT_EQ(read.columns[i].name, name) << "mdb-reader, table " << table;
+        EXPECT_EQ(read.columns[i].type, reader_type(column)) << "mdb-reader, table " << table << ", column " << name;
+        EXPECT_EQ(read.columns[i].size, column.type == jet::ColumnType::kBoolean ? 0u : column.length_bytes)
+            << "mdb-reader, table " << table << ", column " << name;
+        EXPECT_EQ(read.columns[i].autonumber, column.is_autonumber()) << "mdb-reader, table " << table << ", column " << name;
+        if (column.type != jet::ColumnType::kText && column.type != jet::ColumnType::kMemo) continue;
+        const auto allowed = zero_length.find(name);
+        ASSERT_TRUE(allowed != zero_length.end()) << "mdb-prop, table " << table << ", column " << name;
+        EXPECT_EQ(allowed->second, column.allow_zero_length) << "mdb-prop, table " << table << ", column " << name;
+    }
+}
+
 }  // namespace
 
 std::vector<OurTable> read_with_engine(jet::Database& database) {
@@ -201,7 +263,7 @@ std::vector<OurTable> read_with_engine(jet::Database& database) {
             EXPECT_TRUE(table->read(*id, view));
             OurRow row;
             row.id = *id;
-            look_at_stored_row(database, ours.def.max_columns, row);
+            look_at_stored_row(database, row);
             for (std::size_t i = 0; i < ours.def.columns.size(); ++i) row.values.push_back(view.value(i));
             ours.rows.push_back(std::move(row));
         }
@@ -230,6 +292,23 @@ Comparison compare_with_other_readers(const std::string& path, const std::vector
     EXPECT_EQ(reader_file->tables.size(), tables.size()) << "tables as mdb-reader lists them";
     for (const OurTable& table : tables) TableComparison(table, result).run(path, *reader_file);
     return result;
+}
+
+void compare_definitions(const std::string& path, const std::vector<OurTable>& tables) {
+    const auto reader_file = read_with_mdb_reader(path);
+    ASSERT_TRUE(reader_file) << "mdb-reader does not read " << path;
+    const auto schema = mdbtools_schema(path);
+    for (const OurTable& ours : tables) {
+        const std::string name = jet::to_utf8(ours.def.name);
+        const ForeignTable* read = reader_file->find_table(name);
+        ASSERT_TRUE(read) << "mdb-reader does not list table " << name;
+        EXPECT_EQ(read->row_count, ours.rows.size()) << name;
+        EXPECT_EQ(ours.def.row_count, ours.rows.size()) << name;
+        if (ours.system) continue;
+        const auto columns = schema.find(name);
+        ASSERT_TRUE(columns != schema.end()) << "mdb-schema has no table " << name;
+        compare_columns(path, ours, columns->second, *read);
+    }
 }
 
 Comparison compare_with_other_readers(const std::string& path) {

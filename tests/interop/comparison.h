@@ -14,8 +14,8 @@ namespace interop {
 struct OurRow {
     jet::RowId id;
     std::vector<jet::Value> values;
-    bool short_row = false;  // stored when the table had fewer columns
-    bool moved = false;      // lies on another page than its address says
+    std::size_t stored_columns = 0;  // how many columns the table had, deleted ones included, when the row was stored
+    bool moved = false;              // lies on another page than its address says
 };
 
 struct OurTable {
@@ -41,8 +41,8 @@ Comparison compare_with_other_readers(const std::string& path, const std::vector
 Comparison compare_with_other_readers(const std::string& path);
 
 // For files that our engine made: what the other readers say of the definitions is what ours says. Checks the
-// row counts of all tables, and of the user tables the columns with their order, types, sizes, auto-number and,
-// by mdb-schema alone, whether a text may be empty.
+// row counts of all tables, and of the user tables the columns with their order, types, sizes, auto-number and
+// whether a text may be empty.
 void compare_definitions(const std::string& path, const std::vector<OurTable>& tables);
 
 }  // namespace interop

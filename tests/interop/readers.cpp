@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <regex>
 #include <sstream>
 #include <stdexcept>
 #include <string_view>
@@ -158,7 +159,7 @@ const ForeignTable* ForeignFile::find_table(const std::string& name) const {
 }
 
 std::string why_readers_are_missing() {
-    for (const char* program : {"mdb-ver", "mdb-tables", "mdb-schema", "mdb-export"}) {
+    for (const char* program : {"mdb-ver", "mdb-tables", "mdb-schema", "mdb-prop", "mdb-export"}) {
         if (!has_program(program)) return std::string(program) + " is not installed (package mdbtools)";
     }
     if (!has_program("node")) return "node is not installed";
@@ -178,7 +179,34 @@ std::vector<std::string> mdbtools_table_names(const std::string& path) {
     return lines_of(run_program({"mdb-tables", "-1", path}).output);
 }
 
-std::string mdbtools_schema(const std::string& path) { return run_program({"mdb-schema", path, "access"}).output; }
+std::map<std::string, std::vector<ForeignColumn>> mdbtools_schema(const std::string& path) {
+    static const std::regex kTable("CREATE TABLE \\[(.*)\\]");
+    static const std::regex kColumn("\t\\[(.*)\\]\t+(.*?)( NOT NULL)?(, ?)?");
+    std::map<std::string, std::vector<ForeignColumn>> schema;
+    std::vector<ForeignColumn>* columns = nullptr;
+    const ProgramResult result = run_program({"mdb-schema", "--no-default-values", "--no-indexes", "--no-relations", path, "access"});
+    for (const std::string& line : lines_of(result.output)) {
+        std::smatch found;
+        if (std::regex_match(line, found, kTable)) {
+            columns = &schema[found[1]];
+        } else if (columns && std::regex_match(line, found, kColumn)) {
+            columns->push_back({found[1], found[2], 0, false});
+        }
+    }
+    return schema;
+}
+
+std::map<std::string, bool> mdbtools_zero_length(const std::string& path, const std::string& table) {
+    static constexpr std::string_view kName = "name: ";
+    static constexpr std::string_view kProperty = "\tAllowZeroLength: ";
+    std::map<std::string, bool> allowed;
+    std::string column;
+    for (const std::string& line : lines_of(run_program({"mdb-prop", path, table}).output)) {
+        if (line.starts_with(kName)) column = line.substr(kName.size());
+        if (line.starts_with(kProperty)) allowed[column] = line.substr(kProperty.size()) == "yes";
+    }
+    return allowed;
+}
 
 std::optional<ForeignTable> read_with_mdbtools(const std::string& path, const std::string& table) {
     const ProgramResult result = run_program({"mdb-export", "-Q", "-d", std::string(kFieldEnd), "-R", std::string(kRowEnd), "-0",

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -13,9 +14,8 @@ using Field = std::optional<std::string>;
 
 struct ForeignColumn {
     std::string name;
-    // mdb-reader's alone; mdb-export names columns and nothing else.
-    std::string type;
-    std::uint32_t size = 0;
+    std::string type;        // as the reader words it; mdb-export does not
+    std::uint32_t size = 0;  // mdb-reader's alone, as the next
     bool autonumber = false;
 };
 
@@ -45,8 +45,10 @@ std::string why_readers_are_missing();
 std::string mdbtools_version_of(const std::string& path);
 // User tables as mdb-tables lists them.
 std::vector<std::string> mdbtools_table_names(const std::string& path);
-// mdb-schema's text.
-std::string mdbtools_schema(const std::string& path);
+// Columns of every user table in order, with their types as mdb-schema words them, by table.
+std::map<std::string, std::vector<ForeignColumn>> mdbtools_schema(const std::string& path);
+// The columns of a table that mdb-prop says may, or may not, hold an empty text.
+std::map<std::string, bool> mdbtools_zero_length(const std::string& path, const std::string& table);
 // Columns and rows as mdb-export prints them; none when it fails. Dates read YYYY-MM-DD hh:mm:ss, bytes are
 // hex digits.
 std::optional<ForeignTable> read_with_mdbtools(const std::string& path, const std::string& table);

@@ -1,0 +1,128 @@
+// The power cut after every single change of the disk: what was promised is there, and nothing by halves.
+#include <gtest/gtest.h>
+
+#include "tests/jet/engine_fixture.h"
+#include "tests/jet/operation_script.h"
+
+namespace jet {
+namespace {
+
+using testing_support::CrashMode;
+using testing_support::FaultFileSystem;
+using testing_support::Operation;
+using testing_support::UseFileSystem;
+using Kind = ScriptStep::Kind;
+
+// The range of steps of which the file may hold the first so many.
+struct Expected {
+    std::size_t at_least = 0;
+    std::size_t at_most = 0;
+};
+
+void expect_prefix(const FaultFileSystem& disk, CrashMode mode, std::uint32_t seed, Expected expected, const std::string& where) {
+    const auto after = disk.crash(mode, seed);
+    const UseFileSystem use(*after);
+    const std::string found = content_found(where);
+    for (std::size_t k = expected.at_least; k <= expected.at_most && k < script_contents().size(); ++k) {
+        if (found == script_contents()[k]) return;
+    }
+    std::size_t k = 0;
+    while (k < script_contents().size() && script_contents()[k] != found) ++k;
+    ADD_FAILURE() << where << ": expected the content after " << expected.at_least << " to " << expected.at_most << " steps, found "
+                  << (k < script_contents().size() ? "that after " + std::to_string(k) : "none of them:\n" + found);
+}
+
+// Tells whether a step that succeeded is sure to be there, given whether it was the first change since an opening.
+using Promise = std::function<bool(Kind, bool first)>;
+
+// Runs the script on `disk` and calls `cut` after each change of it.
+void cut_everywhere(FaultFileSystem& disk, const PagerOptions& pager, const Promise& promised,
+                    const std::function<void(Expected, std::uint64_t change)>& cut) {
+    const std::vector<ScriptStep>& script = operation_script();
+    script_contents();
+    const UseFileSystem use(disk);
+    ScriptState state{pager, nullptr};
+    Expected expected;
+    std::uint64_t change = 0;
+    disk.set_observer([&](Operation, const std::string&) { cut(expected, ++change); });
+    bool first = true;
+    for (std::size_t i = 0; i < script.size() && !::testing::Test::HasFailure(); ++i) {
+        expected.at_most = i + 1;
+        script[i].run(state);
+        if (promised(script[i].kind, first)) expected.at_least = i + 1;
+        if (script[i].kind == Kind::kOpen) first = true;
+        if (script[i].kind == Kind::kChange) first = false;
+    }
+    disk.set_observer({});
+    EXPECT_GT(change, script.size());
+}
+
+void cut_in_every_mode(const PagerOptions& pager, std::uint32_t seeds, const Promise& promised) {
+    FaultFileSystem disk;
+    cut_everywhere(disk, pager, promised, [&](Expected expected, std::uint64_t change) {
+        const std::string where = "change " + std::to_string(change);
+        expect_prefix(disk, CrashMode::kKeepUnsynced, 0, expected, where + " kept");
+        expect_prefix(disk, CrashMode::kDropUnsynced, 0, expected, where + " dropped");
+        for (std::uint32_t seed = 1; seed <= seeds; ++seed) {
+            expect_prefix(disk, CrashMode::kTearUnsynced, static_cast<std::uint32_t>(change) * 100 + seed, expected,
+                          where + " torn " + std::to_string(seed));
+        }
+    });
+}
+
+PagerOptions always_synced() {
+    PagerOptions options;
+    options.sync_interval = std::chrono::milliseconds(0);
+    return options;
+}
+
+PagerOptions rarely_synced() {
+    PagerOptions options;
+    options.sync_interval = std::chrono::hours(24);
+    return options;
+}
+
+// With hardly a sync point of its own, a run has those of its first change, of sync_point() and of close().
+bool promised_rarely(Kind kind, bool first) { return kind != Kind::kChange || first; }
+
+TEST(DatabasePowerCrash, with_every_commit_synced_nothing_is_lost) {
+    cut_in_every_mode(always_synced(), 4, [](Kind, bool) { return true; });
+}
+
+TEST(DatabasePowerCrash, between_sync_points_only_the_last_stretch_is_lost) {
+    cut_in_every_mode(rarely_synced(), 6, promised_rarely);
+}
+
+TEST(DatabasePowerCrash, small_journal_emptied_often_loses_nothing_more) {
+    PagerOptions options = rarely_synced();
+    options.journal_limit_bytes = 60 * 1024;
+    options.cache_pages = 4;
+    cut_in_every_mode(options, 6, promised_rarely);
+}
+
+// The power goes again while the file is being opened after the first cut, at every change that makes.
+TEST(DatabasePowerCrash, cut_during_the_replay_changes_nothing) {
+    FaultFileSystem disk;
+    PagerOptions options = rarely_synced();
+    options.journal_limit_bytes = 100 * 1024;
+    std::uint64_t second_cuts = 0;
+    cut_everywhere(disk, options, promised_rarely, [&](Expected expected, std::uint64_t change) {
+        if (change % 5 != 0) return;
+        const std::string where = "change " + std::to_string(change);
+        const auto after = disk.crash(CrashMode::kTearUnsynced, static_cast<std::uint32_t>(change));
+        const UseFileSystem use(*after);
+        std::vector<std::unique_ptr<FaultFileSystem>> again;
+        after->set_observer([&](Operation, const std::string&) {
+            again.push_back(after->crash(CrashMode::kTearUnsynced, static_cast<std::uint32_t>(again.size())));
+            again.push_back(after->crash(CrashMode::kDropUnsynced));
+        });
+        content_found(where);
+        after->set_observer({});
+        second_cuts += again.size();
+        for (const auto& state : again) expect_prefix(*state, CrashMode::kKeepUnsynced, 0, expected, where + " cut again");
+    });
+    EXPECT_GT(second_cuts, 50u);
+}
+
+}  // namespace
+}  // namespace jet

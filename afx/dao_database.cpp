@@ -132,7 +132,8 @@ std::vector<CDaoDatabase*> CDaoWorkspace::in_transaction() const {
 
 // ---- Database ------------------------------------------------------------------------------------
 
-CDaoDatabase::CDaoDatabase(CDaoWorkspace* workspace) : m_pWorkspace(workspace != nullptr ? workspace : &own_workspace_) {}
+CDaoDatabase::CDaoDatabase(CDaoWorkspace* workspace)
+    : m_pWorkspace(workspace != nullptr ? workspace : &own_workspace_) {}
 
 CDaoDatabase::~CDaoDatabase() {
     try {

@@ -21,11 +21,11 @@ struct FieldType {
 };
 
 constexpr FieldType kFieldTypes[] = {
-    {dbBoolean, jet::ColumnType::kBoolean, 1}, {dbByte, jet::ColumnType::kByte, 1},
-    {dbInteger, jet::ColumnType::kInteger, 2}, {dbLong, jet::ColumnType::kLong, 4},
+    {dbBoolean, jet::ColumnType::kBoolean, 1},   {dbByte, jet::ColumnType::kByte, 1},
+    {dbInteger, jet::ColumnType::kInteger, 2},   {dbLong, jet::ColumnType::kLong, 4},
     {dbCurrency, jet::ColumnType::kCurrency, 8}, {dbSingle, jet::ColumnType::kSingle, 4},
-    {dbDouble, jet::ColumnType::kDouble, 8}, {dbDate, jet::ColumnType::kDate, 8},
-    {dbText, jet::ColumnType::kText, 0}, {dbLongBinary, jet::ColumnType::kOle, 0},
+    {dbDouble, jet::ColumnType::kDouble, 8},     {dbDate, jet::ColumnType::kDate, 8},
+    {dbText, jet::ColumnType::kText, 0},         {dbLongBinary, jet::ColumnType::kOle, 0},
     {dbMemo, jet::ColumnType::kMemo, 0},
 };
 
@@ -190,7 +190,8 @@ void CDaoTableDef::DeleteField(const char* name) {
             database.schema_changed();
             return;
         }
-        if (std::erase_if(definition_->fields, [&](const auto& field) { return jet::same_name(field.name, wide); }) == 0) {
+        if (std::erase_if(definition_->fields, [&](const auto& field) { return jet::same_name(field.name, wide); }) ==
+            0) {
             jet::fail(jet::errors::kNotInCollection, "There is no field '" + jet::to_utf8(wide) + "'.");
         }
     });
@@ -216,7 +217,8 @@ void CDaoTableDef::GetFieldInfo(int index, CDaoFieldInfo& info) {
         require_open();
         if (index < 0 || index >= GetFieldCount()) jet::fail(jet::errors::kNotInCollection, "There is no such field.");
         const auto position = static_cast<std::size_t>(index);
-        if (definition_->stored) return describe(definition_->table(m_pDatabase).def().columns[position], position, info);
+        if (definition_->stored)
+            return describe(definition_->table(m_pDatabase).def().columns[position], position, info);
         // Not stored yet: what is known already.
         info = CDaoFieldInfo();
         const jet::NewColumn& field = definition_->fields[position];

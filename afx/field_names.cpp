@@ -48,7 +48,8 @@ std::optional<std::size_t> FieldNames::find(std::string_view name) const {
 }
 
 std::optional<std::size_t> FieldNames::look_up(std::string_view name) const {
-    for (std::size_t slot = hash_of(name) & (slots_.size() - 1); slots_[slot] != 0; slot = (slot + 1) & (slots_.size() - 1)) {
+    for (std::size_t slot = hash_of(name) & (slots_.size() - 1); slots_[slot] != 0;
+         slot = (slot + 1) & (slots_.size() - 1)) {
         const std::size_t position = slots_[slot] - 1u;
         if (same_ascii(names_[position], name)) return position;
     }

@@ -2,8 +2,8 @@
 // by name, so a lookup allocates nothing and takes one hash and one comparison.
 #pragma once
 
-#include <cstddef>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -25,7 +25,7 @@ private:
     std::optional<std::size_t> look_up(std::string_view name) const;
 
     mutable std::array<std::uint16_t, 64> recent_{};  // positions found last, by the address of the name
-    std::vector<std::string> names_;  // narrow
+    std::vector<std::string> names_;                  // narrow
     std::vector<std::u16string> wide_;
     std::vector<std::uint16_t> slots_;  // position + 1, 0 is free; a power of two of them
 };

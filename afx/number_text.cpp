@@ -33,7 +33,8 @@ bool is_fixed_tie(double value) {
 
 std::string scientific(double value, int decimals) {
     std::string text(static_cast<std::size_t>(decimals) + 16, '\0');
-    const auto end = std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific, decimals);
+    const auto end =
+        std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::scientific, decimals);
     text.resize(static_cast<std::size_t>(end.ptr - text.data()));
     return text;
 }
@@ -48,8 +49,7 @@ bool is_scientific_tie(double value) {
     if (point == std::string_view::npos || mark != point + kDecimals + 2 || text[mark - 1] != '5') return false;
     const std::string exact = scientific(value, kExactDecimals);
     const std::size_t tail = exact.find('.') + 1 + kDecimals + 1;
-    return exact.compare(0, tail, text.substr(0, mark)) == 0 &&
-           exact.find_first_not_of('0', tail) == exact.find('e');
+    return exact.compare(0, tail, text.substr(0, mark)) == 0 && exact.find_first_not_of('0', tail) == exact.find('e');
 }
 
 template <class Float>

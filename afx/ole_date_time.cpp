@@ -14,8 +14,7 @@ namespace {
 constexpr double kFirstDay = -657434;  // 1 January 100
 constexpr double kLastDay = 2958465;   // 31 December 9999
 constexpr std::int32_t kSecondsPerDay = 86400;
-constexpr std::chrono::sys_days kEpoch =
-    std::chrono::sys_days{std::chrono::year{1899} / std::chrono::December / 30};
+constexpr std::chrono::sys_days kEpoch = std::chrono::sys_days{std::chrono::year{1899} / std::chrono::December / 30};
 
 struct Parts {
     int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
@@ -34,16 +33,22 @@ std::optional<Parts> split(const COleDateTime& moment) {
         if (++day > static_cast<std::int32_t>(kLastDay)) return std::nullopt;
     }
     const std::chrono::year_month_day date{kEpoch + std::chrono::days{day}};
-    return Parts{static_cast<int>(date.year()), static_cast<int>(static_cast<unsigned>(date.month())),
-                 static_cast<int>(static_cast<unsigned>(date.day())), seconds / 3600, seconds / 60 % 60, seconds % 60};
+    return Parts{static_cast<int>(date.year()),
+                 static_cast<int>(static_cast<unsigned>(date.month())),
+                 static_cast<int>(static_cast<unsigned>(date.day())),
+                 seconds / 3600,
+                 seconds / 60 % 60,
+                 seconds % 60};
 }
 
-int part(const COleDateTime& moment, int Parts::* member) {
+int part(const COleDateTime& moment, int Parts::*member) {
     const std::optional<Parts> parts = split(moment);
     return parts ? (*parts).*member : -1;
 }
 
-std::string two_digits(int value) { return {static_cast<char>('0' + value / 10 % 10), static_cast<char>('0' + value % 10)}; }
+std::string two_digits(int value) {
+    return {static_cast<char>('0' + value / 10 % 10), static_cast<char>('0' + value % 10)};
+}
 
 }  // namespace
 

@@ -27,7 +27,8 @@ std::u16string statement_text(jet::Database& engine, std::string_view text) {
     while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
     while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
     std::u16string wide = os::widen(text);
-    if (text.find_first_of(" \t\r\n[(") == std::string_view::npos && !text.empty() && engine.find_table(wide) != nullptr) {
+    if (text.find_first_of(" \t\r\n[(") == std::string_view::npos && !text.empty() &&
+        engine.find_table(wide) != nullptr) {
         return u"SELECT * FROM [" + wide + u"]";
     }
     return wide;
@@ -186,7 +187,8 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
         if (eof_) no_current_row();
         return to_variant(aggregate_, value);
     }
-    if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field])) return to_variant(pending_[field], value);
+    if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field]))
+        return to_variant(pending_[field], value);
     to_variant(view().value(field), value);
 }
 
@@ -209,7 +211,8 @@ void RecordsetState::add_new() {
     pending_.assign(columns.size(), jet::Null{});
     assigned_.assign(columns.size(), 0);
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (columns[i].is_autonumber() && columns[i].type == jet::ColumnType::kLong) pending_[i] = table_->take_autonumber();
+        if (columns[i].is_autonumber() && columns[i].type == jet::ColumnType::kLong)
+            pending_[i] = table_->take_autonumber();
     }
     additions_.emplace_back();
     mode_ = dbEditAdd;

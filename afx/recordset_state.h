@@ -51,10 +51,10 @@ public:
 private:
     // What a bookmark holds.
     struct Token {
-        std::uint64_t opening = 0;      // the set it belongs to
-        std::uint32_t addition = 0;     // 1-based number of the AddNew, or 0
-        std::uint32_t row = 0;          // packed, where it is not an addition
-        std::int32_t position = 0;      // of the row, counted over the set's original rows
+        std::uint64_t opening = 0;   // the set it belongs to
+        std::uint32_t addition = 0;  // 1-based number of the AddNew, or 0
+        std::uint32_t row = 0;       // packed, where it is not an addition
+        std::int32_t position = 0;   // of the row, counted over the set's original rows
         std::int32_t reserved = 0;
     };
 
@@ -70,7 +70,7 @@ private:
     void require_current();
     COleVariant make_bookmark(const Token& token) const;
 
-    std::unique_ptr<jet::sql::RowSet> rows_;     // none for an aggregate
+    std::unique_ptr<jet::sql::RowSet> rows_;  // none for an aggregate
     jet::Table* table_ = nullptr;
     std::shared_ptr<const FieldNames> names_;
     jet::Value aggregate_;
@@ -82,10 +82,10 @@ private:
     bool bof_ = false;
     bool eof_ = false;
     std::optional<jet::RowId> current_;
-    bool erased_here_ = false;                   // the current row, by this set
-    bool gone_ = false;                          // the current row's place holds another row
-    std::int32_t position_ = -1;                 // of the current row among the original ones
-    std::int32_t visited_ = 0;                   // original rows
+    bool erased_here_ = false;    // the current row, by this set
+    bool gone_ = false;           // the current row's place holds another row
+    std::int32_t position_ = -1;  // of the current row among the original ones
+    std::int32_t visited_ = 0;    // original rows
     std::int32_t added_ = 0;
     std::int32_t erased_ = 0;
     bool has_view_ = false;
@@ -94,9 +94,9 @@ private:
     std::int16_t mode_ = dbEditNone;
     std::vector<jet::Value> pending_;
     std::vector<std::uint8_t> assigned_;
-    std::vector<jet::RowId> additions_;          // by number of the AddNew; null while not stored
-    std::vector<jet::RowId> unsettled_;          // additions that the row set has not been told of
-    std::unordered_set<std::uint32_t> own_rows_; // additions stored, packed
+    std::vector<jet::RowId> additions_;           // by number of the AddNew; null while not stored
+    std::vector<jet::RowId> unsettled_;           // additions that the row set has not been told of
+    std::unordered_set<std::uint32_t> own_rows_;  // additions stored, packed
     std::optional<Token> last_modified_;
 };
 

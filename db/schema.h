@@ -15,9 +15,9 @@ namespace db {
 
 // How a field is made. The difference between the text kinds is whether a zero-length text may be stored.
 enum class FieldKind : std::uint8_t {
-    kKey,           // auto-number
+    kKey,  // auto-number
     kLong,
-    kPlainLong,     // a long made without attributes
+    kPlainLong,  // a long made without attributes
     kDate,
     kCurrency,
     kSingle,

@@ -16,15 +16,15 @@ constexpr LCID kUserLocale = 0x400;
 
 // By type number; null where a type has no name.
 constexpr const char* kTypeNames[] = {
-    "VT_EMPTY", "VT_NULL", "VT_I2", "VT_I4", "VT_R4", "VT_R8", "VT_CY", "VT_DATE", "VT_BSTR", "VT_DISPATCH",
-    "VT_ERROR", "VT_BOOL", "VT_VARIANT", "VT_UNKNOWN", nullptr, nullptr, "VT_I1", "VT_UI1", "VT_UI2", "VT_UI4",
-    "VT_I8", "VT_UI8", "VT_INT", "VT_UINT", "VT_VOID", "VT_HRESULT", "VT_PTR", "VT_SAFEARRAY", "VT_CARRAY",
-    "VT_USERDEFINED", "VT_LPSTR", "VT_LPWSTR",
+    "VT_EMPTY", "VT_NULL",     "VT_I2",    "VT_I4",        "VT_R4",      "VT_R8",          "VT_CY",    "VT_DATE",
+    "VT_BSTR",  "VT_DISPATCH", "VT_ERROR", "VT_BOOL",      "VT_VARIANT", "VT_UNKNOWN",     nullptr,    nullptr,
+    "VT_I1",    "VT_UI1",      "VT_UI2",   "VT_UI4",       "VT_I8",      "VT_UI8",         "VT_INT",   "VT_UINT",
+    "VT_VOID",  "VT_HRESULT",  "VT_PTR",   "VT_SAFEARRAY", "VT_CARRAY",  "VT_USERDEFINED", "VT_LPSTR", "VT_LPWSTR",
 };
 constexpr VARTYPE kFirstLateName = 64;
 constexpr const char* kLateTypeNames[] = {
-    "VT_FILETIME", "VT_BLOB", "VT_STREAM", "VT_STORAGE", "VT_STREAMED_OBJECT", "VT_STORED_OBJECT", "VT_BLOB_OBJECT",
-    "VT_CF", "VT_CLSID",
+    "VT_FILETIME",      "VT_BLOB",        "VT_STREAM", "VT_STORAGE", "VT_STREAMED_OBJECT",
+    "VT_STORED_OBJECT", "VT_BLOB_OBJECT", "VT_CF",     "VT_CLSID",
 };
 
 const char* type_name(VARTYPE type) {

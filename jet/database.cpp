@@ -165,9 +165,8 @@ Database::~Database() {
 
 void Database::open_catalog() {
     const auto open_system = [&](PageNumber page, const char16_t* name) -> Table& {
-        auto& table = impl_->tables[page];
-        table = std::make_unique<Table>(*this, load_table_def(page, name));
-        return *table;
+        auto table = std::make_unique<Table>(*this, load_table_def(page, name));
+        return *(impl_->tables[page] = std::move(table));
     };
     Table& objects = open_system(jet4::kObjectsPage, u"MSysObjects");
     Table& aces = open_system(jet4::kAcesPage, u"MSysACEs");

@@ -163,7 +163,6 @@ inline constexpr std::size_t kType = 23;
 }  // namespace logical_index
 
 inline constexpr std::size_t kDistinctKeys = 4;        // within an index's statistics
-inline constexpr std::size_t kLongValueEntry = 10;     // u16 column number, owned map, free map
 }  // namespace tdef
 
 namespace index {  // pages of kind 3 and 4

@@ -259,7 +259,9 @@ TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
 
     reader.require_records(real_count, tdef::kIndexStatistics);
     std::vector<std::uint32_t> distinct_keys(real_count);
-    for (std::uint32_t& count : distinct_keys) count = load_u32(reader.take(tdef::kIndexStatistics), tdef::kDistinctKeys);
+    for (std::uint32_t& count : distinct_keys) {
+        count = load_u32(reader.take(tdef::kIndexStatistics), tdef::kDistinctKeys);
+    }
 
     reader.require_records(column_count, tdef::kColumnRecord);
     def.columns.reserve(column_count);

@@ -13,12 +13,12 @@ namespace studio {
 
 enum class Conversion {
     kText,
-    kInteger,           // written as VT_I4, read as text and parsed
-    kDate,              // the calendar date; the time of day never travels
+    kInteger,  // written as VT_I4, read as text and parsed
+    kDate,     // the calendar date; the time of day never travels
     kDateToTheMinute,
-    kCurrency,          // a float, split into currency; read as currency text and parsed
-    kCurrencyByText,    // the same, read by the value's own text
-    kSingle,            // a float, stored as VT_R4; read as text and parsed
+    kCurrency,        // a float, split into currency; read as currency text and parsed
+    kCurrencyByText,  // the same, read by the value's own text
+    kSingle,          // a float, stored as VT_R4; read as text and parsed
 };
 
 // A column and the member it goes to or comes from; of the member pointers one is not null.
@@ -26,41 +26,41 @@ template <class Record>
 struct Column {
     const char* name = nullptr;
     Conversion conversion = Conversion::kText;
-    CString Record::* text = nullptr;
-    LONG Record::* number = nullptr;
-    CTime Record::* time = nullptr;
-    float Record::* amount = nullptr;
+    CString Record::*text = nullptr;
+    LONG Record::*number = nullptr;
+    CTime Record::*time = nullptr;
+    float Record::*amount = nullptr;
 };
 
 // Declarations of columns: column::text("Name", &ProjInfo::Name).
 namespace column {
 
 template <class R>
-constexpr Column<R> text(const char* name, CString R::* member) {
+constexpr Column<R> text(const char* name, CString R::*member) {
     return {.name = name, .conversion = Conversion::kText, .text = member};
 }
 template <class R>
-constexpr Column<R> integer(const char* name, LONG R::* member) {
+constexpr Column<R> integer(const char* name, LONG R::*member) {
     return {.name = name, .conversion = Conversion::kInteger, .number = member};
 }
 template <class R>
-constexpr Column<R> date(const char* name, CTime R::* member) {
+constexpr Column<R> date(const char* name, CTime R::*member) {
     return {.name = name, .conversion = Conversion::kDate, .time = member};
 }
 template <class R>
-constexpr Column<R> date_to_the_minute(const char* name, CTime R::* member) {
+constexpr Column<R> date_to_the_minute(const char* name, CTime R::*member) {
     return {.name = name, .conversion = Conversion::kDateToTheMinute, .time = member};
 }
 template <class R>
-constexpr Column<R> currency(const char* name, float R::* member) {
+constexpr Column<R> currency(const char* name, float R::*member) {
     return {.name = name, .conversion = Conversion::kCurrency, .amount = member};
 }
 template <class R>
-constexpr Column<R> currency_by_text(const char* name, float R::* member) {
+constexpr Column<R> currency_by_text(const char* name, float R::*member) {
     return {.name = name, .conversion = Conversion::kCurrencyByText, .amount = member};
 }
 template <class R>
-constexpr Column<R> single(const char* name, float R::* member) {
+constexpr Column<R> single(const char* name, float R::*member) {
     return {.name = name, .conversion = Conversion::kSingle, .amount = member};
 }
 

@@ -17,17 +17,25 @@ namespace studio {
 template <class Record>
 struct Clause {
     enum class Form {
-        kEquals, kEqualsText, kLike, kContains, kContainsNumber, kEqualsOrZero, kContainsAny,
-        kOnOrAfter, kOnOrBefore, kOrderedSpan,
+        kEquals,
+        kEqualsText,
+        kLike,
+        kContains,
+        kContainsNumber,
+        kEqualsOrZero,
+        kContainsAny,
+        kOnOrAfter,
+        kOnOrBefore,
+        kOrderedSpan,
     };
 
     Form form = Form::kEquals;
     const char* column = nullptr;
-    LONG Record::* number = nullptr;   // for a span: the mode, or null when the clause always applies
-    CString Record::* text = nullptr;
-    CTime Record::* from = nullptr;    // also the only date of the one-sided forms
-    CTime Record::* to = nullptr;
-    DWORD Record::* flags = nullptr;
+    LONG Record::*number = nullptr;  // for a span: the mode, or null when the clause always applies
+    CString Record::*text = nullptr;
+    CTime Record::*from = nullptr;  // also the only date of the one-sided forms
+    CTime Record::*to = nullptr;
+    DWORD Record::*flags = nullptr;
     DWORD bit = 0;
     LONG mode = 0;
     bool descending = false;
@@ -61,55 +69,63 @@ struct Clause {
 namespace filter {
 
 template <class R>
-constexpr Clause<R> equals(const char* column, LONG R::* member, Join join = Join::kAnd) {
+constexpr Clause<R> equals(const char* column, LONG R::*member, Join join = Join::kAnd) {
     return {.form = Clause<R>::Form::kEquals, .column = column, .number = member, .join = join};
 }
 template <class R>
-constexpr Clause<R> equals(const char* column, CString R::* member) {
+constexpr Clause<R> equals(const char* column, CString R::*member) {
     return {.form = Clause<R>::Form::kEqualsText, .column = column, .text = member};
 }
 template <class R>
-constexpr Clause<R> like(const char* column, CString R::* member) {
+constexpr Clause<R> like(const char* column, CString R::*member) {
     return {.form = Clause<R>::Form::kLike, .column = column, .text = member};
 }
 template <class R>
-constexpr Clause<R> contains(const char* column, CString R::* member) {
+constexpr Clause<R> contains(const char* column, CString R::*member) {
     return {.form = Clause<R>::Form::kContains, .column = column, .text = member};
 }
 template <class R>
-constexpr Clause<R> contains(const char* column, LONG R::* member) {
+constexpr Clause<R> contains(const char* column, LONG R::*member) {
     return {.form = Clause<R>::Form::kContainsNumber, .column = column, .number = member};
 }
 template <class R>
-constexpr Clause<R> equals_or_zero(const char* column, LONG R::* member) {
+constexpr Clause<R> equals_or_zero(const char* column, LONG R::*member) {
     return {.form = Clause<R>::Form::kEqualsOrZero, .column = column, .number = member};
 }
 // A list of numbers separated by ";".
 template <class R>
-constexpr Clause<R> contains_any(const char* column, CString R::* member) {
+constexpr Clause<R> contains_any(const char* column, CString R::*member) {
     return {.form = Clause<R>::Form::kContainsAny, .column = column, .text = member};
 }
 template <class R>
-constexpr Clause<R> on_or_after(const char* column, CTime R::* member, DWORD R::* flags, DWORD bit) {
+constexpr Clause<R> on_or_after(const char* column, CTime R::*member, DWORD R::*flags, DWORD bit) {
     return {.form = Clause<R>::Form::kOnOrAfter, .column = column, .from = member, .flags = flags, .bit = bit};
 }
 template <class R>
-constexpr Clause<R> on_or_before(const char* column, CTime R::* member, DWORD R::* flags, DWORD bit) {
+constexpr Clause<R> on_or_before(const char* column, CTime R::*member, DWORD R::*flags, DWORD bit) {
     return {.form = Clause<R>::Form::kOnOrBefore, .column = column, .from = member, .flags = flags, .bit = bit};
 }
 enum class Order { kAscending, kDescending };
 // Always applies. The last clause of its filter, since it ends in the order.
 template <class R>
-constexpr Clause<R> ordered_span(const char* column, CTime R::* from, CTime R::* to, Order order) {
-    return {.form = Clause<R>::Form::kOrderedSpan, .column = column, .from = from, .to = to,
+constexpr Clause<R> ordered_span(const char* column, CTime R::*from, CTime R::*to, Order order) {
+    return {.form = Clause<R>::Form::kOrderedSpan,
+            .column = column,
+            .from = from,
+            .to = to,
             .descending = order == Order::kDescending};
 }
 // As above, but applies when the member has this value.
 template <class R>
-constexpr Clause<R> ordered_span(const char* column, CTime R::* from, CTime R::* to, Order order, LONG R::* mode,
+constexpr Clause<R> ordered_span(const char* column, CTime R::*from, CTime R::*to, Order order, LONG R::*mode,
                                  LONG value) {
-    return {.form = Clause<R>::Form::kOrderedSpan, .column = column, .number = mode, .from = from, .to = to,
-            .mode = value, .descending = order == Order::kDescending};
+    return {.form = Clause<R>::Form::kOrderedSpan,
+            .column = column,
+            .number = mode,
+            .from = from,
+            .to = to,
+            .mode = value,
+            .descending = order == Order::kDescending};
 }
 
 }  // namespace filter
@@ -118,13 +134,13 @@ constexpr Clause<R> ordered_span(const char* column, CTime R::* from, CTime R::*
 template <class Record>
 struct Key {
     const char* column = nullptr;
-    LONG Record::* member = nullptr;
+    LONG Record::*member = nullptr;
 };
 
 enum class FilterRule {
-    kClauses,          // the clauses alone
-    kKeyBeforeClauses, // a key other than 0 replaces all clauses
-    kParent,           // the first clause applies always, also with 0; there are no others
+    kClauses,           // the clauses alone
+    kKeyBeforeClauses,  // a key other than 0 replaces all clauses
+    kParent,            // the first clause applies always, also with 0; there are no others
 };
 enum class WhenNothingIsSet { kWholeTable, kNoRows };
 

@@ -21,51 +21,51 @@ namespace studio {
 
 enum class FindBy {
     kKey,
-    kKeyOrName,          // the key when it is not 0, else the name when it is not empty, else nothing
-    kFilter,             // the first row of the enumeration's statement
-    kFilterOrNothing,    // as kFilter, but a record in which nothing is set finds nothing
+    kKeyOrName,        // the key when it is not 0, else the name when it is not empty, else nothing
+    kFilter,           // the first row of the enumeration's statement
+    kFilterOrNothing,  // as kFilter, but a record in which nothing is set finds nothing
 };
 
 enum class ChangeBy {
     kKey,
-    kFilter,             // the first row of the enumeration's statement
+    kFilter,  // the first row of the enumeration's statement
 };
 
 // The rows that Add opens before it adds; the new row is added whatever they are, unless stated otherwise.
 enum class AddOpens {
     kWholeTable,
-    kParentRows,         // those with the record's value in the parent column
-    kNamedRows,          // those with the record's name
-    kNamedRowsIfNone,    // the same; where there are any, nothing is added and the answer is S_OK
+    kParentRows,       // those with the record's value in the parent column
+    kNamedRows,        // those with the record's name
+    kNamedRowsIfNone,  // the same; where there are any, nothing is added and the answer is S_OK
 };
 
 enum class NullRecord {
-    kEmptyStatement,     // the enumeration begins, and fails at the statement
-    kFailsAtOnce,        // an enumeration under way goes on undisturbed
+    kEmptyStatement,  // the enumeration begins, and fails at the statement
+    kFailsAtOnce,     // an enumeration under way goes on undisturbed
 };
 
 template <class Record>
 struct NameColumn {
     const char* column = nullptr;
-    CString Record::* member = nullptr;
+    CString Record::*member = nullptr;
 };
 
 // What differs from table to table.
 template <class Record>
 struct TableMapping {
-    const char* table = nullptr;                             // null: every statement is the empty text
+    const char* table = nullptr;  // null: every statement is the empty text
     Key<Record> key = {};
-    std::span<const Column<Record>> read = {};               // in the order of reading
-    std::span<const Column<Record>> write = {};              // in the order of writing, never the key
-    std::span<const Column<Record>> enum_read = {};          // for enumerations, where they read otherwise
+    std::span<const Column<Record>> read = {};       // in the order of reading
+    std::span<const Column<Record>> write = {};      // in the order of writing, never the key
+    std::span<const Column<Record>> enum_read = {};  // for enumerations, where they read otherwise
     std::span<const Clause<Record>> filter = {};
     FilterRule filter_rule = FilterRule::kClauses;
     NullRecord null_record = NullRecord::kEmptyStatement;
     FindBy find_by = FindBy::kKey;
-    ChangeBy change_by = ChangeBy::kKey;                     // update and delete
+    ChangeBy change_by = ChangeBy::kKey;  // update and delete
     AddOpens add_opens = AddOpens::kWholeTable;
-    Key<Record> parent = {};                                 // for kParentRows
-    NameColumn<Record> name = {};                            // for names in find_by and add_opens
+    Key<Record> parent = {};                                             // for kParentRows
+    NameColumn<Record> name = {};                                        // for names in find_by and add_opens
     HRESULT (*read_row)(CDaoRecordset& rows, Record& record) = nullptr;  // in place of the lists, for enumerations
 
     // The statement of EnumFirst, and of whatever goes by the filter.

@@ -41,17 +41,17 @@ private:
 // Clauses. Dates are calendar dates between "#" marks.
 namespace clause {
 
-std::string equals(const char* column, LONG value);           // [c]=5
-std::string equals(const char* column, const char* text);     // [c]="t"
-std::string like(const char* column, const char* pattern);    // [c] LIKE "t"
-std::string contains(const char* column, const char* text);   // [c] LIKE "*t*"
-std::string contains(const char* column, LONG value);         // [c] LIKE "*5*"
-std::string equals_or_zero(const char* column, LONG value);   // ([c]=5 OR [c]=0)
+std::string equals(const char* column, LONG value);          // [c]=5
+std::string equals(const char* column, const char* text);    // [c]="t"
+std::string like(const char* column, const char* pattern);   // [c] LIKE "t"
+std::string contains(const char* column, const char* text);  // [c] LIKE "*t*"
+std::string contains(const char* column, LONG value);        // [c] LIKE "*5*"
+std::string equals_or_zero(const char* column, LONG value);  // ([c]=5 OR [c]=0)
 // One contains clause per number of a list "2;5", joined by OR, in parentheses. n separators make n + 1
 // numbers, an empty piece is 0; an empty list gives "()".
 std::string contains_any(const char* column, const char* list);
-std::string on_or_after(const char* column, CTime date);      // [c]>=#03/01/2005#
-std::string on_or_before(const char* column, CTime date);     // [c]<=#03/01/2005#
+std::string on_or_after(const char* column, CTime date);   // [c]>=#03/01/2005#
+std::string on_or_before(const char* column, CTime date);  // [c]<=#03/01/2005#
 // [c]>=#...# AND [c]<=#...# ORDER BY [c] ASC (or DESC): has to be the last clause.
 std::string ordered_span(const char* column, CTime from, CTime to, bool descending);
 

@@ -35,8 +35,8 @@ protected:
         const auto* info = testing::UnitTest::GetInstance()->current_test_info();
         folder_ = std::filesystem::temp_directory_path() /
                   ("kvdb_" + std::string(info->test_suite_name()) + "_" + info->name() + "_" +
-                   std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "_" + std::to_string(++count) + "_" +
-                   std::to_string(std::filesystem::file_time_type::clock::now().time_since_epoch().count()));
+                   std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "_" + std::to_string(++count) +
+                   "_" + std::to_string(std::filesystem::file_time_type::clock::now().time_since_epoch().count()));
         std::filesystem::create_directories(folder_);
         os::set_code_page_for_test(os::CodePage::kWindows1252);
     }

@@ -17,7 +17,8 @@ TEST(FieldNames, find_ignores_case) {
 
 TEST(FieldNames, every_one_of_255_is_found) {
     std::vector<std::u16string> wide;
-    for (char16_t i = 0; i < 255; ++i) wide.push_back({u'F', static_cast<char16_t>(u'a' + i / 26), static_cast<char16_t>(u'a' + i % 26)});
+    for (char16_t i = 0; i < 255; ++i)
+        wide.push_back({u'F', static_cast<char16_t>(u'a' + i / 26), static_cast<char16_t>(u'a' + i % 26)});
     const afx::FieldNames names(wide);
     for (std::size_t i = 0; i < 255; ++i) EXPECT_EQ(names.find(os::narrow(wide[i])), i);
 }

@@ -18,9 +18,9 @@ TEST(NumberText, fixed_usual_values_have_six_decimals) {
 }
 
 TEST(NumberText, fixed_exact_tie_rounds_away_from_zero) {
-    EXPECT_EQ(afx::fixed6_text(0.0078125), "0.007813");    // 1/128
+    EXPECT_EQ(afx::fixed6_text(0.0078125), "0.007813");  // 1/128
     EXPECT_EQ(afx::fixed6_text(-0.0078125), "-0.007813");
-    EXPECT_EQ(afx::fixed6_text(0.0234375), "0.023438");    // 3/128: both rules agree
+    EXPECT_EQ(afx::fixed6_text(0.0234375), "0.023438");  // 3/128: both rules agree
     EXPECT_EQ(afx::fixed6_text(0.00000049999), "0.000000");
 }
 
@@ -114,7 +114,7 @@ TEST(NumberText, parse_currency_is_exact_and_checks_range) {
     EXPECT_EQ(amount, 125000);
     EXPECT_TRUE(afx::parse_currency("-0.75", amount));
     EXPECT_EQ(amount, -7500);
-    EXPECT_TRUE(afx::parse_currency("1.00005", amount));   // tie to even
+    EXPECT_TRUE(afx::parse_currency("1.00005", amount));  // tie to even
     EXPECT_EQ(amount, 10000);
     EXPECT_TRUE(afx::parse_currency("1.00015", amount));
     EXPECT_EQ(amount, 10002);

@@ -15,7 +15,8 @@ TEST(OleVariant, default_value_is_empty_with_zero_payload) {
 }
 
 TEST(OleVariant, integers_of_every_width_are_vt_i4) {
-    const COleVariant values[] = {COleVariant(-7), COleVariant(-7L), COleVariant(4294967289u), COleVariant(4294967289ul)};
+    const COleVariant values[] = {COleVariant(-7), COleVariant(-7L), COleVariant(4294967289u),
+                                  COleVariant(4294967289ul)};
     for (const COleVariant& value : values) {
         EXPECT_EQ(value.vt, VT_I4);
         EXPECT_EQ(value.lVal, -7);

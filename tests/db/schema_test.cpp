@@ -52,7 +52,8 @@ TEST_F(Schema, names_are_unique_within_their_list) {
         for (const db::TableSchema& table : tables) {
             EXPECT_TRUE(names.insert(table.name).second) << table.name;
             std::set<std::string> fields;
-            for (const db::FieldSchema& field : table.fields) EXPECT_TRUE(fields.insert(field.name).second) << field.name;
+            for (const db::FieldSchema& field : table.fields)
+                EXPECT_TRUE(fields.insert(field.name).second) << field.name;
         }
     }
 }
@@ -79,14 +80,14 @@ TEST_F(Schema, studio_file_gets_every_table_and_field_as_listed) {
             EXPECT_EQ(info.m_strName, field.name);
             const bool text = field.kind == FieldKind::kText || field.kind == FieldKind::kShortText ||
                               field.kind == FieldKind::kTextNotEmpty;
-            const bool number = field.kind == FieldKind::kKey || field.kind == FieldKind::kLong ||
-                                field.kind == FieldKind::kPlainLong;
-            const int type = text                                  ? dbText
-                             : number                              ? dbLong
-                             : field.kind == FieldKind::kMemo      ? dbMemo
-                             : field.kind == FieldKind::kDate      ? dbDate
-                             : field.kind == FieldKind::kCurrency  ? dbCurrency
-                                                                   : dbSingle;
+            const bool number =
+                field.kind == FieldKind::kKey || field.kind == FieldKind::kLong || field.kind == FieldKind::kPlainLong;
+            const int type = text                                 ? dbText
+                             : number                             ? dbLong
+                             : field.kind == FieldKind::kMemo     ? dbMemo
+                             : field.kind == FieldKind::kDate     ? dbDate
+                             : field.kind == FieldKind::kCurrency ? dbCurrency
+                                                                  : dbSingle;
             EXPECT_EQ(info.m_nType, type) << table.name << "." << field.name;
             EXPECT_EQ(info.m_lSize == 255, text);
             EXPECT_EQ((info.m_lAttributes & dbAutoIncrField) != 0, field.kind == FieldKind::kKey);

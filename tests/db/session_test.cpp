@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstring>
 #include <fstream>
+#include <memory>
+#include <utility>
 
 #include "db/content.h"
 #include "db/create_files.h"
@@ -10,6 +12,7 @@
 #include "db/schema.h"
 #include "db/upgrade.h"
 #include "db/values.h"
+#include "os/file.h"
 #include "os/system.h"
 #include "tests/afx/dao_test_support.h"
 
@@ -302,6 +305,44 @@ TEST_F(Session, draft_somebody_works_on_is_left_alone) {
     EXPECT_FALSE(db::main_file_exists());
     other.Close();
     EXPECT_EQ(error_of([&] { db::attach(gate_); }), 0);
+}
+
+// The machine's own file system, with one operation that fails from a given call on.
+class FailingFileSystem final : public os::FileSystem {
+public:
+    enum class Fails { kRename, kFolderSync };
+
+    explicit FailingFileSystem(Fails fails) : fails_(fails) { os::set_file_system(this); }
+    ~FailingFileSystem() override { os::set_file_system(nullptr); }
+
+    std::unique_ptr<os::File> open(const std::string& path, os::OpenMode mode) override {
+        return own_.open(path, mode);
+    }
+    bool exists(const std::string& path) override { return own_.exists(path); }
+    void remove(const std::string& path) override { own_.remove(path); }
+    void rename(const std::string& from, const std::string& to) override {
+        if (fails_ == Fails::kRename) throw os::FileError(os::FileFault::kAccessDenied, "rename refused");
+        own_.rename(from, to);
+    }
+    void sync_folder_of(const std::string& path) override {
+        if (fails_ == Fails::kFolderSync) throw os::FileError(os::FileFault::kDiskFull, "no space");
+        own_.sync_folder_of(path);
+    }
+
+private:
+    os::FileSystem& own_ = os::native_file_system();
+    Fails fails_;
+};
+
+TEST_F(Session, creation_that_fails_leaves_no_file_and_no_open_database) {
+    for (const auto& [fails, number] :
+         {std::pair{FailingFileSystem::Fails::kRename, 3051}, std::pair{FailingFileSystem::Fails::kFolderSync, 3026}}) {
+        const FailingFileSystem failing(fails);
+        EXPECT_EQ(error_of([&] { db::attach(gate_); }), number);
+        EXPECT_EQ(gate_.main, nullptr);
+        EXPECT_EQ(files(), 0u);
+    }
+    EXPECT_EQ(db::attach(gate_), S_OK);
 }
 
 TEST_F(Session, missing_folder_raises) {

@@ -111,10 +111,10 @@ TEST_P(FloatToCurrency, known_value_splits_as_documented) {
 INSTANTIATE_TEST_SUITE_P(Values, FloatToCurrency,
                          testing::Values(SplitCase{0.0f, 0, 0, 0}, SplitCase{12.5f, 12, 5000, 125000},
                                          SplitCase{1.1f, 1, 1000, 11000}, SplitCase{19.99f, 19, 9900, 199900},
-                                         SplitCase{-1.25f, -1, 2500, -7500},           // sign of the rest lost
-                                         SplitCase{-0.5f, 0, 5000, 5000},              // sign lost entirely
-                                         SplitCase{12.99996f, 12, 0, 120000},          // carry dropped
-                                         SplitCase{12.03125f, 12, 313, 120313},        // a tie, away from zero
+                                         SplitCase{-1.25f, -1, 2500, -7500},     // sign of the rest lost
+                                         SplitCase{-0.5f, 0, 5000, 5000},        // sign lost entirely
+                                         SplitCase{12.99996f, 12, 0, 120000},    // carry dropped
+                                         SplitCase{12.03125f, 12, 313, 120313},  // a tie, away from zero
                                          SplitCase{1234567.89f, 1234567, 8750, 12345678750}));
 
 TEST(FloatToCurrencySplit, any_float_is_accepted) {

@@ -45,6 +45,21 @@ struct Buffer {
     }
 };
 
+// The names that the closed file holds, each ended by a blank.
+std::string stored_names(const std::string& path, const char* table) {
+    jet::OpenOptions options;
+    options.ignore_password = true;
+    options.read_only = true;
+    const auto database = jet::Database::open(path, options);
+    const jet::Table* const found = database->find_table(jet::from_utf8(table));
+    std::string all;
+    jet::RowView view;
+    for (auto row = found->next_row({}); row; row = found->next_row(*row)) {
+        if (found->read(*row, view)) all += jet::to_utf8(std::get<std::u16string>(view.value(0))) + " ";
+    }
+    return all;
+}
+
 class ListsGate : public testing::TestWithParam<ListCase> {
 protected:
     HRESULT call(ListCase::Method method, const std::string& name) {
@@ -81,7 +96,7 @@ TEST_P(ListsGate, names_come_back_in_the_order_of_adding_and_go_to_their_own_tab
     gate_.while_closed([&] {
         for (const ListCase& list : kLists) {
             const bool mine = std::strcmp(list.table, GetParam().table) == 0;
-            EXPECT_EQ(column_values(gate_.file("sldb.mdb"), list.table, "Name"), mine ? "Vocal Bass Drums " : "");
+            EXPECT_EQ(stored_names(gate_.file("sldb.mdb"), list.table), mine ? "Vocal Bass Drums " : "");
         }
     });
 }

@@ -8,6 +8,7 @@
 //         .members = {member::integer("SongID", &MixInfo::SongID), member::text("Descript", &MixInfo::Descript),
 //                     member::memo("Path", &MixInfo::Path), member::integer("ExData", &MixInfo::ExData)},
 //         .parents = {&MixInfo::SongID},
+//         .opened_by = "SongID",
 //         .read_order = {"SongID", "Descript", "Path", "ExData"},
 //         .write_order = {"SongID", "Descript", "Path", "ExData"}};
 //
@@ -97,6 +98,7 @@ struct RecordCase {
     std::variant<Method, KeyMethod> remove;
     std::vector<Member<Record>> members;       // all but the key
     std::vector<LONG Record::*> parents = {};  // the same in every variant and given to the enumeration
+    const char* opened_by = nullptr;           // the column that picks the rows Add opens; null: the whole table
     std::vector<const char*> read_order = {};  // columns but the key
     std::vector<const char*> write_order = {};
     std::function<void(Record&)> ask = nullptr;  // what else an enumeration has to be given

@@ -28,6 +28,7 @@ const RecordCase<IDBgate1, SongInfo> kSongs{
                 member::integer("ComposerID", &SongInfo::ComposerID), member::integer("WriterID", &SongInfo::WriterID),
                 member::integer("ExData", &SongInfo::ExData)},
     .parents = {&SongInfo::ProjID},
+    .opened_by = "ProjID",
     .read_order = {"ProjID", "Name", "Artist", "ArtistID", "Copyrights", "CopyrightsID", "Notes", "MixFile", "Folder",
                    "SongFile", "Sequencer", "Client", "ClientID", "Producer", "ProducerID", "ComposerID", "WriterID",
                    "ExData"},
@@ -58,6 +59,7 @@ const RecordCase<IDBgate1, TrackInfo> kTracks{
                 member::integer("ProducerID", &TrackInfo::ProducerID), member::integer("Status", &TrackInfo::Status),
                 member::integer("Mode", &TrackInfo::Mode), member::memo("Notes", &TrackInfo::Notes)},
     .parents = {&TrackInfo::SongID},
+    .opened_by = "SongID",
     .read_order = {"SongID", "Number", "Name", "Type", "TypeID", "Date", "TDate", "Performer", "PerformerID",
                    "Destination", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode", "Notes", "ExData"},
     .write_order = {"SongID", "Number", "Name", "Type", "TypeID", "Date", "TDate", "Performer", "PerformerID",
@@ -76,6 +78,7 @@ const RecordCase<IDBgate1, MixInfo> kMixes{
     .members = {member::integer("SongID", &MixInfo::SongID), member::text("Descript", &MixInfo::Descript),
                 member::memo("Path", &MixInfo::Path), member::integer("ExData", &MixInfo::ExData)},
     .parents = {&MixInfo::SongID},
+    .opened_by = "SongID",
     .read_order = {"SongID", "Descript", "Path", "ExData"},
     .write_order = {"SongID", "Descript", "Path", "ExData"},
 };

@@ -190,9 +190,22 @@ const Fault kFaults[] = {
          const auto* guid = std::get_if<jet::Guid>(&sample.value);
          return guid && field && upper(*field) == hex_of_text(guid_text(*guid).erase(24, 1));
      }},
-    // The calendar arithmetic of its date formatting begins at day 0.
-    {Reader::kMdbExport, "dates before 1899-12-30 cannot be printed",
-     [](const Sample& sample, const Field&) { return is_date_before_day_zero(sample); }},
+    // It counts characters of two bytes.
+    {Reader::kMdbExport, "a character beyond U+FFFF is printed as two question marks",
+     [](const Sample& sample, const Field& field) {
+         const auto* text = std::get_if<std::u16string>(&sample.value);
+         if (!text || !field) return false;
+         std::u16string marked = *text;
+         for (char16_t& unit : marked) {
+             if (unit >= 0xD800 && unit <= 0xDFFF) unit = u'?';
+         }
+         return *field == jet::to_utf8(marked);
+     }},
+    {Reader::kMdbExport, "dates before 1899-12-30 and from day 1000000 on, in the year 4637, are not printed",
+     [](const Sample& sample, const Field& field) {
+         const auto* date = std::get_if<jet::Date>(&sample.value);
+         return date && (date->days < 0 || date->days > 1e6) && field == "1900-01-00 00:00:00";
+     }},
     {Reader::kMdbExport, "type 0x11 is not known and printed as Null",
      [](const Sample& sample, const Field& field) { return sample.column.type == jet::ColumnType::kFixedBinary && !field; }},
     // The fraction is added to a negative day, though it counts forward there as well.
@@ -223,7 +236,13 @@ const char* known_fault(Reader reader, const Sample& sample, const Field& field)
     return nullptr;
 }
 
-bool is_unreadable(const jet::ColumnDef& column) { return column.type == jet::ColumnType::kFixedBinary; }
+bool is_unreadable(const Sample& sample) {
+    if (is_date_before_day_zero(sample)) {
+        const double days = std::get<jet::Date>(sample.value).days;
+        return days != std::trunc(days);
+    }
+    return sample.column.type == jet::ColumnType::kFixedBinary;
+}
 
 std::string hex_of(const std::uint8_t* bytes, std::size_t count) {
     static constexpr char kDigits[] = "0123456789ABCDEF";

@@ -26,8 +26,9 @@ bool agrees(Reader reader, const Sample& sample, const Field& field);
 // where agrees() is false.
 const char* known_fault(Reader reader, const Sample& sample, const Field& field);
 
-// Whether no reader at all prints values of this column.
-bool is_unreadable(const jet::ColumnDef& column);
+// Whether known faults of both readers meet in the value, so that neither prints it: type 0x11, and a time of
+// day before 1899-12-30.
+bool is_unreadable(const Sample& sample);
 
 // The value for messages.
 std::string describe(const jet::Value& value);

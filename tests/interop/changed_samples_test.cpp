@@ -200,6 +200,37 @@ TEST_F(ChangedSamplesInterop, rows_inserted_changed_and_erased_read_back_equal_e
     for (const auto& [name, count] : faults) std::cout << "  known fault, " << count << " times: " << name << "\n";
 }
 
+TEST_F(ChangedSamplesInterop, indexes_that_grow_over_many_pages_and_shrink_keep_one_entry_for_each_row) {
+    const std::string sample = KVDB_SAMPLES "/indexTestV2000.mdb";
+    if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files in " KVDB_SAMPLES;
+    const std::string path = copy_of(sample);
+    auto database = jet::Database::open(path, {});
+    const auto before = findings(*database);
+    std::size_t indexes = 0;
+    for (const std::u16string& name : database->table_names()) {
+        SCOPED_TRACE(jet::to_utf8(name));
+        jet::Table& table = *database->find_table(name);
+        indexes += table.def().real_indexes.size();
+        jet::Transaction transaction(database->pager());
+        std::vector<jet::RowId> rows;
+        for (std::uint32_t i = 0; i < 2500; ++i) {
+            std::vector<jet::Value> values;
+            // Neither rising nor falling: entries come between others.
+            for (const jet::ColumnDef& column : table.def().columns) values.push_back(value_for(column, 1000 + i * 997 % 2503));
+            rows.push_back(table.insert(values));
+        }
+        EXPECT_EQ(findings(*database), before);
+        for (std::size_t i = 0; i < rows.size(); ++i) {
+            if (i % 10 != 0) table.erase(rows[i]);
+        }
+        transaction.commit();
+    }
+    EXPECT_GE(indexes, 5u);
+    EXPECT_EQ(findings(*database), before);
+    database->close();
+    compare_with_other_readers(path);
+}
+
 std::string bytes_of_file(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

@@ -123,7 +123,7 @@ public:
         ASSERT_TRUE(exported) << "mdb-export does not read table " << name;
         ASSERT_TRUE(read) << "mdb-reader does not list table " << name;
         const bool refusable = std::any_of(ours_.def.columns.begin(), ours_.def.columns.end(),
-                                           [](const jet::ColumnDef& column) { return is_unreadable(column); });
+                                           [](const jet::ColumnDef& column) { return column.type == jet::ColumnType::kFixedBinary; });
         if (refusable) {
             // mdb-reader reads nothing of a table with a column of type 0x11.
             EXPECT_NE(read->refusal, "") << name;
@@ -169,7 +169,7 @@ private:
                 if (read) {
                     confirmed |= note("mdb-reader: ", judge(Reader::kMdbReader, sample, (*reader_rows[i])[*read->find_column(name)]));
                 }
-                EXPECT_TRUE(confirmed || is_unreadable(column))
+                EXPECT_TRUE(confirmed || is_unreadable(sample))
                     << "neither reader has our value of " << jet::to_utf8(ours_.def.name) << "." << name << ": " << describe(sample.value);
                 ++result_.values;
             }

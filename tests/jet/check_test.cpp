@@ -692,14 +692,16 @@ TEST_F(StructureCheck, access_files_changed_by_this_engine_break_no_other_rule) 
         const fs::path path = folder_.file("changed.mdb");
         write_whole(path, read_whole(file));
         auto database = Database::open(path.string(), {});
-        for (const std::u16string& name : database->table_names()) replaced += replace_rows(*database->find_table(name));
+        for (const std::u16string& name : database->table_names()) {
+            replaced += replace_rows(*database->find_table(name));
+        }
         database->close();
         for (const Violation& violation : check(read_whole(path))) {
             EXPECT_TRUE(is_known_of(file, violation))
                 << violation.page << " " << violation.rule << ": " << violation.detail;
         }
     }
-    EXPECT_GT(replaced, 50);
+    EXPECT_GT(replaced, 15);
 }
 
 }  // namespace

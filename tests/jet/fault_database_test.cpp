@@ -81,7 +81,7 @@ void check_run_that_gives_up(const Variant& variant, const Fault& fault) {
 void check_every_fault(std::optional<Operation> operation, const Fault& pattern) {
     for (const Variant& variant : variants()) {
         const std::uint64_t count = operations_of(variant.pager, operation);
-        ASSERT_GT(count, 10u);
+        ASSERT_GE(count, 4u);
         for (std::uint64_t nth = 1; nth <= count; ++nth) {
             Fault fault = pattern;
             fault.operation = operation;
@@ -146,7 +146,8 @@ private:
         switch (step.kind) {
             case Kind::kCreate:
                 state_.database.reset();
-                if (!os::file_system().exists(kScriptPath)) EXPECT_TRUE(succeeds(step, state_, where_)) << where_;
+                if (os::file_system().exists(kScriptPath)) return;
+                EXPECT_TRUE(succeeds(step, state_, where_)) << where_;
                 return;
             case Kind::kClose: state_.database.reset(); return;
             case Kind::kOpen: EXPECT_TRUE(succeeds(step, state_, where_)) << where_; return;

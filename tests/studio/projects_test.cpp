@@ -171,7 +171,7 @@ TEST_F(Projects, other_operations_leave_an_enumeration_alone) {
     ASSERT_EQ(projects_.Delete(b), S_OK);
     add("d");
     ASSERT_EQ(projects_.EnumNext(&record), S_OK);
-    EXPECT_EQ(record.Name, "c");                    // the deleted row is passed over
+    EXPECT_EQ(record.Name, "c");                     // the deleted row is passed over
     EXPECT_EQ(projects_.EnumNext(&record), E_FAIL);  // the added one is not a member
 }
 
@@ -196,8 +196,8 @@ TEST_F(Projects, update_changes_the_row_of_its_key) {
     found.ProjID = b;
     ASSERT_EQ(projects_.Find(&found), S_OK);
     EXPECT_EQ(found.Name, "B");
-    EXPECT_EQ(found.DiscountVal, -0.75f);           // the sign of the fraction is lost, deliberately
-    EXPECT_EQ(found.ProjCreateDate, CTime(-1));     // no date stays no date
+    EXPECT_EQ(found.DiscountVal, -0.75f);        // the sign of the fraction is lost, deliberately
+    EXPECT_EQ(found.ProjCreateDate, CTime(-1));  // no date stays no date
     found.ProjID = 1;
     ASSERT_EQ(projects_.Find(&found), S_OK);
     EXPECT_EQ(found.Name, "a");
@@ -226,9 +226,9 @@ TEST_F(Projects, failed_mapping_still_saves_what_was_set_before) {
     found.ProjID = 1;
     ASSERT_EQ(projects_.Find(&found), S_OK);
     EXPECT_EQ(found.Name, "saved");
-    EXPECT_EQ(found.ProjTypeID, 3);      // in front of the producer
+    EXPECT_EQ(found.ProjTypeID, 3);  // in front of the producer
     EXPECT_EQ(found.Producer, "");
-    EXPECT_EQ(found.Director, "");       // behind it
+    EXPECT_EQ(found.Director, "");  // behind it
     EXPECT_EQ(found.DiscountVal, 0.0f);
 
     found.Name = "changed";

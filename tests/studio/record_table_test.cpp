@@ -17,7 +17,7 @@ class RecordTables : public StudioTest {};
 // ---- Parent rows, records for deleting
 
 constexpr Column<MixInfo> kMixRead[] = {
-    column::integer("RecID", &MixInfo::RecID), column::integer("SongID", &MixInfo::SongID),
+    column::integer("RecID", &MixInfo::RecID),    column::integer("SongID", &MixInfo::SongID),
     column::text("Descript", &MixInfo::Descript), column::text("Path", &MixInfo::Path),
     column::integer("ExData", &MixInfo::ExData),
 };
@@ -87,8 +87,10 @@ TEST_F(RecordTables, two_tables_enumerate_side_by_side) {
 // ---- Find by filter
 
 constexpr Column<ConCatInfo> kCatRead[] = {
-    column::integer("RecID", &ConCatInfo::RecID), column::text("Name", &ConCatInfo::Name),
-    column::integer("Type", &ConCatInfo::Type), column::integer("ExData", &ConCatInfo::ExData),
+    column::integer("RecID", &ConCatInfo::RecID),
+    column::text("Name", &ConCatInfo::Name),
+    column::integer("Type", &ConCatInfo::Type),
+    column::integer("ExData", &ConCatInfo::ExData),
 };
 constexpr Clause<ConCatInfo> kCatFilter[] = {filter::equals("Type", &ConCatInfo::Type),
                                              filter::contains("Name", &ConCatInfo::Name)};
@@ -125,8 +127,10 @@ TEST_F(RecordTables, find_goes_by_the_filter_and_finds_nothing_when_nothing_is_s
 // ---- Gear: everything by the filter
 
 constexpr Column<GearServInfo> kGearRead[] = {
-    column::integer("RecID", &GearServInfo::RecID), column::integer("GearID", &GearServInfo::GearID),
-    column::text("Name", &GearServInfo::Name), column::single("Price", &GearServInfo::Price),
+    column::integer("RecID", &GearServInfo::RecID),
+    column::integer("GearID", &GearServInfo::GearID),
+    column::text("Name", &GearServInfo::Name),
+    column::single("Price", &GearServInfo::Price),
 };
 constexpr Clause<GearServInfo> kGearFilter[] = {filter::equals("GearID", &GearServInfo::GearID),
                                                 filter::contains("Name", &GearServInfo::Name)};
@@ -172,8 +176,10 @@ TEST_F(RecordTables, gear_without_key_acts_on_the_first_row_that_matches) {
 // ---- Names
 
 constexpr Column<RoomInfo> kRoomRead[] = {
-    column::integer("RecID", &RoomInfo::RecID), column::text("Name", &RoomInfo::Name),
-    column::currency("BasePrice", &RoomInfo::BasePrice), column::currency("FullPrice", &RoomInfo::FullPrice),
+    column::integer("RecID", &RoomInfo::RecID),
+    column::text("Name", &RoomInfo::Name),
+    column::currency("BasePrice", &RoomInfo::BasePrice),
+    column::currency("FullPrice", &RoomInfo::FullPrice),
 };
 constexpr TableMapping<RoomInfo> kRooms{
     .table = "Def_Rooms",
@@ -252,11 +258,14 @@ TEST_F(RecordTables, named_rows_are_no_obstacle_to_a_second_one) {
 // ---- Other readings
 
 constexpr Column<StockTypeInfo> kTypeFind[] = {
-    column::text("TypeName", &StockTypeInfo::TypeName), column::integer("InStock", &StockTypeInfo::InStock),
-    column::currency("ItemPrice", &StockTypeInfo::ItemPrice), column::integer("ExData", &StockTypeInfo::ExData),
+    column::text("TypeName", &StockTypeInfo::TypeName),
+    column::integer("InStock", &StockTypeInfo::InStock),
+    column::currency("ItemPrice", &StockTypeInfo::ItemPrice),
+    column::integer("ExData", &StockTypeInfo::ExData),
 };
 constexpr Column<StockTypeInfo> kTypeEnum[] = {
-    column::text("TypeName", &StockTypeInfo::TypeName), column::integer("TypeID", &StockTypeInfo::TypeID),
+    column::text("TypeName", &StockTypeInfo::TypeName),
+    column::integer("TypeID", &StockTypeInfo::TypeID),
     column::currency_by_text("ItemPrice", &StockTypeInfo::ItemPrice),
 };
 constexpr TableMapping<StockTypeInfo> kStockTypes{
@@ -290,7 +299,8 @@ TEST_F(RecordTables, enumeration_may_read_other_columns_than_find) {
 }
 
 constexpr Column<BookingInfo> kBookingRead[] = {
-    column::integer("RecID", &BookingInfo::RecID), column::date_to_the_minute("DateStart", &BookingInfo::DateStart),
+    column::integer("RecID", &BookingInfo::RecID),
+    column::date_to_the_minute("DateStart", &BookingInfo::DateStart),
     column::date("DateEnd", &BookingInfo::DateEnd),
 };
 constexpr Clause<BookingInfo> kBookingFilter[] = {

@@ -18,8 +18,9 @@ protected:
     ~StatementText() override { os::set_date_format_for_test("", os::DateOrder::kMonthDayYear); }
 
     template <class Record, std::size_t n>
-    static std::string sql(const char* table, const Key<Record>& key, FilterRule rule, const Clause<Record> (&clauses)[n],
-                           const Record& record, WhenNothingIsSet otherwise = WhenNothingIsSet::kWholeTable) {
+    static std::string sql(const char* table, const Key<Record>& key, FilterRule rule,
+                           const Clause<Record> (&clauses)[n], const Record& record,
+                           WhenNothingIsSet otherwise = WhenNothingIsSet::kWholeTable) {
         return filter_statement<Record>(table, key, rule, clauses, record, otherwise);
     }
 };
@@ -62,8 +63,10 @@ TEST_F(StatementText, number_list_has_one_piece_more_than_separators) {
 
 TEST_F(StatementText, clauses_of_a_filter_keep_their_order) {
     constexpr Clause<SessionInfo> kClauses[] = {
-        filter::equals("ClientID", &SessionInfo::ClientID), filter::like("Engineer", &SessionInfo::Engineer),
-        filter::equals("ArtistID", &SessionInfo::ArtistID), filter::equals("ProjID", &SessionInfo::ProjID),
+        filter::equals("ClientID", &SessionInfo::ClientID),
+        filter::like("Engineer", &SessionInfo::Engineer),
+        filter::equals("ArtistID", &SessionInfo::ArtistID),
+        filter::equals("ProjID", &SessionInfo::ProjID),
     };
     constexpr Key<SessionInfo> kKey{"SessionID", &SessionInfo::SessionID};
     SessionInfo session;
@@ -80,13 +83,14 @@ TEST_F(StatementText, clauses_of_a_filter_keep_their_order) {
 TEST_F(StatementText, parent_applies_always) {
     constexpr Clause<MixInfo> kClauses[] = {filter::equals("SongID", &MixInfo::SongID)};
     constexpr Key<MixInfo> kKey{"RecID", &MixInfo::RecID};
-    EXPECT_EQ(sql("MixFiles", kKey, FilterRule::kParent, kClauses, MixInfo()), "SELECT * FROM [MixFiles] WHERE [SongID]=0");
+    EXPECT_EQ(sql("MixFiles", kKey, FilterRule::kParent, kClauses, MixInfo()),
+              "SELECT * FROM [MixFiles] WHERE [SongID]=0");
 }
 
 TEST_F(StatementText, key_replaces_all_clauses_and_nothing_set_can_match_nothing) {
     constexpr Clause<ClientInfo> kClauses[] = {
         filter::contains("CatIDs", &ClientInfo::CategoryID), filter::contains("Company", &ClientInfo::Company),
-        filter::contains("Title", &ClientInfo::Title), filter::contains("Name", &ClientInfo::SearchName),
+        filter::contains("Title", &ClientInfo::Title),       filter::contains("Name", &ClientInfo::SearchName),
         filter::contains_any("CatIDs", &ClientInfo::CatIDs),
     };
     constexpr Key<ClientInfo> kKey{"ClientID", &ClientInfo::ClientID};
@@ -109,7 +113,8 @@ TEST_F(StatementText, key_replaces_all_clauses_and_nothing_set_can_match_nothing
 
 TEST_F(StatementText, missing_join_of_the_supply_filter_is_kept) {
     constexpr Clause<SupplyAct> kClauses[] = {
-        filter::equals("StockID", &SupplyAct::StockID), filter::equals("ProjID", &SupplyAct::ProjID),
+        filter::equals("StockID", &SupplyAct::StockID),
+        filter::equals("ProjID", &SupplyAct::ProjID),
         filter::equals("ClientID", &SupplyAct::ClientID, Join::kNone),
     };
     constexpr Key<SupplyAct> kKey{"ActionID", &SupplyAct::ActionID};
@@ -173,7 +178,8 @@ TEST_F(StatementText, booking_mode_adds_its_span_and_order) {
     EXPECT_EQ(text(), "SELECT * FROM [Bookings]");
     booking.ExData = 4;
     EXPECT_EQ(text(),
-              "SELECT * FROM [Bookings] WHERE [DateStart]>=#03/01/2005# AND [DateStart]<=#03/02/2005# ORDER BY [DateStart] ASC");
+              "SELECT * FROM [Bookings] WHERE [DateStart]>=#03/01/2005# AND [DateStart]<=#03/02/2005# ORDER BY "
+              "[DateStart] ASC");
     booking.ExData = 8;
     booking.RoomID = 2;
     EXPECT_EQ(text(),

@@ -1,0 +1,383 @@
+// Contacts, categories, messages and services through the gate.
+#include <gtest/gtest.h>
+
+#include "tests/gates/record_round_trip.h"
+
+using namespace testing_support;
+
+namespace {
+
+// The search text is given to the enumeration too, so it has to be part of every name.
+const RecordCase<IDBgate1, ClientInfo> kClients{
+    .table = "Clients",
+    .key_column = "ClientID",
+    .key = &ClientInfo::ClientID,
+    .first = &IDBgate1::EnumFirstClient,
+    .next = &IDBgate1::EnumNextClient,
+    .find = &IDBgate1::FindClient,
+    .add = &IDBgate1::AddClient,
+    .update = &IDBgate1::UpdateClient,
+    .remove = &IDBgate1::DeleteClient,
+    .members = {member::text("Name", &ClientInfo::Name),
+                member::text("LastName", &ClientInfo::LastName),
+                member::text("Company", &ClientInfo::Company),
+                member::text("Title", &ClientInfo::Title),
+                member::integer("CategoryID", &ClientInfo::CategoryID),
+                member::text("CatIDs", &ClientInfo::CatIDs),
+                member::text("Address", &ClientInfo::Address),
+                member::text("Country", &ClientInfo::Country),
+                member::text("State", &ClientInfo::State),
+                member::text("City", &ClientInfo::City),
+                member::text("ZipCode", &ClientInfo::ZipCode),
+                member::text("WebSite", &ClientInfo::WebSite),
+                member::text("Email", &ClientInfo::Email),
+                member::text("Fax", &ClientInfo::Fax),
+                member::text("Phone1", &ClientInfo::Phone1),
+                member::text("Phone2", &ClientInfo::Phone2),
+                member::text("Phone3", &ClientInfo::Phone3),
+                member::text("Phone4", &ClientInfo::Phone4),
+                member::text("Phone5", &ClientInfo::Phone5),
+                member::text("Phone1Descript", &ClientInfo::Phone1Descript),
+                member::text("Phone2Descript", &ClientInfo::Phone2Descript),
+                member::text("Phone3Descript", &ClientInfo::Phone3Descript),
+                member::text("Phone4Descript", &ClientInfo::Phone4Descript),
+                member::text("Phone5Descript", &ClientInfo::Phone5Descript),
+                member::memo("Notes", &ClientInfo::Notes),
+                member::untouched("SearchName", &ClientInfo::SearchName, "Name")},
+    .read_order = {"CategoryID",     "CatIDs",
+                   "Name",           "LastName",
+                   "Company",        "Title",
+                   "Address",        "Country",
+                   "State",          "City",
+                   "ZipCode",        "WebSite",
+                   "Email",          "Fax",
+                   "Phone1",         "Phone2",
+                   "Phone3",         "Phone4",
+                   "Phone5",         "Phone1Descript",
+                   "Phone2Descript", "Phone3Descript",
+                   "Phone4Descript", "Phone5Descript",
+                   "Notes"},
+    .write_order =
+        {"Name",           "LastName",       "CategoryID",     "CatIDs",  "Company", "Title",          "Address",
+         "Country",        "State",          "City",           "ZipCode", "Email",   "WebSite",        "Fax",
+         "Phone1",         "Phone2",         "Phone3",         "Phone4",  "Phone5",  "Phone1Descript", "Phone2Descript",
+         "Phone3Descript", "Phone4Descript", "Phone5Descript", "Notes"},
+};
+
+const RecordCase<IDBgate1, ConCatInfo> kCategories{
+    .table = "ContactCategories",
+    .key = &ConCatInfo::RecID,
+    .first = &IDBgate1::EnumFirstConCat,
+    .next = &IDBgate1::EnumNextConCat,
+    .find = &IDBgate1::FindConCat,
+    .add = &IDBgate1::AddConCat,
+    .update = &IDBgate1::UpdateConCat,
+    .remove = &IDBgate1::DeleteConCat,
+    .members = {member::text("Name", &ConCatInfo::Name), member::integer("Type", &ConCatInfo::Type),
+                member::integer("ExData", &ConCatInfo::ExData)},
+    .read_order = {"Name", "Type", "ExData"},
+    .write_order = {"Name", "Type", "ExData"},
+};
+
+const RecordCase<IDBgate1, MsgInfo> kMessages{
+    .table = "Messages",
+    .key = &MsgInfo::RecID,
+    .first = &IDBgate1::EnumFirstMsg,
+    .next = &IDBgate1::EnumNextMsg,
+    .find = &IDBgate1::FindMsg,
+    .add = &IDBgate1::AddMsg,
+    .update = &IDBgate1::UpdateMsg,
+    .remove = &IDBgate1::DeleteMsg,
+    .members = {member::integer("ContactID", &MsgInfo::ContactID), member::text("ConnectType", &MsgInfo::ConnectType),
+                member::date("Date", &MsgInfo::Date), member::text("Descript", &MsgInfo::Descript),
+                member::memo("Details", &MsgInfo::Details), member::integer("ExData", &MsgInfo::ExData)},
+    .parents = {&MsgInfo::ContactID},
+    .read_order = {"ContactID", "ConnectType", "Date", "Descript", "Details", "ExData"},
+    .write_order = {"ContactID", "Date", "ConnectType", "Descript", "Details", "ExData"},
+};
+
+const RecordCase<IDBgate1, ServiceInfo> kServices{
+    .table = "Services",
+    .key = &ServiceInfo::RecID,
+    .first = &IDBgate1::EnumFirstService,
+    .next = &IDBgate1::EnumNextService,
+    .find = &IDBgate1::FindService,
+    .add = &IDBgate1::AddService,
+    .update = &IDBgate1::UpdateService,
+    .remove = &IDBgate1::DeleteService,
+    .members = {member::text("Name", &ServiceInfo::Name), member::integer("ContactID", &ServiceInfo::ContactID),
+                member::integer("CategoryID", &ServiceInfo::CategoryID),
+                member::integer("TimeUnit", &ServiceInfo::TimeUnit), member::integer("RoomID", &ServiceInfo::RoomID),
+                member::currency("Price", &ServiceInfo::Price), member::integer("ExData", &ServiceInfo::ExData)},
+    .parents = {&ServiceInfo::ContactID},
+    .opened_by = "ContactID",
+    .read_order = {"Name", "ContactID", "CategoryID", "TimeUnit", "RoomID", "Price", "ExData"},
+    .write_order = {"Name", "ContactID", "CategoryID", "TimeUnit", "RoomID", "Price", "ExData"},
+};
+
+void add_client(IDBgate1& gate, const char* name, const char* company, const char* categories) {
+    ClientInfo client;
+    client.Name = name;
+    client.Company = company;
+    client.CatIDs = categories;
+    EXPECT_EQ(call(gate, &IDBgate1::AddClient, client), S_OK);
+}
+
+void add_service(IDBgate1& gate, const char* name, LONG contact, LONG room) {
+    ServiceInfo service;
+    service.Name = name;
+    service.ContactID = contact;
+    service.RoomID = room;
+    EXPECT_EQ(call(gate, &IDBgate1::AddService, service), S_OK);
+}
+
+// The names that an enumeration beginning with this record delivers, each behind a blank.
+template <class Record>
+std::string names(const RecordCase<IDBgate1, Record>& table, IDBgate1& gate, Record filter) {
+    std::string names;
+    HRESULT result = call(gate, table.first, filter);
+    while (result == S_OK) {
+        names += std::string(" ") + filter.Name.GetString();
+        result = call(gate, table.next, filter);
+    }
+    EXPECT_EQ(result, E_FAIL);
+    return names;
+}
+
+TEST(ClientsGate, members_make_the_round_trip) { expect_round_trip(kClients); }
+TEST(ClientsGate, columns_hold_the_members_of_their_name) { expect_columns(kClients); }
+TEST(ClientsGate, failure_leaves_the_record_alone) { expect_failures(kClients); }
+TEST(ClientsGate, mappings_go_in_their_order) { expect_orders(kClients); }
+TEST(ClientsGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kClients); }
+
+TEST(CategoriesGate, members_make_the_round_trip) { expect_round_trip(kCategories); }
+TEST(CategoriesGate, columns_hold_the_members_of_their_name) { expect_columns(kCategories); }
+TEST(CategoriesGate, failure_leaves_the_record_alone) { expect_failures(kCategories); }
+TEST(CategoriesGate, mappings_go_in_their_order) { expect_orders(kCategories); }
+TEST(CategoriesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kCategories); }
+
+TEST(MessagesGate, members_make_the_round_trip) { expect_round_trip(kMessages); }
+TEST(MessagesGate, columns_hold_the_members_of_their_name) { expect_columns(kMessages); }
+TEST(MessagesGate, failure_leaves_the_record_alone) { expect_failures(kMessages); }
+TEST(MessagesGate, mappings_go_in_their_order) { expect_orders(kMessages); }
+TEST(MessagesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kMessages); }
+
+TEST(ServicesGate, members_make_the_round_trip) { expect_round_trip(kServices); }
+TEST(ServicesGate, columns_hold_the_members_of_their_name) { expect_columns(kServices); }
+TEST(ServicesGate, failure_leaves_the_record_alone) { expect_failures(kServices); }
+TEST(ServicesGate, mappings_go_in_their_order) { expect_orders(kServices); }
+TEST(ServicesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kServices); }
+
+// ---- Contacts
+
+TEST(ClientsGate, record_with_nothing_set_enumerates_every_contact_but_finds_none) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "A", "", "");
+    add_client(*gate, "B", "", "");
+    EXPECT_EQ(names(kClients, *gate, ClientInfo()), " A B");
+    ClientInfo client;
+    client.LastName = "not a member of the filter";
+    EXPECT_EQ(call(*gate, &IDBgate1::FindClient, client), E_FAIL);
+    EXPECT_EQ(client.LastName, "not a member of the filter");
+    EXPECT_EQ(client.ClientID, 0);
+}
+
+TEST(ClientsGate, find_without_key_gives_the_first_contact_whose_company_contains_the_text) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "A", "Light and Vision", "");
+    add_client(*gate, "B", "Deep Sound Ltd", "");
+    add_client(*gate, "C", "Sound", "");
+    ClientInfo client;
+    client.Company = "Sound";
+    ASSERT_EQ(call(*gate, &IDBgate1::FindClient, client), S_OK);
+    EXPECT_EQ(client.ClientID, 2);
+    EXPECT_EQ(client.Name, "B");
+    EXPECT_EQ(client.Company, "Deep Sound Ltd");
+}
+
+TEST(ClientsGate, key_replaces_every_other_clause) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "A", "One", "");
+    add_client(*gate, "B", "Two", "");
+    ClientInfo client;
+    client.ClientID = 2;
+    client.Company = "One";
+    EXPECT_EQ(names(kClients, *gate, client), " B");
+    ASSERT_EQ(call(*gate, &IDBgate1::FindClient, client), S_OK);
+    EXPECT_EQ(client.Company, "Two");
+}
+
+TEST(ClientsGate, category_matches_every_list_that_contains_its_digits) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "one", "", "1");
+    add_client(*gate, "list", "", "3;12;7");
+    add_client(*gate, "ten", "", "10");
+    add_client(*gate, "two", "", "2");
+    add_client(*gate, "none", "", "");
+    ClientInfo client;
+    client.CategoryID = 1;
+    EXPECT_EQ(names(kClients, *gate, client), " one list ten");
+    client.CategoryID = 12;
+    EXPECT_EQ(names(kClients, *gate, client), " list");
+}
+
+TEST(ClientsGate, category_list_matches_contacts_of_any_of_them) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "two", "", "2");
+    add_client(*gate, "five", "", "4;5");
+    add_client(*gate, "three", "", "3");
+    ClientInfo client;
+    client.CatIDs = "2;5";
+    EXPECT_EQ(names(kClients, *gate, client), " two five");
+    client.CategoryID = 4;
+    EXPECT_EQ(names(kClients, *gate, client), " five");
+    client = ClientInfo();
+    client.CatIDs = "2;";  // the empty piece is the number 0
+    add_client(*gate, "ten", "", "10");
+    EXPECT_EQ(names(kClients, *gate, client), " two ten");
+}
+
+TEST(ClientsGate, search_name_and_title_are_contained) {
+    OpenGate<IDBgate1> gate;
+    ClientInfo client;
+    client.Name = "Ann Peters";
+    client.Title = "Head of sales";
+    ASSERT_EQ(call(*gate, &IDBgate1::AddClient, client), S_OK);
+    add_client(*gate, "Peter", "", "");
+    client = ClientInfo();
+    client.SearchName = "peter";
+    EXPECT_EQ(names(kClients, *gate, client), " Ann Peters Peter");
+    client.Title = "sale";
+    EXPECT_EQ(names(kClients, *gate, client), " Ann Peters");
+    client = ClientInfo();
+    client.Name = "Peter";  // no member of the filter
+    EXPECT_EQ(names(kClients, *gate, client), " Ann Peters Peter");
+}
+
+TEST(ClientsGate, quote_in_a_search_fails) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "A", "The \"Sound\"", "");
+    ClientInfo client;
+    client.Company = "\"Sound";
+    EXPECT_EQ(call(*gate, &IDBgate1::EnumFirstClient, client), E_FAIL);
+    EXPECT_EQ(call(*gate, &IDBgate1::FindClient, client), E_FAIL);
+    EXPECT_EQ(client.Company, "\"Sound");
+}
+
+TEST(ClientsGate, null_category_list_matches_no_category) {
+    OpenGate<IDBgate1> gate;
+    ClientInfo client;
+    client.Name = "half";
+    client.LastName = CString(std::string(256, 'x').c_str());  // the columns behind stay Null
+    client.CatIDs = "1";
+    EXPECT_EQ(call(*gate, &IDBgate1::AddClient, client), E_FAIL);
+    add_client(*gate, "whole", "", "1");
+    ClientInfo filter;
+    filter.CategoryID = 1;
+    EXPECT_EQ(names(kClients, *gate, filter), " whole");
+    EXPECT_EQ(names(kClients, *gate, ClientInfo()), " half whole");
+}
+
+// ---- Categories
+
+TEST(CategoriesGate, filter_goes_by_type_and_contained_name) {
+    OpenGate<IDBgate1> gate;
+    for (const auto& [name, type] : {std::pair{"Artists", 1}, {"Clients", 2}, {"Art directors", 2}}) {
+        ConCatInfo category;
+        category.Name = name;
+        category.Type = type;
+        ASSERT_EQ(call(*gate, &IDBgate1::AddConCat, category), S_OK);
+    }
+    ConCatInfo category;
+    EXPECT_EQ(names(kCategories, *gate, category), " Artists Clients Art directors");
+    EXPECT_EQ(call(*gate, &IDBgate1::FindConCat, category), E_FAIL);
+    category.Name = "art";
+    EXPECT_EQ(names(kCategories, *gate, category), " Artists Art directors");
+    category.Type = 2;
+    ASSERT_EQ(call(*gate, &IDBgate1::FindConCat, category), S_OK);
+    EXPECT_EQ(category.RecID, 3);
+    EXPECT_EQ(category.Name, "Art directors");
+}
+
+TEST(CategoriesGate, category_without_a_name_is_refused) {
+    OpenGate<IDBgate1> gate;
+    ConCatInfo category;
+    EXPECT_EQ(call(*gate, &IDBgate1::AddConCat, category), E_FAIL);
+    category = ConCatInfo();
+    EXPECT_EQ(call(*gate, &IDBgate1::EnumFirstConCat, category), E_FAIL);  // nothing was saved
+}
+
+// ---- Messages
+
+TEST(MessagesGate, first_message_of_a_contact_without_messages_fails) {
+    OpenGate<IDBgate1> gate;
+    MsgInfo message;
+    message.ContactID = 3;
+    ASSERT_EQ(call(*gate, &IDBgate1::AddMsg, message), S_OK);
+    message = MsgInfo();
+    message.ContactID = 4;
+    EXPECT_EQ(call(*gate, &IDBgate1::EnumFirstMsg, message), E_FAIL);
+    message.ContactID = 0;  // 0 is a contact like any other here
+    EXPECT_EQ(call(*gate, &IDBgate1::EnumFirstMsg, message), E_FAIL);
+}
+
+TEST(MessagesGate, find_goes_by_the_key_alone) {
+    OpenGate<IDBgate1> gate;
+    MsgInfo message;
+    message.ContactID = 3;
+    ASSERT_EQ(call(*gate, &IDBgate1::AddMsg, message), S_OK);
+    message.RecID = 0;
+    EXPECT_EQ(call(*gate, &IDBgate1::FindMsg, message), E_FAIL);
+}
+
+// ---- Services
+
+TEST(ServicesGate, room_matches_its_services_and_those_of_no_room) {
+    OpenGate<IDBgate1> gate;
+    add_service(*gate, "here", 1, 3);
+    add_service(*gate, "elsewhere", 1, 4);
+    add_service(*gate, "anywhere", 1, 0);
+    ServiceInfo service;
+    service.RoomID = 3;
+    EXPECT_EQ(names(kServices, *gate, service), " here anywhere");
+    service.Name = "any";
+    EXPECT_EQ(names(kServices, *gate, service), " anywhere");
+}
+
+TEST(ServicesGate, null_room_matches_no_room) {
+    OpenGate<IDBgate1> gate;
+    add_service(*gate, "anywhere", 1, 0);
+    ServiceInfo service;
+    service.Name = CString(std::string(256, 'x').c_str());  // the columns behind stay Null
+    EXPECT_EQ(call(*gate, &IDBgate1::AddService, service), E_FAIL);
+    service = ServiceInfo();
+    service.RoomID = 3;
+    EXPECT_EQ(names(kServices, *gate, service), " anywhere");
+    service = ServiceInfo();
+    service.RecID = 2;
+    ASSERT_EQ(call(*gate, &IDBgate1::FindService, service), S_OK);
+    EXPECT_EQ(service.RoomID, 0);  // Null reads as 0 all the same
+}
+
+TEST(ServicesGate, find_without_key_gives_the_first_service_that_matches) {
+    OpenGate<IDBgate1> gate;
+    add_service(*gate, "mixing", 1, 3);
+    add_service(*gate, "mastering", 2, 3);
+    ServiceInfo service;
+    EXPECT_EQ(call(*gate, &IDBgate1::FindService, service), E_FAIL);
+    service.ContactID = 2;
+    ASSERT_EQ(call(*gate, &IDBgate1::FindService, service), S_OK);
+    EXPECT_EQ(service.Name, "mastering");
+}
+
+TEST(ServicesGate, update_and_delete_go_by_the_key_alone) {
+    OpenGate<IDBgate1> gate;
+    add_service(*gate, "mixing", 1, 3);
+    ServiceInfo service;
+    service.ContactID = 1;
+    EXPECT_EQ(call(*gate, &IDBgate1::UpdateService, service), E_FAIL);
+    EXPECT_EQ(call(*gate, &IDBgate1::DeleteService, service), E_FAIL);
+    EXPECT_EQ(names(kServices, *gate, ServiceInfo()), " mixing");
+}
+
+}  // namespace

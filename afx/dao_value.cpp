@@ -56,7 +56,7 @@ struct Writer {
     void operator()(float value) const { out = COleVariant(value); }
     void operator()(double value) const { out = COleVariant(value); }
     void operator()(const jet::Date& value) const { out = COleVariant(COleDateTime(value.days)); }
-    void operator()(const std::u16string& value) const { out.SetText(os::narrow(value)); }
+    void operator()(const std::u16string& value) const { out.SetText(std::u16string_view(value)); }
     void operator()(const jet::Guid& value) const { out.SetText(guid_text(value)); }
     void operator()(const jet::Numeric& value) const { out = COleVariant(numeric_value(value)); }
     void operator()(const std::vector<std::uint8_t>&) const {

@@ -8,17 +8,21 @@
 #include <string>
 
 #include "afx/number_text.h"
+#include "os/system.h"
 
 static_assert(sizeof(COleVariant) == sizeof(VARIANT), "a COleVariant is handed on as a VARIANT");
 
 namespace {
 
-BSTR new_text(std::string_view text) {
-    if (text.size() > std::numeric_limits<std::int32_t>::max() - 64u) throw std::bad_alloc();
-    BSTR result = SysAllocStringByteLen(text.data(), static_cast<UINT>(text.size()));
+// `from` null: the characters are the caller's to fill in.
+BSTR new_text(const char* from, std::size_t count) {
+    if (count > std::numeric_limits<std::int32_t>::max() - 64u) throw std::bad_alloc();
+    BSTR result = SysAllocStringByteLen(from, static_cast<UINT>(count));
     if (result == nullptr) throw std::bad_alloc();
     return result;
 }
+
+BSTR new_text(std::string_view text) { return new_text(text.data() != nullptr ? text.data() : "", text.size()); }
 
 // A plain number held by the variant; none for text and everything else.
 std::optional<double> number_of(const VARIANT& source) {
@@ -211,6 +215,17 @@ void COleVariant::Clear() noexcept {
 
 void COleVariant::SetText(std::string_view text) {
     BSTR fresh = new_text(text);
+    Clear();
+    vt = VT_BSTR;
+    bstrVal = fresh;
+}
+
+void COleVariant::SetText(std::u16string_view text) {
+    BSTR fresh = new_text(nullptr, text.size());
+    if (!os::narrow_ascii(text, reinterpret_cast<char*>(fresh))) {
+        SysFreeString(fresh);
+        fresh = new_text(os::narrow(text));
+    }
     Clear();
     vt = VT_BSTR;
     bstrVal = fresh;

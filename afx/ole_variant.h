@@ -63,6 +63,8 @@ public:
     void Clear() noexcept;
     // Text of these bytes, zero bytes included.
     void SetText(std::string_view text);
+    // The engine's text, in the narrow code page.
+    void SetText(std::u16string_view text);
     // Converts `source` (null: this value) to `type`. Throws a COleException when that fails; this value
     // is then as it was.
     void ChangeType(VARTYPE type, const VARIANT* source = nullptr);

@@ -189,7 +189,8 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
     }
     if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field]))
         return to_variant(pending_[field], value);
-    to_variant(view().value(field), value);
+    view().value(field, scratch_);
+    to_variant(scratch_, value);
 }
 
 void RecordsetState::set(std::size_t field, jet::Value value) {

@@ -90,6 +90,7 @@ private:
     std::int32_t erased_ = 0;
     bool has_view_ = false;
     jet::RowView view_;
+    jet::Value scratch_;  // the value read last, for its memory
 
     std::int16_t mode_ = dbEditNone;
     std::vector<jet::Value> pending_;

@@ -118,6 +118,15 @@ Value decode_value(ByteSpan stored, const ColumnDef& column) {
     return ByteVector(stored.begin(), stored.end());
 }
 
+void decode_value(ByteSpan stored, const ColumnDef& column, Value& into) {
+    auto* text = std::get_if<std::u16string>(&into);
+    if (text != nullptr && (column.type == ColumnType::kText || column.type == ColumnType::kMemo)) {
+        decode_text(stored, *text);
+    } else {
+        into = decode_value(stored, column);
+    }
+}
+
 ByteVector encode_value(const Value& value, const ColumnDef& column) {
     ByteVector bytes;
     struct Encoder {

@@ -37,6 +37,8 @@ ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& value
 
 // Values that stand in the row itself, to and from their stored form (long values: long_value.h).
 Value decode_value(ByteSpan stored, const ColumnDef& column);
+// As above, into a value whose memory is used again where it held a text before.
+void decode_value(ByteSpan stored, const ColumnDef& column, Value& into);
 ByteVector encode_value(const Value& value, const ColumnDef& column);
 
 }  // namespace jet

@@ -26,12 +26,23 @@ const ByteVector* entry_of(const ByteVector& key) { return key.empty() ? nullptr
 }  // namespace
 
 Value RowView::value(std::size_t position) const {
-    const ColumnDef& column = table_->def().columns.at(position);
-    const auto stored = RowReader(bytes_, table_->def()).stored(column);
-    if (!stored) return Null{};
-    if (!column.is_long()) return decode_value(*stored, column);
-    const LongValues long_values(table_->database().pager(), table_->database().allocator());
-    return decode_value(long_values.read(*stored), column);
+    Value result;
+    value(position, result);
+    return result;
+}
+
+void RowView::value(std::size_t position, Value& into) const {
+    const TableDef& def = table_->def();
+    const ColumnDef& column = def.columns.at(position);
+    const auto stored = RowReader(bytes_, def).stored(column);
+    if (!stored) {
+        into = Null{};
+    } else if (column.is_long()) {
+        const LongValues long_values(table_->database().pager(), table_->database().allocator());
+        decode_value(long_values.read(*stored), column, into);
+    } else {
+        decode_value(*stored, column, into);
+    }
 }
 
 bool RowView::is_null(std::size_t position) const {

@@ -25,6 +25,8 @@ class RowView {
 public:
     // Value of the column at `position` in the definition's columns; long values are fetched.
     Value value(std::size_t position) const;
+    // As above, into a value whose memory is used again.
+    void value(std::size_t position, Value& into) const;
     bool is_null(std::size_t position) const;
 
 private:

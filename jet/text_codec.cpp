@@ -31,12 +31,18 @@ ByteVector encode_text(std::u16string_view text, bool compress) {
 
 std::u16string decode_text(ByteSpan bytes) {
     std::u16string text;
+    decode_text(bytes, text);
+    return text;
+}
+
+void decode_text(ByteSpan bytes, std::u16string& text) {
+    text.clear();
     if (bytes.size() < 2 || bytes[0] != kMark[0] || bytes[1] != kMark[1]) {
         text.resize(bytes.size() / 2);
         for (std::size_t i = 0; i < text.size(); ++i) {
             text[i] = static_cast<char16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
         }
-        return text;
+        return;
     }
     text.reserve(bytes.size());
     bool one_byte = true;  // a zero byte toggles between one and two bytes a character
@@ -52,7 +58,6 @@ std::u16string decode_text(ByteSpan bytes) {
             i += 2;
         }
     }
-    return text;
 }
 
 }  // namespace jet

@@ -13,5 +13,7 @@ namespace jet {
 ByteVector encode_text(std::u16string_view text, bool compress);
 // Accepts every form, the toggling one included; an odd last byte is ignored.
 std::u16string decode_text(ByteSpan bytes);
+// As above, into a text whose memory is used again.
+void decode_text(ByteSpan bytes, std::u16string& into);
 
 }  // namespace jet

@@ -68,6 +68,15 @@ std::u16string widen(std::string_view narrow) {
     return detail::system_widen(narrow);
 }
 
+bool narrow_ascii(std::u16string_view wide, char* to) {
+    unsigned bits = 0;
+    for (const char16_t unit : wide) {
+        bits |= unit;
+        *to++ = static_cast<char>(unit);
+    }
+    return bits < 0x80;
+}
+
 std::string narrow(std::u16string_view wide) {
     switch (code_page) {
         case CodePage::kUtf8: return detail::utf16_to_utf8(wide);

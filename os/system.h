@@ -35,6 +35,9 @@ void set_date_format_for_test(std::string_view separator, DateOrder order);
 // byte survives a round trip.
 std::u16string widen(std::string_view narrow);
 std::string narrow(std::u16string_view wide);
+// For text that is nothing but ASCII, the same in every code page: writes its `wide.size()` characters to `to`.
+// False, and `to` holds nothing of use, for any other.
+bool narrow_ascii(std::u16string_view wide, char* to);
 
 enum class CodePage { kSystem, kUtf8, kWindows1252 };
 // Makes widen and narrow use another code page; kSystem puts the system's own back.

@@ -7,71 +7,70 @@ using namespace testing_support;
 
 template <class Gate>
 RecordCase<Gate, GearInfo> gear_case() {
-    return {.table = "Gear",
-            .key = &GearInfo::RecID,
-            .first = &Gate::EnumFirstGear,
-            .next = &Gate::EnumNextGear,
-            .find = &Gate::FindGear,
-            .add = &Gate::AddGear,
-            .update = &Gate::UpdateGear,
-            .remove = &Gate::DeleteGear,
-            .members = {member::text("Manufacturer", &GearInfo::Manufacturer), member::text("Model", &GearInfo::Model),
-                        member::text("SerialNo", &GearInfo::SerialNo), member::integer("StatusID", &GearInfo::StatusID),
-                        member::integer("RoomID", &GearInfo::RoomID),
-                        member::integer("CategoryID", &GearInfo::CategoryID),
-                        member::date("WarrantyDate", &GearInfo::WarrantyDate),
-                        member::date("PurchaseDate", &GearInfo::PurchaseDate), member::single("Cost", &GearInfo::Cost),
-                        member::integer("ExData", &GearInfo::ExData)},
-            .read_order = {"Manufacturer", "Model", "SerialNo", "StatusID", "RoomID", "CategoryID", "WarrantyDate",
-                           "PurchaseDate", "Cost", "ExData"},
-            .write_order = {"Manufacturer", "Model", "SerialNo", "StatusID", "RoomID", "CategoryID", "WarrantyDate",
-                            "PurchaseDate", "Cost", "ExData"}};
+    return {
+        .table = "Gear",
+        .key = &GearInfo::RecID,
+        .first = &Gate::EnumFirstGear,
+        .next = &Gate::EnumNextGear,
+        .find = &Gate::FindGear,
+        .add = &Gate::AddGear,
+        .update = &Gate::UpdateGear,
+        .remove = &Gate::DeleteGear,
+        .members = {member::text("Manufacturer", &GearInfo::Manufacturer), member::text("Model", &GearInfo::Model),
+                    member::text("SerialNo", &GearInfo::SerialNo), member::integer("StatusID", &GearInfo::StatusID),
+                    member::integer("RoomID", &GearInfo::RoomID), member::integer("CategoryID", &GearInfo::CategoryID),
+                    member::date("WarrantyDate", &GearInfo::WarrantyDate),
+                    member::date("PurchaseDate", &GearInfo::PurchaseDate), member::single("Cost", &GearInfo::Cost),
+                    member::integer("ExData", &GearInfo::ExData)},
+        .read_order = {"Manufacturer", "Model", "SerialNo", "StatusID", "RoomID", "CategoryID", "WarrantyDate",
+                       "PurchaseDate", "Cost", "ExData"},
+        .write_order = {"Manufacturer", "Model", "SerialNo", "StatusID", "RoomID", "CategoryID", "WarrantyDate",
+                        "PurchaseDate", "Cost", "ExData"}};
 }
 
 template <class Gate>
 RecordCase<Gate, GearServInfo> service_case() {
-    return {.table = "GearServices",
-            .key = &GearServInfo::RecID,
-            .first = &Gate::EnumFirstGearService,
-            .next = &Gate::EnumNextGearService,
-            .find = &Gate::FindGearService,
-            .add = &Gate::AddGearService,
-            .update = &Gate::UpdateGearService,
-            .remove = &Gate::DeleteGearService,
-            .members = {member::integer("GearID", &GearServInfo::GearID),
-                        member::integer("RoomID", &GearServInfo::RoomID), member::text("Name", &GearServInfo::Name),
-                        member::integer("TimeUnitID", &GearServInfo::TimeUnitID),
-                        member::integer("ServiceTypeID", &GearServInfo::ServiceTypeID),
-                        member::single("Price", &GearServInfo::Price),
-                        member::integer("ExData", &GearServInfo::ExData)},
-            .read_order = {"GearID", "RoomID", "Name", "TimeUnitID", "ServiceTypeID", "Price", "ExData"},
-            .write_order = {"GearID", "RoomID", "Name", "TimeUnitID", "ServiceTypeID", "Price", "ExData"}};
+    return {
+        .table = "GearServices",
+        .key = &GearServInfo::RecID,
+        .first = &Gate::EnumFirstGearService,
+        .next = &Gate::EnumNextGearService,
+        .find = &Gate::FindGearService,
+        .add = &Gate::AddGearService,
+        .update = &Gate::UpdateGearService,
+        .remove = &Gate::DeleteGearService,
+        .members = {member::integer("GearID", &GearServInfo::GearID), member::integer("RoomID", &GearServInfo::RoomID),
+                    member::text("Name", &GearServInfo::Name), member::integer("TimeUnitID", &GearServInfo::TimeUnitID),
+                    member::integer("ServiceTypeID", &GearServInfo::ServiceTypeID),
+                    member::single("Price", &GearServInfo::Price), member::integer("ExData", &GearServInfo::ExData)},
+        .read_order = {"GearID", "RoomID", "Name", "TimeUnitID", "ServiceTypeID", "Price", "ExData"},
+        .write_order = {"GearID", "RoomID", "Name", "TimeUnitID", "ServiceTypeID", "Price", "ExData"}};
 }
 
 template <class Gate>
 RecordCase<Gate, GRepairsInfo> repair_case() {
-    return {.table = "GearRepairs",
-            .key = &GRepairsInfo::RecID,
-            .first = &Gate::EnumFirstGRepairs,
-            .next = &Gate::EnumNextGRepairs,
-            .find = &Gate::FindGRepairs,
-            .add = &Gate::AddGRepairs,
-            .update = &Gate::UpdateGRepairs,
-            .remove = &Gate::DeleteGRepairs,
-            .members = {member::integer("GearID", &GRepairsInfo::GearID),
-                        member::text("GearName", &GRepairsInfo::GearName),
-                        member::date("SendDate", &GRepairsInfo::SendDate),
-                        member::date("ReturnDate", &GRepairsInfo::ReturnDate),
-                        member::date("WarrantyDate", &GRepairsInfo::WarrantyDate),
-                        member::text("ClaimNo", &GRepairsInfo::ClaimNo),
-                        member::text("Technician", &GRepairsInfo::Technician),
-                        member::integer("TechID", &GRepairsInfo::TechID), member::single("Cost", &GRepairsInfo::Cost),
-                        member::memo("Description", &GRepairsInfo::Description),
-                        member::integer("ExData", &GRepairsInfo::ExData)},
-            .read_order = {"GearID", "GearName", "ClaimNo", "SendDate", "ReturnDate", "WarrantyDate", "Technician",
-                           "TechID", "Cost", "Description", "ExData"},
-            .write_order = {"GearID", "GearName", "ClaimNo", "SendDate", "ReturnDate", "WarrantyDate", "Technician",
-                            "TechID", "Cost", "Description", "ExData"}};
+    return {
+        .table = "GearRepairs",
+        .key = &GRepairsInfo::RecID,
+        .first = &Gate::EnumFirstGRepairs,
+        .next = &Gate::EnumNextGRepairs,
+        .find = &Gate::FindGRepairs,
+        .add = &Gate::AddGRepairs,
+        .update = &Gate::UpdateGRepairs,
+        .remove = &Gate::DeleteGRepairs,
+        .members = {member::integer("GearID", &GRepairsInfo::GearID), member::text("GearName", &GRepairsInfo::GearName),
+                    member::date("SendDate", &GRepairsInfo::SendDate),
+                    member::date("ReturnDate", &GRepairsInfo::ReturnDate),
+                    member::date("WarrantyDate", &GRepairsInfo::WarrantyDate),
+                    member::text("ClaimNo", &GRepairsInfo::ClaimNo),
+                    member::text("Technician", &GRepairsInfo::Technician),
+                    member::integer("TechID", &GRepairsInfo::TechID), member::single("Cost", &GRepairsInfo::Cost),
+                    member::memo("Description", &GRepairsInfo::Description),
+                    member::integer("ExData", &GRepairsInfo::ExData)},
+        .read_order = {"GearID", "GearName", "ClaimNo", "SendDate", "ReturnDate", "WarrantyDate", "Technician",
+                       "TechID", "Cost", "Description", "ExData"},
+        .write_order = {"GearID", "GearName", "ClaimNo", "SendDate", "ReturnDate", "WarrantyDate", "Technician",
+                        "TechID", "Cost", "Description", "ExData"}};
 }
 
 template <class Gate>
@@ -106,12 +105,15 @@ RecordCase<Gate, GearRentInfo> rental_case(std::vector<Member<GearRentInfo>> mem
             .write_order = order};
 }
 
+// The columns of what is not served are there, and stay Null.
 const RecordCase<IDBgate2, GearRentInfo> kPartialRentals = rental_case<IDBgate2>(
-    {member::text("ServiceName", &GearRentInfo::ServiceName), member::untouched("GearID", &GearRentInfo::GearID),
+    {member::text("ServiceName", &GearRentInfo::ServiceName),
+     member::untouched("GearID not served", &GearRentInfo::GearID),
      member::integer("ServiceID", &GearRentInfo::ServiceID), member::integer("ProjID", &GearRentInfo::ProjID),
      member::date("Date", &GearRentInfo::Date), member::single("Quantity", &GearRentInfo::Quantity),
-     member::integer("QuantType", &GearRentInfo::QuantType), member::untouched("ClientID", &GearRentInfo::ClientID),
-     member::untouched("RoomID", &GearRentInfo::RoomID), member::integer("ExData", &GearRentInfo::ExData),
+     member::integer("QuantType", &GearRentInfo::QuantType),
+     member::untouched("ClientID not served", &GearRentInfo::ClientID),
+     member::untouched("RoomID not served", &GearRentInfo::RoomID), member::integer("ExData", &GearRentInfo::ExData),
      member::untouched("DateFrom", &GearRentInfo::DateFrom), member::untouched("DateTo", &GearRentInfo::DateTo)},
     {"ServiceID", "ProjID", "ServiceName", "Date", "Quantity", "QuantType", "ExData"});
 

@@ -23,8 +23,8 @@ const ListCase kLists[] = {
      &IDBgate1::DeleteTrackType},
     {"Def_ProjTypes", &IDBgate1::EnumFirstProjType, &IDBgate1::EnumNextProjType, &IDBgate1::AddProjType,
      &IDBgate1::DeleteProjType},
-    {"Def_TrackDestination", &IDBgate1::EnumFirstTrackDestin, &IDBgate1::EnumNextTrackDestin,
-     &IDBgate1::AddTrackDestin, &IDBgate1::DeleteTrackDestin},
+    {"Def_TrackDestination", &IDBgate1::EnumFirstTrackDestin, &IDBgate1::EnumNextTrackDestin, &IDBgate1::AddTrackDestin,
+     &IDBgate1::DeleteTrackDestin},
     {"Def_EquipActs", &IDBgate1::EnumFirstEquipAct, &IDBgate1::EnumNextEquipAct, &IDBgate1::AddEquipAct,
      &IDBgate1::DeleteEquipAct},
 };
@@ -40,9 +40,7 @@ struct Buffer {
     bool is_untouched() const {
         return std::count(bytes.begin(), bytes.end(), kSentinel) == static_cast<std::ptrdiff_t>(bytes.size());
     }
-    bool is_kept_to() const {
-        return std::count(bytes.begin() + kBufferSize, bytes.end(), kSentinel) == 16;
-    }
+    bool is_kept_to() const { return std::count(bytes.begin() + kBufferSize, bytes.end(), kSentinel) == 16; }
 };
 
 // The names that the closed file holds, each ended by a blank.
@@ -159,6 +157,14 @@ TEST_P(ListsGate, empty_and_broken_names_fail) {
     EXPECT_EQ(add("7\" tape"), E_FAIL);
     EXPECT_EQ(remove("7\" tape"), E_FAIL);
     EXPECT_EQ(names(), "");
+}
+
+// The statement's text takes two quotes for one, the column takes both as they stand.
+TEST_P(ListsGate, doubled_quotes_are_one_to_the_statement_and_two_to_the_column) {
+    EXPECT_EQ(add("7\"\"tape"), S_OK);
+    EXPECT_EQ(names(), "7\"\"tape ");
+    EXPECT_EQ(remove("7\"\"tape"), S_OK);  // asks for the name with one
+    EXPECT_EQ(names(), "7\"\"tape ");
 }
 
 TEST_P(ListsGate, null_texts_fail) {

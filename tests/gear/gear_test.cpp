@@ -134,8 +134,9 @@ TEST_F(Gear, mappings_list_their_columns_in_order) {
     EXPECT_EQ("RecID " + column_names(kGear.write), column_names(kGear.read));
     EXPECT_EQ(column_names(kServices.read), "RecID GearID RoomID Name TimeUnitID ServiceTypeID Price ExData");
     EXPECT_EQ("RecID " + column_names(kServices.write), column_names(kServices.read));
-    EXPECT_EQ(column_names(kRepairs.read),
-              "RecID GearID GearName ClaimNo SendDate ReturnDate WarrantyDate Technician TechID Cost Description ExData");
+    EXPECT_EQ(
+        column_names(kRepairs.read),
+        "RecID GearID GearName ClaimNo SendDate ReturnDate WarrantyDate Technician TechID Cost Description ExData");
     EXPECT_EQ("RecID " + column_names(kRepairs.write), column_names(kRepairs.read));
     EXPECT_EQ(column_names(kCategories.read), "RecID Name ExData");
     EXPECT_EQ("RecID " + column_names(kCategories.write), column_names(kCategories.read));

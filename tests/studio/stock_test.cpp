@@ -64,7 +64,8 @@ TEST(Equipment, filter_is_none) {
 TEST(Stock, mappings_list_their_columns_in_order) {
     EXPECT_EQ(column_names(kStock.read),
               "StockID Name Type TypeID Quantity Supplier SupplierID Date Cost Notes InStock ExData");
-    EXPECT_EQ(column_names(kStock.write), "Name Type Quantity TypeID Supplier SupplierID Date Cost Notes InStock ExData");
+    EXPECT_EQ(column_names(kStock.write),
+              "Name Type Quantity TypeID Supplier SupplierID Date Cost Notes InStock ExData");
     EXPECT_EQ(column_names(kSupply.read),
               "ActionID ProjID StockID StockName StockType Client ClientID Date Quantity ExData");
     EXPECT_EQ(column_names(kSupply.write), "StockID ProjID StockType StockName Client ClientID Date Quantity ExData");
@@ -76,7 +77,8 @@ TEST(Stock, mappings_list_their_columns_in_order) {
 }
 
 TEST(StatementOfSums, names_the_sum_total) {
-    EXPECT_EQ(sum_where("Quantity", "Stock", "TypeID", 3), "SELECT SUM(Quantity) AS [total] FROM [Stock] WHERE [TypeID]=3");
+    EXPECT_EQ(sum_where("Quantity", "Stock", "TypeID", 3),
+              "SELECT SUM(Quantity) AS [total] FROM [Stock] WHERE [TypeID]=3");
 }
 
 class InStock : public StudioTest {

@@ -1,0 +1,205 @@
+// Files damaged at random: opened, read, checked, changed and closed. Whatever the damage, there is an engine
+// error or none, soon, and no memory beyond what the file's size explains.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <new>
+
+#include "tests/jet/engine_fixture.h"
+#include "tests/jet/exercise.h"
+
+namespace {
+
+std::atomic<std::size_t> largest_request{0};
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+    std::size_t largest = largest_request.load(std::memory_order_relaxed);
+    while (bytes > largest && !largest_request.compare_exchange_weak(largest, bytes, std::memory_order_relaxed)) {
+    }
+    if (void* memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory;
+    throw std::bad_alloc();
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace jet {
+namespace {
+
+constexpr char kPath[] = "d/damaged.mdb";
+constexpr double kSecondsAllowed = 10;  // of the processor; sanitizers are slow
+
+std::uint32_t interesting(Random& random) {
+    constexpr std::uint32_t kValues[] = {0, 1, 2, 0x7F, 0x80, 0xFF, 0x100, 0x0FFF, 0x1000, 0x7FFF, 0x8000, 0xC000, 0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    switch (random.below(3)) {
+        case 0: return kValues[random.below(std::size(kValues))];
+        case 1: return random.below(64);
+        default: return random.below(64) << 8 | random.below(4);  // a row's address
+    }
+}
+
+// One kind of damage at one place.
+void damage_once(ByteVector& file, Random& random) {
+    if (file.size() < jet4::kPageSize) return;
+    const std::size_t pages = file.size() / jet4::kPageSize;
+    const std::size_t page_at = random.below(pages) * jet4::kPageSize;
+    const std::size_t anywhere = page_at + random.below(jet4::kPageSize - 4);
+    const std::size_t in_head = page_at + random.below(64);
+    const MutableByteSpan bytes(file);
+    switch (random.below(10)) {
+        case 0:
+        case 1: bytes[anywhere] = random.byte(); break;
+        case 2: bytes[in_head] = random.byte(); break;
+        case 3: store_u16(bytes, in_head, static_cast<std::uint16_t>(interesting(random))); break;
+        case 4: store_u32(bytes, in_head, interesting(random)); break;
+        case 5: store_u32(bytes, anywhere, interesting(random)); break;
+        case 6: {
+            const std::size_t count = std::min<std::size_t>(random.below(400), file.size() - anywhere);
+            const std::uint8_t fill = random.below(2) ? random.byte() : std::uint8_t{0};
+            std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(anywhere), count, fill);
+            break;
+        }
+        case 7: {
+            const std::size_t from = random.below(pages) * jet4::kPageSize;
+            const ByteVector copy(file.begin() + static_cast<std::ptrdiff_t>(from), file.begin() + static_cast<std::ptrdiff_t>(from + jet4::kPageSize));
+            store_bytes(bytes, page_at, copy);
+            break;
+        }
+        case 8:
+            if (random.below(4) == 0) file.resize(random.below(2) ? page_at : anywhere);
+            else bytes[in_head] ^= static_cast<std::uint8_t>(1u << random.below(8));
+            break;
+        default: {
+            // The variable part of a row, or a slot.
+            const std::size_t slots = load_u16(bytes, page_at + jet4::data::kSlotCount) % 256;
+            const std::size_t slot_at = page_at + jet4::data::kSlots + 2 * random.below(slots + 1);
+            store_u16(bytes, slot_at, static_cast<std::uint16_t>(random.below(2) ? random() : interesting(random)));
+            break;
+        }
+    }
+}
+
+struct Tally {
+    int refused = 0;
+    int served = 0;
+};
+
+// Cases [first, first + count) of the damage to `good`.
+Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t count) {
+    Tally tally;
+    for (std::uint32_t seed = first; seed < first + count; ++seed) {
+        SCOPED_TRACE("case " + std::to_string(seed));
+        Random random(seed);
+        ByteVector file = good;
+        for (std::uint32_t i = random.below(4) + 1; i > 0; --i) damage_once(file, random);
+        MemoryDisk memory;
+        memory.disk.set_content(kPath, file);
+        largest_request = 0;
+        const std::clock_t begin = std::clock();
+        try {
+            const int reading = read_file(kPath);
+            EXPECT_EQ(memory.disk.change_count(), 0u) << "reading only";
+            const int changing = change_file(kPath);
+            for (const int error : {reading, changing}) {
+                EXPECT_TRUE(error == 0 || (error >= 3000 && error < 4000)) << error;
+                ++(error == 0 ? tally.served : tally.refused);
+            }
+        } catch (const std::exception& error) {
+            ADD_FAILURE() << "not an engine error: " << error.what();
+        }
+        EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, kSecondsAllowed);
+        EXPECT_LT(largest_request.load(), 4 * file.size() + (1u << 20));
+        if (::testing::Test::HasFailure()) break;
+    }
+    return tally;
+}
+
+const ByteVector& rich_file() {
+    static const ByteVector file = make_rich_file();
+    return file;
+}
+
+class RichFileCorrupt : public ::testing::TestWithParam<std::uint32_t> {};
+
+TEST_P(RichFileCorrupt, damage_gives_an_engine_error_or_none) {
+    constexpr std::uint32_t kCases = 2500;
+    const Tally tally = damage_and_use(rich_file(), GetParam() * kCases, kCases);
+    EXPECT_GT(tally.refused, 100);
+    EXPECT_GT(tally.served, 100);
+}
+
+INSTANTIATE_TEST_SUITE_P(Part, RichFileCorrupt, ::testing::Range(0u, 4u));
+
+TEST(FileCorrupt, file_without_damage_is_read_whole) {
+    MemoryDisk memory;
+    memory.disk.set_content(kPath, rich_file());
+    EXPECT_EQ(read_file(kPath), 0);
+    const auto database = Database::open(kPath, {});
+    expect_sound(*database);
+    EXPECT_GT(read_everything(*database), 40u * 11 + 300 * 2 + 3 * 120);
+    change_a_little(*database);
+    expect_sound(*database);
+    EXPECT_EQ(database->table_names().size(), 4u);
+    EXPECT_EQ(database->find_table(u"Made later")->def().row_count, 3u);
+}
+
+TEST(FileCorrupt, every_truncation_gives_an_engine_error_or_none) {
+    const ByteVector& good = rich_file();
+    for (std::size_t size = 0; size < good.size(); size += size < 5000 ? 97 : 1811) {
+        MemoryDisk memory;
+        memory.disk.set_content(kPath, ByteVector(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
+        const int error = change_file(kPath);
+        const bool refused = error == errors::kDamaged || error == errors::kNotADatabase;
+        EXPECT_TRUE(refused || size % jet4::kPageSize == 0) << size << ": " << error;
+        read_file(kPath);
+    }
+}
+
+TEST(FileCorrupt, pages_of_zeros_and_ones_are_survived) {
+    const ByteVector& good = rich_file();
+    for (const int fill : {0x00, 0xFF}) {
+        for (std::size_t at = 0; at < good.size(); at += jet4::kPageSize) {
+            ByteVector file = good;
+            std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at), jet4::kPageSize, static_cast<std::uint8_t>(fill));
+            MemoryDisk memory;
+            memory.disk.set_content(kPath, file);
+            read_file(kPath);
+            change_file(kPath);
+            EXPECT_TRUE(memory.disk.exists(kPath));
+        }
+    }
+}
+
+std::vector<ByteVector> sample_files(std::size_t largest) {
+    std::vector<ByteVector> files;
+    if (!std::filesystem::is_directory(KVDB_SAMPLES)) return files;
+    for (const auto& entry : std::filesystem::directory_iterator(KVDB_SAMPLES)) {
+        if (entry.path().extension() != ".mdb" || entry.file_size() > largest) continue;
+        std::ifstream in(entry.path(), std::ios::binary);
+        ByteVector bytes(std::istreambuf_iterator<char>(in), {});
+        if (load_u32(bytes, jet4::header::kVersion) == jet4::header::kVersionJet4) files.push_back(std::move(bytes));
+    }
+    return files;
+}
+
+TEST(FileCorrupt, damage_to_files_of_access_gives_an_engine_error_or_none) {
+    const std::vector<ByteVector> files = sample_files(400000);
+    if (files.empty()) GTEST_SKIP() << "no sample files";
+    for (const ByteVector& file : files) {
+        const Tally tally = damage_and_use(file, 1000000, 100);
+        EXPECT_GT(tally.refused + tally.served, 0);
+    }
+}
+
+TEST(FileCorruptSlow, much_damage_to_every_file) {
+    damage_and_use(rich_file(), 2000000, 60000);
+    for (const ByteVector& file : sample_files(4000000)) damage_and_use(file, 3000000, file.size() > 1000000 ? 100 : 2000);
+}
+
+}  // namespace
+}  // namespace jet

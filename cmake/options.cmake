@@ -11,8 +11,12 @@ add_library(kvdb_options INTERFACE)
 target_include_directories(kvdb_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(kvdb_options INTERFACE
     -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wconversion -Wno-sign-conversion)
-# Texts are converted and copied unit by unit: loops that the compiler turns into vector code from -O3 on.
-target_compile_options(kvdb_options INTERFACE $<$<CONFIG:Release,RelWithDebInfo>:-O3>)
+# GCC 12 imagines texts and vectors of half the address space once it has inlined the library's own code; the
+# sanitizer build finds what these warnings are meant to find.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(kvdb_options INTERFACE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow
+        -Wno-stringop-overread)
+endif()
 if(KVDB_WERROR)
     target_compile_options(kvdb_options INTERFACE -Werror)
 endif()

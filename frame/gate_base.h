@@ -157,11 +157,6 @@ protected:
         return call([&] { return list.Delete(text); });
     }
 
-    // A method whose table this gate does not hold.
-    static HRESULT not_served() {
-        return call([] { return E_FAIL; });
-    }
-
     // Closes and frees the cursors of the tables, in the order given, whatever one of them meets.
     template <class... Tables>
     static void release_cursors(Tables&... tables) {

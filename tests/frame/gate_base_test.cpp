@@ -45,7 +45,7 @@ enum class Way { kAnswer, kEngineError, kStandardException, kOther };
 // A gate whose methods end in every way there is.
 class UnrulyGate final : public frame::GearGate<IDBgate2> {
 public:
-    UnrulyGate() : GearGate(IID_IDBgate2, frame::gate2_methods()) {}
+    UnrulyGate() : GearGate(IID_IDBgate2, frame::gate2_methods(), gear::kRentals) {}
 
     HRESULT STDMETHODCALLTYPE OpenDB() override {
         return call_with_errors([&] { return end(); });

@@ -83,7 +83,7 @@ ProjInfo project_of(std::int32_t key, std::int32_t value) {
     }
 }
 
-void apply(std::map<std::int32_t, std::int32_t>& projects, const Told& told) {
+void take_in(std::map<std::int32_t, std::int32_t>& projects, const Told& told) {
     if (told.kind == Told::kDeleted) {
         projects.erase(told.key);
     } else if (told.kind != Told::kBegun) {
@@ -135,12 +135,12 @@ TEST(GateCrash, killed_host_loses_no_call_that_had_returned) {
         // The first word says that the studio is open; from then on anything may be cut off.
         Told told{};
         ASSERT_EQ(read(ends[0], &told, sizeof told), static_cast<ssize_t>(sizeof told)) << "the child did not begin";
-        usleep(random() % 12000);
+        usleep(static_cast<useconds_t>(random() % 12000));
         kill(child, SIGKILL);
         std::map<std::int32_t, std::int32_t> told_projects = projects;
         Told cut_off = told;
         while (read(ends[0], &told, sizeof told) == static_cast<ssize_t>(sizeof told)) {
-            apply(told_projects, told);
+            take_in(told_projects, told);
             if (told.kind == Told::kBegun) cut_off = told;
             calls += told.kind != Told::kBegun;
         }

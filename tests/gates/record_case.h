@@ -142,8 +142,11 @@ inline CTime time_value(std::size_t position, int variant, int hour, int minute,
     return CTime(static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
                  static_cast<int>(static_cast<unsigned>(day.day())), hour, minute, second);
 }
-inline float amount_value(std::size_t position, int variant) {
-    return 100.0f * static_cast<float>(variant) + static_cast<float>(position) + 0.25f;
+// Of variant 2 a negative one with a fraction, whose sign a column of currency deliberately loses.
+inline float amount_value(Store store, std::size_t position, int variant, bool stored) {
+    const float whole = 100.0f * static_cast<float>(variant) + static_cast<float>(position);
+    if (variant != 2) return whole + 0.25f;
+    return stored && store == Store::kCurrency ? -whole + 0.25f : -whole - 0.25f;
 }
 inline constexpr int kHour = 14;
 inline constexpr int kMinute = 35;
@@ -172,7 +175,8 @@ void put(const RecordCase<Gate, Record>& table, Record& record, std::size_t posi
             record.** time = time_value(position, variant, 0, 0, 0);
         }
     } else {
-        record.*std::get<float Record::*>(member.place) = amount_value(position, nowhere ? 1 : variant);
+        record.*std::get<float Record::*>(member.place) =
+            amount_value(member.store, position, nowhere ? 1 : variant, form == Form::kStored);
     }
 }
 
@@ -241,7 +245,7 @@ inline jet::ColumnType column_type(Store store) {
 template <class Gate, class Record>
 jet::Value file_value(const RecordCase<Gate, Record>& table, std::size_t position, int variant) {
     const Member<Record>& member = table.members[position];
-    const float amount = amount_value(position, variant);
+    const float amount = amount_value(member.store, position, variant, true);
     switch (member.store) {
         case Store::kInteger: {
             const bool parent = table.is_parent(std::get<LONG Record::*>(member.place));

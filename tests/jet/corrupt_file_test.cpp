@@ -2,31 +2,13 @@
 // error or none, soon, and no memory beyond what the file's size explains.
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <new>
 
+#include "tests/jet/allocation_meter.h"
 #include "tests/jet/engine_fixture.h"
 #include "tests/jet/exercise.h"
-
-namespace {
-
-std::atomic<std::size_t> largest_request{0};
-
-}  // namespace
-
-void* operator new(std::size_t bytes) {
-    std::size_t largest = largest_request.load(std::memory_order_relaxed);
-    while (bytes > largest && !largest_request.compare_exchange_weak(largest, bytes, std::memory_order_relaxed)) {
-    }
-    if (void* memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory;
-    throw std::bad_alloc();
-}
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace jet {
 namespace {
@@ -99,7 +81,7 @@ Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t 
         for (std::uint32_t i = random.below(4) + 1; i > 0; --i) damage_once(file, random);
         MemoryDisk memory;
         memory.disk.set_content(kPath, file);
-        largest_request = 0;
+        reset_largest_allocation();
         const std::clock_t begin = std::clock();
         try {
             const int reading = read_file(kPath);
@@ -113,7 +95,7 @@ Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t 
             ADD_FAILURE() << "not an engine error: " << error.what();
         }
         EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, kSecondsAllowed);
-        EXPECT_LT(largest_request.load(), 4 * file.size() + (1u << 20));
+        EXPECT_LT(largest_allocation(), 4 * file.size() + (1u << 20));
         if (::testing::Test::HasFailure()) break;
     }
     return tally;

@@ -163,7 +163,9 @@ void change_a_little(Database& database) {
     }
     const NewColumn columns[] = {made(u"A", kLong, true), made(u"B", kMemo)};
     attempt([&] { database.create_table(u"Made later", columns); });
-    attempt([&] { add_rows(*database.find_table(u"Made later"), 0, 3); });
+    attempt([&] {
+        if (Table* table = database.find_table(u"Made later")) add_rows(*table, 0, 3);
+    });
     for (const std::u16string& name : names) {
         attempt([&] { database.add_column(name, made(u"Added later", kMemo)); });
         attempt([&] {

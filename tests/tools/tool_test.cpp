@@ -26,18 +26,18 @@ std::string contents(const std::string& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-std::string quoted(const std::string& text) { return "'" + text + "'"; }
+std::string in_quotes(const std::string& text) { return "'" + text + "'"; }
 
 class Tool : public ::testing::Test {
 protected:
     Outcome run(const std::string& arguments) {
-        const std::string command = "LC_ALL=C.UTF-8 " + quoted(KVDB_TOOL) + " " + arguments + " >" + quoted(scratch_.file("out")) +
-                                    " 2>" + quoted(scratch_.file("err"));
+        const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " >" + in_quotes(scratch_.file("out")) +
+                                    " 2>" + in_quotes(scratch_.file("err"));
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(scratch_.file("out")), contents(scratch_.file("err"))};
     }
-    Outcome demo() { return run("demo " + quoted(studio_)); }
-    std::string main_file() const { return quoted(studio_ + "/sldb.mdb"); }
+    Outcome demo() { return run("demo " + in_quotes(studio_)); }
+    std::string main_file() const { return in_quotes(studio_ + "/sldb.mdb"); }
 
     TempFolder scratch_;
     std::string studio_ = scratch_.file("a studio");  // a blank in the name, as users have them
@@ -67,7 +67,7 @@ TEST_F(Tool, demo_refuses_a_folder_that_holds_a_studio) {
 
 TEST_F(Tool, info_tells_version_and_rows) {
     demo();
-    const Outcome outcome = run("info " + quoted(studio_));
+    const Outcome outcome = run("info " + in_quotes(studio_));
     EXPECT_EQ(outcome.code, 0) << outcome.errors;
     EXPECT_NE(outcome.out.find("schema version 210000"), std::string::npos);
     EXPECT_NE(outcome.out.find("Projects                        3 rows"), std::string::npos) << outcome.out;
@@ -75,20 +75,20 @@ TEST_F(Tool, info_tells_version_and_rows) {
 
 TEST_F(Tool, info_on_a_folder_without_studio_fails_and_makes_nothing) {
     std::filesystem::create_directory(studio_);
-    expect_failure(run("info " + quoted(studio_)), 1, "no studio");
+    expect_failure(run("info " + in_quotes(studio_)), 1, "no studio");
     EXPECT_TRUE(std::filesystem::is_empty(studio_));
-    expect_failure(run("info " + quoted(studio_ + "/nowhere")), 1, "no folder");
+    expect_failure(run("info " + in_quotes(studio_ + "/nowhere")), 1, "no folder");
 }
 
 TEST_F(Tool, projects_filters_and_prints_json) {
     demo();
-    const Outcome all = run("projects " + quoted(studio_));
+    const Outcome all = run("projects " + in_quotes(studio_));
     EXPECT_NE(all.out.find("3 projects"), std::string::npos) << all.out;
-    const Outcome one = run("projects " + quoted(studio_) + " --client 9 --type Album --json");
+    const Outcome one = run("projects " + in_quotes(studio_) + " --client 9 --type Album --json");
     EXPECT_EQ(one.code, 0);
     EXPECT_NE(one.out.find("\"Name\": \"Grüße aus Köln\""), std::string::npos) << one.out;
     EXPECT_EQ(one.out.find("Night Trains"), std::string::npos);
-    const Outcome none = run("projects " + quoted(studio_) + " --client 12345");
+    const Outcome none = run("projects " + in_quotes(studio_) + " --client 12345");
     EXPECT_EQ(none.code, 0);
     EXPECT_NE(none.out.find("0 projects"), std::string::npos);
 }
@@ -97,13 +97,13 @@ TEST_F(Tool, engine_commands_read_a_file_and_ask_for_its_password) {
     demo();
     expect_failure(run("tables " + main_file()), 1, "password");
     expect_failure(run("rows " + main_file() + " Projects --password wrong"), 1, "password");
-    expect_failure(run("check " + quoted(studio_ + "/nothing.mdb")), 1, "nothing.mdb");
+    expect_failure(run("check " + in_quotes(studio_ + "/nothing.mdb")), 1, "nothing.mdb");
 }
 
 TEST_F(Tool, engine_commands_show_tables_columns_and_rows) {
     std::ifstream sample(KVDB_SAMPLES "/testV2000.mdb");
     if (!sample) GTEST_SKIP() << "no sample files beside the project";
-    const std::string file = quoted(KVDB_SAMPLES "/testV2000.mdb");
+    const std::string file = in_quotes(KVDB_SAMPLES "/testV2000.mdb");
     EXPECT_EQ(run("tables " + file).out, "Table1\nTable2\nTable3\nTable4\n");
     EXPECT_NE(run("schema " + file + " Table4").out.find("guid"), std::string::npos);
     const Outcome rows = run("rows " + file + " Table1 --csv");
@@ -115,10 +115,10 @@ TEST_F(Tool, engine_commands_show_tables_columns_and_rows) {
 
 TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
     std::ofstream(scratch_.file("text.mdb")) << "this is no database";
-    expect_failure(run("tables " + quoted(scratch_.file("text.mdb"))), 1, "not a Jet database");
+    expect_failure(run("tables " + in_quotes(scratch_.file("text.mdb"))), 1, "not a Jet database");
     std::ifstream sample(KVDB_SAMPLES "/testV1997.mdb");
     if (!sample) GTEST_SKIP() << "no sample files beside the project";
-    expect_failure(run("tables " + quoted(KVDB_SAMPLES "/testV1997.mdb")), 1, "Jet 3");
+    expect_failure(run("tables " + in_quotes(KVDB_SAMPLES "/testV1997.mdb")), 1, "Jet 3");
 }
 
 TEST_F(Tool, help_is_everywhere_and_succeeds) {

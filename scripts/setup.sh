@@ -75,13 +75,7 @@ build_preset() {
 # The reader of another maker that the interop tests compare with, at the version that its file names.
 # Tests that need it skip where it could not be had.
 install_interop_reader() {
-    local folder=build/interop
-    mkdir -p "$folder"
-    if [ -d "$folder/node_modules" ] && cmp -s tests/interop/package.json "$folder/package.json"; then return 0; fi
-    say "Installing the second reader for the interop tests into $folder"
-    cp tests/interop/package.json "$folder/package.json"
-    if ! npm install --prefix "$folder" --no-package-lock --no-audit --no-fund --ignore-scripts --loglevel=error; then
-        rm -rf "$folder/node_modules" "$folder/package.json"
+    if ! tests/interop/setup_reader build/interop; then
         [ "${CI:-}" != true ] || die "The second reader could not be installed"
         say "The second reader could not be installed: the tests that need it will skip"
     fi

@@ -37,7 +37,8 @@ bool date_time_seconds(const std::string& text, double& seconds) {
         return false;
     }
     const std::chrono::sys_days days = std::chrono::year{year} / static_cast<int>(month) / static_cast<int>(day);
-    seconds = static_cast<double>(days.time_since_epoch().count()) * kSecondsPerDay + hour * 3600 + minute * 60 + second;
+    seconds =
+        static_cast<double>(days.time_since_epoch().count()) * kSecondsPerDay + hour * 3600 + minute * 60 + second;
     return true;
 }
 
@@ -131,7 +132,8 @@ struct SameAs {
     bool operator()(jet::Date v) const {
         // mdb-export prints whole seconds, mdb-reader whole milliseconds.
         double seconds = 0;
-        if (reader == Reader::kMdbExport) return date_time_seconds(text, seconds) && std::abs(seconds - unix_seconds(v)) < 1;
+        if (reader == Reader::kMdbExport)
+            return date_time_seconds(text, seconds) && std::abs(seconds - unix_seconds(v)) < 1;
         return is_number(text, seconds) && std::abs(seconds / 1000 - unix_seconds(v)) < 0.0015;
     }
     bool operator()(const std::u16string& v) const { return text == jet::to_utf8(v); }
@@ -207,7 +209,9 @@ const Fault kFaults[] = {
          return date && (date->days < 0 || date->days > 1e6) && field == "1900-01-00 00:00:00";
      }},
     {Reader::kMdbExport, "type 0x11 is not known and printed as Null",
-     [](const Sample& sample, const Field& field) { return sample.column.type == jet::ColumnType::kFixedBinary && !field; }},
+     [](const Sample& sample, const Field& field) {
+         return sample.column.type == jet::ColumnType::kFixedBinary && !field;
+     }},
     // The fraction is added to a negative day, though it counts forward there as well.
     {Reader::kMdbReader, "the time of dates before 1899-12-30 is taken the wrong way",
      [](const Sample& sample, const Field& field) {

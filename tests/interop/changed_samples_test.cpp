@@ -18,7 +18,8 @@ using Rows = std::map<jet::RowId, std::vector<jet::Value>>;
 // What the check has to say, without the details that change with the content.
 std::multiset<std::pair<jet::PageNumber, std::string>> findings(jet::Database& database) {
     std::multiset<std::pair<jet::PageNumber, std::string>> result;
-    for (const jet::Violation& violation : jet::check_structure(database)) result.emplace(violation.page, violation.rule);
+    for (const jet::Violation& violation : jet::check_structure(database))
+        result.emplace(violation.page, violation.rule);
     return result;
 }
 
@@ -34,8 +35,9 @@ void expect_same_rows(const Rows& actual, const Rows& expected, const std::strin
         const auto found = actual.find(id);
         ASSERT_TRUE(found != actual.end()) << table << ": no row at page " << id.page << ", slot " << int{id.slot};
         for (std::size_t i = 0; i < values.size(); ++i) {
-            EXPECT_EQ(found->second[i], values[i]) << table << ", page " << id.page << ", slot " << int{id.slot} << ", column " << i
-                                                   << ": " << describe(found->second[i]) << " instead of " << describe(values[i]);
+            EXPECT_EQ(found->second[i], values[i])
+                << table << ", page " << id.page << ", slot " << int{id.slot} << ", column " << i << ": "
+                << describe(found->second[i]) << " instead of " << describe(values[i]);
         }
     }
 }
@@ -83,7 +85,8 @@ public:
         const auto& columns = table_.def().columns;
         for (std::uint32_t i = 0; i < own_.size(); ++i) {
             std::vector<jet::ColumnChange> changes;
-            for (std::size_t c = 0; c < columns.size(); ++c) changes.push_back({c, value_for(columns[c], kFirstNumber + i + by)});
+            for (std::size_t c = 0; c < columns.size(); ++c)
+                changes.push_back({c, value_for(columns[c], kFirstNumber + i + by)});
             update(own_[i], changes);
         }
     }
@@ -216,7 +219,8 @@ TEST_F(ChangedSamplesInterop, indexes_that_grow_over_many_pages_and_shrink_keep_
         for (std::uint32_t i = 0; i < 2500; ++i) {
             std::vector<jet::Value> values;
             // Neither rising nor falling: entries come between others.
-            for (const jet::ColumnDef& column : table.def().columns) values.push_back(value_for(column, 1000 + i * 997 % 2503));
+            for (const jet::ColumnDef& column : table.def().columns)
+                values.push_back(value_for(column, 1000 + i * 997 % 2503));
             rows.push_back(table.insert(values));
         }
         EXPECT_EQ(findings(*database), before);

@@ -13,8 +13,9 @@ using jet::ColumnType;
 using Values = std::vector<jet::Value>;
 
 constexpr ColumnType kCreatableTypes[] = {
-    ColumnType::kBoolean, ColumnType::kByte,   ColumnType::kInteger, ColumnType::kLong, ColumnType::kCurrency, ColumnType::kSingle,
-    ColumnType::kDouble,  ColumnType::kDate,   ColumnType::kText,    ColumnType::kOle,  ColumnType::kMemo,
+    ColumnType::kBoolean,  ColumnType::kByte,   ColumnType::kInteger, ColumnType::kLong,
+    ColumnType::kCurrency, ColumnType::kSingle, ColumnType::kDouble,  ColumnType::kDate,
+    ColumnType::kText,     ColumnType::kOle,    ColumnType::kMemo,
 };
 
 jet::NewColumn column(const std::u16string& name, ColumnType type, bool allow_zero_length = true) {
@@ -32,7 +33,9 @@ jet::NewColumn key_column(const std::u16string& name) {
     return column;
 }
 
-std::u16string numbered(std::u16string_view name, std::size_t number) { return std::u16string(name) + jet::from_utf8(std::to_string(number)); }
+std::u16string numbered(std::u16string_view name, std::size_t number) {
+    return std::u16string(name) + jet::from_utf8(std::to_string(number));
+}
 
 // Days since 1899-12-30 of a calendar date; the time of day counts forward before that day too.
 jet::Date date(int year, unsigned month, unsigned day, double time_of_day = 0) {
@@ -63,7 +66,8 @@ protected:
         options.password = password;
         database_ = jet::Database::open(path(), options);
         for (const jet::Violation& violation : jet::check_structure(*database_)) {
-            ADD_FAILURE() << "page " << violation.page << ", row " << violation.row << ": " << violation.rule << ": " << violation.detail;
+            ADD_FAILURE() << "page " << violation.page << ", row " << violation.row << ": " << violation.rule << ": "
+                          << violation.detail;
         }
         auto tables = read_with_engine(*database_);
         database_->close();
@@ -73,7 +77,8 @@ protected:
     }
 
     static const OurTable& find(const std::vector<OurTable>& tables, std::u16string_view name) {
-        return *std::find_if(tables.begin(), tables.end(), [&](const OurTable& table) { return table.def.name == name; });
+        return *std::find_if(tables.begin(), tables.end(),
+                             [&](const OurTable& table) { return table.def.name == name; });
     }
 
     std::unique_ptr<jet::Database> database_;
@@ -89,7 +94,8 @@ TEST_F(CreatedFilesInterop, empty_file_has_its_system_tables_and_nothing_else) {
 
 TEST_F(CreatedFilesInterop, table_of_every_column_kind_reads_back_equal) {
     std::vector<jet::NewColumn> columns = {key_column(u"Key")};
-    for (std::size_t i = 0; i < std::size(kCreatableTypes); ++i) columns.push_back(column(numbered(u"Column", i), kCreatableTypes[i]));
+    for (std::size_t i = 0; i < std::size(kCreatableTypes); ++i)
+        columns.push_back(column(numbered(u"Column", i), kCreatableTypes[i]));
     jet::NewColumn narrow = column(u"Narrow", ColumnType::kText, false);
     narrow.text_characters = 70;
     columns.push_back(narrow);
@@ -101,7 +107,8 @@ TEST_F(CreatedFilesInterop, table_of_every_column_kind_reads_back_equal) {
         for (const jet::ColumnDef& def : table(u"Kinds").def().columns) {
             // Every seventh value is missing; the key numbers itself.
             const bool missing = def.is_autonumber() || (number + values.size()) % 7 == 0;
-            values.push_back(missing && def.type != ColumnType::kBoolean ? jet::Value(jet::Null{}) : value_for(def, number));
+            values.push_back(missing && def.type != ColumnType::kBoolean ? jet::Value(jet::Null{})
+                                                                         : value_for(def, number));
         }
         insert(u"Kinds", values);
         values[0] = static_cast<std::int32_t>(number + 1);
@@ -114,8 +121,9 @@ TEST_F(CreatedFilesInterop, table_of_every_column_kind_reads_back_equal) {
 }
 
 TEST_F(CreatedFilesInterop, texts_currencies_and_dates_at_their_limits_read_back_equal) {
-    const jet::NewColumn columns[] = {column(u"Text", ColumnType::kText), column(u"Memo", ColumnType::kMemo), column(u"Amount", ColumnType::kCurrency),
-                                      column(u"Day", ColumnType::kDate),  column(u"Long", ColumnType::kLong), column(u"Double", ColumnType::kDouble),
+    const jet::NewColumn columns[] = {column(u"Text", ColumnType::kText),       column(u"Memo", ColumnType::kMemo),
+                                      column(u"Amount", ColumnType::kCurrency), column(u"Day", ColumnType::kDate),
+                                      column(u"Long", ColumnType::kLong),       column(u"Double", ColumnType::kDouble),
                                       column(u"Single", ColumnType::kSingle)};
     database_->create_table(u"Limits", columns);
     const jet::Null null;
@@ -123,10 +131,14 @@ TEST_F(CreatedFilesInterop, texts_currencies_and_dates_at_their_limits_read_back
         {u"", u"", jet::Currency{0}, date(1970, 1, 1), 0, 0.0, 0.0f},
         {null, null, null, null, null, null, null},
         {u"a", u"b", jet::Currency{-1}, date(2038, 1, 19, 11647.0 / 86400), -1, -1e300, -1.5e38f},
-        {u"ab", u"\u00e4\u00f6", jet::Currency{9'223'372'036'854'775'807}, date(1999, 12, 31, 86399.0 / 86400), INT32_MAX, 1e-300, 1e-38f},
-        {std::u16string(255, u'\u00fc'), u"line\r\nbreak\ttab", jet::Currency{INT64_MIN}, date(2038, 12, 31), INT32_MIN, 0.1, 0.1f},
-        {std::u16string(255, u'\u20ac'), u"\u4e2d\u6587 \u0416 \u03a9", jet::Currency{123'456'789'012'345'678}, date(1899, 12, 30, 0.5), 7, 1.0 / 3, 16777216.0f},
-        {u"\u0100\u0200", u"\u0100", jet::Currency{-123'456'789'012'345'678}, date(1900, 3, 1, 0.25), -7, 123456789.25, -0.5f},
+        {u"ab", u"\u00e4\u00f6", jet::Currency{9'223'372'036'854'775'807}, date(1999, 12, 31, 86399.0 / 86400),
+         INT32_MAX, 1e-300, 1e-38f},
+        {std::u16string(255, u'\u00fc'), u"line\r\nbreak\ttab", jet::Currency{INT64_MIN}, date(2038, 12, 31), INT32_MIN,
+         0.1, 0.1f},
+        {std::u16string(255, u'\u20ac'), u"\u4e2d\u6587 \u0416 \u03a9", jet::Currency{123'456'789'012'345'678},
+         date(1899, 12, 30, 0.5), 7, 1.0 / 3, 16777216.0f},
+        {u"\u0100\u0200", u"\u0100", jet::Currency{-123'456'789'012'345'678}, date(1900, 3, 1, 0.25), -7, 123456789.25,
+         -0.5f},
         {u"'\"[]{},;|", u" blanks at both ends ", jet::Currency{-10000}, date(2024, 2, 29, 0.75), 1000000, -2.5, 3.25f},
         {u"\U0001D11E music", u"\U0001F3B5", jet::Currency{10001}, date(9999, 12, 31), 5, 42.0, 42.0f},
         {u"before day 0", u"", jet::Currency{1}, date(1899, 12, 29, 0.25), 5, 42.0, 42.0f},
@@ -144,9 +156,11 @@ TEST_F(CreatedFilesInterop, memos_of_every_length_up_to_a_million_characters_rea
     database_->create_table(u"Long", columns);
     std::vector<Values> expected;
     std::uint32_t number = 0;
-    for (const std::size_t length : {0u, 1u, 2u, 31u, 32u, 33u, 64u, 65u, 2037u, 2038u, 2039u, 4072u, 4076u, 4077u, 8200u, 100000u, 1000000u}) {
+    for (const std::size_t length :
+         {0u, 1u, 2u, 31u, 32u, 33u, 64u, 65u, 2037u, 2038u, 2039u, 4072u, 4076u, 4077u, 8200u, 100000u, 1000000u}) {
         for (int variant = 0; variant < 2; ++variant) {  // all below U+0100, and not
-            expected.push_back({text_of(number++, length), std::vector<std::uint8_t>(length, static_cast<std::uint8_t>(1 + number % 255))});
+            expected.push_back({text_of(number++, length),
+                                std::vector<std::uint8_t>(length, static_cast<std::uint8_t>(1 + number % 255))});
             insert(u"Long", expected.back());
         }
     }
@@ -173,7 +187,8 @@ TEST_F(CreatedFilesInterop, memos_of_every_length_up_to_a_million_characters_rea
 TEST_F(CreatedFilesInterop, definition_of_several_pages_reads_back_equal) {
     std::vector<jet::NewColumn> columns = {key_column(u"Key")};
     for (std::size_t i = 1; i < 255; ++i) {
-        jet::NewColumn next = column(numbered(u"A column with quite a long name, number ", i), kCreatableTypes[i % std::size(kCreatableTypes)], i % 2 == 0);
+        jet::NewColumn next = column(numbered(u"A column with quite a long name, number ", i),
+                                     kCreatableTypes[i % std::size(kCreatableTypes)], i % 2 == 0);
         next.text_characters = static_cast<std::uint16_t>(i);
         columns.push_back(next);
     }
@@ -181,7 +196,8 @@ TEST_F(CreatedFilesInterop, definition_of_several_pages_reads_back_equal) {
     for (std::uint32_t number = 1; number < 20; ++number) {
         Values values;
         for (const jet::ColumnDef& def : table(u"Wide").def().columns) {
-            const bool present = def.type == ColumnType::kBoolean || (!def.is_autonumber() && values.size() % 5 == number % 5);
+            const bool present =
+                def.type == ColumnType::kBoolean || (!def.is_autonumber() && values.size() % 5 == number % 5);
             values.push_back(present ? value_for(def, number) : jet::Value(jet::Null{}));
         }
         insert(u"Wide", values);
@@ -269,12 +285,14 @@ TEST_F(CreatedFilesInterop, password_is_reported_changed_and_removed) {
 }
 
 TEST_F(CreatedFilesInterop, many_tables_with_umlauts_and_blanks_in_their_names_are_listed) {
-    const jet::NewColumn columns[] = {key_column(u"Schl\u00fcssel"), column(u"Gr\u00f6\u00dfe in \u00b5m", ColumnType::kDouble),
+    const jet::NewColumn columns[] = {key_column(u"Schl\u00fcssel"),
+                                      column(u"Gr\u00f6\u00dfe in \u00b5m", ColumnType::kDouble),
                                       column(u"\u00c4nderung", ColumnType::kMemo)};
     for (std::size_t i = 0; i < 120; ++i) {
         const std::u16string name = numbered(i % 2 ? u"T\u00f6ne und Ger\u00e4te " : u"Plain", i);
         database_->create_table(name, columns);
-        for (std::size_t row = 0; row < i % 4; ++row) insert(name, {jet::Null{}, 0.5 * static_cast<double>(row), u"m\u00fcde"});
+        for (std::size_t row = 0; row < i % 4; ++row)
+            insert(name, {jet::Null{}, 0.5 * static_cast<double>(row), u"m\u00fcde"});
     }
     const auto tables = compare();
     EXPECT_EQ(tables.size(), 124u);
@@ -282,7 +300,8 @@ TEST_F(CreatedFilesInterop, many_tables_with_umlauts_and_blanks_in_their_names_a
 }
 
 TEST_F(CreatedFilesInterop, rows_that_grow_shrink_and_go_read_back_equal) {
-    const jet::NewColumn columns[] = {key_column(u"Key"), column(u"Name", ColumnType::kText), column(u"Notes", ColumnType::kMemo)};
+    const jet::NewColumn columns[] = {key_column(u"Key"), column(u"Name", ColumnType::kText),
+                                      column(u"Notes", ColumnType::kMemo)};
     database_->create_table(u"Moving", columns);
     std::map<jet::RowId, Values> expected;
     std::vector<jet::RowId> ids;
@@ -319,14 +338,16 @@ TEST_F(CreatedFilesInterop, rows_that_grow_shrink_and_go_read_back_equal) {
 }
 
 TEST_F(CreatedFilesInterop, file_of_many_pages_reads_back_equal) {
-    const jet::NewColumn columns[] = {key_column(u"Key"), column(u"Name", ColumnType::kText), column(u"Notes", ColumnType::kMemo)};
+    const jet::NewColumn columns[] = {key_column(u"Key"), column(u"Name", ColumnType::kText),
+                                      column(u"Notes", ColumnType::kMemo)};
     database_->create_table(u"Large", columns);
     std::size_t kept = 0;
     {
         jet::Transaction transaction(database_->pager());
         std::vector<jet::RowId> ids;
         for (std::uint32_t i = 0; i < 9000; ++i) {
-            ids.push_back(insert(u"Large", {jet::Null{}, text_of(i, 20 + i % 180), text_of(i, i % 9 == 0 ? 1500 : 20)}));
+            ids.push_back(
+                insert(u"Large", {jet::Null{}, text_of(i, 20 + i % 180), text_of(i, i % 9 == 0 ? 1500 : 20)}));
         }
         for (std::size_t i = 0; i < ids.size(); ++i) {
             if (i % 5 == 0 || (i > 3000 && i < 4000)) {

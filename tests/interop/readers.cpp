@@ -96,7 +96,8 @@ private:
                 case 'r': text += '\r'; break;
                 case 't': text += '\t'; break;
                 case 'u':
-                    append_utf8(text, static_cast<std::uint32_t>(std::stoul(std::string(rest_.substr(0, 4)), nullptr, 16)));
+                    append_utf8(text,
+                                static_cast<std::uint32_t>(std::stoul(std::string(rest_.substr(0, 4)), nullptr, 16)));
                     rest_.remove_prefix(std::min<std::size_t>(4, rest_.size()));
                     break;
                 default: text += kind;
@@ -133,7 +134,8 @@ void add_line(ForeignFile& file, std::vector<Field> fields) {
     }
     ForeignTable& table = file.tables.back();
     if (kind == "column") {
-        table.columns.push_back({text_at(fields, 1), text_at(fields, 2), number_at(fields, 3), text_at(fields, 4) == "autonumber"});
+        table.columns.push_back(
+            {text_at(fields, 1), text_at(fields, 2), number_at(fields, 3), text_at(fields, 4) == "autonumber"});
     } else if (kind == "row") {
         fields.erase(fields.begin());
         table.rows.push_back(std::move(fields));
@@ -184,7 +186,8 @@ std::map<std::string, std::vector<ForeignColumn>> mdbtools_schema(const std::str
     static const std::regex kColumn("\t\\[(.*)\\]\t+(.*?)( NOT NULL)?(, ?)?");
     std::map<std::string, std::vector<ForeignColumn>> schema;
     std::vector<ForeignColumn>* columns = nullptr;
-    const ProgramResult result = run_program({"mdb-schema", "--no-default-values", "--no-indexes", "--no-relations", path, "access"});
+    const ProgramResult result =
+        run_program({"mdb-schema", "--no-default-values", "--no-indexes", "--no-relations", path, "access"});
     for (const std::string& line : lines_of(result.output)) {
         std::smatch found;
         if (std::regex_match(line, found, kTable)) {
@@ -209,8 +212,9 @@ std::map<std::string, bool> mdbtools_zero_length(const std::string& path, const 
 }
 
 std::optional<ForeignTable> read_with_mdbtools(const std::string& path, const std::string& table) {
-    const ProgramResult result = run_program({"mdb-export", "-Q", "-d", std::string(kFieldEnd), "-R", std::string(kRowEnd), "-0",
-                                              std::string(kNull), "-b", "hex", "-D", kDateFormat, "-T", kDateFormat, path, table});
+    const ProgramResult result =
+        run_program({"mdb-export", "-Q", "-d", std::string(kFieldEnd), "-R", std::string(kRowEnd), "-0",
+                     std::string(kNull), "-b", "hex", "-D", kDateFormat, "-T", kDateFormat, path, table});
     if (result.exit_code != 0) return std::nullopt;
     std::vector<std::string> lines = split(result.output, kRowEnd);
     lines.pop_back();  // behind the last row

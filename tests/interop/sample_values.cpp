@@ -15,7 +15,8 @@ std::vector<std::uint8_t> bytes_of(std::uint32_t number, std::size_t count) {
 
 jet::Guid guid_of(std::uint32_t number) {
     jet::Guid guid;
-    for (std::size_t i = 0; i < guid.bytes.size(); ++i) guid.bytes[i] = static_cast<std::uint8_t>(number * 17 + i * 13 + 1);
+    for (std::size_t i = 0; i < guid.bytes.size(); ++i)
+        guid.bytes[i] = static_cast<std::uint8_t>(number * 17 + i * 13 + 1);
     return guid;
 }
 
@@ -44,7 +45,8 @@ jet::Value text_for(const jet::ColumnDef& column, std::uint32_t number, std::siz
 }  // namespace
 
 std::u16string text_of(std::uint32_t number, std::size_t characters) {
-    static constexpr std::u16string_view kPlain = u"The quick \u00e4\u00f6\u00fc\u00df fox, jumps \u00c4\u00d6\u00dc over; 'the' lazy dog - ";
+    static constexpr std::u16string_view kPlain =
+        u"The quick \u00e4\u00f6\u00fc\u00df fox, jumps \u00c4\u00d6\u00dc over; 'the' lazy dog - ";
     static constexpr std::u16string_view kWide = u"\u20ac \u4e00\u0416 \u03b1 wide text, ";
     const std::string digits = std::to_string(number);
     std::u16string text(digits.begin(), digits.end());
@@ -69,7 +71,8 @@ jet::Value value_for(const jet::ColumnDef& column, std::uint32_t number) {
         case jet::ColumnType::kBinary:
         case jet::ColumnType::kFixedBinary: {
             const bool whole = column.is_fixed() || column.type == jet::ColumnType::kFixedBinary;
-            return bytes_of(number, whole ? column.length_bytes : std::min<std::size_t>(column.length_bytes, 8 + number % 9));
+            return bytes_of(number,
+                            whole ? column.length_bytes : std::min<std::size_t>(column.length_bytes, 8 + number % 9));
         }
         case jet::ColumnType::kText: return text_for(column, number, 6 + number % 8);
         case jet::ColumnType::kMemo: {

@@ -94,8 +94,8 @@ protected:
         options.read_only = true;
         const auto database = jet::Database::open(path, options);
         for (const jet::Violation& violation : jet::check_structure(*database)) {
-            ADD_FAILURE() << path << ", page " << violation.page << ", row " << violation.row << ": " << violation.rule << ": "
-                          << violation.detail;
+            ADD_FAILURE() << path << ", page " << violation.page << ", row " << violation.row << ": " << violation.rule
+                          << ": " << violation.detail;
         }
         auto tables = read_with_engine(*database);
         database->close();
@@ -182,7 +182,8 @@ TEST_F(StudioFilesInterop, projects_written_through_the_gate_read_back_equal_in_
         // The records' way with amounts: the fraction counts upward from the whole part, below zero as well.
         EXPECT_EQ(amount ? std::stod(*amount) : 0, i % 2 ? -12 + 0.25 : 1e6);
         // A calendar date, whatever the time zone: the reader gives milliseconds since 1970 for it.
-        const auto day = std::chrono::sys_days(std::chrono::year{1970 + static_cast<int>(i)} / static_cast<int>(1 + i % 12) / 17);
+        const auto day =
+            std::chrono::sys_days(std::chrono::year{1970 + static_cast<int>(i)} / static_cast<int>(1 + i % 12) / 17);
         const Field created = field(projects, row, "ProjCreateDate");
         EXPECT_EQ(created.value_or(""), std::to_string(std::chrono::milliseconds(day.time_since_epoch()).count())) << i;
         ++row;

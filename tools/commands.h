@@ -15,9 +15,14 @@ int run_schema(const Words& words);
 int run_rows(const Words& words);
 int run_check(const Words& words);
 
-// Through the gates of the component, as any host (studio_commands.cpp, demo.cpp).
+// Through the gates of the component, as any host (studio_commands.cpp, record_commands.cpp, demo.cpp).
 int run_demo(const Words& words);
 int run_info(const Words& words);
 int run_projects(const Words& words);
+int run_list(const Words& words);
+int run_show(const Words& words);
+int run_add(const Words& words);
+int run_set(const Words& words);
+int run_delete(const Words& words);
 
 }  // namespace tools

@@ -1,13 +1,12 @@
 // Commands that look at one file with the engine alone: tables, schema, rows, check.
 #include <cstdio>
-#include <iostream>
 #include <memory>
 
 #include "jet/check.h"
 #include "jet/database.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
-#include "tools/value_text.h"
+#include "tools/row_printer.h"
 
 namespace tools {
 namespace {
@@ -107,35 +106,18 @@ int run_schema(const Words& words) {
 int run_rows(const Words& words) {
     const Arguments arguments(words, {"--json", "--csv"}, {"--password"});
     const auto& positional = arguments.expect(2, 2, "rows FILE TABLE [--json|--csv] [--password TEXT]");
-    if (arguments.has("--json") && arguments.has("--csv")) throw UsageError("--json and --csv exclude each other");
+    const RowFormat format = row_format(arguments);
     const auto database = open(positional[0], arguments);
     const jet::Table& table = find_table(*database, positional[1]);
-    const auto& columns = table.def().columns;
-    if (arguments.has("--json")) {
-        std::cout << "[";
-        const char* between = "\n";
-        for_each_row(table, [&](const jet::RowView& row) {
-            std::cout << between << "  {";
-            for (std::size_t i = 0; i < columns.size(); ++i) {
-                std::cout << (i ? ", " : "") << json_string(jet::to_utf8(columns[i].name)) << ": " << json_value(row.value(i));
-            }
-            std::cout << "}";
-            between = ",\n";
-        });
-        std::cout << "\n]\n";
-        return 0;
-    }
-    const bool csv = arguments.has("--csv");
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        std::cout << (i == 0 ? "" : csv ? "," : "\t") << (csv ? csv_quoted(jet::to_utf8(columns[i].name)) : jet::to_utf8(columns[i].name));
-    }
-    std::cout << (csv ? "\r\n" : "\n");
-    for_each_row(table, [&](const jet::RowView& row) {
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            std::cout << (i == 0 ? "" : csv ? "," : "\t") << (csv ? csv_field(row.value(i)) : plain_text(row.value(i)));
-        }
-        std::cout << (csv ? "\r\n" : "\n");
+    Names names;
+    for (const jet::ColumnDef& column : table.def().columns) names.push_back(jet::to_utf8(column.name));
+    RowPrinter printer(format, names);
+    for_each_row(table, [&](const jet::RowView& view) {
+        Row row;
+        for (std::size_t i = 0; i < names.size(); ++i) row.push_back(view.value(i));
+        printer.print(row);
     });
+    printer.finish();
     return 0;
 }
 

@@ -6,23 +6,30 @@
 
 #include <memory>
 #include <string>
+#include <type_traits>
 
 namespace tools {
 
 class Studio {
 public:
-    // Loads the library that lies in `folder`. Where none does, one is copied there from beside the tool and,
-    // unless `keep_library`, taken away again at the end. CommandError when there is no such folder or library.
-    explicit Studio(const std::string& folder, bool keep_library = false);
+    enum class Purpose {
+        kUse,   // the studio must be there already, and a library that was copied is taken away again
+        kMake,  // the files are made where they are missing, and the library stays
+    };
+
+    // Nothing is touched before one of the gates is wanted; then the library in the folder is loaded or, where
+    // none lies there, one copied from beside the tool. CommandError when there is no such folder or library.
+    explicit Studio(const std::string& folder, Purpose purpose = Purpose::kUse);
     ~Studio();
     Studio(const Studio&) = delete;
     Studio& operator=(const Studio&) = delete;
 
-    // The gate, made by the class factory at first use.
-    IDBgate1& gate();
-    // As above with both databases open; CommandError with the engine's text when they cannot be.
+    bool is_there();
+    // The gates, made by the class factory at first use, with both databases open. CommandError when there is no
+    // studio, and with the engine's text when the databases cannot be opened.
     IDBgate1& open();
-    // Closes both databases; open() opens them again.
+    IDBGate3& open_gear();
+    // Closes both databases; the above open them again.
     void close();
 
     std::string main_file() const;
@@ -32,20 +39,33 @@ public:
 private:
     struct Module;
 
+    void load();
+    IDBgate1& gate();
+    void require_studio();
+
     std::string folder_;
+    Purpose purpose_;
     bool remove_library_ = false;
     std::unique_ptr<Module> module_;
     IDBgate1* gate_ = nullptr;
+    IDBGate3* gear_ = nullptr;
+    bool is_open_ = false;
+    bool is_gear_open_ = false;
 };
+
+template <class Gate>
+Gate& opened_gate(Studio& studio) {
+    if constexpr (std::is_same_v<Gate, IDBGate3>) {
+        return studio.open_gear();
+    } else {
+        return studio.open();
+    }
+}
 
 // A record as the gates take it.
 template <class Record>
 LONG_PTR address_of(Record& record) {
     return reinterpret_cast<LONG_PTR>(&record);
 }
-
-// A member's text as UTF-8 and back.
-std::string to_utf8(const CString& text);
-CString from_utf8(const std::string& text);
 
 }  // namespace tools

@@ -40,7 +40,7 @@ struct Life {
         if (message.is_done == 0) {
             under_way = message.operation;
         } else if (under_way) {
-            apply(*under_way, rows);
+            perform(*under_way, rows);
             under_way.reset();
             ++done;
         }
@@ -121,7 +121,7 @@ RowOperation some_operation(const Rows& rows, std::size_t most, std::uint32_t ra
     return {RowOperation::Kind::kUpdate, row->first, version};
 }
 
-void apply(const RowOperation& operation, Rows& rows) {
+void perform(const RowOperation& operation, Rows& rows) {
     if (operation.kind == RowOperation::Kind::kDelete) rows.erase(operation.key);
     else rows[operation.key] = operation.version;
 }
@@ -138,7 +138,7 @@ std::uint64_t kill_repeatedly(const KilledProgram& program, int kills, std::chro
         }
         const Rows found = program.read_back();
         Rows expected = life.rows;
-        if (found != expected && life.under_way) apply(*life.under_way, expected);
+        if (found != expected && life.under_way) perform(*life.under_way, expected);
         if (found != expected) {
             ADD_FAILURE() << "life " << i << ":" << describe(found, life.rows);
             break;

@@ -43,7 +43,7 @@ struct KilledProgram {
 
 // The next operation of a program that adds, changes and deletes at random, some `most` rows at a time.
 RowOperation some_operation(const Rows& rows, std::size_t most, std::uint32_t random);
-void apply(const RowOperation& operation, Rows& rows);
+void perform(const RowOperation& operation, Rows& rows);
 
 // `kills` lives of the program, each of at most `longest_life`. Fails the test when an operation that was reported
 // done is missing, or anything else has changed but the one that was under way. Returns how many were reported done.

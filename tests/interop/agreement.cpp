@@ -221,9 +221,6 @@ const Fault kFaults[] = {
          const double day_zero = static_cast<double>(kDayZero.time_since_epoch().count());
          return std::abs(milliseconds / 1000 - (day_zero + days) * kSecondsPerDay) < 0.0015;
      }},
-    // It looks for the bit of every column of the definition, though the row's mask ends before.
-    {Reader::kMdbReader, "the null mask of rows with fewer columns is read past its end",
-     [](const Sample& sample, const Field&) { return sample.younger_than_row; }},
 };
 
 }  // namespace

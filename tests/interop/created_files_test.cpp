@@ -363,5 +363,24 @@ TEST_F(CreatedFilesInterop, file_of_many_pages_reads_back_equal) {
     EXPECT_EQ(find(tables, u"Large").rows.size(), kept);
 }
 
+class LargeFilesInteropSlow : public CreatedFilesInterop {};
+
+TEST_F(LargeFilesInteropSlow, file_past_the_reach_of_one_bitmap_page_reads_back_equal) {
+    constexpr jet::PageNumber kPagesOfOneBitmap = 32736;
+    const jet::NewColumn columns[] = {key_column(u"Key"), column(u"Notes", ColumnType::kMemo)};
+    database_->create_table(u"Long", columns);
+    std::int32_t count = 0;
+    for (; database_->pager().page_count() < kPagesOfOneBitmap + 2000; ++count) {
+        insert(u"Long", {jet::Null{}, text_of(static_cast<std::uint32_t>(2 * count), 2000000)});
+    }
+    for (std::int32_t i = 0; i < 200; ++i) insert(u"Long", {jet::Null{}, text_of(7, 30)});
+    const auto tables = compare();
+    const OurTable& rows = find(tables, u"Long");
+    ASSERT_EQ(rows.rows.size(), static_cast<std::size_t>(count) + 200);
+    for (std::int32_t i = 0; i < count; ++i) {
+        EXPECT_TRUE(rows.rows[static_cast<std::size_t>(i)].values[1] == jet::Value(text_of(static_cast<std::uint32_t>(2 * i), 2000000))) << i;
+    }
+}
+
 }  // namespace
 }  // namespace interop

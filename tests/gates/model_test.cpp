@@ -1,0 +1,253 @@
+// All three gates of one studio at once, ten thousand random steps long, against a model in memory: values,
+// enumerations that run beside each other and beside changes, closing and opening in between, and at the
+// end the structure of both files.
+#include <gtest/gtest.h>
+#include <kvdb/kvdb.h>
+
+#include <cmath>
+#include <memory>
+#include <type_traits>
+#include <utility>
+#include <vector>
+
+#include "jet/check.h"
+#include "jet/database.h"
+#include "tests/gates/model_door.h"
+#include "tests/gates/model_tables.h"
+
+using namespace testing_support;
+
+namespace {
+
+constexpr int kSteps = 10000;
+constexpr int kStepsFromCloseToClose = 150;
+
+CTime new_year(LONG year) { return CTime(year, 1, 1, 0, 0, 0); }
+// A span of years; the rows' are 2004 to 2033.
+CTime span_begins(LONG value) { return new_year(2001 + 4 * value); }
+CTime span_ends(LONG value) { return new_year(2013 + 4 * value); }
+
+Question<BookingInfo> bookings_of_a_span(bool descending) {
+    return {[=](BookingInfo& filter, LONG value) {
+                filter.DateStart = span_begins(value);
+                filter.DateEnd = span_ends(value);
+                filter.ExData = descending ? 8 : 4;
+            },
+            [](const BookingInfo& row, LONG value) {
+                return row.DateStart >= span_begins(value) && row.DateStart <= span_ends(value);
+            },
+            &BookingInfo::DateStart, descending};
+}
+
+Question<InvoiceInfo> invoices_of_a_span() {
+    return {[](InvoiceInfo& filter, LONG value) {
+                filter.FromDate = span_begins(value);
+                filter.ToDate = span_ends(value);
+            },
+            [](const InvoiceInfo& row, LONG value) {
+                return row.Date >= span_begins(value) && row.Date <= span_ends(value);
+            },
+            &InvoiceInfo::Date};
+}
+
+// Computing what is in stock writes the type's price, too, and every writing of an amount deliberately loses
+// the sign of its fraction.
+float written_again(float amount) {
+    const float whole = std::trunc(amount);
+    return whole + std::abs(amount - whole);
+}
+
+// A studio, three gates to it, and a second main gate.
+class Studio {
+public:
+    Studio() {
+        EXPECT_EQ(main_->OpenDB(), S_OK);
+        EXPECT_EQ(second_main_->CreateDB(nullptr), S_OK);
+        EXPECT_EQ(gear2_->OpenDB(), S_OK);
+        EXPECT_EQ(gear3_->OpenDB(), S_OK);
+        for (IDBgate1* const gate : {main_.get(), second_main_.get()}) add_main_doors(*gate);
+        add_gear_doors(*gear2_);
+        add_gear_doors(*gear3_);
+        door(*gear2_, partial_rental_table(), rentals_, {everything<GearRentInfo>(), equal(&GearRentInfo::ProjID)},
+             &GearRentInfo::ProjID);
+        door(*gear3_, full_rental_table(), rentals_,
+             {everything<GearRentInfo>(), equal(&GearRentInfo::ProjID), equal(&GearRentInfo::ProjID)},
+             &GearRentInfo::ProjID);
+    }
+
+    const ModelCounts& counts() const { return counts_; }
+
+    void step(Random& random) {
+        const int choice = random.below(kStepsFromCloseToClose * 2);
+        if (choice < 2) return close_and_open(random);
+        if (choice == 2) return open_anew(random);
+        if (choice == 3) return open_what_is_open(random);
+        if (choice < 8) return compute_in_stock(random);
+        doors_[static_cast<std::size_t>(random.below(doors_.size()))]->step(random);
+    }
+
+    void expect_all_rows() {
+        for (const auto& door : doors_) door->expect_all_rows();
+    }
+
+    void close(Random& random) {
+        switch (random.below(4)) {
+            case 0: EXPECT_EQ(main_->CloseDB(), S_OK); break;
+            case 1: EXPECT_EQ(second_main_->CloseDB(), S_OK); break;
+            case 2: EXPECT_EQ(gear2_->CloseDB(), S_OK); break;
+            default: EXPECT_EQ(gear3_->CloseDB(), S_OK);
+        }
+        for (const auto& door : doors_) door->closed(counts_);
+    }
+
+    void open(Random& random) {
+        switch (random.below(5)) {
+            case 0: EXPECT_EQ(main_->OpenDB(), S_OK); break;
+            case 1: EXPECT_EQ(second_main_->OpenDB(), S_OK); break;
+            case 2: EXPECT_EQ(second_main_->CreateDB(nullptr), S_OK); break;
+            case 3: EXPECT_EQ(gear2_->OpenDB(), S_OK); break;
+            default: EXPECT_EQ(gear3_->OpenDB(), S_OK);
+        }
+    }
+
+    void expect_sound_files() const {
+        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+            jet::OpenOptions options;
+            options.read_only = true;
+            options.ignore_password = true;
+            const auto database = jet::Database::open(host_.file(name), options);
+            for (const jet::Violation& violation : jet::check_structure(*database)) {
+                ADD_FAILURE() << name << ": page " << violation.page << ": " << violation.rule << ": "
+                              << violation.detail;
+            }
+        }
+    }
+
+private:
+    template <class Gate, class Record>
+    void door(Gate& gate, RecordCase<Gate, Record> table, const std::shared_ptr<Rows<Record>>& rows,
+              std::vector<Question<Record>> questions, std::type_identity_t<LONG Record::*> parent = nullptr,
+              LONG kept = 0) {
+        doors_.push_back(std::make_unique<Door<Gate, Record>>(gate, std::move(table), rows, counts_,
+                                                              std::move(questions), parent, kept));
+    }
+
+    void add_main_doors(IDBgate1& gate) {
+        door(gate, project_table(), projects_, {everything<ProjInfo>(), equal(&ProjInfo::ClientID)},
+             &ProjInfo::ClientID);
+        door(gate, song_table(), songs_, {everything<SongInfo>(), equal(&SongInfo::ProjID)}, &SongInfo::ProjID);
+        door(gate, track_table(), tracks_, {everything<TrackInfo>(), equal(&TrackInfo::SongID)}, &TrackInfo::SongID);
+        door(gate, session_table(), sessions_, {everything<SessionInfo>(), equal(&SessionInfo::ProjID)},
+             &SessionInfo::ProjID);
+        door(gate, client_table(), clients_, {everything<ClientInfo>()});
+        door(gate, service_table(), services_, {everything<ServiceInfo>(), equal(&ServiceInfo::ContactID)},
+             &ServiceInfo::ContactID);
+        door(gate, stock_table(), stock_, {everything<StockInfo>(), equal(&StockInfo::TypeID)}, &StockInfo::TypeID);
+        door(gate, supply_table(), supply_, {everything<SupplyAct>(), equal(&SupplyAct::StockID)},
+             &SupplyAct::StockID);
+        door(gate, stock_type_table(), stock_types_, {everything<StockTypeInfo>()}, nullptr, kParents);
+        door(gate, booking_table(), bookings_,
+             {everything<BookingInfo>(), equal(&BookingInfo::RoomID), bookings_of_a_span(false),
+              bookings_of_a_span(true)},
+             &BookingInfo::RoomID);
+        door(gate, invoice_table(), invoices_, {invoices_of_a_span()});
+        door(gate, invoice_line_table(), invoice_lines_, {equal(&InvParamsInfo::InvoiceID)},
+             &InvParamsInfo::InvoiceID);
+    }
+
+    template <class Gate>
+    void add_gear_doors(Gate& gate) {
+        door(gate, gear_table<Gate>(), gear_, {everything<GearInfo>(), equal(&GearInfo::CategoryID)},
+             &GearInfo::CategoryID);
+        door(gate, gear_service_table<Gate>(), gear_services_,
+             {everything<GearServInfo>(), equal(&GearServInfo::GearID)}, &GearServInfo::GearID);
+    }
+
+    void close_and_open(Random& random) {
+        close(random);
+        for (const auto& door : doors_) door->expect_nothing_works(random);
+        open(random);
+    }
+
+    // The main gate's OpenDB closes what is open.
+    void open_anew(Random& random) {
+        EXPECT_EQ((random.below(2) == 0 ? main_ : second_main_)->OpenDB(), S_OK);
+        for (const auto& door : doors_) door->closed(counts_);
+    }
+
+    // These leave an open studio, and all enumerations, alone.
+    void open_what_is_open(Random& random) {
+        switch (random.below(3)) {
+            case 0: EXPECT_EQ(main_->CreateDB(nullptr), S_OK); break;
+            case 1: EXPECT_EQ(gear2_->OpenDB(), S_OK); break;
+            default: EXPECT_EQ(gear3_->OpenDB(), S_OK);
+        }
+    }
+
+    void compute_in_stock(Random& random) {
+        const LONG type = 1 + random.below(kParents);
+        LONG in_stock = 0;
+        for (const auto& [key, row] : *stock_) in_stock += row.TypeID == type ? row.Quantity : 0;
+        for (const auto& [key, row] : *supply_) in_stock -= row.StockID == type ? row.Quantity : 0;
+        const auto row = stock_types_->find(type);
+        LONG computed = 12345;
+        EXPECT_EQ(main_->ComputeInStock(type, &computed), row != stock_types_->end() ? S_OK : E_FAIL);
+        EXPECT_EQ(computed, in_stock);
+        if (row == stock_types_->end()) return;
+        row->second.InStock = in_stock;
+        row->second.ItemPrice = written_again(row->second.ItemPrice);
+    }
+
+    template <class Record>
+    static std::shared_ptr<Rows<Record>> no_rows() {
+        return std::make_shared<Rows<Record>>();
+    }
+
+    GateHost host_;
+    ComPtr<IDBgate1> main_ = host_.create<IDBgate1>();
+    ComPtr<IDBgate1> second_main_ = host_.create<IDBgate1>();
+    ComPtr<IDBgate2> gear2_ = host_.create<IDBgate2>();
+    ComPtr<IDBGate3> gear3_ = host_.create<IDBGate3>();
+    ModelCounts counts_;
+    const std::shared_ptr<Rows<ProjInfo>> projects_ = no_rows<ProjInfo>();
+    const std::shared_ptr<Rows<SongInfo>> songs_ = no_rows<SongInfo>();
+    const std::shared_ptr<Rows<TrackInfo>> tracks_ = no_rows<TrackInfo>();
+    const std::shared_ptr<Rows<SessionInfo>> sessions_ = no_rows<SessionInfo>();
+    const std::shared_ptr<Rows<ClientInfo>> clients_ = no_rows<ClientInfo>();
+    const std::shared_ptr<Rows<ServiceInfo>> services_ = no_rows<ServiceInfo>();
+    const std::shared_ptr<Rows<StockInfo>> stock_ = no_rows<StockInfo>();
+    const std::shared_ptr<Rows<SupplyAct>> supply_ = no_rows<SupplyAct>();
+    const std::shared_ptr<Rows<StockTypeInfo>> stock_types_ = no_rows<StockTypeInfo>();
+    const std::shared_ptr<Rows<BookingInfo>> bookings_ = no_rows<BookingInfo>();
+    const std::shared_ptr<Rows<InvoiceInfo>> invoices_ = no_rows<InvoiceInfo>();
+    const std::shared_ptr<Rows<InvParamsInfo>> invoice_lines_ = no_rows<InvParamsInfo>();
+    const std::shared_ptr<Rows<GearInfo>> gear_ = no_rows<GearInfo>();
+    const std::shared_ptr<Rows<GearServInfo>> gear_services_ = no_rows<GearServInfo>();
+    const std::shared_ptr<Rows<GearRentInfo>> rentals_ = no_rows<GearRentInfo>();
+    std::vector<std::unique_ptr<AnyDoor>> doors_;
+};
+
+TEST(ModelGate, random_steps_through_all_gates_answer_as_the_model_does) {
+    Studio studio;
+    Random random(20);
+    for (int step = 0; step < kSteps; ++step) {
+        studio.step(random);
+        ASSERT_FALSE(testing::Test::HasFailure()) << "at step " << step;
+    }
+    const ModelCounts counts = studio.counts();
+    EXPECT_GT(counts.found, 500);
+    EXPECT_GT(counts.delivered, 1000);
+    EXPECT_GT(counts.delivered_changed, 20);
+    EXPECT_GT(counts.passed_over, 50);
+    EXPECT_GT(counts.left_out, 100);
+    EXPECT_GT(counts.run_to_the_end, 100);
+    EXPECT_GT(counts.ended_by_closing, 100);
+
+    studio.expect_all_rows();
+    studio.close(random);
+    studio.expect_sound_files();
+    studio.open(random);
+    studio.expect_all_rows();
+}
+
+}  // namespace

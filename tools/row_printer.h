@@ -1,0 +1,41 @@
+// Rows of named values on standard output, in the forms that the commands offer.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "jet/types.h"
+#include "tools/arguments.h"
+
+namespace tools {
+
+using Row = std::vector<jet::Value>;
+using Names = std::vector<std::string>;
+
+enum class RowFormat { kPlain, kCsv, kJson };
+
+// What --json and --csv ask for; UsageError for both at once.
+RowFormat row_format(const Arguments& arguments);
+
+// Row after row: plain with tabs between the values, CSV with a line of names, or one JSON array.
+class RowPrinter {
+public:
+    RowPrinter(RowFormat format, Names names);
+    void print(const Row& row);
+    // Once, behind the last row.
+    void finish();
+
+private:
+    RowFormat format_;
+    Names names_;
+    bool any_ = false;
+};
+
+// One row by itself: a line per value, CSV, or one JSON object.
+void print_record(RowFormat format, const Names& names, const Row& row);
+// The rows with the wanted ones of their columns only.
+std::vector<Row> chosen(const Names& columns, const std::vector<Row>& rows, const Names& wanted);
+// For people: columns as wide as what stands in them, each line indented.
+void print_aligned(const Names& names, const std::vector<Row>& rows);
+
+}  // namespace tools

@@ -1,0 +1,124 @@
+// A table of records behind the gate's six methods, driven by the declaration from which the component itself
+// works.
+#pragma once
+
+#include "tools/record_filter.h"
+
+namespace tools {
+
+// The methods of one table. Deletion goes by the record or, where the gate takes it so, by the key alone.
+template <class Gate>
+struct RecordMethods {
+    using Method = HRESULT (STDMETHODCALLTYPE Gate::*)(LONG_PTR);
+    using KeyMethod = HRESULT (STDMETHODCALLTYPE Gate::*)(LONG);
+
+    Method first = nullptr;
+    Method next = nullptr;
+    Method find = nullptr;
+    Method add = nullptr;
+    Method update = nullptr;
+    Method remove = nullptr;
+    KeyMethod remove_key = nullptr;
+};
+
+template <class Gate, class Record>
+class TypedGateTable : public GateTable {
+public:
+    TypedGateTable(const studio::TableMapping<Record>& mapping, const RecordMethods<Gate>& methods)
+        : mapping_(mapping), methods_(methods) {}
+
+    std::string name() const override { return mapping_.table; }
+
+    Names columns() const override { return names_of(shown_columns()); }
+
+    std::vector<Row> list(Studio& studio, const Assignments& filter) const override {
+        Record record = RecordFilter<Record>(mapping_).record(filter);
+        Gate& gate = opened_gate<Gate>(studio);
+        std::vector<Row> rows;
+        for (HRESULT result = (gate.*methods_.first)(address_of(record)); SUCCEEDED(result);
+             result = (gate.*methods_.next)(address_of(record))) {
+            rows.push_back(row_of(record));
+        }
+        return rows;
+    }
+
+    Row show(Studio& studio, const std::string& key) const override { return row_of(find(studio, key)); }
+
+    std::string add(Studio& studio, const Assignments& members) const override {
+        Record record;
+        for (const studio::Column<Record>& column : mapping_.write) {
+            if (column.time != nullptr) record.*column.time = CTime(-1);  // no date rather than 1970
+        }
+        assign(record, members);
+        Gate& gate = opened_gate<Gate>(studio);
+        if (FAILED((gate.*methods_.add)(address_of(record)))) throw CommandError("nothing could be added to " + name());
+        // A name that the table holds once is there already: a success of the gate that adds nothing.
+        if (record.*mapping_.key.member == 0) throw CommandError("there is a row of this name in " + name() + " already");
+        return std::to_string(record.*mapping_.key.member);
+    }
+
+    void set(Studio& studio, const std::string& key, const Assignments& members) const override {
+        Record checked;
+        assign(checked, members);
+        Record record = find(studio, key);
+        assign(record, members);
+        if (FAILED((opened_gate<Gate>(studio).*methods_.update)(address_of(record)))) {
+            throw CommandError("row " + key + " of " + name() + " could not be changed");
+        }
+    }
+
+    void remove(Studio& studio, const std::string& key) const override {
+        Record record = find(studio, key);
+        Gate& gate = opened_gate<Gate>(studio);
+        const HRESULT result = methods_.remove_key != nullptr ? (gate.*methods_.remove_key)(record.*mapping_.key.member)
+                                                              : (gate.*methods_.remove)(address_of(record));
+        if (FAILED(result)) throw CommandError("row " + key + " of " + name() + " could not be deleted");
+    }
+
+private:
+    using Columns = std::span<const studio::Column<Record>>;
+
+    // What an enumeration reads is at times more than what a search reads; the rest is then known beforehand.
+    Columns shown_columns() const { return mapping_.enum_read.empty() ? mapping_.read : mapping_.enum_read; }
+
+    static Names names_of(Columns columns) {
+        Names names;
+        for (const studio::Column<Record>& column : columns) names.push_back(column.name);
+        return names;
+    }
+
+    Row row_of(const Record& record) const {
+        Row row;
+        for (const studio::Column<Record>& column : shown_columns()) row.push_back(shown(record, column));
+        return row;
+    }
+
+    // The row with this key. A search without a key would go by whatever else is set, so key 0 is never asked for.
+    Record find(Studio& studio, const std::string& key) const {
+        Record record;
+        record.*mapping_.key.member = parse_number("the key of " + name(), key);
+        Gate& gate = opened_gate<Gate>(studio);
+        if (record.*mapping_.key.member == 0 || FAILED((gate.*methods_.find)(address_of(record)))) {
+            throw CommandError("there is no row " + key + " in " + name());
+        }
+        return record;
+    }
+
+    void assign(Record& record, const Assignments& members) const {
+        for (const Assignment& assignment : members) {
+            const auto column = std::find_if(mapping_.write.begin(), mapping_.write.end(), [&](const auto& candidate) {
+                return is_same_name(candidate.name, assignment.member);
+            });
+            if (column == mapping_.write.end()) {
+                throw UsageError(name() + " has no member '" + assignment.member + "' to set; it has " +
+                                 listed(names_of(mapping_.write)));
+            }
+            parse(assignment.value, *column, record);
+        }
+    }
+
+    const studio::TableMapping<Record>& mapping_;
+    const RecordMethods<Gate> methods_;
+};
+
+}  // namespace tools

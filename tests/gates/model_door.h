@@ -93,11 +93,11 @@ public:
     void step(Random& random) override {
         const int choice = random.below(100);
         const bool is_full = rows_->size() >= kMostRows;
-        if (choice < (is_full ? 2 : 22)) return add(random);
-        if (choice < 36) return update(random);
-        if (choice < 48) return remove(random);
-        if (choice < 60) return find(random);
-        if (choice < 68) return first(random);
+        if (choice < (is_full ? 3 : 15)) return add(random);
+        if (choice < 30) return update(random);
+        if (choice < 40) return remove(random);
+        if (choice < 50) return find(random);
+        if (choice < 58) return first(random);
         next(random);
     }
 
@@ -135,7 +135,7 @@ public:
     }
 
 private:
-    static constexpr std::size_t kMostRows = 60;
+    static constexpr std::size_t kMostRows = 20;
     // Years from 2004 on, and numbers that a single keeps whole.
     static constexpr int kVariants = 30;
 

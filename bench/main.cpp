@@ -12,8 +12,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <fstream>
+#include <functional>
 #include <map>
 #include <random>
 #include <string>
@@ -26,8 +26,9 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-constexpr const char* kOperations[] = {"open",          "AddProj",    "first FindProj", "FindProj",
-                                       "Enum (a row)",  "filtered Enum (a row)", "UpdateProj",     "DeleteProj"};
+constexpr const char* kOperations[] = {"open",       "AddProj",      "first FindProj",
+                                       "FindProj",   "Enum (a row)", "filtered Enum (a row)",
+                                       "UpdateProj", "DeleteProj"};
 constexpr int kRepetitions = 3;
 
 double seconds_of(const std::function<void()>& work) {
@@ -50,7 +51,8 @@ public:
         for (const Run& run : runs) {
             if (run.aggregate_name != "median") continue;
             const auto rate = run.counters.find("items_per_second");
-            if (rate != run.counters.end()) std::printf("%s\t%.6g\n", run.run_name.function_name.c_str(), rate->second.value);
+            if (rate != run.counters.end())
+                std::printf("%s\t%.6g\n", run.run_name.function_name.c_str(), rate->second.value);
         }
     }
 };
@@ -62,11 +64,17 @@ int measure(const std::string& kind, std::int32_t size, const std::string& folde
     store->fill(size);
     store->close();
 
-    const auto add_benchmark = [](const char* name, std::int64_t iterations, std::function<double()> one, std::int64_t items = 1) {
-        benchmark::RegisterBenchmark(name, [one, items](benchmark::State& state) {
-            for (auto _ : state) state.SetIterationTime(one());
-            state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * items);
-        })->Iterations(iterations)->UseManualTime()->Repetitions(kRepetitions)->ReportAggregatesOnly(true);
+    const auto add_benchmark = [](const char* name, std::int64_t iterations, std::function<double()> one,
+                                  std::int64_t items = 1) {
+        benchmark::RegisterBenchmark(name,
+                                     [one, items](benchmark::State& state) {
+                                         for (auto _ : state) state.SetIterationTime(one());
+                                         state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations()) * items);
+                                     })
+            ->Iterations(iterations)
+            ->UseManualTime()
+            ->Repetitions(kRepetitions)
+            ->ReportAggregatesOnly(true);
     };
     std::mt19937 random(7);
     const auto random_key = [&] { return static_cast<std::int32_t>(1 + random() % static_cast<std::uint32_t>(size)); };
@@ -90,15 +98,18 @@ int measure(const std::string& kind, std::int32_t size, const std::string& folde
         return seconds_of([&] { require(store->find(project), "find"); });
     });
     const std::int64_t rows = std::min<std::int64_t>(size, 100000);
-    add_benchmark("Enum (a row)", std::max<std::int64_t>(1, 10000 / rows), [&] {
-        return seconds_of([&] { require(store->enumerate(0, rows) == rows, "enumerate"); });
-    }, rows);
+    add_benchmark(
+        "Enum (a row)", std::max<std::int64_t>(1, 10000 / rows),
+        [&] { return seconds_of([&] { require(store->enumerate(0, rows) == rows, "enumerate"); }); }, rows);
     // A client whose projects are albums in one of four; with ten projects there is one.
     const std::int64_t matches = store ? (store->open(), store->enumerate(2, INT64_MAX)) : 0;
     if (matches > 0) {
-        add_benchmark("filtered Enum (a row)", size >= 10000 ? 200 : 2000, [&, matches] {
-            return seconds_of([&] { require(store->enumerate(2, INT64_MAX) == matches, "filtered enumerate"); });
-        }, matches);
+        add_benchmark(
+            "filtered Enum (a row)", size >= 10000 ? 200 : 2000,
+            [&, matches] {
+                return seconds_of([&] { require(store->enumerate(2, INT64_MAX) == matches, "filtered enumerate"); });
+            },
+            matches);
     }
     add_benchmark("UpdateProj", calls, [&] {
         project = bench::sample_project(random_key());
@@ -167,7 +178,9 @@ int main(int argc, char** argv) {
         peers[size] = run_child(argv[0], "sqlite", size, folder / "sqlite");
     }
     fs::remove_all(folder);
-    std::printf("operations a second (median of %d); ratio = kvdb / SQLite (WAL, synchronous NORMAL) in the same run\n\n", kRepetitions);
+    std::printf(
+        "operations a second (median of %d); ratio = kvdb / SQLite (WAL, synchronous NORMAL) in the same run\n\n",
+        kRepetitions);
     std::printf("%-22s", "");
     for (std::int32_t size : sizes) std::printf(" | %11d rows %7s", size, "ratio");
     std::printf("\n");
@@ -185,7 +198,8 @@ int main(int argc, char** argv) {
     }
     const auto megabytes = [&](const char* label, const char* figure, double unit) {
         std::printf("%-22s", label);
-        for (std::int32_t size : sizes) std::printf(" | %13.1f MB %7.2f", ours[size][figure] / unit, ours[size][figure] / peers[size][figure]);
+        for (std::int32_t size : sizes)
+            std::printf(" | %13.1f MB %7.2f", ours[size][figure] / unit, ours[size][figure] / peers[size][figure]);
         std::printf("\n");
     };
     megabytes("file size", "bytes", 1e6);

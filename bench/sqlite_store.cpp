@@ -56,7 +56,8 @@ public:
         find_ = prepare("SELECT ProjID, " + std::string(kColumns) + " FROM Projects WHERE ProjID=?");
         update_ = prepare(
             "UPDATE Projects SET Name=?, ProjCreateDate=?, Type=?, ProjTypeID=?, Producer=?, ProducerID=?, Client=?, "
-            "ClientID=?, Director=?, DirectorID=?, Folder=?, DiscountType=?, DiscountVal=?, ExData=?, Notes=? WHERE ProjID=?");
+            "ClientID=?, Director=?, DirectorID=?, Folder=?, DiscountType=?, DiscountVal=?, ExData=?, Notes=? WHERE "
+            "ProjID=?");
         delete_ = prepare("DELETE FROM Projects WHERE ProjID=?");
         all_ = prepare("SELECT ProjID, " + std::string(kColumns) + " FROM Projects");
         filtered_ = prepare("SELECT ProjID, " + std::string(kColumns) + " FROM Projects WHERE ClientID=? AND Type=?");

@@ -18,7 +18,8 @@ using ByteVector = std::vector<std::uint8_t>;
 
 inline void check_range(ByteSpan bytes, std::size_t at, std::size_t count) {
     if (at > bytes.size() || count > bytes.size() - at) {
-        fail(errors::kDamaged, "The database is damaged: a structure ends before byte " + std::to_string(at + count) + ".");
+        fail(errors::kDamaged,
+             "The database is damaged: a structure ends before byte " + std::to_string(at + count) + ".");
     }
 }
 

@@ -83,7 +83,8 @@ const std::vector<Catalog::Object>& Catalog::tables() const {
 
 const Catalog::Object* Catalog::find(std::u16string_view name) const {
     const std::vector<Object>& objects = tables();
-    const auto exact = std::find_if(objects.begin(), objects.end(), [&](const Object& o) { return o.entry.name == name; });
+    const auto exact =
+        std::find_if(objects.begin(), objects.end(), [&](const Object& o) { return o.entry.name == name; });
     if (exact != objects.end()) return &*exact;
     const auto same =
         std::find_if(objects.begin(), objects.end(), [&](const Object& o) { return same_name(o.entry.name, name); });

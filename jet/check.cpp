@@ -91,8 +91,8 @@ void Context::finish_pages() {
         for (PageNumber page = 0; page < uses_.size(); ++page) {
             const bool is_free = allocator.is_free(page);
             if (is_free && uses_[page] != Use::kNone) {
-                report(page, -1, "page-free", std::string("The page is marked free and used for ") +
-                                                  name_of(uses_[page]) + ".");
+                report(page, -1, "page-free",
+                       std::string("The page is marked free and used for ") + name_of(uses_[page]) + ".");
             } else if (!is_free && uses_[page] == Use::kNone && !incomplete_) {
                 report(page, -1, "page-leaked", "The page is neither free nor part of anything.");
             }

@@ -10,9 +10,9 @@ namespace jet {
 
 struct Violation {
     PageNumber page = 0;
-    int row = -1;         // slot, or -1 when the rule is about the page or the table
-    std::string rule;     // short name of the rule
-    std::string detail;   // one line
+    int row = -1;        // slot, or -1 when the rule is about the page or the table
+    std::string rule;    // short name of the rule
+    std::string detail;  // one line
 };
 
 // Every violated invariant of the file; empty for a sound one. Never throws for damage it can name.

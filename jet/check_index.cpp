@@ -94,8 +94,8 @@ private:
 
     void check_links(PageNumber page_no, PageNumber previous, PageNumber next) {
         const Page held = context_.pager.read(page_no);
-        const bool linked = load_u32(held.bytes(), format::kPrevious) == previous &&
-                            load_u32(held.bytes(), format::kNext) == next;
+        const bool linked =
+            load_u32(held.bytes(), format::kPrevious) == previous && load_u32(held.bytes(), format::kNext) == next;
         if (!linked) context_.report(page_no, -1, "index-chain", "The page is not linked with its neighbours.");
     }
 
@@ -175,12 +175,12 @@ private:
     const RealIndex& index_;
     const Table& table_;
     const TableRows& rows_;
-    bool has_keys_ = false;                  // whether this engine knows how to make them
+    bool has_keys_ = false;  // whether this engine knows how to make them
     std::vector<std::size_t> key_positions_;
     std::vector<Value> values_;
-    std::set<PageNumber> pages_;             // of the tree
+    std::set<PageNumber> pages_;  // of the tree
     std::vector<PageNumber> leaves_;
-    ByteVector last_;                        // leaf entry
+    ByteVector last_;  // leaf entry
     RowSet seen_;
     bool complete_ = true;
 };

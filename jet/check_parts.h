@@ -88,8 +88,8 @@ bool has_page(const std::vector<PageNumber>& pages, PageNumber page);
 
 // One table's rows, collected on the way through its pages.
 struct TableRows {
-    RowSet rows;             // live and moved ones, by their own address
-    bool complete = true;    // every page and row could be read
+    RowSet rows;           // live and moved ones, by their own address
+    bool complete = true;  // every page and row could be read
 };
 
 // The definition's pages, joined and parsed; none, reported, when they are damaged.

@@ -97,8 +97,7 @@ private:
         }
         if (stamp) *stamp = load_u32(bytes, data::kStamp);
         const std::size_t begin = load_u16(bytes, slot_at) & data::kOffsetMask;
-        const std::size_t end =
-            target.slot == 0 ? bytes.size() : load_u16(bytes, slot_at - 2) & data::kOffsetMask;
+        const std::size_t end = target.slot == 0 ? bytes.size() : load_u16(bytes, slot_at - 2) & data::kOffsetMask;
         const ByteSpan piece = slice(bytes, begin, end - begin);
         return ByteVector(piece.begin(), piece.end());
     }
@@ -126,7 +125,7 @@ private:
 
     Context& context_;
     const ColumnDef& column_;
-    bool readable_ = false;          // the column's map could be read
+    bool readable_ = false;  // the column's map could be read
     std::vector<PageNumber> owned_;
     std::vector<PageNumber> sound_;  // of these, the ones whose rows can be found
     RowSet used_;
@@ -140,9 +139,7 @@ struct RowShape {
     std::vector<std::size_t> offsets;  // of the variable values, and their end
     std::size_t fixed_end = 0;
 
-    bool has(std::uint16_t number) const {
-        return number < columns && (mask[number / 8u] >> (number % 8) & 1) != 0;
-    }
+    bool has(std::uint16_t number) const { return number < columns && (mask[number / 8u] >> (number % 8) & 1) != 0; }
 };
 
 // Takes a row apart; returns what is wrong with it, if anything.

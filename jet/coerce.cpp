@@ -8,8 +8,8 @@
 namespace jet {
 namespace {
 
-constexpr double kFirstDate = -657434;   // 100-01-01
-constexpr double kLastDate = 2958466;    // the day after 9999-12-31
+constexpr double kFirstDate = -657434;  // 100-01-01
+constexpr double kLastDate = 2958466;   // the day after 9999-12-31
 
 [[noreturn]] void no_conversion(const ColumnDef& column) {
     fail(errors::kBadConversion, "The value cannot be converted to the type of column '" + to_utf8(column.name) + "'.");
@@ -126,8 +126,8 @@ Value coerce_value(const ColumnDef& column, Value value) {
         case ColumnType::kMemo: {
             std::u16string text = to_text(column, value);
             if (column.type == ColumnType::kText && 2 * text.size() > column.length_bytes) {
-                fail(errors::kTextTooLong, "The text is too long for column '" + to_utf8(column.name) + "': " +
-                                               std::to_string(text.size()) + " of at most " +
+                fail(errors::kTextTooLong, "The text is too long for column '" + to_utf8(column.name) +
+                                               "': " + std::to_string(text.size()) + " of at most " +
                                                std::to_string(column.length_bytes / 2) + " characters.");
             }
             return text;

@@ -14,9 +14,9 @@
 namespace jet {
 
 struct Slot {
-    std::uint16_t flags = 0;    // the flag bits of jet4::data
-    std::uint16_t offset = 0;   // bytes from the start of the page
-    std::uint16_t length = 0;   // bytes
+    std::uint16_t flags = 0;   // the flag bits of jet4::data
+    std::uint16_t offset = 0;  // bytes from the start of the page
+    std::uint16_t length = 0;  // bytes
 
     bool is_live() const { return flags == 0; }
     bool is_moved() const { return (flags & jet4::data::kDeletedFlags) == jet4::data::kMovedFlag; }
@@ -40,9 +40,7 @@ public:
     // Bytes between the slot table and the lowest row.
     std::size_t gap() const;
     // Whether a row of `length` bytes can be added.
-    bool has_room(std::size_t length) const {
-        return slot_count_ < jet4::data::kMaxSlots && gap() >= length + 2;
-    }
+    bool has_room(std::size_t length) const { return slot_count_ < jet4::data::kMaxSlots && gap() >= length + 2; }
     bool all_deleted() const;
 
 private:

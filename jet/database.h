@@ -26,16 +26,16 @@ struct NewColumn {
 
 // Everything a new file takes from the outside, so that tests can fix it.
 struct CreateOptions {
-    std::u16string password;              // at most 20 characters; empty: none
-    double creation_date = 0;             // OLE date, local time; 0: now
-    double row_date = 0;                  // dates of the catalogue rows; 0: creation_date
+    std::u16string password;   // at most 20 characters; empty: none
+    double creation_date = 0;  // OLE date, local time; 0: now
+    double row_date = 0;       // dates of the catalogue rows; 0: creation_date
     std::uint32_t engine_build = 9756;
 };
 
 struct OpenOptions {
     std::u16string password;
     bool read_only = false;
-    bool ignore_password = false;         // tools below the gates only look
+    bool ignore_password = false;  // tools below the gates only look
     PagerOptions pager;
 };
 
@@ -43,7 +43,7 @@ struct OpenOptions {
 struct CatalogEntry {
     std::u16string name;
     std::int32_t id = 0;
-    std::int16_t type = 0;                // on disk: 1 table, 4 and 6 linked, 5 query
+    std::int16_t type = 0;  // on disk: 1 table, 4 and 6 linked, 5 query
     std::uint32_t flags = 0;
     bool is_system() const { return (flags & jet4::kSystemObjectFlags) != 0; }
 };

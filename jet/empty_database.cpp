@@ -39,14 +39,22 @@ using enum ColumnType;
 
 // Columns in the order of their records, by name.
 constexpr SystemColumn kObjectsColumns[] = {
-    {u"Connect", kMemo, 9, 3, kVariable, 0, 0},         {u"Database", kMemo, 8, 2, kVariable, 0, 0},
-    {u"DateCreate", kDate, 4, 1, kFixed, 10, 8},        {u"DateUpdate", kDate, 5, 1, kFixed, 18, 8},
-    {u"Flags", kLong, 7, 2, kFixed, 26, 4},             {u"ForeignName", kText, 10, 4, kVariable, 0, 510},
-    {u"Id", kLong, 0, 0, kFixed, 0, 4},                 {u"Lv", kOle, 13, 7, kVariable, 0, 0},
-    {u"LvExtra", kOle, 16, 10, kVariable, 0, 0},        {u"LvModule", kOle, 15, 9, kVariable, 0, 0},
-    {u"LvProp", kOle, 14, 8, kVariable, 0, 0},          {u"Name", kText, 2, 0, kVariable, 0, 510},
-    {u"Owner", kBinary, 6, 1, kSid, 0, 510},            {u"ParentId", kLong, 1, 0, kFixed, 4, 4},
-    {u"RmtInfoLong", kOle, 12, 6, kVariable, 0, 0},     {u"RmtInfoShort", kBinary, 11, 5, kVariable, 0, 510},
+    {u"Connect", kMemo, 9, 3, kVariable, 0, 0},
+    {u"Database", kMemo, 8, 2, kVariable, 0, 0},
+    {u"DateCreate", kDate, 4, 1, kFixed, 10, 8},
+    {u"DateUpdate", kDate, 5, 1, kFixed, 18, 8},
+    {u"Flags", kLong, 7, 2, kFixed, 26, 4},
+    {u"ForeignName", kText, 10, 4, kVariable, 0, 510},
+    {u"Id", kLong, 0, 0, kFixed, 0, 4},
+    {u"Lv", kOle, 13, 7, kVariable, 0, 0},
+    {u"LvExtra", kOle, 16, 10, kVariable, 0, 0},
+    {u"LvModule", kOle, 15, 9, kVariable, 0, 0},
+    {u"LvProp", kOle, 14, 8, kVariable, 0, 0},
+    {u"Name", kText, 2, 0, kVariable, 0, 510},
+    {u"Owner", kBinary, 6, 1, kSid, 0, 510},
+    {u"ParentId", kLong, 1, 0, kFixed, 4, 4},
+    {u"RmtInfoLong", kOle, 12, 6, kVariable, 0, 0},
+    {u"RmtInfoShort", kBinary, 11, 5, kVariable, 0, 510},
     {u"Type", kInteger, 3, 1, kFixed, 8, 2},
 };
 constexpr SystemColumn kAcesColumns[] = {
@@ -56,10 +64,10 @@ constexpr SystemColumn kAcesColumns[] = {
     {u"SID", kBinary, 1, 0, kSid, 0, 510},
 };
 constexpr SystemColumn kQueriesColumns[] = {
-    {u"Attribute", kByte, 1, 0, kFixed, 4, 1},     {u"Expression", kMemo, 5, 3, kVariable, 0, 0},
-    {u"Flag", kInteger, 6, 4, kFixed, 5, 2},       {u"LvExtra", kLong, 7, 4, kFixed, 7, 4},
-    {u"Name1", kText, 3, 1, kVariable, 0, 510},    {u"Name2", kText, 4, 2, kVariable, 0, 510},
-    {u"ObjectId", kLong, 0, 0, kFixed, 0, 4},      {u"Order", kBinary, 2, 0, kVariable, 0, 510},
+    {u"Attribute", kByte, 1, 0, kFixed, 4, 1},  {u"Expression", kMemo, 5, 3, kVariable, 0, 0},
+    {u"Flag", kInteger, 6, 4, kFixed, 5, 2},    {u"LvExtra", kLong, 7, 4, kFixed, 7, 4},
+    {u"Name1", kText, 3, 1, kVariable, 0, 510}, {u"Name2", kText, 4, 2, kVariable, 0, 510},
+    {u"ObjectId", kLong, 0, 0, kFixed, 0, 4},   {u"Order", kBinary, 2, 0, kVariable, 0, 510},
 };
 constexpr SystemColumn kRelationshipsColumns[] = {
     {u"ccolumn", kLong, 2, 1, kFixed, 4, 4},
@@ -99,14 +107,28 @@ RowId map_row(std::size_t row) { return {kMapsPage, static_cast<std::uint8_t>(ro
 
 const std::vector<SystemTable>& system_tables() {
     static const std::vector<SystemTable> tables = {
-        {jet4::kObjectsPage, kObjectsColumns, 0, 8, {{{1, 2}, 0x81, 16, 8}, {{0}, 0x81, 17, 8}},
-         {{1, 1, u"Id"}, {0, 0, u"ParentIdName"}}, kFirstRootPage},
+        {jet4::kObjectsPage,
+         kObjectsColumns,
+         0,
+         8,
+         {{{1, 2}, 0x81, 16, 8}, {{0}, 0x81, 17, 8}},
+         {{1, 1, u"Id"}, {0, 0, u"ParentIdName"}},
+         kFirstRootPage},
         {jet4::kAcesPage, kAcesColumns, 18, 16, {{{0}, 0x88, 20, 8}}, {{0, 0, u"ObjectId"}}, kFirstRootPage + 2},
-        {jet4::kQueriesPage, kQueriesColumns, 21, 0, {{{0, 1, 2}, 0x81, 25, 0}}, {{0, 1, u"ObjectIdAttribute"}},
+        {jet4::kQueriesPage,
+         kQueriesColumns,
+         21,
+         0,
+         {{{0, 1, 2}, 0x81, 25, 0}},
+         {{0, 1, u"ObjectIdAttribute"}},
          kFirstRootPage + 3},
-        {jet4::kRelationshipsPage, kRelationshipsColumns, 26, 0,
+        {jet4::kRelationshipsPage,
+         kRelationshipsColumns,
+         26,
+         0,
          {{{0}, 0x82, 28, 0}, {{4}, 0x82, 29, 0}, {{6}, 0x82, 30, 0}},
-         {{1, 0, u"szObject"}, {2, 0, u"szReferencedObject"}, {0, 0, u"szRelationship"}}, kFirstRootPage + 4},
+         {{1, 0, u"szObject"}, {2, 0, u"szReferencedObject"}, {0, 0, u"szRelationship"}},
+         kFirstRootPage + 4},
     };
     return tables;
 }

@@ -69,7 +69,8 @@ FileHeader parse_header(ByteSpan page, const std::string& path) {
     }
     const std::uint32_t version = load_u32(page, header::kVersion);
     if (version == header::kVersionJet3) {
-        not_ours(errors::kOldFormat, "is a Jet 3 database (Access 97); only Jet 4 files (Access 2000 to 2003) can be opened.");
+        not_ours(errors::kOldFormat,
+                 "is a Jet 3 database (Access 97); only Jet 4 files (Access 2000 to 2003) can be opened.");
     }
     if (version != header::kVersionJet4) not_ours(errors::kNotADatabase, "is of a later file format than Jet 4.");
     if (page.size() < jet4::kPageSize) not_ours(errors::kDamaged, "is damaged: it ends inside its first page.");

@@ -9,9 +9,9 @@
 namespace jet {
 
 struct FileHeader {
-    std::uint32_t build = 9756;      // of the engine that created the file
-    double creation_date = 0;        // OLE date, local time; never changes, masks depend on it
-    std::u16string password;         // at most 20 characters; empty: none
+    std::uint32_t build = 9756;  // of the engine that created the file
+    double creation_date = 0;    // OLE date, local time; never changes, masks depend on it
+    std::u16string password;     // at most 20 characters; empty: none
     std::uint16_t code_page = 1252;
     std::uint32_t encryption_key = 0;  // 0: pages are not encrypted
 };

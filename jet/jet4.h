@@ -31,7 +31,7 @@ inline constexpr char kMagicText[] = "Standard Jet DB";  // with its NUL 16 byte
 inline constexpr std::size_t kVersion = 0x14;
 inline constexpr std::uint32_t kVersionJet3 = 0;
 inline constexpr std::uint32_t kVersionJet4 = 1;
-inline constexpr std::size_t kMasked = 0x18;       // first masked byte
+inline constexpr std::size_t kMasked = 0x18;  // first masked byte
 inline constexpr std::size_t kMaskedBytes = 128;
 inline constexpr std::size_t kGlobalMap = 0x18;
 inline constexpr std::size_t kSecondMap = 0x1C;
@@ -58,8 +58,8 @@ inline constexpr std::size_t kStamp = 8;
 inline constexpr std::size_t kSlotCount = 12;
 inline constexpr std::size_t kSlots = 14;
 inline constexpr std::uint16_t kOffsetMask = 0x1FFF;
-inline constexpr std::uint16_t kMovedFlag = 0x4000;     // the slot holds a pointer to the row
-inline constexpr std::uint16_t kBodyFlag = 0x8000;      // the row of a pointer elsewhere
+inline constexpr std::uint16_t kMovedFlag = 0x4000;  // the slot holds a pointer to the row
+inline constexpr std::uint16_t kBodyFlag = 0x8000;   // the row of a pointer elsewhere
 inline constexpr std::uint16_t kDeletedFlags = 0xC000;
 inline constexpr std::uint32_t kLongValueOwner = 0x4C41564C;  // "LVAL"
 inline constexpr std::uint32_t kUsageMapOwner = 0;
@@ -75,7 +75,7 @@ inline constexpr std::uint8_t kReference = 1;
 inline constexpr std::size_t kStart = 1;
 inline constexpr std::size_t kBitmap = 5;
 inline constexpr std::size_t kDefaultRow = 69;
-inline constexpr std::size_t kPagePrefix = 4;                       // 05 01 00 00
+inline constexpr std::size_t kPagePrefix = 4;  // 05 01 00 00
 inline constexpr std::uint32_t kPagesPerBitmap = 8 * (kPageSize - kPagePrefix);
 }  // namespace usage
 
@@ -130,7 +130,7 @@ inline constexpr std::size_t kMagic = 1;
 inline constexpr std::size_t kNumber = 5;
 inline constexpr std::size_t kVariableIndex = 7;
 inline constexpr std::size_t kOrdinal = 9;
-inline constexpr std::size_t kLcid = 11;         // u16; numeric columns: u8 precision, u8 scale
+inline constexpr std::size_t kLcid = 11;  // u16; numeric columns: u8 precision, u8 scale
 inline constexpr std::size_t kScale = 12;
 inline constexpr std::size_t kSortVersion = 14;
 inline constexpr std::size_t kFlags = 15;
@@ -162,7 +162,7 @@ inline constexpr std::size_t kCascadeDelete = 22;
 inline constexpr std::size_t kType = 23;
 }  // namespace logical_index
 
-inline constexpr std::size_t kDistinctKeys = 4;        // within an index's statistics
+inline constexpr std::size_t kDistinctKeys = 4;  // within an index's statistics
 }  // namespace tdef
 
 namespace index {  // pages of kind 3 and 4
@@ -192,14 +192,14 @@ inline constexpr std::size_t kMaxSingle = 4076;  // bytes
 inline constexpr std::size_t kChainData = 4072;  // bytes per piece, after the 4-byte pointer
 }  // namespace long_value
 
-namespace properties {  // the property blob
+namespace properties {                                    // the property blob
 inline constexpr std::uint32_t kMagicValue = 0x0032524D;  // "MR2"
 inline constexpr std::size_t kBlockHeader = 6;            // u32 length of the whole block, u16 type
 inline constexpr std::uint16_t kNameBlock = 0x80;
 inline constexpr std::uint16_t kObjectBlock = 0;
 inline constexpr std::uint16_t kColumnBlock = 1;
-inline constexpr std::size_t kOwnerHeader = 6;            // u32 length of the header, u16 bytes of the name
-inline constexpr std::size_t kValueHeader = 8;            // u16 length, u8 ddl, u8 type, u16 name, u16 bytes
+inline constexpr std::size_t kOwnerHeader = 6;  // u32 length of the header, u16 bytes of the name
+inline constexpr std::size_t kValueHeader = 8;  // u16 length, u8 ddl, u8 type, u16 name, u16 bytes
 }  // namespace properties
 
 inline constexpr std::size_t kMaxNameCharacters = 64;

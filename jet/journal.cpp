@@ -53,8 +53,7 @@ std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed) {
     return mix(mix(mix(lanes[0], lanes[1]), lanes[2]), lanes[3]);
 }
 
-Journal::Journal(os::FileSystem& files, std::string database_path)
-    : files_(files), path_(path_for(database_path)) {}
+Journal::Journal(os::FileSystem& files, std::string database_path) : files_(files), path_(path_for(database_path)) {}
 
 void Journal::start(const JournalBinding& binding) {
     if (!file_) {

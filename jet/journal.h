@@ -40,7 +40,7 @@ struct JournalContent {
         std::uint64_t at = 0;  // byte offset in the journal
     };
     JournalBinding binding;
-    std::uint32_t page_count = 0;  // of the file after the last commit; 0: no commit at all
+    std::uint32_t page_count = 0;    // of the file after the last commit; 0: no commit at all
     std::vector<Image> last_images;  // by page number
 };
 

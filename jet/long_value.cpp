@@ -65,7 +65,8 @@ ByteVector LongValues::read(ByteSpan reference) const {
     ByteVector bytes;
     RowId next = ref.row;
     for (std::uint32_t pieces = 0; bytes.size() < ref.length; ++pieces) {
-        if (next.is_null() || pieces > pager_.page_count()) corrupt(ref.row.page, "the chain of a long value is broken");
+        if (next.is_null() || pieces > pager_.page_count())
+            corrupt(ref.row.page, "the chain of a long value is broken");
         const Page page = pager_.read(next.page);
         const ByteSpan piece = piece_of(page, next);
         next = RowId::unpack(load_u32(piece, 0));

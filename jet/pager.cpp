@@ -12,9 +12,9 @@ namespace detail {
 struct Frame {
     PageNumber page_no = 0;
     std::uint32_t pins = 0;
-    bool dirty = false;         // committed, not yet in the .mdb
+    bool dirty = false;  // committed, not yet in the .mdb
     bool recently_used = true;
-    int saved_level = 0;        // innermost open transaction that holds a before-image; 0: none
+    int saved_level = 0;  // innermost open transaction that holds a before-image; 0: none
     std::uint8_t bytes[jet4::kPageSize];
 };
 
@@ -59,7 +59,8 @@ Pager::Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions opti
     : file_(std::move(file)), path_(std::move(path)), options_(options) {
     with_engine_errors([&] {
         journal_ = std::make_unique<Journal>(os::file_system(), path_);
-        page_count_ = static_cast<std::uint32_t>(std::min<std::uint64_t>(file_->size() / jet4::kPageSize, jet4::kMaxPages));
+        page_count_ =
+            static_cast<std::uint32_t>(std::min<std::uint64_t>(file_->size() / jet4::kPageSize, jet4::kMaxPages));
         recover();
         if (!options_.read_only && file_->size() % jet4::kPageSize != 0) {
             fail(errors::kDamaged, "The database is damaged: " + path_ + " ends inside a page.");
@@ -80,7 +81,8 @@ Pager::~Pager() {
 void Pager::require_writable() const {
     if (options_.read_only) fail(errors::kReadOnly, path_ + " is open for reading only.");
     if (broken_) {
-        fail(errors::kDiskError, path_ + " can no longer be written: the disk failed earlier. Close it and open it again.");
+        fail(errors::kDiskError,
+             path_ + " can no longer be written: the disk failed earlier. Close it and open it again.");
     }
 }
 
@@ -160,7 +162,8 @@ MutablePage Pager::modify(PageNumber page_no) {
 MutablePage Pager::extend() {
     require_writable();
     if (levels_.empty()) fail(errors::kReserved, "A page was to be added outside a transaction.");
-    if (page_count_ >= jet4::kMaxPages) fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
+    if (page_count_ >= jet4::kMaxPages)
+        fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
     Frame* frame = new_frame(page_count_);
     std::memset(frame->bytes, 0, jet4::kPageSize);
     MutablePage page(frame);

@@ -83,9 +83,9 @@ private:
 
 struct PagerOptions {
     bool read_only = false;
-    std::size_t cache_pages = 8192;                       // 32 MiB
-    std::uint64_t journal_limit_bytes = 8u << 20;         // past it, the journal is emptied
-    std::chrono::milliseconds sync_interval{250};         // longest stretch without a sync point
+    std::size_t cache_pages = 8192;                // 32 MiB
+    std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
+    std::chrono::milliseconds sync_interval{250};  // longest stretch without a sync point
 };
 
 class Pager {
@@ -153,15 +153,15 @@ private:
     std::unique_ptr<Journal> journal_;
     std::uint32_t page_count_ = 0;
     detail::FrameTable table_;
-    std::vector<std::unique_ptr<detail::Frame>> frames_;   // all of them
+    std::vector<std::unique_ptr<detail::Frame>> frames_;  // all of them
     std::size_t clock_hand_ = 0;
-    std::size_t search_from_ = 0;                          // frames below which none can be free
+    std::size_t search_from_ = 0;  // frames below which none can be free
     std::vector<Level> levels_;
-    std::vector<PageNumber> dirty_;                        // committed, not yet in the .mdb
+    std::vector<PageNumber> dirty_;  // committed, not yet in the .mdb
     std::vector<std::unique_ptr<std::uint8_t[]>> spare_buffers_;
     std::function<void()> on_rollback_;
     std::chrono::steady_clock::time_point last_sync_;
-    bool broken_ = false;                                  // the disk failed; no more commits
+    bool broken_ = false;  // the disk failed; no more commits
     bool closed_ = false;
     std::uint64_t pages_read_ = 0;
     std::uint64_t pages_written_ = 0;

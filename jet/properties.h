@@ -14,12 +14,12 @@ struct Property {
     std::u16string name;
     std::uint8_t ddl = 0;  // 1 for properties of the engine's own
     ColumnType type = ColumnType::kBoolean;
-    ByteVector data;       // as stored; a boolean is one byte, non-zero is true
+    ByteVector data;  // as stored; a boolean is one byte, non-zero is true
 };
 
 struct PropertyBlock {
-    std::uint16_t type = 0;      // on disk: 0 the object itself, 1 a column
-    std::u16string owner;        // column name; empty for the object
+    std::uint16_t type = 0;  // on disk: 0 the object itself, 1 a column
+    std::u16string owner;    // column name; empty for the object
     std::vector<Property> properties;
 };
 

@@ -15,7 +15,9 @@ namespace {
 constexpr std::size_t kContinuationBytes = jet4::kPageSize - tdef::kPageHeader;
 
 void check_name(std::u16string_view name, int number, const char* what) {
-    const auto forbidden = [](char16_t c) { return c < u' ' || std::u16string_view(u".!`[]").find(c) != std::u16string_view::npos; };
+    const auto forbidden = [](char16_t c) {
+        return c < u' ' || std::u16string_view(u".!`[]").find(c) != std::u16string_view::npos;
+    };
     if (name.empty() || name.size() > jet4::kMaxNameCharacters || name.front() == u' ' ||
         std::any_of(name.begin(), name.end(), forbidden)) {
         fail(number, "'" + to_utf8(name) + "' is no valid name of a " + what + ".");
@@ -49,7 +51,8 @@ bool is_variable(ColumnType type) { return type == ColumnType::kText || is_long_
 ColumnDef& append_column(TableDef& def, const NewColumn& column) {
     check_name(column.name, errors::kUnnamedTable, "column");
     if (def.find_column(column.name)) {
-        fail(errors::kFieldTwice, "Column '" + to_utf8(column.name) + "' stands twice in table '" + to_utf8(def.name) + "'.");
+        fail(errors::kFieldTwice,
+             "Column '" + to_utf8(column.name) + "' stands twice in table '" + to_utf8(def.name) + "'.");
     }
     if (def.max_columns >= jet4::kMaxColumns) {
         fail(errors::kTooManyFields, "Table '" + to_utf8(def.name) + "' would have more than 255 columns.");
@@ -63,7 +66,8 @@ ColumnDef& append_column(TableDef& def, const NewColumn& column) {
     added.length_bytes = length_of(column);
     added.number = def.max_columns++;
     added.ordinal = 0;
-    for (const ColumnDef& other : def.columns) added.ordinal = std::max<std::uint16_t>(added.ordinal, other.ordinal + 1);
+    for (const ColumnDef& other : def.columns)
+        added.ordinal = std::max<std::uint16_t>(added.ordinal, other.ordinal + 1);
     added.variable_index = def.variable_columns;
     added.flags = tdef::kFlagNullable;
     if (is_variable(column.type)) {
@@ -71,7 +75,8 @@ ColumnDef& append_column(TableDef& def, const NewColumn& column) {
     } else {
         added.flags |= tdef::kFlagFixed;
         for (const ColumnDef& other : def.columns) {
-            if (!other.is_fixed() || other.type == ColumnType::kBoolean || column.type == ColumnType::kBoolean) continue;
+            if (!other.is_fixed() || other.type == ColumnType::kBoolean || column.type == ColumnType::kBoolean)
+                continue;
             added.fixed_offset = std::max<std::uint16_t>(added.fixed_offset, other.fixed_offset + other.length_bytes);
         }
     }
@@ -99,7 +104,8 @@ ByteVector read_definition(Pager& pager, PageNumber first) {
         append_bytes(bytes, page.bytes().subspan(visited == 0 ? 0 : tdef::kPageHeader));
         if (visited == 0) {
             const std::uint32_t length = load_u32(bytes, tdef::kLength);
-            if (length > std::uint64_t{pager.page_count()} * jet4::kPageSize) corrupt(first, "a table definition is longer than the file");
+            if (length > std::uint64_t{pager.page_count()} * jet4::kPageSize)
+                corrupt(first, "a table definition is longer than the file");
         }
         page_no = bytes.size() < load_u32(bytes, tdef::kLength) ? load_u32(page.bytes(), tdef::kNext) : 0;
     }
@@ -184,7 +190,8 @@ void SchemaEditor::create_table(std::u16string_view name, std::span<const NewCol
 void SchemaEditor::add_column(Table& table, const NewColumn& column) {
     const TableDef old_def = table.def();
     TableDef def = old_def;
-    if (column.autonumber && std::any_of(def.columns.begin(), def.columns.end(), [](const ColumnDef& c) { return c.is_autonumber(); })) {
+    if (column.autonumber &&
+        std::any_of(def.columns.begin(), def.columns.end(), [](const ColumnDef& c) { return c.is_autonumber(); })) {
         fail(errors::kBadType, "Table '" + to_utf8(def.name) + "' has an auto-number already.");
     }
     ColumnDef& added = append_column(def, column);
@@ -203,7 +210,8 @@ void SchemaEditor::add_column(Table& table, const NewColumn& column) {
     // numbers to hand out; the first variable column, because some readers misread rows without their
     // offsets; and a longer null mask, because some read it past its end.
     const auto mask_bytes = [](const TableDef& d) { return (d.max_columns + 7) / 8; };
-    const bool reshape = (old_def.variable_columns == 0 && def.variable_columns > 0) || mask_bytes(old_def) != mask_bytes(def);
+    const bool reshape =
+        (old_def.variable_columns == 0 && def.variable_columns > 0) || mask_bytes(old_def) != mask_bytes(def);
     if (column.autonumber || reshape) rewrite_rows(table, old_def, column.autonumber ? 1 : 0);
 }
 
@@ -245,11 +253,13 @@ void SchemaEditor::delete_column(Table& table, std::u16string_view name) {
     }
     const ColumnDef column = def.columns[*position];
     for (const RealIndex& index : def.real_indexes) {
-        if (std::any_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& key) { return key.column_number == column.number; })) {
+        if (std::any_of(index.columns.begin(), index.columns.end(),
+                        [&](const KeyColumn& key) { return key.column_number == column.number; })) {
             fail(errors::kFieldIndexed, "Column '" + to_utf8(name) + "' cannot be deleted: an index needs it.");
         }
     }
-    if (def.columns.size() == 1) fail(errors::kNoFields, "Column '" + to_utf8(name) + "' is the only one of its table.");
+    if (def.columns.size() == 1)
+        fail(errors::kNoFields, "Column '" + to_utf8(name) + "' is the only one of its table.");
     if (column.is_long()) {
         UsageMap owned(database_.pager(), database_.allocator(), column.owned_map);
         for (auto page = owned.next(0); page; page = owned.next(*page + 1)) database_.allocator().free(*page);

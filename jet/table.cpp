@@ -81,7 +81,8 @@ void Table::require_writable() const {
     refresh();
     for (const RealIndex& index : def_.real_indexes) {
         if (const auto reason = why_not_maintainable(index, def_)) {
-            fail(errors::kCannotMaintainIndex, "Table '" + to_utf8(def_.name) + "' cannot be written: " + *reason + ".");
+            fail(errors::kCannotMaintainIndex,
+                 "Table '" + to_utf8(def_.name) + "' cannot be written: " + *reason + ".");
         }
     }
 }
@@ -125,7 +126,8 @@ std::optional<RowId> Table::next_row(RowId after) const {
         const Page page = pager.read(*page_no);
         if (DataPage::belongs_to(page.bytes(), def_.page)) {
             const DataPage data(page.bytes(), *page_no);
-            for (const std::size_t count = std::min(data.slot_count(), jet4::data::kMaxSlots + 1); slot < count; ++slot) {
+            for (const std::size_t count = std::min(data.slot_count(), jet4::data::kMaxSlots + 1); slot < count;
+                 ++slot) {
                 const Slot entry = data.slot(slot);
                 if (!entry.is_deleted() && !entry.is_body()) return RowId{*page_no, static_cast<std::uint8_t>(slot)};
             }
@@ -216,8 +218,8 @@ ByteVector Table::encode_fitting(std::vector<StoredValue>& stored) {
         row = encode_row(def_, stored);
     }
     if (row.size() > jet4::data::kMaxRow) {
-        fail(errors::kRowTooLarge, "A row of table '" + to_utf8(def_.name) + "' would be too large: " +
-                                       std::to_string(row.size()) + " of at most " +
+        fail(errors::kRowTooLarge, "A row of table '" + to_utf8(def_.name) +
+                                       "' would be too large: " + std::to_string(row.size()) + " of at most " +
                                        std::to_string(jet4::data::kMaxRow) + " bytes.");
     }
     return row;
@@ -304,7 +306,8 @@ std::vector<Value> Table::key_values(const RowView& row) const {
     std::vector<Value> values(def_.columns.size());
     for (const RealIndex& index : def_.real_indexes) {
         for (const KeyColumn& key : index.columns) {
-            if (const auto position = def_.column_by_number(key.column_number)) values[*position] = row.value(*position);
+            if (const auto position = def_.column_by_number(key.column_number))
+                values[*position] = row.value(*position);
         }
     }
     return values;
@@ -329,7 +332,8 @@ void Table::check_indexes(std::span<const Value> values, const std::vector<ByteV
             for (const KeyColumn& key : index.columns) {
                 const auto position = def_.column_by_number(key.column_number);
                 if (position && jet::is_null(values[*position])) {
-                    fail(errors::kNullNotAllowed, "An index requires a value in " + described(def_, def_.columns[*position]) + ".");
+                    fail(errors::kNullNotAllowed,
+                         "An index requires a value in " + described(def_, def_.columns[*position]) + ".");
                 }
             }
         }
@@ -337,8 +341,8 @@ void Table::check_indexes(std::span<const Value> values, const std::vector<ByteV
         if (old_keys && (*old_keys)[i] == keys[i]) continue;
         const Index tree(database_.pager(), database_.allocator(), def_.page, index.root, index.map);
         if (tree.find(keys[i])) {
-            fail(errors::kDuplicateKey, "The change would create duplicate values in a unique index of table '" +
-                                            to_utf8(def_.name) + "'.");
+            fail(errors::kDuplicateKey,
+                 "The change would create duplicate values in a unique index of table '" + to_utf8(def_.name) + "'.");
         }
     }
 }
@@ -372,7 +376,8 @@ RowId Table::insert(std::vector<Value> values) {
         if (jet::is_null(values[i])) continue;
         if (column.is_long()) {
             const auto* text = std::get_if<std::u16string>(&values[i]);
-            stored[i] = long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(values[i]));
+            stored[i] =
+                long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(values[i]));
         } else {
             stored[i] = encode_value(values[i], column);
         }
@@ -434,7 +439,8 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
         if (jet::is_null(value)) continue;
         if (column.is_long()) {
             const auto* text = std::get_if<std::u16string>(&value);
-            stored[position] = long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
+            stored[position] =
+                long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
         } else {
             stored[position] = encode_value(value, column);
         }

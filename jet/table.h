@@ -132,8 +132,8 @@ private:
     mutable UsageMap owned_;
     mutable UsageMap free_;
     mutable bool stale_ = false;
-    std::int32_t autonumber_ = 0;    // highest one handed out
-    PageNumber insert_hint_ = 0;     // page that took the last new row; 0: none
+    std::int32_t autonumber_ = 0;  // highest one handed out
+    PageNumber insert_hint_ = 0;   // page that took the last new row; 0: none
     mutable std::map<std::size_t, ColumnMap> column_maps_;
     std::vector<TableWatcher*> watchers_;
 };

@@ -15,18 +15,18 @@ namespace jet {
 struct ColumnDef {
     std::u16string name;
     ColumnType type = ColumnType::kLong;
-    std::uint16_t number = 0;          // index into the null mask, unique for the table's life
+    std::uint16_t number = 0;  // index into the null mask, unique for the table's life
     std::uint16_t variable_index = 0;
-    std::uint16_t ordinal = 0;         // display position
+    std::uint16_t ordinal = 0;  // display position
     std::uint16_t lcid = jet4::kGeneralOrder;
     std::uint8_t sort_version = 0;
-    std::uint8_t precision = 0;        // numeric only
+    std::uint8_t precision = 0;  // numeric only
     std::uint8_t scale = 0;
     std::uint8_t flags = 0;
     std::uint8_t ext_flags = 0;
     std::uint16_t fixed_offset = 0;
-    std::uint16_t length_bytes = 0;    // text: 2 x characters; long values 0
-    RowId owned_map;                   // long values: their pages
+    std::uint16_t length_bytes = 0;  // text: 2 x characters; long values 0
+    RowId owned_map;                 // long values: their pages
     RowId free_map;
     // From the table's properties, not from the definition itself.
     bool allow_zero_length = true;
@@ -69,8 +69,8 @@ struct LogicalIndex {
 };
 
 struct TableDef {
-    std::u16string name;            // from the catalogue
-    PageNumber page = 0;            // first page: the table's identity
+    std::u16string name;  // from the catalogue
+    PageNumber page = 0;  // first page: the table's identity
     std::uint8_t kind = jet4::tdef::kUserTable;
     std::uint32_t row_count = 0;
     std::int32_t last_autonumber = 0;

@@ -197,7 +197,8 @@ void UsageMap::destroy() {
     for (PageNumber bitmap : bitmap_pages()) allocator_->free(bitmap);
     const MutablePage page = pager_->modify(row_.page);
     delete_row(page.bytes(), row_.page, row_.slot);
-    if (DataPage(page.bytes(), row_.page).all_deleted() && row_.page != jet4::kGlobalMapPage) allocator_->free(row_.page);
+    if (DataPage(page.bytes(), row_.page).all_deleted() && row_.page != jet4::kGlobalMapPage)
+        allocator_->free(row_.page);
     row_ = {};
 }
 
@@ -212,7 +213,8 @@ bool PageAllocator::is_free(PageNumber page_no) const {
 std::vector<PageNumber> PageAllocator::bitmap_pages() const { return map_bitmap_pages(pager_, kGlobalMapRow); }
 
 MutablePage PageAllocator::allocate() {
-    const auto lowest = map_next(pager_, kGlobalMapRow, std::max<PageNumber>(lowest_free_hint_, jet4::kGlobalMapPage + 1));
+    const auto lowest =
+        map_next(pager_, kGlobalMapRow, std::max<PageNumber>(lowest_free_hint_, jet4::kGlobalMapPage + 1));
     if (lowest && *lowest < pager_.page_count()) {
         if (*lowest <= jet4::kRelationshipsPage) corrupt(*lowest, "a page of the catalogue is marked free");
         mark_used(*lowest);

@@ -21,7 +21,8 @@ Arguments::Arguments(const std::vector<std::string>& words, std::initializer_lis
             values_[word];
         } else if (const std::size_t equals = word.find('='); knows(options, word.substr(0, equals))) {
             if (equals == std::string::npos && i + 1 == words.size()) throw UsageError(word + " needs a value");
-            values_[word.substr(0, equals)].push_back(equals == std::string::npos ? words[++i] : word.substr(equals + 1));
+            values_[word.substr(0, equals)].push_back(equals == std::string::npos ? words[++i]
+                                                                                  : word.substr(equals + 1));
         } else {
             throw UsageError("unknown option " + word);
         }

@@ -17,7 +17,8 @@ void require(HRESULT result, const char* what) {
     if (FAILED(result)) throw CommandError(std::string(what) + " failed");
 }
 
-LONG add_project(IDBgate1& gate, const char* name, const char* client, LONG client_id, const char* type, CTime created, float discount) {
+LONG add_project(IDBgate1& gate, const char* name, const char* client, LONG client_id, const char* type, CTime created,
+                 float discount) {
     ProjInfo project{};
     project.Name = from_utf8(name);
     project.Client = from_utf8(client);
@@ -107,7 +108,8 @@ int run_demo(const Words& words) {
     studio.close();
     std::printf("\nFiles, readable by any Jet tool:\n");
     show_files(studio);
-    std::printf("\nTry: kvdb projects %s --client 5\n     kvdb schema %s Projects\n", folder.c_str(), studio.main_file().c_str());
+    std::printf("\nTry: kvdb projects %s --client 5\n     kvdb schema %s Projects\n", folder.c_str(),
+                studio.main_file().c_str());
     return 0;
 }
 

@@ -61,7 +61,8 @@ void print_schema(const jet::TableDef& def) {
         if (index.real_index < def.real_indexes.size()) {
             for (const jet::KeyColumn& key : def.real_indexes[index.real_index].columns) {
                 const auto position = def.column_by_number(key.column_number);
-                std::printf(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?", key.ascending ? "" : " desc");
+                std::printf(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?",
+                            key.ascending ? "" : " desc");
             }
         }
         std::printf("\n");
@@ -128,7 +129,8 @@ int run_check(const Words& words) {
     const std::vector<jet::Violation> violations = jet::check_structure(*database);
     for (const jet::Violation& violation : violations) {
         const std::string row = violation.row < 0 ? "" : ", row " + std::to_string(violation.row);
-        std::printf("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(), violation.detail.c_str());
+        std::printf("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(),
+                    violation.detail.c_str());
     }
     std::printf("%s: %zu violation%s\n", positional[0].c_str(), violations.size(), violations.size() == 1 ? "" : "s");
     return violations.empty() ? 0 : 1;

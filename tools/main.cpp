@@ -16,9 +16,11 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"demo", "demo [FOLDER]", "make a studio in FOLDER (default: a new temporary folder), work on it, show it", tools::run_demo},
+    {"demo", "demo [FOLDER]", "make a studio in FOLDER (default: a new temporary folder), work on it, show it",
+     tools::run_demo},
     {"info", "info FOLDER", "version, files, tables and rows of the studio in FOLDER", tools::run_info},
-    {"projects", "projects FOLDER [--client N] [--type T] [--json]", "list projects through the gate", tools::run_projects},
+    {"projects", "projects FOLDER [--client N] [--type T] [--json]", "list projects through the gate",
+     tools::run_projects},
     {"tables", "tables FILE [--system] [--password TEXT]", "names of the tables of a Jet file", tools::run_tables},
     {"schema", "schema FILE [TABLE] [--password TEXT]", "columns and indexes", tools::run_schema},
     {"rows", "rows FILE TABLE [--json|--csv] [--password TEXT]", "all rows of a table", tools::run_rows},
@@ -28,8 +30,9 @@ constexpr Command kCommands[] = {
 void print_help() {
     std::printf("kvdb: the database component of a recording studio, and a reader of its Jet files\n\n");
     for (const Command& command : kCommands) std::printf("  kvdb %s\n      %s\n", command.usage, command.effect);
-    std::printf("\nStudio commands work on the folder that holds sldb.mdb and kvinvdb.mdb; the others read one file\n"
-                "and never write. Exit codes: 0 done, 1 failed, 2 not understood.\n");
+    std::printf(
+        "\nStudio commands work on the folder that holds sldb.mdb and kvinvdb.mdb; the others read one file\n"
+        "and never write. Exit codes: 0 done, 1 failed, 2 not understood.\n");
 }
 
 int fail(int code, const char* text) {

@@ -53,7 +53,8 @@ jet::Value shown(float member) { return member; }
 jet::Value shown(CTime member, studio::Conversion conversion) {
     if (member.GetTime() < 0) return jet::Null{};
     char text[64];
-    const int length = std::snprintf(text, sizeof text, "%04d-%02d-%02d", member.GetYear(), member.GetMonth(), member.GetDay());
+    const int length =
+        std::snprintf(text, sizeof text, "%04d-%02d-%02d", member.GetYear(), member.GetMonth(), member.GetDay());
     if (is_to_the_minute(conversion)) {
         std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length), "T%02d:%02d", member.GetHour(),
                       member.GetMinute());
@@ -84,7 +85,9 @@ void parse(const std::string& name, const std::string& text, studio::Conversion 
     const char* const wanted =
         is_to_the_minute(conversion) ? "a moment as YYYY-MM-DDTHH:MM" : "a date as YYYY-MM-DD from 1970 to 2038";
     if (!has_time && !matches(text, "9999-99-99")) refuse(name, wanted, text);
-    const auto part = [&](std::size_t from, std::size_t count) { return number_of<int>(text.substr(from, count)).value_or(-1); };
+    const auto part = [&](std::size_t from, std::size_t count) {
+        return number_of<int>(text.substr(from, count)).value_or(-1);
+    };
     const int hour = has_time ? part(11, 2) : 0;
     const int minute = has_time ? part(14, 2) : 0;
     const CTime time(part(0, 4), part(5, 2), part(8, 2), hour, minute, 0);

@@ -43,7 +43,8 @@ std::string NameListTable::add(Studio& studio, const Assignments& members) const
     }
     CString text;
     parse(column(), members[0].value, text);
-    if (FAILED(call(methods_.add, studio, text))) throw CommandError("'" + members[0].value + "' could not be added to " + name());
+    if (FAILED(call(methods_.add, studio, text)))
+        throw CommandError("'" + members[0].value + "' could not be added to " + name());
     return members[0].value;
 }
 

@@ -21,7 +21,8 @@ std::string date_text(const CTime& date) {
 std::vector<ProjInfo> list_projects(IDBgate1& gate, const ProjInfo& filter) {
     std::vector<ProjInfo> projects;
     ProjInfo row = filter;
-    for (HRESULT result = gate.EnumFirstProj(address_of(row)); SUCCEEDED(result); result = gate.EnumNextProj(address_of(row))) {
+    for (HRESULT result = gate.EnumFirstProj(address_of(row)); SUCCEEDED(result);
+         result = gate.EnumNextProj(address_of(row))) {
         projects.push_back(row);
     }
     return projects;
@@ -44,12 +45,12 @@ void print_projects_json(const std::vector<ProjInfo>& projects) {
     const char* between = "\n";
     for (const ProjInfo& p : projects) {
         const std::string date = date_text(p.ProjCreateDate);
-        std::cout << between << "  {\"ProjID\": " << p.ProjID << ", \"ExData\": " << p.ExData << ", \"Name\": " << text(p.Name)
-                  << ", \"Client\": " << text(p.Client) << ", \"ClientID\": " << p.ClientID
-                  << ", \"ProducerID\": " << p.ProducerID << ", \"DirectorID\": " << p.DirectorID
-                  << ", \"Producer\": " << text(p.Producer) << ", \"Director\": " << text(p.Director)
-                  << ", \"Folder\": " << text(p.Folder) << ", \"Type\": " << text(p.Type)
-                  << ", \"ProjTypeID\": " << p.ProjTypeID
+        std::cout << between << "  {\"ProjID\": " << p.ProjID << ", \"ExData\": " << p.ExData
+                  << ", \"Name\": " << text(p.Name) << ", \"Client\": " << text(p.Client)
+                  << ", \"ClientID\": " << p.ClientID << ", \"ProducerID\": " << p.ProducerID
+                  << ", \"DirectorID\": " << p.DirectorID << ", \"Producer\": " << text(p.Producer)
+                  << ", \"Director\": " << text(p.Director) << ", \"Folder\": " << text(p.Folder)
+                  << ", \"Type\": " << text(p.Type) << ", \"ProjTypeID\": " << p.ProjTypeID
                   << ", \"ProjCreateDate\": " << (date.empty() ? "null" : json_string(date))
                   << ", \"DiscountVal\": " << json_value(p.DiscountVal) << ", \"DiscountType\": " << p.DiscountType
                   << ", \"Notes\": " << text(p.Notes) << "}";

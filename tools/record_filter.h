@@ -19,7 +19,8 @@ template <class Record>
 class RecordFilter {
 public:
     explicit RecordFilter(const studio::TableMapping<Record>& mapping) : mapping_(mapping) {
-        if (mapping.filter_rule == studio::FilterRule::kKeyBeforeClauses) add_number(mapping.key.column, mapping.key.member);
+        if (mapping.filter_rule == studio::FilterRule::kKeyBeforeClauses)
+            add_number(mapping.key.column, mapping.key.member);
         for (const studio::Clause<Record>& clause : mapping.filter) add(clause);
     }
 
@@ -54,7 +55,8 @@ private:
     };
 
     template <class Type>
-    std::string name_of(Type Record::*member, Type Record::*studio::Column<Record>::*place, const std::string& otherwise) const {
+    std::string name_of(Type Record::*member, Type Record::*studio::Column<Record>::*place,
+                        const std::string& otherwise) const {
         for (const auto columns : {mapping_.read, mapping_.enum_read}) {
             for (const studio::Column<Record>& column : columns) {
                 if (column.*place == member) return column.name;
@@ -86,7 +88,8 @@ private:
              .bit = clause.bit});
     }
     void add(Member member) {
-        const bool is_there = std::any_of(members_.begin(), members_.end(), [&](const Member& m) { return m.name == member.name; });
+        const bool is_there =
+            std::any_of(members_.begin(), members_.end(), [&](const Member& m) { return m.name == member.name; });
         if (!is_there) members_.push_back(std::move(member));
     }
 

@@ -28,8 +28,8 @@ void print_line(const Cells& cells, const char* between, const char* end, Text&&
 }
 
 std::size_t width_of(const std::string& utf8) {
-    return static_cast<std::size_t>(std::count_if(
-        utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
+    return static_cast<std::size_t>(
+        std::count_if(utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
 }
 
 }  // namespace
@@ -41,9 +41,7 @@ RowFormat row_format(const Arguments& arguments) {
 
 RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(std::move(names)) {
     switch (format_) {
-        case RowFormat::kPlain:
-            print_line(names_, "\t", "\n", [](const std::string& name) { return name; });
-            break;
+        case RowFormat::kPlain: print_line(names_, "\t", "\n", [](const std::string& name) { return name; }); break;
         case RowFormat::kCsv: print_line(names_, ",", "\r\n", csv_quoted); break;
         case RowFormat::kJson: std::cout << "["; break;
     }

@@ -50,7 +50,8 @@ struct Studio::Module {
     }
     LPFNGETCLASSOBJECT get_class_object() const {
 #ifdef _WIN32
-        return reinterpret_cast<LPFNGETCLASSOBJECT>(reinterpret_cast<void*>(GetProcAddress(handle, "DllGetClassObject")));
+        return reinterpret_cast<LPFNGETCLASSOBJECT>(
+            reinterpret_cast<void*>(GetProcAddress(handle, "DllGetClassObject")));
 #else
         return reinterpret_cast<LPFNGETCLASSOBJECT>(dlsym(handle, "DllGetClassObject"));
 #endif

@@ -18,12 +18,14 @@ void print_tables(const std::string& path) {
     const auto database = jet::Database::open(path, options);
     for (const std::u16string& name : database->table_names()) {
         const jet::Table* table = database->find_table(name);
-        std::printf("  %-24s %8u row%s\n", jet::to_utf8(name).c_str(), table->def().row_count, table->def().row_count == 1 ? "" : "s");
+        std::printf("  %-24s %8u row%s\n", jet::to_utf8(name).c_str(), table->def().row_count,
+                    table->def().row_count == 1 ? "" : "s");
     }
 }
 
 void print_file(const char* what, const std::string& path) {
-    std::printf("%s: %s (%ju bytes)\n", what, path.c_str(), static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
+    std::printf("%s: %s (%ju bytes)\n", what, path.c_str(),
+                static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
     print_tables(path);
 }
 

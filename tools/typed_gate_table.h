@@ -53,7 +53,8 @@ public:
         Gate& gate = opened_gate<Gate>(studio);
         if (FAILED((gate.*methods_.add)(address_of(record)))) throw CommandError("nothing could be added to " + name());
         // A name that the table holds once is there already: a success of the gate that adds nothing.
-        if (record.*mapping_.key.member == 0) throw CommandError("there is a row of this name in " + name() + " already");
+        if (record.*mapping_.key.member == 0)
+            throw CommandError("there is a row of this name in " + name() + " already");
         return std::to_string(record.*mapping_.key.member);
     }
 

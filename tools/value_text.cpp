@@ -70,7 +70,8 @@ std::string date_text(double days) {
     const int month = static_cast<int>(month_index < 10 ? month_index + 3 : month_index - 9);
     const int year = static_cast<int>(year_of_era + era * 400 + (month <= 2 ? 1 : 0));
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d", year, month, static_cast<int>(day_of_year - (153 * month_index + 2) / 5 + 1));
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d", year, month,
+                  static_cast<int>(day_of_year - (153 * month_index + 2) / 5 + 1));
     std::string result = text;
     if (milliseconds != 0) {
         std::snprintf(text, sizeof text, "T%02d:%02d:%02d", static_cast<int>(milliseconds / 3600000),
@@ -138,9 +139,7 @@ std::string csv_quoted(std::string_view utf8) {
     return text + "\"";
 }
 
-std::string csv_field(const jet::Value& value) {
-    return jet::is_null(value) ? "" : csv_quoted(plain_text(value));
-}
+std::string csv_field(const jet::Value& value) { return jet::is_null(value) ? "" : csv_quoted(plain_text(value)); }
 
 std::string json_string(std::string_view utf8) {
     std::string text = "\"";

@@ -105,7 +105,8 @@ private:
     static std::int64_t days_before(int year, int month, int day) noexcept {
         const int shifted = month <= 2 ? year - 1 : year;  // years that begin in March
         const int month_index = month <= 2 ? month + 9 : month - 3;
-        return 365LL * shifted + shifted / 4 - shifted / 100 + shifted / 400 + (153 * month_index + 2) / 5 + day - 1 - 719468;
+        return 365LL * shifted + shifted / 4 - shifted / 100 + shifted / 400 + (153 * month_index + 2) / 5 + day - 1 -
+               719468;
     }
 
     // How far the local clock is ahead at a moment; that of the nearest moment the host can tell.

@@ -30,7 +30,9 @@ NewColumn column(const char16_t* name, ColumnType type) {
 }
 
 // A row's text and memo follow from its version, so that half of a change would show.
-std::u16string title_of(std::uint32_t version) { return std::u16string(version % 200, static_cast<char16_t>(u'a' + version % 26)); }
+std::u16string title_of(std::uint32_t version) {
+    return std::u16string(version % 200, static_cast<char16_t>(u'a' + version % 26));
+}
 std::u16string notes_of(std::uint32_t version) {
     const std::size_t length = version % 5 == 0 ? version % 6000 : version % 70;
     return std::u16string(length, static_cast<char16_t>(0x4e00 + version % 1000));
@@ -66,10 +68,13 @@ protected:
             if (table.read(*row, view)) places[std::get<std::int32_t>(view.value(0))] = *row;
         }
         while (true) {
-            const RowOperation operation = testing_support::some_operation(rows, kMostRows, static_cast<std::uint32_t>(random()));
+            const RowOperation operation =
+                testing_support::some_operation(rows, kMostRows, static_cast<std::uint32_t>(random()));
             reporter.begin(operation);
             switch (operation.kind) {
-                case RowOperation::Kind::kAdd: places[operation.key] = table.insert(row_values(operation.key, operation.version)); break;
+                case RowOperation::Kind::kAdd:
+                    places[operation.key] = table.insert(row_values(operation.key, operation.version));
+                    break;
                 case RowOperation::Kind::kUpdate: {
                     const std::vector<Value> values = row_values(operation.key, operation.version);
                     std::vector<ColumnChange> changes;

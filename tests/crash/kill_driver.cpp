@@ -50,8 +50,11 @@ struct Life {
 // Reads messages until `until`, or the end of the pipe. False at its end.
 bool receive(int descriptor, std::chrono::steady_clock::time_point until, Life& life) {
     while (true) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now()).count();
-        struct pollfd ready {descriptor, POLLIN, 0};
+        const auto left =
+            std::chrono::duration_cast<std::chrono::milliseconds>(until - std::chrono::steady_clock::now()).count();
+        struct pollfd ready {
+            descriptor, POLLIN, 0
+        };
         const int count = ::poll(&ready, 1, left > 0 ? static_cast<int>(left) : 0);
         if (count == 0) return true;
         if (count < 0) continue;
@@ -66,8 +69,11 @@ std::string describe(const Rows& found, const Rows& expected) {
     std::string text;
     for (const auto& [key, version] : expected) {
         const auto there = found.find(key);
-        if (there == found.end()) text += " " + std::to_string(key) + " is missing;";
-        else if (there->second != version) text += " " + std::to_string(key) + " has version " + std::to_string(there->second) + " of " + std::to_string(version) + ";";
+        if (there == found.end())
+            text += " " + std::to_string(key) + " is missing;";
+        else if (there->second != version)
+            text += " " + std::to_string(key) + " has version " + std::to_string(there->second) + " of " +
+                    std::to_string(version) + ";";
     }
     for (const auto& [key, version] : found) {
         if (!expected.contains(key)) text += " " + std::to_string(key) + " is too many;";
@@ -122,8 +128,10 @@ RowOperation some_operation(const Rows& rows, std::size_t most, std::uint32_t ra
 }
 
 void perform(const RowOperation& operation, Rows& rows) {
-    if (operation.kind == RowOperation::Kind::kDelete) rows.erase(operation.key);
-    else rows[operation.key] = operation.version;
+    if (operation.kind == RowOperation::Kind::kDelete)
+        rows.erase(operation.key);
+    else
+        rows[operation.key] = operation.version;
 }
 
 std::uint64_t kill_repeatedly(const KilledProgram& program, int kills, std::chrono::milliseconds longest_life) {

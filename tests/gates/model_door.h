@@ -37,9 +37,9 @@ private:
 struct ModelCounts {
     int found = 0;
     int delivered = 0;
-    int passed_over = 0;      // rows deleted since the beginning of an enumeration
+    int passed_over = 0;  // rows deleted since the beginning of an enumeration
     int delivered_changed = 0;
-    int left_out = 0;         // rows added since
+    int left_out = 0;  // rows added since
     int run_to_the_end = 0;
     int ended_by_closing = 0;
 };
@@ -87,8 +87,13 @@ public:
     // `parent` is set to 1 to kParents in every row. Rows up to the key `kept` are never deleted.
     Door(Gate& gate, RecordCase<Gate, Record> table, std::shared_ptr<Rows<Record>> rows, ModelCounts& counts,
          std::vector<Question<Record>> questions, LONG Record::*parent = nullptr, LONG kept = 0)
-        : gate_(gate), table_(std::move(table)), rows_(std::move(rows)), counts_(counts),
-          questions_(std::move(questions)), parent_(parent), kept_(kept) {}
+        : gate_(gate),
+          table_(std::move(table)),
+          rows_(std::move(rows)),
+          counts_(counts),
+          questions_(std::move(questions)),
+          parent_(parent),
+          kept_(kept) {}
 
     void step(Random& random) override {
         const int choice = random.below(100);
@@ -273,7 +278,8 @@ private:
         expect_same(table_, record, before);
         if (enumeration_) {
             ++counts_.run_to_the_end;
-            counts_.left_out += static_cast<int>(std::distance(rows_->upper_bound(enumeration_->last_key), rows_->end()));
+            counts_.left_out +=
+                static_cast<int>(std::distance(rows_->upper_bound(enumeration_->last_key), rows_->end()));
         }
         enumeration_.reset();
     }

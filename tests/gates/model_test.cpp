@@ -143,16 +143,14 @@ private:
         door(gate, service_table(), services_, {everything<ServiceInfo>(), equal(&ServiceInfo::ContactID)},
              &ServiceInfo::ContactID);
         door(gate, stock_table(), stock_, {everything<StockInfo>(), equal(&StockInfo::TypeID)}, &StockInfo::TypeID);
-        door(gate, supply_table(), supply_, {everything<SupplyAct>(), equal(&SupplyAct::StockID)},
-             &SupplyAct::StockID);
+        door(gate, supply_table(), supply_, {everything<SupplyAct>(), equal(&SupplyAct::StockID)}, &SupplyAct::StockID);
         door(gate, stock_type_table(), stock_types_, {everything<StockTypeInfo>()}, nullptr, kParents);
         door(gate, booking_table(), bookings_,
              {everything<BookingInfo>(), equal(&BookingInfo::RoomID), bookings_of_a_span(false),
               bookings_of_a_span(true)},
              &BookingInfo::RoomID);
         door(gate, invoice_table(), invoices_, {invoices_of_a_span()});
-        door(gate, invoice_line_table(), invoice_lines_, {equal(&InvParamsInfo::InvoiceID)},
-             &InvParamsInfo::InvoiceID);
+        door(gate, invoice_line_table(), invoice_lines_, {equal(&InvParamsInfo::InvoiceID)}, &InvParamsInfo::InvoiceID);
     }
 
     template <class Gate>
@@ -235,7 +233,8 @@ TEST(ModelGate, random_steps_through_all_gates_answer_as_the_model_does) {
         ASSERT_FALSE(testing::Test::HasFailure()) << "at step " << step;
     }
     const ModelCounts counts = studio.counts();
-std::printf("%d %d %d %d %d %d %d\n", counts.found, counts.delivered, counts.passed_over, counts.delivered_changed, counts.left_out, counts.run_to_the_end, counts.ended_by_closing);
+    std::printf("%d %d %d %d %d %d %d\n", counts.found, counts.delivered, counts.passed_over, counts.delivered_changed,
+                counts.left_out, counts.run_to_the_end, counts.ended_by_closing);
     EXPECT_GT(counts.found, 500);
     EXPECT_GT(counts.delivered, 1000);
     EXPECT_GT(counts.delivered_changed, 20);

@@ -35,7 +35,9 @@ struct Told {
     std::int32_t value;
 };
 
-std::string name_of(std::int32_t value) { return "project " + std::to_string(value) + std::string(static_cast<std::size_t>(value % 150), 'x'); }
+std::string name_of(std::int32_t value) {
+    return "project " + std::to_string(value) + std::string(static_cast<std::size_t>(value % 150), 'x');
+}
 
 ProjInfo project_of(std::int32_t key, std::int32_t value) {
     ProjInfo project{};
@@ -47,7 +49,8 @@ ProjInfo project_of(std::int32_t key, std::int32_t value) {
 }
 
 // Never returns: it is killed.
-[[noreturn]] void work(const std::string& folder, int pipe, unsigned seed, std::map<std::int32_t, std::int32_t> projects) {
+[[noreturn]] void work(const std::string& folder, int pipe, unsigned seed,
+                       std::map<std::int32_t, std::int32_t> projects) {
     const auto tell = [&](const Told& told) {
         if (write(pipe, &told, sizeof told) != sizeof told) _exit(3);
     };
@@ -97,7 +100,8 @@ std::map<std::int32_t, std::int32_t> read_projects(const std::string& folder) {
     EXPECT_EQ(gate->OpenDB(), S_OK);
     std::map<std::int32_t, std::int32_t> projects;
     ProjInfo project{};
-    for (HRESULT result = gate->EnumFirstProj(address_of(project)); result == S_OK; result = gate->EnumNextProj(address_of(project))) {
+    for (HRESULT result = gate->EnumFirstProj(address_of(project)); result == S_OK;
+         result = gate->EnumNextProj(address_of(project))) {
         EXPECT_STREQ(project.Name.GetString(), name_of(project.ClientID).c_str());
         EXPECT_EQ(project.Notes.GetLength(), project.ClientID % 17 * 400);
         projects[project.ProjID] = project.ClientID;

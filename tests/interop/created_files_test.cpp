@@ -378,7 +378,9 @@ TEST_F(LargeFilesInteropSlow, file_past_the_reach_of_one_bitmap_page_reads_back_
     const OurTable& rows = find(tables, u"Long");
     ASSERT_EQ(rows.rows.size(), static_cast<std::size_t>(count) + 200);
     for (std::int32_t i = 0; i < count; ++i) {
-        EXPECT_TRUE(rows.rows[static_cast<std::size_t>(i)].values[1] == jet::Value(text_of(static_cast<std::uint32_t>(2 * i), 2000000))) << i;
+        EXPECT_TRUE(rows.rows[static_cast<std::size_t>(i)].values[1] ==
+                    jet::Value(text_of(static_cast<std::uint32_t>(2 * i), 2000000)))
+            << i;
     }
 }
 

@@ -126,7 +126,7 @@ protected:
         const TempFolder folder;
         const std::string path = folder.file("sound.mdb").string();
         auto database = Database::create(path, {});
-        const std::vector<NewColumn> columns{{u"Id", ColumnType::kLong}, {u"Text", ColumnType::kText, 255},
+        const std::vector<NewColumn> columns{{u"Id", ColumnType::kLong},   {u"Text", ColumnType::kText, 255},
                                              {u"When", ColumnType::kDate}, {u"Memo", ColumnType::kMemo},
                                              {u"Thing", ColumnType::kOle}, {u"Yes", ColumnType::kBoolean}};
         database->create_table(u"Main", columns);

@@ -28,7 +28,8 @@ int refused(ColumnType type, Value value, std::uint16_t length_bytes = 510) {
 }
 
 TEST(Coerce, null_stays_null_and_a_boolean_is_never_null) {
-    for (const ColumnType type : {kByte, kInteger, kLong, kCurrency, kSingle, kDouble, kDate, kBinary, kText, kOle, kMemo, kGuid, kNumeric}) {
+    for (const ColumnType type :
+         {kByte, kInteger, kLong, kCurrency, kSingle, kDouble, kDate, kBinary, kText, kOle, kMemo, kGuid, kNumeric}) {
         EXPECT_EQ(coerced(type, Null{}), Value(Null{})) << static_cast<int>(type);
     }
     EXPECT_EQ(coerced(kBoolean, Null{}), Value(false));
@@ -54,7 +55,8 @@ TEST(Coerce, integers_end_at_their_limits) {
     EXPECT_EQ(refused(kByte, std::int32_t{-1}), errors::kBadConversion);
     EXPECT_EQ(refused(kByte, std::int32_t{256}), errors::kBadConversion);
     EXPECT_EQ(coerced(kByte, 255.0), Value(std::uint8_t{255}));
-    for (const double bad : {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
+    for (const double bad :
+         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300}) {
         EXPECT_EQ(refused(kLong, bad), errors::kBadConversion) << bad;
     }
 }
@@ -86,7 +88,8 @@ TEST(Coerce, currency_keeps_four_places_and_its_range) {
     EXPECT_EQ(refused(kCurrency, std::numeric_limits<double>::quiet_NaN()), errors::kBadConversion);
     EXPECT_EQ(coerced(kText, Currency{-12500}), Value(std::u16string(u"-1.25")));
     EXPECT_EQ(coerced(kText, Currency{70000}), Value(std::u16string(u"7")));
-    EXPECT_EQ(coerced(kText, Currency{std::numeric_limits<std::int64_t>::min()}), Value(std::u16string(u"-922337203685477.5808")));
+    EXPECT_EQ(coerced(kText, Currency{std::numeric_limits<std::int64_t>::min()}),
+              Value(std::u16string(u"-922337203685477.5808")));
 }
 
 TEST(Coerce, single_has_a_smaller_range_than_double) {

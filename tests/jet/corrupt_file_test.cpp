@@ -17,7 +17,8 @@ constexpr char kPath[] = "d/damaged.mdb";
 constexpr double kSecondsAllowed = 10;  // of the processor; sanitizers are slow
 
 std::uint32_t interesting(Random& random) {
-    constexpr std::uint32_t kValues[] = {0, 1, 2, 0x7F, 0x80, 0xFF, 0x100, 0x0FFF, 0x1000, 0x7FFF, 0x8000, 0xC000, 0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
+    constexpr std::uint32_t kValues[] = {0,      1,      2,      0x7F,   0x80,   0xFF,       0x100,      0x0FFF,
+                                         0x1000, 0x7FFF, 0x8000, 0xC000, 0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFFF};
     switch (random.below(3)) {
         case 0: return kValues[random.below(std::size(kValues))];
         case 1: return random.below(64);
@@ -48,13 +49,16 @@ void damage_once(ByteVector& file, Random& random) {
         }
         case 7: {
             const std::size_t from = random.below(pages) * jet4::kPageSize;
-            const ByteVector copy(file.begin() + static_cast<std::ptrdiff_t>(from), file.begin() + static_cast<std::ptrdiff_t>(from + jet4::kPageSize));
+            const ByteVector copy(file.begin() + static_cast<std::ptrdiff_t>(from),
+                                  file.begin() + static_cast<std::ptrdiff_t>(from + jet4::kPageSize));
             store_bytes(bytes, page_at, copy);
             break;
         }
         case 8:
-            if (random.below(4) == 0) file.resize(random.below(2) ? page_at : anywhere);
-            else bytes[in_head] ^= static_cast<std::uint8_t>(1u << random.below(8));
+            if (random.below(4) == 0)
+                file.resize(random.below(2) ? page_at : anywhere);
+            else
+                bytes[in_head] ^= static_cast<std::uint8_t>(1u << random.below(8));
             break;
         default: {
             // The variable part of a row, or a slot.
@@ -147,7 +151,8 @@ TEST(FileCorrupt, pages_of_zeros_and_ones_are_survived) {
     for (const int fill : {0x00, 0xFF}) {
         for (std::size_t at = 0; at < good.size(); at += jet4::kPageSize) {
             ByteVector file = good;
-            std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at), jet4::kPageSize, static_cast<std::uint8_t>(fill));
+            std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at), jet4::kPageSize,
+                        static_cast<std::uint8_t>(fill));
             MemoryDisk memory;
             memory.disk.set_content(kPath, file);
             read_file(kPath);
@@ -180,7 +185,8 @@ TEST(FileCorrupt, damage_to_files_of_access_gives_an_engine_error_or_none) {
 
 TEST(FileCorruptSlow, much_damage_to_every_file) {
     damage_and_use(rich_file(), 2000000, 60000);
-    for (const ByteVector& file : sample_files(4000000)) damage_and_use(file, 3000000, file.size() > 1000000 ? 100 : 2000);
+    for (const ByteVector& file : sample_files(4000000))
+        damage_and_use(file, 3000000, file.size() > 1000000 ? 100 : 2000);
 }
 
 }  // namespace

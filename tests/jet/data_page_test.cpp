@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {
@@ -144,10 +143,10 @@ TEST(DataPage, pages_that_cannot_be_followed_are_damage) {
     EXPECT_TRUE(damaged([](ByteVector& p) { p[0] = 2; }, open));
     EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlotCount, 2042); }, open));
     EXPECT_TRUE(damaged([](ByteVector&) {}, [](const DataPage& p) { p.slot(2); }));
-    EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlots + 2, 4095); }, second));   // above its neighbour
-    EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlots + 2, 10); }, second));     // inside the head
-    EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlots, 0x1FFF); }, second));     // behind the page
-    EXPECT_FALSE(damaged([](ByteVector& p) { store_u16(p, data::kSlots, 0x1000); }, second));    // empty at the end
+    EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlots + 2, 4095); }, second));  // above its neighbour
+    EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlots + 2, 10); }, second));    // inside the head
+    EXPECT_TRUE(damaged([](ByteVector& p) { store_u16(p, data::kSlots, 0x1FFF); }, second));    // behind the page
+    EXPECT_FALSE(damaged([](ByteVector& p) { store_u16(p, data::kSlots, 0x1000); }, second));   // empty at the end
 }
 
 }  // namespace

@@ -58,7 +58,8 @@ protected:
     }
     void expect_sound() {
         for (const Violation& violation : check_structure(*database_)) {
-            ADD_FAILURE() << "page " << violation.page << " row " << violation.row << ": " << violation.rule << ": " << violation.detail;
+            ADD_FAILURE() << "page " << violation.page << " row " << violation.row << ": " << violation.rule << ": "
+                          << violation.detail;
         }
     }
 
@@ -87,7 +88,8 @@ TEST_F(DatabaseTest, rows_survive_reopening_with_every_value) {
     const RowId row = add(u"\u00dcml\u00e4ut", u"notes", -7);
     const RowId empty = things().insert({Null{}, std::u16string(), std::u16string(), Null{}});
     reopen();
-    EXPECT_EQ(values(row), (std::vector<Value>{std::int32_t{1}, std::u16string(u"\u00dcml\u00e4ut"), std::u16string(u"notes"), std::int32_t{-7}}));
+    EXPECT_EQ(values(row), (std::vector<Value>{std::int32_t{1}, std::u16string(u"\u00dcml\u00e4ut"),
+                                               std::u16string(u"notes"), std::int32_t{-7}}));
     EXPECT_EQ(values(empty), (std::vector<Value>{std::int32_t{2}, std::u16string(), std::u16string(), Null{}}));
     EXPECT_EQ(things().def().row_count, 2u);
     expect_sound();
@@ -108,7 +110,8 @@ TEST_F(DatabaseTest, memos_of_every_length_survive_and_their_pages_come_back) {
     const ColumnChange change{2, Null{}};
     things().update(row, {&change, 1});
     std::uint32_t used = 0;
-    for (PageNumber page = 0; page < database_->pager().page_count(); ++page) used += database_->allocator().is_free(page) ? 0 : 1;
+    for (PageNumber page = 0; page < database_->pager().page_count(); ++page)
+        used += database_->allocator().is_free(page) ? 0 : 1;
     // Growing past 512 pages put the maps of the column and of free pages on bitmap pages.
     EXPECT_LE(used, pages_before + 2);
     expect_sound();
@@ -129,7 +132,8 @@ TEST_F(DatabaseTest, growing_rows_move_and_keep_their_address) {
     }
     reopen();
     for (int i = 0; i < 200; ++i) {
-        EXPECT_EQ(values(rows[static_cast<std::size_t>(i)])[1], Value(std::u16string(static_cast<std::size_t>(255 - i), u'\u4e00')));
+        EXPECT_EQ(values(rows[static_cast<std::size_t>(i)])[1],
+                  Value(std::u16string(static_cast<std::size_t>(255 - i), u'\u4e00')));
     }
     EXPECT_EQ(count_rows(), 200u);
     expect_sound();
@@ -188,7 +192,8 @@ TEST_F(DatabaseTest, added_columns_read_null_and_added_autonumber_numbers_the_ro
     database_->add_column(u"Things", key_column(u"RecID"));
     expect_sound();
     const std::size_t last = things().def().columns.size() - 1;
-    for (int i = 0; i < 500; ++i) EXPECT_EQ(values(rows[static_cast<std::size_t>(i)])[last], Value(std::int32_t{i + 1}));
+    for (int i = 0; i < 500; ++i)
+        EXPECT_EQ(values(rows[static_cast<std::size_t>(i)])[last], Value(std::int32_t{i + 1}));
     reopen();
     std::vector<Value> fresh(last + 1);
     EXPECT_EQ(values(things().insert(fresh))[last], Value(std::int32_t{501}));
@@ -219,7 +224,8 @@ TEST_F(DatabaseTest, row_too_large_fails_and_leaves_the_file_as_it_was) {
     std::vector<NewColumn> columns;
     for (char16_t c = u'A'; c < u'Q'; ++c) columns.push_back(column(std::u16string(1, c).c_str(), ColumnType::kText));
     database_->create_table(u"Things", columns);
-    EXPECT_EQ(error_number([&] { things().insert(std::vector<Value>(columns.size(), std::u16string(255, u'x'))); }), 3047);
+    EXPECT_EQ(error_number([&] { things().insert(std::vector<Value>(columns.size(), std::u16string(255, u'x'))); }),
+              3047);
     EXPECT_EQ(count_rows(), 0u);
     EXPECT_EQ(things().def().row_count, 0u);
     expect_sound();
@@ -227,7 +233,9 @@ TEST_F(DatabaseTest, row_too_large_fails_and_leaves_the_file_as_it_was) {
 
 TEST_F(DatabaseTest, text_limits_are_checked) {
     create();
-    const auto assign = [&](std::size_t position, Value value) { return error_number([&] { things().coerce(position, value); }); };
+    const auto assign = [&](std::size_t position, Value value) {
+        return error_number([&] { things().coerce(position, value); });
+    };
     EXPECT_EQ(assign(1, std::u16string(255, u'x')), 0);
     EXPECT_EQ(assign(1, std::u16string(256, u'x')), 3163);
     EXPECT_EQ(assign(0, std::int32_t{5}), 3164);

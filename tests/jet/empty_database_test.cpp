@@ -15,7 +15,8 @@ namespace {
 class Sha256 {
 public:
     static std::string hex(ByteSpan bytes) {
-        std::uint32_t h[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a, 0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
+        std::uint32_t h[8] = {0x6a09e667, 0xbb67ae85, 0x3c6ef372, 0xa54ff53a,
+                              0x510e527f, 0x9b05688c, 0x1f83d9ab, 0x5be0cd19};
         ByteVector message(bytes.begin(), bytes.end());
         message.push_back(0x80);
         while (message.size() % 64 != 56) message.push_back(0);
@@ -70,7 +71,9 @@ private:
     }
 };
 
-ByteSpan page_of(const ByteVector& file, std::size_t page) { return ByteSpan(file).subspan(page * jet4::kPageSize, jet4::kPageSize); }
+ByteSpan page_of(const ByteVector& file, std::size_t page) {
+    return ByteSpan(file).subspan(page * jet4::kPageSize, jet4::kPageSize);
+}
 
 TEST(EmptyDatabase, fixed_dates_and_build_give_the_written_down_checksums) {
     CreateOptions options;

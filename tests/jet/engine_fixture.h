@@ -36,8 +36,8 @@ inline NewColumn new_column(std::u16string name, ColumnType type, bool autonumbe
 
 inline void expect_sound(Database& database, const std::string& where = {}) {
     for (const Violation& violation : check_structure(database)) {
-        ADD_FAILURE() << where << " page " << violation.page << " row " << violation.row << ": " << violation.rule << ": "
-                      << violation.detail;
+        ADD_FAILURE() << where << " page " << violation.page << " row " << violation.row << ": " << violation.rule
+                      << ": " << violation.detail;
     }
 }
 

@@ -46,7 +46,8 @@ Value some_value(const ColumnDef& column, std::size_t n) {
         case kOle: return ByteVector(n * n * 7 % 5003, static_cast<std::uint8_t>(n));
         case kGuid: return Guid{};
         case kNumeric: return Numeric{};
-        case kBinary: return ByteVector(std::min<std::size_t>(n % 50, column.length_bytes), static_cast<std::uint8_t>(n));
+        case kBinary:
+            return ByteVector(std::min<std::size_t>(n % 50, column.length_bytes), static_cast<std::uint8_t>(n));
         case kFixedBinary: break;
     }
     return Null{};
@@ -109,9 +110,10 @@ ByteVector make_rich_file() {
     CreateOptions options;
     options.creation_date = 42329.5;
     auto database = Database::create(kPath, options);
-    const NewColumn columns[] = {made(u"Id", kLong, true),    made(u"Flag", kBoolean),     made(u"Small", kByte),  made(u"Short", kInteger),
-                                 made(u"Price", kCurrency),   made(u"Single", kSingle),    made(u"Double", kDouble), made(u"Day", kDate),
-                                 made(u"Title", kText),       made(u"Notes", kMemo),       made(u"Picture", kOle), made(u"Count", kLong)};
+    const NewColumn columns[] = {made(u"Id", kLong, true), made(u"Flag", kBoolean),   made(u"Small", kByte),
+                                 made(u"Short", kInteger), made(u"Price", kCurrency), made(u"Single", kSingle),
+                                 made(u"Double", kDouble), made(u"Day", kDate),       made(u"Title", kText),
+                                 made(u"Notes", kMemo),    made(u"Picture", kOle),    made(u"Count", kLong)};
     database->create_table(u"Rich", columns);
     Table& rich = *database->find_table(u"Rich");
     add_rows(rich, 0, 30);

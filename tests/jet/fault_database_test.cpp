@@ -54,8 +54,8 @@ std::uint64_t operations_of(const PagerOptions& pager, std::optional<Operation> 
 }
 
 std::string describe(const Variant& variant, const Fault& fault) {
-    return std::string(variant.name) + ", fault at " + std::to_string(fault.nth) + (fault.lasting ? " and from then on" : "") +
-           (fault.half_written ? ", half written" : "");
+    return std::string(variant.name) + ", fault at " + std::to_string(fault.nth) +
+           (fault.lasting ? " and from then on" : "") + (fault.half_written ? ", half written" : "");
 }
 
 // Stops at the first step that fails, as a program does that gives up.
@@ -75,7 +75,8 @@ void check_run_that_gives_up(const Variant& variant, const Fault& fault) {
     const bool as_reported = found == contents[done];
     const bool with_the_failed_step = done < operation_script().size() && found == contents[done + 1];
     EXPECT_TRUE(as_reported || with_the_failed_step)
-        << where << ", step " << (done < operation_script().size() ? operation_script()[done].name : "none") << "\n" << found;
+        << where << ", step " << (done < operation_script().size() ? operation_script()[done].name : "none") << "\n"
+        << found;
 }
 
 void check_every_fault(std::optional<Operation> operation, const Fault& pattern) {
@@ -111,7 +112,9 @@ TEST(DatabaseFault, disk_full_once_loses_nothing_reported) {
     check_every_fault(std::nullopt, {.fault = os::FileFault::kDiskFull, .half_written = true});
 }
 
-TEST(DatabaseFault, io_error_once_loses_nothing_reported) { check_every_fault(std::nullopt, {.fault = os::FileFault::kIo}); }
+TEST(DatabaseFault, io_error_once_loses_nothing_reported) {
+    check_every_fault(std::nullopt, {.fault = os::FileFault::kIo});
+}
 
 TEST(DatabaseFault, disk_full_from_then_on_loses_nothing_reported) {
     check_every_fault(std::nullopt, {.fault = os::FileFault::kDiskFull, .lasting = true, .half_written = true});
@@ -123,7 +126,8 @@ TEST(DatabaseFault, io_error_from_then_on_loses_nothing_reported) {
 
 TEST(DatabaseFault, refused_reads_and_openings_lose_nothing_reported) {
     for (const Operation operation : {Operation::kRead, Operation::kOpen}) {
-        for (const bool lasting : {false, true}) check_every_fault(operation, {.fault = os::FileFault::kIo, .lasting = lasting});
+        for (const bool lasting : {false, true})
+            check_every_fault(operation, {.fault = os::FileFault::kIo, .lasting = lasting});
     }
 }
 
@@ -154,7 +158,8 @@ private:
             case Kind::kSync:
             case Kind::kChange: break;
         }
-        if (content_of(*state_.database) != script_contents()[i]) ADD_FAILURE() << where_ << ": a failed step left something in memory";
+        if (content_of(*state_.database) != script_contents()[i])
+            ADD_FAILURE() << where_ << ": a failed step left something in memory";
         if (succeeds(step, state_, where_)) return;
         state_.database.reset();
         operation_script()[1].run(state_);
@@ -170,7 +175,9 @@ TEST(DatabaseFault, step_done_again_after_a_fault_gives_what_it_gives_without) {
     for (const Variant& variant : variants()) {
         const std::uint64_t count = operations_of(variant.pager, std::nullopt);
         for (std::uint64_t nth = 1; nth <= count; ++nth) {
-            const Fault fault{.nth = nth, .fault = nth % 2 ? os::FileFault::kDiskFull : os::FileFault::kIo, .half_written = nth % 4 < 2};
+            const Fault fault{.nth = nth,
+                              .fault = nth % 2 ? os::FileFault::kDiskFull : os::FileFault::kIo,
+                              .half_written = nth % 4 < 2};
             const std::string where = describe(variant, fault);
             MemoryDisk memory;
             memory.disk.plan(fault);
@@ -200,7 +207,8 @@ TEST(DatabaseFault, power_cut_after_a_fault_keeps_what_was_synced) {
                 const auto after = memory.disk.crash(mode, seed);
                 const UseFileSystem use(*after);
                 const std::string found = content_found(where);
-                const bool with_the_failed_step = done < operation_script().size() && found == script_contents()[done + 1];
+                const bool with_the_failed_step =
+                    done < operation_script().size() && found == script_contents()[done + 1];
                 EXPECT_TRUE(found == script_contents()[done] || with_the_failed_step) << where << " seed " << seed;
             }
             if (HasFailure()) return;

@@ -82,7 +82,8 @@ TEST_F(PagerFault, explicit_sync_point_reports_the_disk) {
 }
 
 TEST_F(PagerFault, refused_close_leaves_the_journal_to_the_next_opening) {
-    for (const Operation operation : {Operation::kWrite, Operation::kSync, Operation::kRemove, Operation::kFolderSync}) {
+    for (const Operation operation :
+         {Operation::kWrite, Operation::kSync, Operation::kRemove, Operation::kFolderSync}) {
         SCOPED_TRACE(static_cast<int>(operation));
         auto pager = open(rarely_synced());
         put(*pager, 7, 1);
@@ -129,8 +130,8 @@ TEST_F(PagerFault, refused_replay_is_repeated_by_the_next_opening) {
     put(*pager, 7, 1);
     put(*pager, 7, 2);
     put(*pager, 9, 2);
-    for (const Operation operation : {Operation::kRead, Operation::kOpen, Operation::kWrite, Operation::kTruncate, Operation::kSync,
-                                      Operation::kRemove, Operation::kFolderSync}) {
+    for (const Operation operation : {Operation::kRead, Operation::kOpen, Operation::kWrite, Operation::kTruncate,
+                                      Operation::kSync, Operation::kRemove, Operation::kFolderSync}) {
         const auto after = disk().crash(testing_support::CrashMode::kKeepUnsynced);
         const testing_support::UseFileSystem use(*after);
         for (std::uint64_t nth = 1;; ++nth) {

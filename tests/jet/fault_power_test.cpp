@@ -19,7 +19,8 @@ struct Expected {
     std::size_t at_most = 0;
 };
 
-void expect_prefix(const FaultFileSystem& disk, CrashMode mode, std::uint32_t seed, Expected expected, const std::string& where) {
+void expect_prefix(const FaultFileSystem& disk, CrashMode mode, std::uint32_t seed, Expected expected,
+                   const std::string& where) {
     const auto after = disk.crash(mode, seed);
     const UseFileSystem use(*after);
     const std::string found = content_found(where);
@@ -28,7 +29,8 @@ void expect_prefix(const FaultFileSystem& disk, CrashMode mode, std::uint32_t se
     }
     std::size_t k = 0;
     while (k < script_contents().size() && script_contents()[k] != found) ++k;
-    ADD_FAILURE() << where << ": expected the content after " << expected.at_least << " to " << expected.at_most << " steps, found "
+    ADD_FAILURE() << where << ": expected the content after " << expected.at_least << " to " << expected.at_most
+                  << " steps, found "
                   << (k < script_contents().size() ? "that after " + std::to_string(k) : "none of them:\n" + found);
 }
 
@@ -119,7 +121,8 @@ TEST(DatabasePowerCrash, cut_during_the_replay_changes_nothing) {
         content_found(where);
         after->set_observer({});
         second_cuts += again.size();
-        for (const auto& state : again) expect_prefix(*state, CrashMode::kKeepUnsynced, 0, expected, where + " cut again");
+        for (const auto& state : again)
+            expect_prefix(*state, CrashMode::kKeepUnsynced, 0, expected, where + " cut again");
     });
     EXPECT_GT(second_cuts, 50u);
 }

@@ -548,8 +548,9 @@ void random_mix(std::mt19937& random, std::size_t longest, int rounds, auto&& in
 TEST_F(IndexTree, random_changes_with_short_keys_stay_sound) {
     std::mt19937 random(6);
     Transaction transaction(*pager_);
-    random_mix(random, 12, 3000, [&](const ByteVector& key, RowId row) { insert(key, row); },
-               [&](const ByteVector& key, RowId row) { erase(key, row); }, [&] { verify(); });
+    random_mix(
+        random, 12, 3000, [&](const ByteVector& key, RowId row) { insert(key, row); },
+        [&](const ByteVector& key, RowId row) { erase(key, row); }, [&] { verify(); });
     transaction.commit();
 }
 
@@ -557,9 +558,10 @@ TEST_F(IndexTree, random_changes_with_long_keys_stay_sound) {
     std::mt19937 random(7);
     Transaction transaction(*pager_);
     int highest = 0;
-    random_mix(random, 770, 1500, [&](const ByteVector& key, RowId row) { insert(key, row); },
-               [&](const ByteVector& key, RowId row) { erase(key, row); },
-               [&] { highest = std::max(highest, verify().height); });
+    random_mix(
+        random, 770, 1500, [&](const ByteVector& key, RowId row) { insert(key, row); },
+        [&](const ByteVector& key, RowId row) { erase(key, row); },
+        [&] { highest = std::max(highest, verify().height); });
     EXPECT_GE(highest, 3);
     transaction.commit();
 }
@@ -568,9 +570,10 @@ TEST_F(IndexTree, random_changes_with_longest_keys_stay_sound) {
     std::mt19937 random(8);
     Transaction transaction(*pager_);
     int highest = 0;
-    random_mix(random, IndexPage::kMaxEntry - 8, 400, [&](const ByteVector& key, RowId row) { insert(key, row); },
-               [&](const ByteVector& key, RowId row) { erase(key, row); },
-               [&] { highest = std::max(highest, verify().height); });
+    random_mix(
+        random, IndexPage::kMaxEntry - 8, 400, [&](const ByteVector& key, RowId row) { insert(key, row); },
+        [&](const ByteVector& key, RowId row) { erase(key, row); },
+        [&] { highest = std::max(highest, verify().height); });
     EXPECT_GE(highest, 4);
     transaction.commit();
 }

@@ -16,7 +16,8 @@ constexpr std::size_t kCommitHeader = 24;
 // A journal written by the class itself, on a disk of its own.
 class JournalTest : public ::testing::Test {
 protected:
-    void append(Journal& journal, const std::vector<PageNumber>& page_numbers, std::uint8_t fill, std::uint32_t page_count) {
+    void append(Journal& journal, const std::vector<PageNumber>& page_numbers, std::uint8_t fill,
+                std::uint32_t page_count) {
         const ByteVector bytes(jet4::kPageSize, fill);
         std::vector<JournalPage> pages;
         for (const PageNumber page_no : page_numbers) pages.push_back({page_no, bytes.data()});
@@ -37,7 +38,8 @@ protected:
     }
     std::uint8_t fill_at(const ByteVector& journal, const JournalContent& content, PageNumber page_no) {
         for (const JournalContent::Image& image : content.last_images) {
-            if (image.page_no == page_no) return slice(journal, static_cast<std::size_t>(image.at), jet4::kPageSize)[100];
+            if (image.page_no == page_no)
+                return slice(journal, static_cast<std::size_t>(image.at), jet4::kPageSize)[100];
         }
         return 0;
     }
@@ -121,7 +123,8 @@ TEST_F(JournalTest, commits_of_an_older_generation_behind_the_newer_are_ignored)
 TEST_F(JournalTest, reordered_and_repeated_commits_break_the_chain) {
     const ByteVector bytes = three_commits();
     const auto part = [&](std::size_t from, std::size_t to) {
-        return ByteVector(bytes.begin() + static_cast<std::ptrdiff_t>(ends()[from]), bytes.begin() + static_cast<std::ptrdiff_t>(ends()[to]));
+        return ByteVector(bytes.begin() + static_cast<std::ptrdiff_t>(ends()[from]),
+                          bytes.begin() + static_cast<std::ptrdiff_t>(ends()[to]));
     };
     ByteVector swapped(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(ends()[0]));
     append_bytes(swapped, part(1, 2));
@@ -146,7 +149,8 @@ TEST_F(JournalTest, hostile_page_count_allocates_nothing) {
 TEST_F(JournalTest, generations_differ_even_with_the_same_binding) {
     const ByteVector one = three_commits();
     const ByteVector two = three_commits();
-    EXPECT_NE(ByteVector(one.begin(), one.begin() + Journal::kHeaderBytes), ByteVector(two.begin(), two.begin() + Journal::kHeaderBytes));
+    EXPECT_NE(ByteVector(one.begin(), one.begin() + Journal::kHeaderBytes),
+              ByteVector(two.begin(), two.begin() + Journal::kHeaderBytes));
 }
 
 TEST_F(JournalTest, checksum_depends_on_every_byte_its_place_and_the_seed) {
@@ -168,7 +172,8 @@ TEST_F(JournalTest, checksum_depends_on_every_byte_its_place_and_the_seed) {
 class JournalBindingTest : public PagerFixture {
 protected:
     // A file with `mark` on page 7, its journal already gone or (`killed`) still beside it.
-    static void write(FaultFileSystem& disk, const std::string& path, std::uint8_t first, std::uint8_t second, bool killed) {
+    static void write(FaultFileSystem& disk, const std::string& path, std::uint8_t first, std::uint8_t second,
+                      bool killed) {
         std::unique_ptr<FaultFileSystem> after;
         {
             const UseFileSystem use(disk);
@@ -204,7 +209,8 @@ TEST_F(JournalBindingTest, journal_is_replayed_at_any_point_of_an_earlier_replay
     write(disk(), path_, 1, 2, true);
     std::vector<std::unique_ptr<FaultFileSystem>> states;
     disk().set_observer([&](testing_support::Operation, const std::string&) {
-        for (const CrashMode mode : {CrashMode::kKeepUnsynced, CrashMode::kDropUnsynced}) states.push_back(disk().crash(mode));
+        for (const CrashMode mode : {CrashMode::kKeepUnsynced, CrashMode::kDropUnsynced})
+            states.push_back(disk().crash(mode));
         for (std::uint32_t seed = 0; seed < 8; ++seed) states.push_back(disk().crash(CrashMode::kTearUnsynced, seed));
     });
     open(rarely_synced())->close();

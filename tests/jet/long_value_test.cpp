@@ -78,7 +78,8 @@ TEST_F(LongValueTest, released_pages_are_free) {
         for (const std::size_t size : {100, 3000, 50000, 4076, 4077}) references.push_back(write(size));
         for (const PageNumber page : owned()) EXPECT_FALSE(allocator().is_free(page));
         for (const ByteVector& reference : references) values_->release(column_, reference);
-        for (PageNumber page = before; page < pager_->page_count(); ++page) EXPECT_TRUE(allocator().is_free(page)) << page;
+        for (PageNumber page = before; page < pager_->page_count(); ++page)
+            EXPECT_TRUE(allocator().is_free(page)) << page;
     }
     EXPECT_LT(pager_->page_count(), before + 30) << "freed pages were to be used again";
 }

@@ -33,19 +33,23 @@ void add(Steps& steps, const std::string& name, std::function<void(ScriptState&)
 
 void add_open(Steps& steps) { add(steps, "open", open, Kind::kOpen); }
 void add_sync(Steps& steps) {
-    add(steps, "sync point", [](ScriptState& state) { state.database->pager().sync_point(); }, Kind::kSync);
+    add(
+        steps, "sync point", [](ScriptState& state) { state.database->pager().sync_point(); }, Kind::kSync);
 }
 void add_close(Steps& steps) {
-    add(steps, "close", [](ScriptState& state) {
-        state.database->close();
-        state.database.reset();
-    }, Kind::kClose);
+    add(
+        steps, "close",
+        [](ScriptState& state) {
+            state.database->close();
+            state.database.reset();
+        },
+        Kind::kClose);
 }
 
 void add_song(Steps& steps, std::int32_t id, std::size_t title, std::size_t notes) {
     add(steps, "add song " + std::to_string(id), [=](ScriptState& state) {
-        songs(state).insert({id, text(title, u't'), text(notes, static_cast<char16_t>(0x4e00 + id)), id * 100, Currency{id * 12345},
-                             Date{40000.25 + id}, id % 2 == 0});
+        songs(state).insert({id, text(title, u't'), text(notes, static_cast<char16_t>(0x4e00 + id)), id * 100,
+                             Currency{id * 12345}, Date{40000.25 + id}, id % 2 == 0});
     });
 }
 
@@ -57,23 +61,28 @@ void add_update(Steps& steps, std::int32_t id, std::size_t column, Value value) 
 }
 
 void add_erase(Steps& steps, std::int32_t id) {
-    add(steps, "delete song " + std::to_string(id), [=](ScriptState& state) { songs(state).erase(row_of(songs(state), id)); });
+    add(steps, "delete song " + std::to_string(id),
+        [=](ScriptState& state) { songs(state).erase(row_of(songs(state), id)); });
 }
 
 Steps make_script() {
     using enum ColumnType;
     Steps steps;
-    add(steps, "create", [](ScriptState& state) {
-        CreateOptions options;
-        options.creation_date = 42329.5;
-        state.database = Database::create(kScriptPath, options);
-        state.database->close();
-        state.database.reset();
-    }, Kind::kCreate);
+    add(
+        steps, "create",
+        [](ScriptState& state) {
+            CreateOptions options;
+            options.creation_date = 42329.5;
+            state.database = Database::create(kScriptPath, options);
+            state.database->close();
+            state.database.reset();
+        },
+        Kind::kCreate);
     add_open(steps);
     add(steps, "create table Songs", [](ScriptState& state) {
-        const NewColumn columns[] = {new_column(u"Id", kLong, true), new_column(u"Title", kText),     new_column(u"Notes", kMemo),
-                                     new_column(u"Count", kLong),    new_column(u"Price", kCurrency), new_column(u"Day", kDate),
+        const NewColumn columns[] = {new_column(u"Id", kLong, true),  new_column(u"Title", kText),
+                                     new_column(u"Notes", kMemo),     new_column(u"Count", kLong),
+                                     new_column(u"Price", kCurrency), new_column(u"Day", kDate),
                                      new_column(u"Done", kBoolean)};
         state.database->create_table(u"Songs", columns);
     });
@@ -84,11 +93,12 @@ Steps make_script() {
     add_song(steps, 4, 200, 4500);
     for (std::int32_t id = 5; id <= 9; ++id) add_song(steps, id, 150, 100);
     add_update(steps, 2, 2, text(6000, u'g'));
-    add_update(steps, 5, 1, text(255, u'm'));   // moves away from its page
+    add_update(steps, 5, 1, text(255, u'm'));  // moves away from its page
     add_update(steps, 4, 2, text(30, u's'));
     add_update(steps, 5, 1, text(10, u's'));
     add_erase(steps, 3);
-    add(steps, "add column Extra", [](ScriptState& state) { state.database->add_column(u"Songs", new_column(u"Extra", kText)); });
+    add(steps, "add column Extra",
+        [](ScriptState& state) { state.database->add_column(u"Songs", new_column(u"Extra", kText)); });
     add_update(steps, 1, 7, text(40, u'e'));
     add(steps, "set password", [](ScriptState& state) { state.database->change_password(u"", u"first"); });
     add_song(steps, 10, 30, 2100);
@@ -104,7 +114,8 @@ Steps make_script() {
         for (const std::size_t length : {10, 1000, 7000}) notes.insert({text(length, u'n'), 1.5f});
         transaction.commit();
     });
-    add(steps, "number the notes", [](ScriptState& state) { state.database->add_column(u"Notes", new_column(u"Id", kLong, true)); });
+    add(steps, "number the notes",
+        [](ScriptState& state) { state.database->add_column(u"Notes", new_column(u"Id", kLong, true)); });
     add(steps, "change password", [](ScriptState& state) { state.database->change_password(u"first", u"second"); });
     add_sync(steps);
     add_erase(steps, 2);

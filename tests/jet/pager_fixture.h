@@ -52,7 +52,9 @@ protected:
     }
     static std::uint8_t mark(Pager& pager, PageNumber page_no) { return pager.read(page_no).bytes()[kMarkAt]; }
     // In the .mdb itself.
-    std::uint8_t stored_mark(PageNumber page_no) const { return memory_.disk.content(path_)[page_no * jet4::kPageSize + kMarkAt]; }
+    std::uint8_t stored_mark(PageNumber page_no) const {
+        return memory_.disk.content(path_)[page_no * jet4::kPageSize + kMarkAt];
+    }
 
     static constexpr std::size_t kMarkAt = 3000;
     MemoryDisk memory_;

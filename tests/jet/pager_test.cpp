@@ -202,7 +202,9 @@ TEST_F(PagerTest, journal_past_its_limit_is_emptied_when_all_is_in_the_file) {
 }
 
 TEST_F(PagerTest, change_counter_moves_once_for_each_life_of_the_journal) {
-    const auto counter = [](Pager& pager) { return load_u64(pager.read(jet4::kObjectsPage).bytes(), jet4::tdef::kFiller); };
+    const auto counter = [](Pager& pager) {
+        return load_u64(pager.read(jet4::kObjectsPage).bytes(), jet4::tdef::kFiller);
+    };
     auto pager = open(rarely_synced());
     const std::uint64_t before = counter(*pager);
     put(*pager, 7, 1);

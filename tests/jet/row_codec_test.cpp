@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {
@@ -47,16 +46,23 @@ TableDef example_def() {
 }
 
 const std::vector<Value>& example_values() {
-    static const std::vector<Value> values{std::u16string(u"abcdefg"), std::u16string(u"hijklmnop"), std::uint8_t{2}, std::int16_t{222},
-                                           std::int32_t{333333333}, 444.555, Date{27293.0}, Currency{35000}, true};
+    static const std::vector<Value> values{std::u16string(u"abcdefg"),
+                                           std::u16string(u"hijklmnop"),
+                                           std::uint8_t{2},
+                                           std::int16_t{222},
+                                           std::int32_t{333333333},
+                                           444.555,
+                                           Date{27293.0},
+                                           Currency{35000},
+                                           true};
     return values;
 }
 
-const ByteVector kExampleRow{
-    0x09, 0x00, 0x02, 0xde, 0x00, 0x55, 0x43, 0xde, 0x13, 0x7b, 0x14, 0xae, 0x47, 0xe1, 0xc8, 0x7b, 0x40, 0x00,
-    0x00, 0x00, 0x00, 0x40, 0xa7, 0xda, 0x40, 0xb8, 0x88, 0x00, 0x00, 0x00, 0x00, 0x00, 0x00, 0xff, 0xfe, 0x61,
-    0x62, 0x63, 0x64, 0x65, 0x66, 0x67, 0x68, 0x00, 0x69, 0x00, 0x6a, 0x00, 0x6b, 0x00, 0x6c, 0x00, 0x6d, 0x00,
-    0x6e, 0x00, 0x6f, 0x00, 0x70, 0x00, 0x00, 0x00, 0x3c, 0x00, 0x2a, 0x00, 0x21, 0x00, 0x02, 0x00, 0xff, 0x01};
+const ByteVector kExampleRow{0x09, 0x00, 0x02, 0xde, 0x00, 0x55, 0x43, 0xde, 0x13, 0x7b, 0x14, 0xae, 0x47, 0xe1, 0xc8,
+                             0x7b, 0x40, 0x00, 0x00, 0x00, 0x00, 0x40, 0xa7, 0xda, 0x40, 0xb8, 0x88, 0x00, 0x00, 0x00,
+                             0x00, 0x00, 0x00, 0xff, 0xfe, 0x61, 0x62, 0x63, 0x64, 0x65, 0x66, 0x67, 0x68, 0x00, 0x69,
+                             0x00, 0x6a, 0x00, 0x6b, 0x00, 0x6c, 0x00, 0x6d, 0x00, 0x6e, 0x00, 0x6f, 0x00, 0x70, 0x00,
+                             0x00, 0x00, 0x3c, 0x00, 0x2a, 0x00, 0x21, 0x00, 0x02, 0x00, 0xff, 0x01};
 constexpr std::size_t kGapAt = 0x3C;
 constexpr std::size_t kGapBytes = 2;
 
@@ -107,7 +113,8 @@ TEST(RowCodec, table_without_variable_columns_has_no_offsets) {
     EXPECT_EQ(encode(def, values), (ByteVector{2, 0, 0xFE, 0xFF, 0xFF, 0xFF, 3}));
     EXPECT_EQ(decode(def, encode(def, values)), values);
     add_column(def, kText, 40, false);
-    EXPECT_EQ(decode(def, ByteVector{2, 0, 0xFE, 0xFF, 0xFF, 0xFF, 3}), (std::vector<Value>{std::int32_t{-2}, true, Null{}}));
+    EXPECT_EQ(decode(def, ByteVector{2, 0, 0xFE, 0xFF, 0xFF, 0xFF, 3}),
+              (std::vector<Value>{std::int32_t{-2}, true, Null{}}));
 }
 
 TEST(RowCodec, short_rows_are_padded_to_a_pointers_length) {
@@ -154,7 +161,8 @@ TEST(RowCodec, every_type_comes_back) {
     add_column(def, kFixedBinary, 5, true);
     add_column(def, kText, 8, true);
     def.columns[2].scale = 3;
-    const std::vector<Value> values{1.5f, guid, numeric, std::int32_t{99}, ByteVector{1, 2, 3, 4, 5}, std::u16string(u"abcd")};
+    const std::vector<Value> values{
+        1.5f, guid, numeric, std::int32_t{99}, ByteVector{1, 2, 3, 4, 5}, std::u16string(u"abcd")};
     EXPECT_EQ(decode(def, encode(def, values)), values);
     // Fixed text is padded with blanks, fixed bytes with zeros.
     const std::vector<Value> shorter{Null{}, Null{}, Null{}, Null{}, ByteVector{1}, std::u16string(u"a")};

@@ -15,10 +15,14 @@ namespace jet {
 
 class SparseFileSystem : public os::FileSystem {
 public:
-    std::unique_ptr<os::File> open(const std::string& path, os::OpenMode) override { return std::make_unique<OpenFile>(files_[path]); }
+    std::unique_ptr<os::File> open(const std::string& path, os::OpenMode) override {
+        return std::make_unique<OpenFile>(files_[path]);
+    }
     bool exists(const std::string& path) override { return files_.contains(path); }
     void remove(const std::string& path) override { files_.erase(path); }
-    void rename(const std::string& from, const std::string& to) override { files_[to] = std::move(files_.extract(from).mapped()); }
+    void rename(const std::string& from, const std::string& to) override {
+        files_[to] = std::move(files_.extract(from).mapped());
+    }
     void sync_folder_of(const std::string&) override {}
 
 private:
@@ -36,17 +40,21 @@ private:
         std::size_t read(std::uint64_t at, std::span<std::uint8_t> into) override {
             if (at >= content_.size) return 0;
             const auto count = static_cast<std::size_t>(std::min<std::uint64_t>(into.size(), content_.size - at));
-            for_each_piece(at, count, [&](std::uint64_t block, std::size_t within, std::size_t from, std::size_t bytes) {
-                const auto found = content_.blocks.find(block);
-                if (found == content_.blocks.end()) std::memset(into.data() + from, 0, bytes);
-                else std::memcpy(into.data() + from, found->second.data() + within, bytes);
-            });
+            for_each_piece(at, count,
+                           [&](std::uint64_t block, std::size_t within, std::size_t from, std::size_t bytes) {
+                               const auto found = content_.blocks.find(block);
+                               if (found == content_.blocks.end())
+                                   std::memset(into.data() + from, 0, bytes);
+                               else
+                                   std::memcpy(into.data() + from, found->second.data() + within, bytes);
+                           });
             return count;
         }
         void write(std::uint64_t at, std::span<const std::uint8_t> bytes) override {
-            for_each_piece(at, bytes.size(), [&](std::uint64_t block, std::size_t within, std::size_t from, std::size_t count) {
-                std::memcpy(content_.blocks[block].data() + within, bytes.data() + from, count);
-            });
+            for_each_piece(at, bytes.size(),
+                           [&](std::uint64_t block, std::size_t within, std::size_t from, std::size_t count) {
+                               std::memcpy(content_.blocks[block].data() + within, bytes.data() + from, count);
+                           });
             content_.size = std::max<std::uint64_t>(content_.size, at + bytes.size());
         }
         std::uint64_t size() override { return content_.size; }
@@ -54,7 +62,8 @@ private:
             content_.size = bytes;
             content_.blocks.erase(content_.blocks.lower_bound((bytes + kBlock - 1) / kBlock), content_.blocks.end());
             const auto last = content_.blocks.find(bytes / kBlock);
-            if (last != content_.blocks.end()) std::memset(last->second.data() + bytes % kBlock, 0, kBlock - bytes % kBlock);
+            if (last != content_.blocks.end())
+                std::memset(last->second.data() + bytes % kBlock, 0, kBlock - bytes % kBlock);
         }
         void sync() override {}
 

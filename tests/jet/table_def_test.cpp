@@ -174,12 +174,12 @@ TEST(TableDef, parse_impossible_counts_is_damage) {
 }
 
 TEST(TableDef, parse_inconsistent_columns_is_damage) {
-    EXPECT_EQ(error_with(kColumn1 + tdef::column::kNumber, {0, 0}), errors::kDamaged);          // twice
-    EXPECT_EQ(error_with(kColumn1 + tdef::column::kNumber, {2, 0}), errors::kDamaged);          // too high
-    EXPECT_EQ(error_with(kColumn0 + tdef::column::kVariableIndex, {1, 0}), errors::kDamaged);   // too high
+    EXPECT_EQ(error_with(kColumn1 + tdef::column::kNumber, {0, 0}), errors::kDamaged);         // twice
+    EXPECT_EQ(error_with(kColumn1 + tdef::column::kNumber, {2, 0}), errors::kDamaged);         // too high
+    EXPECT_EQ(error_with(kColumn0 + tdef::column::kVariableIndex, {1, 0}), errors::kDamaged);  // too high
     EXPECT_EQ(error_with(kColumn1 + tdef::column::kFixedOffset, {0xFF, 0xFF}), errors::kDamaged);
-    EXPECT_EQ(error_with(kColumn1 + tdef::column::kLength, {15, 0}), errors::kDamaged);         // not a GUID's
-    EXPECT_EQ(error_with(kColumn1 + tdef::column::kType, {0x0C}), errors::kDamaged);            // fixed memo
+    EXPECT_EQ(error_with(kColumn1 + tdef::column::kLength, {15, 0}), errors::kDamaged);  // not a GUID's
+    EXPECT_EQ(error_with(kColumn1 + tdef::column::kType, {0x0C}), errors::kDamaged);     // fixed memo
 
     ByteVector two_places = kTable4;  // both variable, both at place 0
     two_places[kColumn1 + tdef::column::kFlags] = 0x02;

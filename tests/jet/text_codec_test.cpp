@@ -48,8 +48,9 @@ TEST(TextCodec, odd_last_byte_and_lone_marks_are_harmless) {
 
 TEST(TextCodec, every_text_comes_back) {
     for (const bool compress : {false, true}) {
-        for (const std::u16string& text : {std::u16string(u"Grüße"), std::u16string(255, u'x'), std::u16string(u"\u20ac\u20ac\u20ac"),
-                                           std::u16string(u"a\0b\0c", 5), std::u16string(1, static_cast<char16_t>(0xD800))}) {
+        for (const std::u16string& text :
+             {std::u16string(u"Grüße"), std::u16string(255, u'x'), std::u16string(u"\u20ac\u20ac\u20ac"),
+              std::u16string(u"a\0b\0c", 5), std::u16string(1, static_cast<char16_t>(0xD800))}) {
             EXPECT_EQ(decode_text(encode_text(text, compress)), text);
         }
     }

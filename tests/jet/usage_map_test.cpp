@@ -235,7 +235,8 @@ TEST_F(UsageMapTest, rolled_back_pages_are_free_again) {
 
 TEST_F(UsageMapTest, pages_the_file_cannot_do_without_are_not_freed) {
     start();
-    for (const PageNumber page : {PageNumber{0}, jet4::kGlobalMapPage, jet4::kObjectsPage, jet4::kRelationshipsPage, pager_->page_count()}) {
+    for (const PageNumber page :
+         {PageNumber{0}, jet4::kGlobalMapPage, jet4::kObjectsPage, jet4::kRelationshipsPage, pager_->page_count()}) {
         EXPECT_EQ(error_number([&] { allocator_->free(page); }), errors::kDamaged) << page;
     }
 }
@@ -284,7 +285,8 @@ TEST_F(UsageMapTest, file_ends_at_two_gigabytes) {
             store_u32(row, 1 + 4 * k, kFirstBitmap + k);
             if (k == 15) {
                 for (std::uint32_t page = kBefore; page < 16 * usage::kPagesPerBitmap; ++page) {
-                    bitmap[usage::kPagePrefix + page % usage::kPagesPerBitmap / 8] |= static_cast<std::uint8_t>(1u << (page % 8));
+                    bitmap[usage::kPagePrefix + page % usage::kPagesPerBitmap / 8] |=
+                        static_cast<std::uint8_t>(1u << (page % 8));
                 }
             }
             file->write(std::uint64_t{kFirstBitmap + k} * jet4::kPageSize, bitmap);

@@ -31,10 +31,11 @@ std::string in_quotes(const std::string& text) { return "'" + text + "'"; }
 class Tool : public ::testing::Test {
 protected:
     Outcome run(const std::string& arguments) {
-        const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " >" + in_quotes(scratch_.file("out")) +
-                                    " 2>" + in_quotes(scratch_.file("err"));
+        const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " >" +
+                                    in_quotes(scratch_.file("out")) + " 2>" + in_quotes(scratch_.file("err"));
         const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(scratch_.file("out")), contents(scratch_.file("err"))};
+        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(scratch_.file("out")),
+                contents(scratch_.file("err"))};
     }
     Outcome demo() { return run("demo " + in_quotes(studio_)); }
     std::string main_file() const { return in_quotes(studio_ + "/sldb.mdb"); }

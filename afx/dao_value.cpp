@@ -47,15 +47,24 @@ struct Writer {
     void operator()(bool value) const { out = COleVariant(value ? 1 : 0, VT_BOOL); }
     void operator()(std::uint8_t value) const { out = COleVariant(static_cast<BYTE>(value)); }
     void operator()(std::int16_t value) const { out = COleVariant(static_cast<short>(value)); }
-    void operator()(std::int32_t value) const { out = COleVariant(static_cast<int>(value)); }
+    // The types of most columns are written in place.
+    void operator()(std::int32_t value) const {
+        out.Clear();
+        out.vt = VT_I4;
+        out.lVal = value;
+    }
     void operator()(const jet::Currency& value) const {
-        CY amount;
-        amount.int64 = value.ten_thousandths;
-        out = COleVariant(COleCurrency(amount));
+        out.Clear();
+        out.vt = VT_CY;
+        out.cyVal.int64 = value.ten_thousandths;
     }
     void operator()(float value) const { out = COleVariant(value); }
     void operator()(double value) const { out = COleVariant(value); }
-    void operator()(const jet::Date& value) const { out = COleVariant(COleDateTime(value.days)); }
+    void operator()(const jet::Date& value) const {
+        out.Clear();
+        out.vt = VT_DATE;
+        out.date = value.days;
+    }
     void operator()(const std::u16string& value) const { out.SetText(std::u16string_view(value)); }
     void operator()(const jet::Guid& value) const { out.SetText(guid_text(value)); }
     void operator()(const jet::Numeric& value) const { out = COleVariant(numeric_value(value)); }

@@ -40,7 +40,7 @@ FieldNames::FieldNames(std::vector<std::u16string> names) : wide_(std::move(name
 std::optional<std::size_t> FieldNames::find(std::string_view name) const {
     // Callers name their columns by the same few texts again and again: the one found last time at this
     // address is right when it still reads the same.
-    std::uint16_t& recent = recent_[reinterpret_cast<std::uintptr_t>(name.data()) / 4 % recent_.size()];
+    std::uint16_t& recent = recent_[reinterpret_cast<std::uintptr_t>(name.data()) / 2 % recent_.size()];
     if (recent < names_.size() && names_[recent] == name) return recent;
     const std::optional<std::size_t> found = look_up(name);
     if (found) recent = static_cast<std::uint16_t>(*found);

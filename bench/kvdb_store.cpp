@@ -7,7 +7,7 @@ namespace {
 
 class KvdbStore final : public Store {
 public:
-    explicit KvdbStore(const std::string& folder) : studio_(folder, true) {}
+    explicit KvdbStore(const std::string& folder) : studio_(folder, tools::Studio::Purpose::kMake) {}
 
     void open() override { gate_ = &studio_.open(); }
     void close() override { studio_.close(); }

@@ -1,12 +1,12 @@
-// The demonstration: a studio from nothing, worked on through the gates, and what it left on the disk.
+// The demonstration: a studio from nothing, a day's work on it through the gates, and what was left on the disk.
 #include <cstdio>
 #include <filesystem>
 
 #include "jet/check.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
-#include "tools/projects.h"
-#include "tools/studio.h"
+#include "tools/gate_table.h"
+#include "tools/member_text.h"
 
 namespace tools {
 namespace {
@@ -17,21 +17,6 @@ void require(HRESULT result, const char* what) {
     if (FAILED(result)) throw CommandError(std::string(what) + " failed");
 }
 
-LONG add_project(IDBgate1& gate, const char* name, const char* client, LONG client_id, const char* type, CTime created,
-                 float discount) {
-    ProjInfo project{};
-    project.Name = from_utf8(name);
-    project.Client = from_utf8(client);
-    project.ClientID = client_id;
-    project.Type = type;
-    project.ProjCreateDate = created;
-    project.DiscountVal = discount;
-    project.Producer = "Dana Reuter";
-    project.Notes = "entered by the demonstration";
-    require(gate.AddProj(address_of(project)), "AddProj");
-    return project.ProjID;
-}
-
 // An empty folder of our own in the system's folder for such.
 std::string fresh_folder() {
     for (int n = 1;; ++n) {
@@ -40,6 +25,268 @@ std::string fresh_folder() {
         if (fs::create_directory(candidate, error)) return candidate.string();
         if (error || n == 10000) throw CommandError("cannot make a folder in " + fs::temp_directory_path().string());
     }
+}
+
+// The keys of what the day's work made and what the summary asks for again.
+struct Keys {
+    std::string album, jingle, song, quartet, radio, singer, singers, session, room, tape, invoice, library, microphone;
+};
+
+// The work, each step by the methods of the table's gate.
+class Day {
+public:
+    explicit Day(Studio& studio) : studio_(studio) {}
+
+    Keys work() {
+        contacts();
+        projects();
+        sessions();
+        store();
+        money();
+        media();
+        gear();
+        return keys_;
+    }
+
+private:
+    std::string add(const char* table, const Assignments& members) { return gate_table(table).add(studio_, members); }
+
+    void contacts() {
+        const std::string bands = add("ContactCategories", {{"Name", "Bands"}, {"Type", "1"}});
+        keys_.singers = add("ContactCategories", {{"Name", "Singers"}, {"Type", "1"}});
+        keys_.quartet = add("Clients", {{"Name", "Aurora Quartet"}, {"CatIDs", bands + ";"}, {"City", "Bergen"}});
+        keys_.radio = add("Clients", {{"Name", "North Radio"}, {"Company", "North Radio"}, {"City", "Tromsø"}});
+        keys_.singer =
+            add("Clients",
+                {{"Name", "Jonas"}, {"LastName", "Lindström"}, {"CatIDs", keys_.singers + ";"}, {"City", "Köln"}});
+        service_ = add(
+            "Services",
+            {{"Name", "Lead vocals"}, {"ContactID", keys_.singer}, {"CategoryID", keys_.singers}, {"Price", "85.5"}});
+        add("Messages", {{"ContactID", keys_.singer},
+                         {"ConnectType", "e-mail"},
+                         {"Date", "2026-03-01"},
+                         {"Descript", "In on the 12th"}});
+    }
+
+    void projects() {
+        add("Def_ProjTypes", {{"Name", "Album"}});
+        add("Def_TrackTypes", {{"Name", "Vocal"}});
+        const std::string producer = "Dana Reuter";
+        keys_.album = add("Projects", {{"Name", "Night Trains"},
+                                       {"Client", "Aurora Quartet"},
+                                       {"ClientID", keys_.quartet},
+                                       {"Type", "Album"},
+                                       {"ProjCreateDate", "2026-03-02"},
+                                       {"DiscountVal", "12.5"},
+                                       {"Producer", producer}});
+        keys_.jingle = add("Projects", {{"Name", "Harbour Jingle"},
+                                        {"Client", "North Radio"},
+                                        {"ClientID", keys_.radio},
+                                        {"Type", "Jingle"},
+                                        {"ProjCreateDate", "2026-03-09"},
+                                        {"Producer", producer}});
+        const std::string sketches =
+            add("Projects", {{"Name", "Sketches"}, {"ClientID", keys_.quartet}, {"Type", "Demo"}});
+        add("Projects", {{"Name", "Grüße aus Köln"},
+                         {"Client", "Jonas Lindström"},
+                         {"ClientID", keys_.singer},
+                         {"Type", "Album"},
+                         {"ProjCreateDate", "2026-05-20"},
+                         {"DiscountVal", "7.25"}});
+        gate_table("Projects")
+            .set(studio_, keys_.jingle, {{"Name", "Harbour Jingle (long cut)"}, {"DiscountVal", "3"}});
+        gate_table("Projects").remove(studio_, sketches);
+
+        keys_.song = add("Songs", {{"ProjID", keys_.album}, {"Name", "Last Departure"}, {"Artist", "Aurora Quartet"}});
+        add("Songs", {{"ProjID", keys_.album}, {"Name", "Platform 9"}, {"Artist", "Aurora Quartet"}});
+        add("Tracks", {{"SongID", keys_.song},
+                       {"Number", "1"},
+                       {"Name", "Strings"},
+                       {"Performer", "Aurora Quartet"},
+                       {"TDate", "2026-03-12"}});
+        add("Tracks", {{"SongID", keys_.song},
+                       {"Number", "2"},
+                       {"Name", "Lead"},
+                       {"Type", "Vocal"},
+                       {"Performer", "Jonas Lindström"},
+                       {"TDate", "2026-03-12"}});
+        add("MixFiles", {{"SongID", keys_.song}, {"Descript", "Rough mix"}, {"Path", "D:\\Mixes\\departure-1.wav"}});
+    }
+
+    void sessions() {
+        keys_.room = add("Def_Rooms", {{"Name", "Studio A"}, {"BasePrice", "40"}, {"FullPrice", "65.5"}});
+        add("Def_Sequencer", {{"Name", "Tracker"}, {"Path", "C:\\Tracker\\tracker.exe"}});
+        keys_.session = add("Sessions", {{"ProjID", keys_.album},
+                                         {"SongID", keys_.song},
+                                         {"SongName", "Last Departure"},
+                                         {"RecDate", "2026-03-12"},
+                                         {"StartTime", "10:00"},
+                                         {"EndTime", "14:30"},
+                                         {"Total", "4:30"},
+                                         {"RoomID", keys_.room}});
+        add("Participants", {{"SessionID", keys_.session}, {"ContactID", keys_.quartet}, {"Duration", "4.5"}});
+        add("Participants", {{"SessionID", keys_.session},
+                             {"ContactID", keys_.singer},
+                             {"CategoryID", keys_.singers},
+                             {"ServiceID", service_},
+                             {"Duration", "2.25"}});
+        add("Bookings", {{"DateStart", "2026-03-12T10:00"},
+                         {"DateEnd", "2026-03-12T14:30"},
+                         {"ClientID", keys_.quartet},
+                         {"ClientName", "Aurora Quartet"},
+                         {"RoomID", keys_.room},
+                         {"SessionID", keys_.session}});
+        add("Bookings", {{"DateStart", "2026-04-02T09:15"},
+                         {"DateEnd", "2026-04-02T12:00"},
+                         {"ClientID", keys_.radio},
+                         {"ClientName", "North Radio"},
+                         {"RoomID", keys_.room}});
+    }
+
+    void store() {
+        keys_.tape = add("Def_StockTypes", {{"TypeName", "2\" tape"}, {"ItemPrice", "149.9"}});
+        add("Stock", {{"TypeID", keys_.tape},
+                      {"Name", "Tape, box of ten"},
+                      {"Quantity", "10"},
+                      {"Supplier", "Reel & Co"},
+                      {"Date", "2026-03-03"},
+                      {"Cost", "1240"}});
+        add("Supply", {{"StockID", keys_.tape},
+                       {"ProjID", keys_.album},
+                       {"StockName", "2\" tape"},
+                       {"Quantity", "3"},
+                       {"Client", "Aurora Quartet"},
+                       {"ClientID", keys_.quartet},
+                       {"Date", "2026-03-12"}});
+        LONG on_hand = 0;
+        require(studio_.open().ComputeInStock(parse_number("stock type", keys_.tape), &on_hand), "ComputeInStock");
+        add("Equipment",
+            {{"Name", "Tape machine"}, {"Action", "Heads cleaned"}, {"ActDate", "2026-03-11"}, {"Cost", "25"}});
+    }
+
+    void money() {
+        InvoiceDef defaults;
+        IDBgate1& gate = studio_.open();
+        require(gate.GetInvoiceDef(address_of(defaults)), "GetInvoiceDef");
+        defaults.StudioName = "Harbour Sound";
+        defaults.BaseCounter = 1000;
+        defaults.LastUsedCounter = 1001;
+        defaults.Tax = 25;
+        require(gate.SetInvoiceDef(address_of(defaults)), "SetInvoiceDef");
+        add("ProjActivities", {{"ProjID", keys_.album},
+                               {"Date", "2026-03-12"},
+                               {"Category", "Room"},
+                               {"Item", "Studio A"},
+                               {"Quantity", "4.5"},
+                               {"Fee", "294.75"}});
+        add("ProjPayments", {{"ProjID", keys_.album}, {"Date", "2026-03-20"}, {"Details", "deposit"}, {"Pay", "200"}});
+        keys_.invoice = "1001";
+        add("Invoices", {{"InvoiceID", keys_.invoice},
+                         {"ClientName", "Aurora Quartet"},
+                         {"Date", "2026-03-31"},
+                         {"SubTotal", "744.45"},
+                         {"fTax", "25"},
+                         {"Tax_SubTotal", "186.11"},
+                         {"Total", "930.56"},
+                         {"Paymetns", "200"},
+                         {"Balance", "730.56"}});
+        add("InvoiceParams", {{"InvoiceID", keys_.invoice},
+                              {"Name", "Studio A"},
+                              {"FQuantity", "4.5"},
+                              {"ItemPrice", "65.5"},
+                              {"Total", "294.75"},
+                              {"Date", "2026-03-12"}});
+        add("InvoiceParams", {{"InvoiceID", keys_.invoice},
+                              {"Name", "2\" tape"},
+                              {"FQuantity", "3"},
+                              {"ItemPrice", "149.9"},
+                              {"Total", "449.7"},
+                              {"Date", "2026-03-12"}});
+    }
+
+    void media() {
+        const std::string group = add("LibGroups", {{"Name", "Archive"}});
+        keys_.library = add("MediaLibs", {{"GroupID", group}, {"Name", "Takes 2026"}, {"Descript", "kept takes"}});
+        add("MediaFiles",
+            {{"LibID", keys_.library}, {"Path", "E:\\Takes\\departure-3.wav"}, {"Descript", "the good one"}});
+    }
+
+    void gear() {
+        const std::string category = add("GearCategories", {{"Name", "Microphones"}});
+        keys_.microphone = add("Gear", {{"Manufacturer", "Sorensen"},
+                                        {"Model", "R-84"},
+                                        {"SerialNo", "A-1177"},
+                                        {"CategoryID", category},
+                                        {"RoomID", keys_.room},
+                                        {"PurchaseDate", "2024-11-05"},
+                                        {"Cost", "1850"}});
+        const std::string hire =
+            add("GearServices", {{"GearID", keys_.microphone}, {"Name", "Ribbon mic, day"}, {"Price", "35"}});
+        add("GearRepairs", {{"GearID", keys_.microphone},
+                            {"GearName", "R-84"},
+                            {"ClaimNo", "C-20"},
+                            {"SendDate", "2026-02-02"},
+                            {"ReturnDate", "2026-02-20"},
+                            {"Technician", "P. Holm"},
+                            {"Cost", "120"}});
+        add("GearRentals", {{"GearID", keys_.microphone},
+                            {"ServiceID", hire},
+                            {"ServiceName", "Ribbon mic, day"},
+                            {"ProjID", keys_.album},
+                            {"ClientID", keys_.quartet},
+                            {"RoomID", keys_.room},
+                            {"Date", "2026-03-12"},
+                            {"Quantity", "1.5"}});
+    }
+
+    Studio& studio_;
+    Keys keys_;
+    std::string service_;
+};
+
+// Some columns of the rows that the gate gives for a filter, which must be `count`.
+void show(Studio& studio, const char* title, const char* table_name, const Assignments& filter, const Names& columns,
+          std::size_t count) {
+    const GateTable& table = gate_table(table_name);
+    const std::vector<Row> rows = table.list(studio, filter);
+    std::printf("%s\n", title);
+    std::fflush(stdout);
+    print_aligned(columns, chosen(table.columns(), rows, columns));
+    if (rows.size() != count) throw CommandError(std::string("the rows of ") + table_name + " did not come back");
+}
+
+void show_summary(Studio& studio, const Keys& keys) {
+    show(studio, "Projects", "Projects", {}, {"ProjID", "Name", "Client", "Type", "ProjCreateDate", "DiscountVal"}, 3);
+    show(studio, "Songs of Night Trains", "Songs", {{"ProjID", keys.album}}, {"SongID", "Name", "Artist"}, 2);
+    show(studio, "Tracks of Last Departure", "Tracks", {{"SongID", keys.song}},
+         {"Number", "Name", "Performer", "TDate"}, 2);
+    show(studio, "Its mix files", "MixFiles", {{"SongID", keys.song}}, {"Descript", "Path"}, 1);
+    show(studio, "Singers among the contacts", "Clients", {{"CategoryID", keys.singers}},
+         {"ClientID", "Name", "LastName", "City"}, 1);
+    show(studio, "Services of the singer", "Services", {{"ContactID", keys.singer}}, {"Name", "Price"}, 1);
+    show(studio, "Sessions of the project", "Sessions", {{"ProjID", keys.album}},
+         {"RecDate", "StartTime", "EndTime", "SongName"}, 1);
+    show(studio, "Who took part", "Participants", {{"SessionID", keys.session}}, {"ContactID", "ServiceID", "Duration"},
+         2);
+    show(studio, "Bookings that start in March", "Bookings", {{"DateStart", "2026-03-01"}, {"DateEnd", "2026-03-31"}},
+         {"DateStart", "DateEnd", "ClientName"}, 1);
+    show(studio, "Stock on hand: ten bought, three handed out", "Def_StockTypes", {},
+         {"TypeName", "InStock", "ItemPrice"}, 1);
+    show(studio, "Invoices of 2026", "Invoices", {{"FromDate", "2026-01-01"}, {"ToDate", "2026-12-31"}},
+         {"InvoiceID", "ClientName", "Date", "SubTotal", "Tax_SubTotal", "Total", "Balance"}, 1);
+    show(studio, "Its lines", "InvoiceParams", {{"InvoiceID", keys.invoice}},
+         {"Name", "FQuantity", "ItemPrice", "Total"}, 2);
+    show(studio, "Kept takes", "MediaFiles", {{"LibID", keys.library}}, {"Path", "Descript"}, 1);
+    show(studio, "Gear in Studio A", "Gear", {{"RoomID", keys.room}}, {"Manufacturer", "Model", "SerialNo", "Cost"}, 1);
+    show(studio, "Its repairs", "GearRepairs", {{"GearID", keys.microphone}},
+         {"SendDate", "ReturnDate", "Technician", "Cost"}, 1);
+    show(studio, "Rented in March", "GearRentals", {{"FromDate", "2026-03-01"}, {"ToDate", "2026-03-31"}},
+         {"Date", "ServiceName", "Quantity"}, 1);
+    InvoiceDef defaults;
+    require(studio.open().GetInvoiceDef(address_of(defaults)), "GetInvoiceDef");
+    std::printf("New invoices come from %s, number %d is the last one used, tax %g\n",
+                to_utf8(defaults.StudioName).c_str(), static_cast<int>(defaults.LastUsedCounter),
+                static_cast<double>(defaults.Tax));
 }
 
 void show_files(const Studio& studio) {
@@ -70,46 +317,25 @@ int run_demo(const Words& words) {
         fs::create_directories(folder, error);
         if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
     }
-    Studio studio(folder, true);
-    if (SUCCEEDED(studio.gate().IsDbExist())) {
+    Studio studio(folder, Studio::Purpose::kMake);
+    if (studio.is_there()) {
         throw CommandError("there is a studio in " + folder + " already; the demonstration wants a folder without one");
     }
-
     std::printf("A new studio in %s\n", folder.c_str());
-    IDBgate1& gate = studio.open();
     LONG version = 0;
-    require(gate.GetDBVer(&version), "GetDBVer");
-    std::printf("OpenDB made both files; schema version %d\n\n", version);
-
-    add_project(gate, "Night Trains", "Aurora Quartet", 5, "Album", CTime(2026, 3, 2, 0, 0, 0), 12.5f);
-    const LONG jingle = add_project(gate, "Harbour Jingle", "North Radio", 7, "Jingle", CTime(2026, 3, 9, 0, 0, 0), 0);
-    const LONG sketches = add_project(gate, "Sketches", "Aurora Quartet", 5, "Demo", CTime(2026, 4, 1, 0, 0, 0), 0);
-    add_project(gate, "Grüße aus Köln", "Jonas Lindström", 9, "Album", CTime(2026, 5, 20, 0, 0, 0), 7.25f);
-    std::printf("All projects:\n");
-    print_projects(list_projects(gate, {}));
-
-    ProjInfo filter{};
-    filter.ClientID = 5;
-    filter.Type = "Album";
-    std::printf("\nAlbums of client 5:\n");
-    print_projects(list_projects(gate, filter));
-
-    ProjInfo project{};
-    project.ProjID = jingle;
-    require(gate.FindProj(address_of(project)), "FindProj");
-    project.Name = "Harbour Jingle (long cut)";
-    project.DiscountVal = 3;
-    require(gate.UpdateProj(address_of(project)), "UpdateProj");
-    require(gate.DeleteProj(sketches), "DeleteProj");
-    std::printf("\nProject %d renamed, project %d deleted; closed and opened again:\n", jingle, sketches);
+    require(studio.open().GetDBVer(&version), "GetDBVer");
+    std::printf("OpenDB made both files; schema version %d. A day's work, closed, and opened again:\n\n",
+                static_cast<int>(version));
+    const Keys keys = Day(studio).work();
     studio.close();
-    print_projects(list_projects(studio.open(), {}));
-
+    show_summary(studio, keys);
     studio.close();
     std::printf("\nFiles, readable by any Jet tool:\n");
     show_files(studio);
-    std::printf("\nTry: kvdb projects %s --client 5\n     kvdb schema %s Projects\n", folder.c_str(),
-                studio.main_file().c_str());
+    std::printf(
+        "\nTry: kvdb projects %s --client %s\n     kvdb list %s Tracks --filter SongID=%s\n     kvdb schema %s "
+        "Projects\n",
+        folder.c_str(), keys.singer.c_str(), folder.c_str(), keys.song.c_str(), studio.main_file().c_str());
     return 0;
 }
 

@@ -16,11 +16,17 @@ struct Command {
 };
 
 constexpr Command kCommands[] = {
-    {"demo", "demo [FOLDER]", "make a studio in FOLDER (default: a new temporary folder), work on it, show it",
+    {"demo", "demo [FOLDER]", "make a studio in FOLDER (default: a new temporary folder), do a day's work, show it",
      tools::run_demo},
     {"info", "info FOLDER", "version, files, tables and rows of the studio in FOLDER", tools::run_info},
     {"projects", "projects FOLDER [--client N] [--type T] [--json]", "list projects through the gate",
      tools::run_projects},
+    {"list", "list FOLDER TABLE [--filter member=value ...] [--json|--csv]",
+     "records of a table through its gate; a filter works as the gate's enumeration does", tools::run_list},
+    {"show", "show FOLDER TABLE KEY [--json|--csv]", "one record, by its key", tools::run_show},
+    {"add", "add FOLDER TABLE member=value ...", "add a record and print its key", tools::run_add},
+    {"set", "set FOLDER TABLE KEY member=value ...", "change members of a record", tools::run_set},
+    {"delete", "delete FOLDER TABLE KEY", "delete a record", tools::run_delete},
     {"tables", "tables FILE [--system] [--password TEXT]", "names of the tables of a Jet file", tools::run_tables},
     {"schema", "schema FILE [TABLE] [--password TEXT]", "columns and indexes", tools::run_schema},
     {"rows", "rows FILE TABLE [--json|--csv] [--password TEXT]", "all rows of a table", tools::run_rows},

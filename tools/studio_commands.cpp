@@ -38,7 +38,8 @@ int run_info(const Words& words) {
     IDBgate1& gate = studio.open();
     HeadInfo head{};
     if (SUCCEEDED(gate.GetHead(address_of(head)))) {
-        std::printf("schema version %d, colours %d and %d\n", head.DBversion, head.Color1, head.Color2);
+        std::printf("schema version %d, colours %d and %d\n", static_cast<int>(head.DBversion),
+                    static_cast<int>(head.Color1), static_cast<int>(head.Color2));
     } else {
         std::printf("no header row\n");
     }

@@ -65,8 +65,11 @@ private:
     // The count for these local parts, or -1.
     static std::int64_t count_of(int year, int month, int day, int hour, int minute, int second, int dst) noexcept {
         if (year < 1969 || year > 2038 || month < 1 || month > 12 || day < 1 || day > 31) return -1;
-        std::int64_t count = host_count(year, month, day, hour, minute, second, dst);
+        bool exact = false;
+        std::int64_t count = host_count(year, month, day, hour, minute, second, dst, &exact);
         if (count < 0 || count > INT32_MAX) return -1;
+        // The clock shows these very parts then: only the calendar can still say no.
+        if (exact && day <= days_in(year, month) && in_day(hour, minute, second)) return count;
         if (is_on(count, year, month, day)) return count;
 
         // Midnight may be missing where clocks change then, and the host's step may lead to the day
@@ -83,12 +86,14 @@ private:
     // The count whose local parts are these, hours and below in any range; it may be wider than 32 bits. For
     // the zone's own rule the local clock is asked rather than the host's mktime, which looks for changes of
     // the zone at every call.
-    static std::int64_t host_count(int year, int month, int day, int hour, int minute, int second, int dst) noexcept {
+    static std::int64_t host_count(int year, int month, int day, int hour, int minute, int second, int dst,
+                                   bool* exact = nullptr) noexcept {
         if (dst < 0) {
             const std::int64_t wall = days_before(year, month, day) * 86400 + hour * 3600LL + minute * 60LL + second;
             const std::int64_t first = wall - offset_at(wall);
-            if (first + offset_at(first) == wall) return first;
-            return wall - offset_at(first);
+            const std::int64_t offset = offset_at(first);
+            if (exact != nullptr) *exact = first + offset == wall;
+            return wall - offset;
         }
         std::tm parts{};
         parts.tm_year = year - 1900;
@@ -99,6 +104,15 @@ private:
         parts.tm_sec = second;
         parts.tm_isdst = dst;
         return static_cast<std::int64_t>(std::mktime(&parts));
+    }
+
+    static int days_in(int year, int month) noexcept {
+        if (month == 2) return (year % 4 == 0 && year % 100 != 0) || year % 400 == 0 ? 29 : 28;
+        return month == 4 || month == 6 || month == 9 || month == 11 ? 30 : 31;
+    }
+
+    static bool in_day(int hour, int minute, int second) noexcept {
+        return hour >= 0 && hour < 24 && minute >= 0 && minute < 60 && second >= 0 && second < 60;
     }
 
     // Days from 1970-01-01 to this date.

@@ -16,7 +16,6 @@ enum class Reader { kMdbExport, kMdbReader };
 struct Sample {
     const jet::ColumnDef& column;
     const jet::Value& value;
-    bool younger_than_row = false;  // the row was stored before the table had the column
 };
 
 // Whether the reader printed exactly this value.

@@ -14,8 +14,7 @@ namespace interop {
 struct OurRow {
     jet::RowId id;
     std::vector<jet::Value> values;
-    std::size_t stored_columns = 0;  // how many columns the table had, deleted ones included, when the row was stored
-    bool moved = false;              // lies on another page than its address says
+    bool moved = false;  // lies on another page than its address says
 };
 
 struct OurTable {

@@ -1,59 +1,18 @@
 // The command-line tool as a user meets it: what it prints, where, and its exit codes.
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <string>
 
-#include "tests/support/temp_folder.h"
+#include "tests/tools/tool_fixture.h"
 
 namespace {
 
-using testing_support::TempFolder;
-
-struct Outcome {
-    int code = -1;
-    std::string out;
-    std::string errors;
-};
-
-std::string contents(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
-
-std::string in_quotes(const std::string& text) { return "'" + text + "'"; }
-
-class Tool : public ::testing::Test {
-protected:
-    Outcome run(const std::string& arguments) {
-        const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " >" +
-                                    in_quotes(scratch_.file("out")) + " 2>" + in_quotes(scratch_.file("err"));
-        const int status = std::system(command.c_str());
-        return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(scratch_.file("out")),
-                contents(scratch_.file("err"))};
-    }
-    Outcome demo() { return run("demo " + in_quotes(studio_)); }
-    std::string main_file() const { return in_quotes(studio_ + "/sldb.mdb"); }
-
-    TempFolder scratch_;
-    std::string studio_ = scratch_.file("a studio");  // a blank in the name, as users have them
-};
-
-void expect_failure(const Outcome& outcome, int code, const std::string& text) {
-    EXPECT_EQ(outcome.code, code);
-    EXPECT_NE(outcome.errors.find(text), std::string::npos) << outcome.errors;
-    EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 1) << outcome.errors;
-}
+using namespace testing_tool;
 
 TEST_F(Tool, demo_makes_a_studio_and_shows_what_it_did) {
     const Outcome outcome = demo();
     EXPECT_EQ(outcome.code, 0) << outcome.errors;
-    EXPECT_NE(outcome.out.find("Grüße aus Köln"), std::string::npos);
+    for (const char* text : {"Grüße aus Köln", "Last Departure", "Lindström", "2026-03-12T10:00", "930.56", "R-84"}) {
+        EXPECT_NE(outcome.out.find(text), std::string::npos) << text;
+    }
     EXPECT_NE(outcome.out.find("34 tables, structural check: sound"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(studio_ + "/sldb.mdb"));
     EXPECT_TRUE(std::filesystem::exists(studio_ + "/kvinvdb.mdb"));
@@ -85,7 +44,7 @@ TEST_F(Tool, projects_filters_and_prints_json) {
     demo();
     const Outcome all = run("projects " + in_quotes(studio_));
     EXPECT_NE(all.out.find("3 projects"), std::string::npos) << all.out;
-    const Outcome one = run("projects " + in_quotes(studio_) + " --client 9 --type Album --json");
+    const Outcome one = run("projects " + in_quotes(studio_) + " --client 3 --type Album --json");
     EXPECT_EQ(one.code, 0);
     EXPECT_NE(one.out.find("\"Name\": \"Grüße aus Köln\""), std::string::npos) << one.out;
     EXPECT_EQ(one.out.find("Night Trains"), std::string::npos);
@@ -101,6 +60,22 @@ TEST_F(Tool, engine_commands_read_a_file_and_ask_for_its_password) {
     expect_failure(run("check " + in_quotes(studio_ + "/nothing.mdb")), 1, "nothing.mdb");
 }
 
+TEST_F(Tool, demo_fails_where_no_folder_can_be_made) {
+    std::ofstream(scratch_.file("file")) << "no folder";
+    expect_failure(run("demo " + in_quotes(scratch_.file("file"))), 1, "cannot make the folder");
+}
+
+TEST_F(Tool, check_tells_sound_files_from_others) {
+    std::ifstream sample(KVDB_SAMPLES "/testV2000.mdb");
+    if (!sample) GTEST_SKIP() << "no sample files beside the project";
+    const Outcome sound = run("check " + in_quotes(KVDB_SAMPLES "/indexTestV2000.mdb"));
+    EXPECT_EQ(sound.code, 0) << sound.out;
+    EXPECT_NE(sound.out.find(": 0 violations"), std::string::npos) << sound.out;
+    const Outcome leaky = run("check " + in_quotes(KVDB_SAMPLES "/testV2000.mdb"));
+    EXPECT_EQ(leaky.code, 1);
+    EXPECT_NE(leaky.out.find("page 34: page-leaked"), std::string::npos) << leaky.out;
+}
+
 TEST_F(Tool, engine_commands_show_tables_columns_and_rows) {
     std::ifstream sample(KVDB_SAMPLES "/testV2000.mdb");
     if (!sample) GTEST_SKIP() << "no sample files beside the project";
@@ -112,6 +87,8 @@ TEST_F(Tool, engine_commands_show_tables_columns_and_rows) {
     EXPECT_NE(rows.out.find("abcdefg,hijklmnop"), std::string::npos) << rows.out;
     EXPECT_NE(run("rows " + file + " Table1 --json").out.find("\"abcdefg\""), std::string::npos);
     expect_failure(run("rows " + file + " Nothing"), 1, "Nothing");
+    expect_failure(run("schema " + file + " Nothing"), 1, "Nothing");
+    EXPECT_NE(run("tables " + file + " --system").out.find("MSysObjects"), std::string::npos);
 }
 
 TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
@@ -124,7 +101,8 @@ TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
 
 TEST_F(Tool, help_is_everywhere_and_succeeds) {
     EXPECT_EQ(run("--help").code, 0);
-    for (const std::string command : {"demo", "info", "projects", "tables", "schema", "rows", "check"}) {
+    for (const std::string command :
+         {"demo", "info", "projects", "list", "show", "add", "set", "delete", "tables", "schema", "rows", "check"}) {
         const Outcome outcome = run(command + " --help");
         EXPECT_EQ(outcome.code, 0) << command;
         EXPECT_NE(outcome.out.find("kvdb " + command), std::string::npos);
@@ -139,6 +117,10 @@ TEST_F(Tool, what_is_not_understood_is_a_usage_error) {
     expect_failure(run("projects x --client many"), 2, "--client");
     expect_failure(run("projects x --colour red"), 2, "--colour");
     expect_failure(run("rows a b --json --csv"), 2, "--csv");
+    for (const std::string command : {"list", "show", "add", "set", "delete", "tables", "schema", "rows", "check"}) {
+        expect_failure(run(command), 2, "usage: kvdb " + command);
+    }
+    expect_failure(run("demo one two"), 2, "usage: kvdb demo");
 }
 
 }  // namespace

@@ -1,9 +1,6 @@
 // The peer: one SQLite file, journal mode WAL, synchronous NORMAL, prepared statements, one commit a call,
 // the key as rowid and an index on the column that the filter asks for.
-#include <sqlite3.h>
-
-#include <stdexcept>
-
+#include "bench/sqlite_statement.h"
 #include "bench/store.h"
 #include "os/system.h"
 
@@ -19,29 +16,6 @@ constexpr char kColumns[] =
     "Name, ProjCreateDate, Type, ProjTypeID, Producer, ProducerID, Client, ClientID, Director, DirectorID, Folder, "
     "DiscountType, DiscountVal, ExData, Notes";
 
-class Statement {
-public:
-    Statement(sqlite3* database, const std::string& text) {
-        if (sqlite3_prepare_v2(database, text.c_str(), -1, &handle_, nullptr) != SQLITE_OK) {
-            throw std::runtime_error(sqlite3_errmsg(database));
-        }
-    }
-    ~Statement() { sqlite3_finalize(handle_); }
-    Statement(const Statement&) = delete;
-    Statement& operator=(const Statement&) = delete;
-    sqlite3_stmt* get() const { return handle_; }
-    bool step() const { return sqlite3_step(handle_) == SQLITE_ROW; }
-    bool run() const {
-        const bool done = sqlite3_step(handle_) == SQLITE_DONE;
-        sqlite3_reset(handle_);
-        return done;
-    }
-    void reset() const { sqlite3_reset(handle_); }
-
-private:
-    sqlite3_stmt* handle_ = nullptr;
-};
-
 class SqliteStore final : public Store {
 public:
     explicit SqliteStore(const std::string& folder) : path_(os::join_path(folder, "projects.sqlite")) {}
@@ -49,9 +23,9 @@ public:
 
     void open() override {
         if (sqlite3_open(path_.c_str(), &database_) != SQLITE_OK) throw std::runtime_error("cannot open " + path_);
-        execute("PRAGMA journal_mode=WAL");
-        execute("PRAGMA synchronous=NORMAL");
-        execute(kSchema);
+        execute(database_, "PRAGMA journal_mode=WAL");
+        execute(database_, "PRAGMA synchronous=NORMAL");
+        execute(database_, kSchema);
         insert_ = prepare("INSERT INTO Projects(" + std::string(kColumns) + ") VALUES(?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)");
         find_ = prepare("SELECT ProjID, " + std::string(kColumns) + " FROM Projects WHERE ProjID=?");
         update_ = prepare(
@@ -68,12 +42,12 @@ public:
         database_ = nullptr;
     }
     void fill(std::int32_t count) override {
-        execute("BEGIN");
+        execute(database_, "BEGIN");
         for (std::int32_t n = 1; n <= count; ++n) {
             ProjInfo project = sample_project(n);
             add(project);
         }
-        execute("COMMIT");
+        execute(database_, "COMMIT");
     }
     bool add(ProjInfo& project) override {
         bind(*insert_, project);
@@ -116,12 +90,6 @@ public:
 
 private:
     std::unique_ptr<Statement> prepare(const std::string& text) { return std::make_unique<Statement>(database_, text); }
-    void execute(const char* text) {
-        char* message = nullptr;
-        if (sqlite3_exec(database_, text, nullptr, nullptr, &message) != SQLITE_OK) {
-            throw std::runtime_error(message ? message : "SQLite failed");
-        }
-    }
     static void text(const Statement& statement, int at, const CString& value) {
         sqlite3_bind_text(statement.get(), at, value.GetString(), value.GetLength(), SQLITE_STATIC);
     }

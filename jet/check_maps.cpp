@@ -124,7 +124,9 @@ bool has_page(const std::vector<PageNumber>& pages, PageNumber page) {
 }
 
 void Context::finish_map_pages() {
-    for (const auto& [page_no, rows] : map_rows_) {
+    for (const auto& entry : map_rows_) {
+        const PageNumber page_no = entry.first;
+        const RowSet& rows = entry.second;
         guard(page_no, "map", [&] {
             const Page page = pager.read(page_no);
             const auto slots = read_slots(page_no, page.bytes());

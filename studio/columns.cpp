@@ -14,7 +14,11 @@ db::TimeOfDay precision_of(Conversion conversion) {
 void read_value(CDaoRecordset& rows, const char* column, CString& member) {
     COleVariant value;
     rows.GetFieldValue(column, value);
-    member = db::value_to_text(value);
+    if (value.vt == VT_BSTR) {
+        member = reinterpret_cast<const char*>(value.bstrVal);  // what the conversion gives, into the member's memory
+    } else {
+        member = db::value_to_text(value);
+    }
 }
 
 void read_value(CDaoRecordset& rows, const char* column, LONG& member) {

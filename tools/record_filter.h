@@ -113,7 +113,7 @@ private:
     }
 
     static void complete_span(Record& record, const studio::Clause<Record>& clause) {
-        const CTime unset = Record().*clause.from;
+        const CTime unset;
         const bool has_bound = record.*clause.from != unset || record.*clause.to != unset;
         if (clause.number != nullptr && record.*clause.number == 0 && has_bound) record.*clause.number = clause.mode;
         if (!clause.applies(record)) return;

@@ -46,7 +46,14 @@ public:
         return *this;
     }
     CString& operator=(const char* text) {
-        CString copy(text);
+        const int length = length_of(text);
+        if (length > 0 && characters_ != nullptr && length <= header()->capacity &&
+            header()->owners.load(std::memory_order_acquire) == 1) {
+            std::memmove(characters_, text, static_cast<std::size_t>(length));  // the text may lie inside this one
+            set_length(length);
+            return *this;
+        }
+        CString copy(text, length);
         swap(copy);
         return *this;
     }

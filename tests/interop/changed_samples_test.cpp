@@ -216,11 +216,11 @@ TEST_F(ChangedSamplesInterop, indexes_that_grow_over_many_pages_and_shrink_keep_
         indexes += table.def().real_indexes.size();
         jet::Transaction transaction(database->pager());
         std::vector<jet::RowId> rows;
-        for (std::uint32_t i = 0; i < 2500; ++i) {
+        for (std::uint32_t i = 0; i < 1500; ++i) {
             std::vector<jet::Value> values;
             // Neither rising nor falling: entries come between others.
             for (const jet::ColumnDef& column : table.def().columns)
-                values.push_back(value_for(column, 1000 + i * 997 % 2503));
+                values.push_back(value_for(column, 1000 + i * 997 % 1511));
             rows.push_back(table.insert(values));
         }
         EXPECT_EQ(findings(*database), before);

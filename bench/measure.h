@@ -1,0 +1,38 @@
+// What both tables of figures share: a store is measured in a process of its own, so that peak memory is that
+// of the one and not of the other, and Google Benchmark times each operation there; the parent collects.
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <string>
+
+namespace bench {
+
+inline constexpr int kRepetitions = 3;
+
+// Figures by name: operations a second, or what else the measuring process has told.
+using Figures = std::map<std::string, double>;
+
+// Ends the process with a message when `done` is false.
+void require(bool done, const char* what);
+
+double seconds_of(const std::function<void()>& work);
+
+// An operation to be timed: `one` does it once and gives the seconds it took; it counts as `items` operations.
+void add_benchmark(const char* name, std::int64_t iterations, std::function<double()> one, std::int64_t items = 1);
+
+// Runs what has been added and prints the medians of the repetitions for the parent.
+void run_benchmarks();
+// Prints another figure for the parent.
+void tell(const char* name, double figure);
+// Prints the most memory that this process has held, in KiB, as "peak".
+void tell_peak();
+
+// Runs this program anew as "PROGRAM MODE KIND SIZE FOLDER" and collects its figures. The folder is made
+// before and removed behind it.
+Figures run_child(const char* program, const char* mode, const std::string& kind, std::int32_t size,
+                  const std::filesystem::path& folder);
+
+}  // namespace bench

@@ -189,8 +189,20 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
     }
     if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field]))
         return to_variant(pending_[field], value);
-    view().value(field, scratch_);
-    to_variant(scratch_, value);
+    // Texts are read into one value and everything else into another, so that a text finds the memory of the last.
+    const jet::ColumnType type = table_->def().columns[field].type;
+    jet::Value& scratch = type == jet::ColumnType::kText || type == jet::ColumnType::kMemo ? text_scratch_ : scratch_;
+    const jet::RowView& row = view();
+    row.value(field, scratch);
+    if (const auto* number = std::get_if<std::int32_t>(&scratch)) {
+        value.Clear();
+        value.vt = VT_I4;
+        value.lVal = *number;
+    } else if (const auto* text = std::get_if<std::u16string>(&scratch)) {
+        value.SetText(std::u16string_view(*text));
+    } else {
+        to_variant(scratch, value);
+    }
 }
 
 void RecordsetState::set(std::size_t field, jet::Value value) {

@@ -90,7 +90,8 @@ private:
     std::int32_t erased_ = 0;
     bool has_view_ = false;
     jet::RowView view_;
-    jet::Value scratch_;  // the value read last, for its memory
+    jet::Value text_scratch_;  // the text read last, for its memory
+    jet::Value scratch_;       // the value read last that is no text
 
     std::int16_t mode_ = dbEditNone;
     std::vector<jet::Value> pending_;

@@ -119,11 +119,15 @@ Value decode_value(ByteSpan stored, const ColumnDef& column) {
 }
 
 void decode_value(ByteSpan stored, const ColumnDef& column, Value& into) {
-    auto* text = std::get_if<std::u16string>(&into);
-    if (text != nullptr && (column.type == ColumnType::kText || column.type == ColumnType::kMemo)) {
-        decode_text(stored, *text);
-    } else {
-        into = decode_value(stored, column);
+    switch (column.type) {
+        case ColumnType::kText:
+        case ColumnType::kMemo:
+            if (!std::holds_alternative<std::u16string>(into)) into.emplace<std::u16string>();
+            return decode_text(stored, *std::get_if<std::u16string>(&into));
+        case ColumnType::kLong: into.emplace<std::int32_t>(load_i32(stored, 0)); return;
+        case ColumnType::kCurrency: into.emplace<Currency>(Currency{load_i64(stored, 0)}); return;
+        case ColumnType::kDate: into.emplace<Date>(Date{load_f64(stored, 0)}); return;
+        default: into = decode_value(stored, column);
     }
 }
 

@@ -1,6 +1,7 @@
 #include "jet/pager.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "jet/file_errors.h"
@@ -47,6 +48,14 @@ struct Pager::Level {
 
 namespace {
 
+constexpr std::size_t kSpareBuffers = 64;
+
+// So that `count` more can be added without asking for memory.
+template <class T>
+void make_room(std::vector<T>& list, std::size_t count) {
+    if (list.capacity() - list.size() < count) list.reserve(std::max(list.size() + count, 2 * list.size()));
+}
+
 std::uint64_t file_identity(ByteSpan header_page) {
     std::uint64_t sum = checksum64(header_page.first(jet4::header::kMasked), 0);
     sum = checksum64(header_page.subspan(jet4::header::kBuild, jet4::header::kSidKeyEnd - jet4::header::kBuild), sum);
@@ -66,6 +75,7 @@ Pager::Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions opti
             fail(errors::kDamaged, "The database is damaged: " + path_ + " ends inside a page.");
         }
     });
+    spare_buffers_.reserve(kSpareBuffers);
     last_sync_ = std::chrono::steady_clock::now() - options_.sync_interval;
 }
 
@@ -98,6 +108,7 @@ Frame* Pager::new_frame(PageNumber page_no) {
             frame = candidate;
         }
         if (frame && frame->page_no < jet4::kMaxPages) table_.set(frame->page_no, nullptr);
+        if (frame) frame->page_no = jet4::kMaxPages;  // nobody's
         // All are held by one large transaction: searching again for each of its pages would take ever longer.
         if (!frame) search_from_ = frames_.size() + frames_.size() / 4;
     }
@@ -105,11 +116,11 @@ Frame* Pager::new_frame(PageNumber page_no) {
         frames_.push_back(std::make_unique<Frame>());
         frame = frames_.back().get();
     }
+    table_.set(page_no, frame);
     frame->page_no = page_no;
     frame->dirty = false;
     frame->recently_used = true;
     frame->saved_level = 0;
-    table_.set(page_no, frame);
     return frame;
 }
 
@@ -126,7 +137,7 @@ Frame* Pager::load(PageNumber page_no) {
         if (got != jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
     } catch (...) {
         table_.set(page_no, nullptr);
-        frame->page_no = jet4::kMaxPages;  // nobody's
+        frame->page_no = jet4::kMaxPages;
         frame->recently_used = false;
         throw;
     }
@@ -135,6 +146,11 @@ Frame* Pager::load(PageNumber page_no) {
 }
 
 Page Pager::read(PageNumber page_no) { return Page(load(page_no)); }
+
+// Rolling back must not need memory.
+void Pager::keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept {
+    if (buffer && spare_buffers_.size() < kSpareBuffers) spare_buffers_.push_back(std::move(buffer));
+}
 
 void Pager::save_for_undo(Frame* frame) {
     const int level = static_cast<int>(levels_.size());
@@ -164,6 +180,7 @@ MutablePage Pager::extend() {
     if (levels_.empty()) fail(errors::kReserved, "A page was to be added outside a transaction.");
     if (page_count_ >= jet4::kMaxPages)
         fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
+    make_room(levels_.back().undo, 1);
     Frame* frame = new_frame(page_count_);
     std::memset(frame->bytes, 0, jet4::kPageSize);
     MutablePage page(frame);
@@ -184,7 +201,7 @@ void Pager::restore_level(Level& level) {
         if (undo->image) {
             std::memcpy(frame->bytes, undo->image.get(), jet4::kPageSize);
             frame->saved_level = undo->saved_level_before;
-            spare_buffers_.push_back(std::move(undo->image));
+            keep_buffer(std::move(undo->image));
         } else {
             table_.set(frame->page_no, nullptr);
             frame->page_no = jet4::kMaxPages;
@@ -205,13 +222,14 @@ void Pager::rollback() {
 void Pager::commit() {
     if (levels_.size() > 1) {
         // What the outer transaction has not saved yet, it takes over.
+        make_room(levels_[levels_.size() - 2].undo, levels_.back().undo.size());
         Level inner = std::move(levels_.back());
         levels_.pop_back();
         const int outer = static_cast<int>(levels_.size());
         for (Undo& undo : inner.undo) {
             undo.frame->saved_level = outer;
             if (undo.saved_level_before == outer) {
-                if (undo.image) spare_buffers_.push_back(std::move(undo.image));
+                keep_buffer(std::move(undo.image));
             } else {
                 levels_.back().undo.push_back(std::move(undo));
             }
@@ -231,6 +249,7 @@ void Pager::commit() {
             std::vector<JournalPage> pages;
             pages.reserve(levels_.back().undo.size());
             for (const Undo& undo : levels_.back().undo) pages.push_back({undo.frame->page_no, undo.frame->bytes});
+            make_room(dirty_, pages.size());  // nothing may fail once the commit stands
             const std::uint64_t end_before = journal_->size_bytes();
             journal_->append(pages, page_count_);
             if (is_sync_point) {
@@ -250,7 +269,7 @@ void Pager::commit() {
         undo.frame->saved_level = 0;
         if (!undo.frame->dirty) dirty_.push_back(undo.frame->page_no);
         undo.frame->dirty = true;
-        if (undo.image && spare_buffers_.size() < 64) spare_buffers_.push_back(std::move(undo.image));
+        keep_buffer(std::move(undo.image));
     }
     levels_.pop_back();
     if (!is_sync_point && journal_->size_bytes() < options_.journal_limit_bytes) return;
@@ -261,6 +280,7 @@ void Pager::commit() {
         write_back();
         if (journal_->size_bytes() >= options_.journal_limit_bytes) reset_journal();
     } catch (const os::FileError&) {
+    } catch (const std::bad_alloc&) {
     }
 }
 

@@ -138,6 +138,7 @@ private:
     detail::Frame* load(PageNumber page_no);
     detail::Frame* new_frame(PageNumber page_no);
     void save_for_undo(detail::Frame* frame);
+    void keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept;
     void restore_level(Level& level);
     void recover();
     void bump_change_counter();

@@ -25,7 +25,7 @@ private:
     std::optional<std::size_t> look_up(std::string_view name) const;
 
     mutable std::array<std::uint16_t, 256> recent_{};  // positions found last, by the address of the name
-    std::vector<std::string> names_;                  // narrow
+    std::vector<std::string> names_;                   // narrow
     std::vector<std::u16string> wide_;
     std::vector<std::uint16_t> slots_;  // position + 1, 0 is free; a power of two of them
 };

@@ -25,8 +25,7 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
     target_compile_options(kvdb_options INTERFACE -fno-gnu-unique)
 endif()
 if(KVDB_SANITIZE)
-    # With the sanitizers' code in it, GCC 12 takes the library's own function objects for uninitialized.
-    target_compile_options(kvdb_options INTERFACE -Wno-maybe-uninitialized
+    target_compile_options(kvdb_options INTERFACE
         -fsanitize=${KVDB_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=undefined)
     target_link_options(kvdb_options INTERFACE -fsanitize=${KVDB_SANITIZE})
 endif()

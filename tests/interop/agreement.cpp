@@ -163,13 +163,13 @@ bool is_date_before_day_zero(const Sample& sample) {
 }
 
 const Fault kFaults[] = {
-    // It takes the bytes for a text that ends at the first NUL.
+    // It takes the bytes for a text that ends at the first NUL, and an empty text for Null.
     {Reader::kMdbExport, "binary is printed up to its first NUL",
      [](const Sample& sample, const Field& field) {
          const auto* bytes = bytes_of(sample);
-         if (!bytes || !field) return false;
+         if (!bytes) return false;
          const auto end = std::find(bytes->begin(), bytes->end(), 0);
-         return upper(*field) == hex_of(bytes->data(), static_cast<std::size_t>(end - bytes->begin()));
+         return upper(field.value_or("")) == hex_of(bytes->data(), static_cast<std::size_t>(end - bytes->begin()));
      }},
     {Reader::kMdbExport, "text is printed up to its first NUL",
      [](const Sample& sample, const Field& field) {

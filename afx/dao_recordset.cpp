@@ -7,7 +7,7 @@
 
 namespace {
 
-std::string_view text_or_empty(const char* text) { return text != nullptr ? text : ""; }
+const char* text_or_empty(const char* text) { return text != nullptr ? text : ""; }
 
 }  // namespace
 
@@ -58,12 +58,28 @@ void CDaoRecordset::MoveNext() {
     afx::translated([&] { state().move_next(); });
 }
 
+int CDaoRecordset::GetFieldPosition(const char* name) const {
+    return afx::translated([&] { return static_cast<int>(state().field(text_or_empty(name))); });
+}
+
+std::span<const int> CDaoRecordset::known_positions(const void* list) const {
+    return afx::translated([&] { return state().names().known(list); });
+}
+
+std::span<const int> CDaoRecordset::learn_positions(const void* list, std::span<const char* const> names) const {
+    return afx::translated([&] { return state().names().learn(list, names); });
+}
+
 void CDaoRecordset::GetFieldValue(const char* name, COleVariant& value) {
     afx::translated([&] { state().get(state().field(text_or_empty(name)), value); });
 }
 
 void CDaoRecordset::GetFieldValue(int index, COleVariant& value) {
     afx::translated([&] { state().get(state().field(index), value); });
+}
+
+bool CDaoRecordset::GetFieldText(int index, CString& text) {
+    return afx::translated([&] { return state().get_text(state().field(index), text); });
 }
 
 COleVariant CDaoRecordset::GetFieldValue(const char* name) {

@@ -5,6 +5,8 @@
 #pragma once
 
 #include <memory>
+#include <span>
+#include <vector>
 
 #include "afx/dao_database.h"
 #include "afx/ole_variant.h"
@@ -44,12 +46,30 @@ public:
     // From the last row to the end without an error; 3021 from there.
     void MoveNext();
 
+    // 0-based position of a field; 3265.
+    int GetFieldPosition(const char* name) const;
+    // Positions of the fields that a list of columns names (objects with a member `name`), looked up once for each
+    // table: whatever stands at the list's address stays the same. -1 for a name that is no field.
+    template <class Columns>
+    std::span<const int> GetFieldPositions(const Columns& columns) const {
+        const std::span<const int> known = known_positions(columns.data());
+        if (known.size() == columns.size()) return known;
+        std::vector<const char*> names;
+        for (const auto& column : columns) names.push_back(column.name);
+        return learn_positions(columns.data(), names);
+    }
+
     // The current row's value, or that of the pending new or edited row. By name without regard to case, or
     // by 0-based position: 3265. 3021 without a current row, 3167 when another set has deleted it.
     virtual void GetFieldValue(const char* name, COleVariant& value);
     virtual void GetFieldValue(int index, COleVariant& value);
     virtual COleVariant GetFieldValue(const char* name);
     virtual COleVariant GetFieldValue(int index);
+
+    // A text field straight into `text`, as the first of the above and the variant's text would give it. False,
+    // and `text` is untouched, for whatever has to be asked for as a variant: other types, Null, texts that are
+    // not plain ASCII, values of a pending row. Errors as above.
+    bool GetFieldText(int index, CString& text);
 
     // 3020 without a pending AddNew or Edit, 3265, 3163 text too long, 3421 no conversion, 3164 an
     // auto-number; the buffer is then as it was. Zero length and Null are checked by Update.
@@ -83,6 +103,8 @@ public:
 
 private:
     afx::RecordsetState& state() const;
+    std::span<const int> known_positions(const void* list) const;
+    std::span<const int> learn_positions(const void* list, std::span<const char* const> names) const;
     void database_closing() noexcept override { CDaoRecordset::Close(); }
     void database_destroyed() noexcept override { m_pDatabase = nullptr; }
 

@@ -77,6 +77,15 @@ struct Writer {
 
 void to_variant(const jet::Value& value, COleVariant& out) { std::visit(Writer{out}, value); }
 
+bool to_variant(jet::ByteSpan stored, jet::ColumnType type, COleVariant& out) {
+    switch (type) {
+        case jet::ColumnType::kLong: Writer{out}(jet::load_i32(stored, 0)); return true;
+        case jet::ColumnType::kCurrency: Writer{out}(jet::Currency{jet::load_i64(stored, 0)}); return true;
+        case jet::ColumnType::kDate: Writer{out}(jet::Date{jet::load_f64(stored, 0)}); return true;
+        default: return false;
+    }
+}
+
 jet::Value to_value(const VARIANT& variant) {
     switch (variant.vt) {
         case VT_EMPTY:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstring>
 
 #include "jet/types.h"
 #include "os/system.h"
@@ -37,14 +38,28 @@ FieldNames::FieldNames(std::vector<std::u16string> names) : wide_(std::move(name
     }
 }
 
-std::optional<std::size_t> FieldNames::find(std::string_view name) const {
+std::optional<std::size_t> FieldNames::find(const char* name) const {
     // Callers name their columns by the same few texts again and again: the one found last time at this
     // address is right when it still reads the same.
-    std::uint16_t& recent = recent_[reinterpret_cast<std::uintptr_t>(name.data()) / 2 % recent_.size()];
-    if (recent < names_.size() && names_[recent] == name) return recent;
+    std::uint16_t& recent = recent_[reinterpret_cast<std::uintptr_t>(name) / 2 % recent_.size()];
+    if (recent < names_.size() && std::strcmp(names_[recent].c_str(), name) == 0) return recent;
     const std::optional<std::size_t> found = look_up(name);
     if (found) recent = static_cast<std::uint16_t>(*found);
     return found;
+}
+
+std::span<const int> FieldNames::known(const void* list) const {
+    const auto found = lists_.find(list);
+    return found != lists_.end() ? std::span<const int>(found->second) : std::span<const int>();
+}
+
+std::span<const int> FieldNames::learn(const void* list, std::span<const char* const> names) const {
+    std::vector<int> positions;
+    for (const char* name : names) {
+        const std::optional<std::size_t> position = look_up(name);
+        positions.push_back(position ? static_cast<int>(*position) : -1);
+    }
+    return lists_[list] = std::move(positions);
 }
 
 std::optional<std::size_t> FieldNames::look_up(std::string_view name) const {

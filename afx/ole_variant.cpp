@@ -143,12 +143,6 @@ bool convert_variant(const VARIANT& source, VARTYPE type, VARIANT& result) {
 
 }  // namespace afx
 
-void COleVariant::init(VARTYPE type) noexcept {
-    VariantInit(this);
-    llVal = 0;
-    vt = type;
-}
-
 COleVariant::COleVariant(const VARIANT& source) {
     init(VT_EMPTY);
     const HRESULT result = VariantCopy(this, const_cast<VARIANT*>(&source));
@@ -206,11 +200,6 @@ COleVariant::COleVariant(const COleCurrency& value) noexcept {
 COleVariant::COleVariant(const COleDateTime& value) noexcept {
     init(VT_DATE);
     date = value.m_dt;
-}
-
-void COleVariant::Clear() noexcept {
-    VariantClear(this);
-    init(VT_EMPTY);
 }
 
 void COleVariant::SetText(std::string_view text) {

@@ -60,7 +60,10 @@ public:
     }
 
     // VT_EMPTY afterwards.
-    void Clear() noexcept;
+    void Clear() noexcept {
+        if (vt > VT_DATE) VariantClear(this);  // the types up to it own nothing
+        init(VT_EMPTY);
+    }
     // Text of these bytes, zero bytes included.
     void SetText(std::string_view text);
     // The engine's text, in the narrow code page.
@@ -70,7 +73,11 @@ public:
     void ChangeType(VARTYPE type, const VARIANT* source = nullptr);
 
 private:
-    void init(VARTYPE type) noexcept;
+    void init(VARTYPE type) noexcept {
+        VariantInit(this);
+        llVal = 0;
+        vt = type;
+    }
 };
 
 namespace afx {

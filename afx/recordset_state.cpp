@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <string>
 #include <utility>
 
 #include "afx/dao_value.h"
 #include "jet/error.h"
+#include "jet/text_codec.h"
 #include "os/system.h"
 
 namespace afx {
@@ -151,7 +153,7 @@ void RecordsetState::move_next() {
 
 // ---- Values --------------------------------------------------------------------------------------
 
-std::size_t RecordsetState::field(std::string_view name) const {
+std::size_t RecordsetState::field(const char* name) const {
     const std::optional<std::size_t> position = names_->find(name);
     if (!position) {
         jet::fail(errors::kNotInCollection, "Table '" + jet::to_utf8(table_->def().name) + "' has no field '" +
@@ -189,20 +191,25 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
     }
     if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field]))
         return to_variant(pending_[field], value);
-    // Texts are read into one value and everything else into another, so that a text finds the memory of the last.
-    const jet::ColumnType type = table_->def().columns[field].type;
-    jet::Value& scratch = type == jet::ColumnType::kText || type == jet::ColumnType::kMemo ? text_scratch_ : scratch_;
     const jet::RowView& row = view();
-    row.value(field, scratch);
-    if (const auto* number = std::get_if<std::int32_t>(&scratch)) {
-        value.Clear();
-        value.vt = VT_I4;
-        value.lVal = *number;
-    } else if (const auto* text = std::get_if<std::u16string>(&scratch)) {
-        value.SetText(std::u16string_view(*text));
-    } else {
-        to_variant(scratch, value);
+    if (const auto stored = row.stored(field)) {
+        if (to_variant(*stored, table_->def().columns[field].type, value)) return;
     }
+    row.value(field, scratch_);
+    to_variant(scratch_, value);
+}
+
+bool RecordsetState::get_text(std::size_t field, CString& text) {
+    if (rows_ == nullptr || mode_ != dbEditNone) return false;
+    const auto stored = view().stored_text(field);
+    const auto length = stored ? jet::ascii_length(*stored) : std::nullopt;
+    if (!length || *length > std::numeric_limits<int>::max()) return false;
+    if (*length == 0) {
+        text.Empty();
+    } else {
+        jet::copy_ascii(*stored, text.GetBufferSetLength(static_cast<int>(*length)));
+    }
+    return true;
 }
 
 void RecordsetState::set(std::size_t field, jet::Value value) {

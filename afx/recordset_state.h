@@ -32,10 +32,14 @@ public:
     void move_first();
     void move_next();
 
-    // Position for the two below; 3265.
-    std::size_t field(std::string_view name) const;
+    const FieldNames& names() const { return *names_; }
+    // Position for those below; 3265.
+    std::size_t field(const char* name) const;
     std::size_t field(int index) const;
     void get(std::size_t field, COleVariant& value);
+    // A text field of the current row without a variant between; false, and `text` is untouched, for everything
+    // that has to go through one.
+    bool get_text(std::size_t field, CString& text);
     void set(std::size_t field, jet::Value value);
 
     void add_new();
@@ -90,8 +94,7 @@ private:
     std::int32_t erased_ = 0;
     bool has_view_ = false;
     jet::RowView view_;
-    jet::Value text_scratch_;  // the text read last, for its memory
-    jet::Value scratch_;       // the value read last that is no text
+    jet::Value scratch_;  // the value decoded last, for its memory
 
     std::int16_t mode_ = dbEditNone;
     std::vector<jet::Value> pending_;

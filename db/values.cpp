@@ -108,6 +108,11 @@ COleCurrency currency_of(float value) {
 }
 
 float float_of(const COleCurrency& amount) {
+    // What the text would give: an amount that a double holds exactly is divided with the same one rounding.
+    constexpr std::int64_t kExact = std::int64_t{1} << 53;
+    if (amount.m_status == COleCurrency::valid && amount.m_cur.int64 <= kExact && amount.m_cur.int64 >= -kExact) {
+        return static_cast<float>(static_cast<double>(amount.m_cur.int64) / 10000.0);
+    }
     return static_cast<float>(afx::double_of(amount.Format(kNoFlags, kUserLocale).GetString()));
 }
 

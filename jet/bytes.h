@@ -17,10 +17,7 @@ using MutableByteSpan = std::span<std::uint8_t>;
 using ByteVector = std::vector<std::uint8_t>;
 
 inline void check_range(ByteSpan bytes, std::size_t at, std::size_t count) {
-    if (at > bytes.size() || count > bytes.size() - at) {
-        fail(errors::kDamaged,
-             "The database is damaged: a structure ends before byte " + std::to_string(at + count) + ".");
-    }
+    if (at > bytes.size() || count > bytes.size() - at) fail_short(at + count);
 }
 
 // The bytes [at, at + count) of `bytes`, checked.

@@ -37,27 +37,31 @@ void ColumnMap::build(std::vector<Entry> entries) {
     entries.erase(std::unique(entries.begin(), entries.end()), entries.end());
     size_ = entries.size();
     blocks_.clear();
+    lasts_.clear();
     blocks_.reserve(size_ / kBlock + 1);
     for (std::size_t at = 0; at < size_; at += kBlock) {
         const auto first = entries.begin() + static_cast<std::ptrdiff_t>(at);
         const auto last = entries.begin() + static_cast<std::ptrdiff_t>(std::min(at + kBlock, size_));
         blocks_.emplace_back(first, last);
+        lasts_.push_back(blocks_.back().back());
     }
 }
 
 // The block that holds the first entry >= `entry`; one past the last block when there is none.
 std::size_t ColumnMap::block_of(const Entry& entry) const {
-    const auto block = std::partition_point(blocks_.begin(), blocks_.end(),
-                                            [&entry](const Block& candidate) { return candidate.back() < entry; });
-    return static_cast<std::size_t>(block - blocks_.begin());
+    return static_cast<std::size_t>(std::lower_bound(lasts_.begin(), lasts_.end(), entry) - lasts_.begin());
 }
 
 void ColumnMap::insert(Entry entry) {
     std::size_t at = block_of(entry);
     if (at == blocks_.size()) {
         // Keys mostly grow: a full last block stays full instead of being halved.
-        if (blocks_.empty() || blocks_.back().size() >= kBlock) blocks_.emplace_back();
+        if (blocks_.empty() || blocks_.back().size() >= kBlock) {
+            blocks_.emplace_back();
+            lasts_.emplace_back();
+        }
         blocks_.back().push_back(entry);
+        lasts_.back() = entry;
         ++size_;
         return;
     }
@@ -72,6 +76,7 @@ void ColumnMap::split(std::size_t at) {
     const auto middle = blocks_[at].begin() + static_cast<std::ptrdiff_t>(blocks_[at].size() / 2);
     Block upper(middle, blocks_[at].end());
     Block lower(blocks_[at].begin(), middle);
+    lasts_.insert(lasts_.begin() + static_cast<std::ptrdiff_t>(at), lower.back());
     blocks_[at] = std::move(lower);
     blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(at) + 1, std::move(upper));
 }
@@ -83,13 +88,28 @@ void ColumnMap::erase(Entry entry) {
     if (*place != entry) return;
     blocks_[at].erase(place);
     --size_;
-    if (blocks_[at].empty()) blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(at));
+    if (!blocks_[at].empty()) {
+        lasts_[at] = blocks_[at].back();
+        return;
+    }
+    blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(at));
+    lasts_.erase(lasts_.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 std::optional<ColumnMap::Entry> ColumnMap::lower_bound(Entry from) const {
     const std::size_t at = block_of(from);
     if (at == blocks_.size()) return std::nullopt;
-    return *std::lower_bound(blocks_[at].begin(), blocks_[at].end(), from);
+    const Block& block = blocks_[at];
+    // Keys given out in order lie evenly: the entry is where its key says, and nothing else of the block is read.
+    const std::uint64_t first = at == 0 ? block.front().key : lasts_[at - 1].key;
+    const std::uint64_t span = lasts_[at].key - first;
+    if (from.key > first && span <= UINT32_MAX) {
+        const std::size_t guess = static_cast<std::size_t>((from.key - first) * block.size() / span);
+        for (std::size_t place = guess > 0 ? guess - 1 : 0; place < std::min(guess + 1, block.size()); ++place) {
+            if (block[place] >= from && (place == 0 || block[place - 1] < from)) return block[place];
+        }
+    }
+    return *std::lower_bound(block.begin(), block.end(), from);
 }
 
 }  // namespace jet

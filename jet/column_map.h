@@ -42,6 +42,7 @@ private:
     void split(std::size_t at);
 
     std::vector<Block> blocks_;  // each non-empty and sorted; blocks in order
+    std::vector<Entry> lasts_;   // the last entry of each block, close together for the search
     std::size_t size_ = 0;
 };
 

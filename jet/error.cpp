@@ -9,4 +9,9 @@ void corrupt(std::uint32_t page_no, std::string_view rule) {
                 "The database is damaged: page " + std::to_string(page_no) + ": " + std::string(rule) + ".");
 }
 
+void fail_short(std::size_t byte) {
+    throw Error(errors::kDamaged,
+                "The database is damaged: a structure ends before byte " + std::to_string(byte) + ".");
+}
+
 }  // namespace jet

@@ -2,6 +2,7 @@
 // passes them on unchanged.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -81,5 +82,8 @@ private:
 
 // The one way to report damage: 3049 with the page and the rule that it breaks.
 [[noreturn]] void corrupt(std::uint32_t page_no, std::string_view rule);
+
+// The same where the page is not known: a structure ends before `byte`.
+[[noreturn]] void fail_short(std::size_t byte);
 
 }  // namespace jet

@@ -48,13 +48,16 @@ ByteVector LongValues::encode_memo(std::u16string_view text) {
     return encode_text(text, 2 * text.size() <= lv::kMaxInline);
 }
 
-ByteVector LongValues::read(ByteSpan reference) const {
-    if (reference.empty()) return {};
+std::optional<ByteSpan> LongValues::inline_bytes(ByteSpan reference) {
+    if (reference.empty()) return reference;
     const Reference ref = parse_reference(reference);
-    if (ref.kind == lv::kInline) {
-        const ByteSpan bytes = slice(reference, lv::kReference, ref.length);
-        return {bytes.begin(), bytes.end()};
-    }
+    if (ref.kind != lv::kInline) return std::nullopt;
+    return slice(reference, lv::kReference, ref.length);
+}
+
+ByteVector LongValues::read(ByteSpan reference) const {
+    if (const auto bytes = inline_bytes(reference)) return {bytes->begin(), bytes->end()};
+    const Reference ref = parse_reference(reference);
     if (ref.kind == lv::kSingle) {
         const Page page = pager_.read(ref.row.page);
         const ByteSpan bytes = slice(piece_of(page, ref.row), 0, ref.length);

@@ -2,6 +2,8 @@
 // in a chain of pages of their own.
 #pragma once
 
+#include <optional>
+
 #include "jet/bytes.h"
 #include "jet/table_def.h"
 #include "jet/usage_map.h"
@@ -14,6 +16,8 @@ public:
 
     // All bytes behind a stored reference. An empty field reads as an empty value.
     ByteVector read(ByteSpan reference) const;
+    // The bytes themselves where they stand behind the reference; none for a value on pages of its own.
+    static std::optional<ByteSpan> inline_bytes(ByteSpan reference);
     // Stores `bytes` and returns the reference with what follows it. `inline_allowed` false puts even a
     // short value on a page of its own. Inside a transaction.
     ByteVector write(const ColumnDef& column, ByteSpan bytes, bool inline_allowed = true);

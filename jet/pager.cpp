@@ -6,22 +6,31 @@
 
 #include "jet/file_errors.h"
 #include "jet/journal.h"
+#include "os/page_memory.h"
 
 namespace jet {
 namespace detail {
 
 struct Frame {
+    MutableByteSpan bytes;
     PageNumber page_no = 0;
     std::uint32_t pins = 0;
-    bool dirty = false;  // committed, not yet in the .mdb
-    bool recently_used = true;
     int saved_level = 0;  // innermost open transaction that holds a before-image; 0: none
-    std::uint8_t bytes[jet4::kPageSize];
+    bool dirty = false;   // committed, not yet in the .mdb
+    bool recently_used = true;
+};
+
+// Frames made at once. What is looked at of every page asked for lies close together, apart from the bytes.
+struct FrameGroup {
+    explicit FrameGroup(std::size_t count) : frames(count), bytes(count * jet4::kPageSize) {}
+    std::vector<Frame> frames;
+    os::PageMemory bytes;
 };
 
 }  // namespace detail
 
 using detail::Frame;
+using detail::FrameGroup;
 
 Page::Page(Frame* frame) : frame_(frame) { ++frame_->pins; }
 Page& Page::operator=(Page&& other) noexcept {
@@ -31,9 +40,9 @@ Page& Page::operator=(Page&& other) noexcept {
 Page::~Page() {
     if (frame_) --frame_->pins;
 }
-ByteSpan Page::bytes() const { return {frame_->bytes, jet4::kPageSize}; }
+ByteSpan Page::bytes() const { return frame_->bytes; }
 PageNumber Page::number() const { return frame_->page_no; }
-MutableByteSpan MutablePage::bytes() const { return {frame_->bytes, jet4::kPageSize}; }
+MutableByteSpan MutablePage::bytes() const { return frame_->bytes; }
 
 struct Pager::Undo {
     Frame* frame;
@@ -49,6 +58,9 @@ struct Pager::Level {
 namespace {
 
 constexpr std::size_t kSpareBuffers = 64;
+// Frames made at once: few while the cache is small, then as many as fill a large page of memory.
+constexpr std::size_t kSmallGroup = 16;
+constexpr std::size_t kLargeGroup = os::PageMemory::kLargePage / jet4::kPageSize;
 
 // So that `count` more can be added without asking for memory.
 template <class T>
@@ -96,13 +108,29 @@ void Pager::require_writable() const {
     }
 }
 
+Frame* Pager::added_frame() {
+    if (unused_frames_.empty()) {
+        const std::size_t count = frames_.size() < kLargeGroup ? kSmallGroup : kLargeGroup;
+        frames_.reserve(frames_.size() + count);
+        unused_frames_.reserve(count);
+        FrameGroup& group = *groups_.emplace_back(std::make_unique<FrameGroup>(count));
+        for (std::size_t i = count; i-- > 0;) {
+            group.frames[i].bytes = {group.bytes.data() + i * jet4::kPageSize, jet4::kPageSize};
+            unused_frames_.push_back(&group.frames[i]);
+        }
+    }
+    frames_.push_back(unused_frames_.back());
+    unused_frames_.pop_back();
+    return frames_.back();
+}
+
 Frame* Pager::new_frame(PageNumber page_no) {
     Frame* frame = nullptr;
     if (frames_.size() >= std::max(options_.cache_pages, search_from_)) {
         // A clean page nobody holds makes room; two rounds, the first only takes the recent mark away.
         for (std::size_t i = 0; i < 2 * frames_.size() && !frame; ++i) {
-            Frame* candidate = frames_[clock_hand_].get();
-            clock_hand_ = (clock_hand_ + 1) % frames_.size();
+            Frame* candidate = frames_[clock_hand_];
+            clock_hand_ = clock_hand_ + 1 < frames_.size() ? clock_hand_ + 1 : 0;
             if (candidate->pins > 0 || candidate->dirty || candidate->saved_level > 0) continue;
             if (std::exchange(candidate->recently_used, false)) continue;
             frame = candidate;
@@ -112,10 +140,7 @@ Frame* Pager::new_frame(PageNumber page_no) {
         // All are held by one large transaction: searching again for each of its pages would take ever longer.
         if (!frame) search_from_ = frames_.size() + frames_.size() / 4;
     }
-    if (!frame) {
-        frames_.push_back(std::make_unique<Frame>());
-        frame = frames_.back().get();
-    }
+    if (!frame) frame = added_frame();
     table_.set(page_no, frame);
     frame->page_no = page_no;
     frame->dirty = false;
@@ -162,7 +187,7 @@ void Pager::save_for_undo(Frame* frame) {
         image = std::move(spare_buffers_.back());
         spare_buffers_.pop_back();
     }
-    std::memcpy(image.get(), frame->bytes, jet4::kPageSize);
+    std::memcpy(image.get(), frame->bytes.data(), jet4::kPageSize);
     levels_.back().undo.push_back({frame, frame->saved_level, std::move(image)});
     frame->saved_level = level;
 }
@@ -182,7 +207,7 @@ MutablePage Pager::extend() {
         fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
     make_room(levels_.back().undo, 1);
     Frame* frame = new_frame(page_count_);
-    std::memset(frame->bytes, 0, jet4::kPageSize);
+    std::memset(frame->bytes.data(), 0, jet4::kPageSize);
     MutablePage page(frame);
     levels_.back().undo.push_back({frame, 0, nullptr});
     frame->saved_level = static_cast<int>(levels_.size());
@@ -199,7 +224,7 @@ void Pager::restore_level(Level& level) {
     for (auto undo = level.undo.rbegin(); undo != level.undo.rend(); ++undo) {
         Frame* frame = undo->frame;
         if (undo->image) {
-            std::memcpy(frame->bytes, undo->image.get(), jet4::kPageSize);
+            std::memcpy(frame->bytes.data(), undo->image.get(), jet4::kPageSize);
             frame->saved_level = undo->saved_level_before;
             keep_buffer(std::move(undo->image));
         } else {
@@ -248,7 +273,9 @@ void Pager::commit() {
             if (!journal_->started()) bump_change_counter();
             std::vector<JournalPage> pages;
             pages.reserve(levels_.back().undo.size());
-            for (const Undo& undo : levels_.back().undo) pages.push_back({undo.frame->page_no, undo.frame->bytes});
+            for (const Undo& undo : levels_.back().undo) {
+                pages.push_back({undo.frame->page_no, undo.frame->bytes.data()});
+            }
             make_room(dirty_, pages.size());  // nothing may fail once the commit stands
             const std::uint64_t end_before = journal_->size_bytes();
             journal_->append(pages, page_count_);
@@ -406,11 +433,11 @@ void Pager::recover() {
         if (options_.read_only) {
             // Only in memory, and never evicted: the file stays as it is.
             Frame* frame = table_.find(last.page_no) ? table_.find(last.page_no) : new_frame(last.page_no);
-            std::memcpy(frame->bytes, image.data(), image.size());
+            std::memcpy(frame->bytes.data(), image.data(), image.size());
             frame->dirty = true;
         } else {
             file_->write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
-            if (Frame* frame = table_.find(last.page_no)) std::memcpy(frame->bytes, image.data(), image.size());
+            if (Frame* frame = table_.find(last.page_no)) std::memcpy(frame->bytes.data(), image.data(), image.size());
         }
     }
     if (options_.read_only) return;

@@ -30,6 +30,7 @@ class Pager;
 namespace detail {
 
 struct Frame;
+struct FrameGroup;
 
 // Frames by page number, in chunks made at first use: a large file costs nothing until its pages are read.
 class FrameTable {
@@ -83,7 +84,7 @@ private:
 
 struct PagerOptions {
     bool read_only = false;
-    std::size_t cache_pages = 8192;                // 32 MiB
+    std::size_t cache_pages = 53248;               // 208 MiB, taken as pages are read
     std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
     std::chrono::milliseconds sync_interval{250};  // longest stretch without a sync point
 };
@@ -136,6 +137,7 @@ private:
     struct Level;
 
     detail::Frame* load(PageNumber page_no);
+    detail::Frame* added_frame();
     detail::Frame* new_frame(PageNumber page_no);
     void save_for_undo(detail::Frame* frame);
     void keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept;
@@ -154,7 +156,9 @@ private:
     std::unique_ptr<Journal> journal_;
     std::uint32_t page_count_ = 0;
     detail::FrameTable table_;
-    std::vector<std::unique_ptr<detail::Frame>> frames_;  // all of them
+    std::vector<std::unique_ptr<detail::FrameGroup>> groups_;
+    std::vector<detail::Frame*> frames_;         // in use
+    std::vector<detail::Frame*> unused_frames_;  // of the last group
     std::size_t clock_hand_ = 0;
     std::size_t search_from_ = 0;  // frames below which none can be free
     std::vector<Level> levels_;

@@ -28,19 +28,24 @@ std::optional<ByteSpan> RowReader::stored(const ColumnDef& column) const {
     }
     if (column.number >= column_count_ || !mask_bit(column.number)) return std::nullopt;
     if (column.is_fixed()) return slice(row_, kCountBytes + column.fixed_offset, column.length_bytes);
-    // Only a row that has a variable value has the offsets for them: end of data, then the values' in reverse,
-    // then how many.
-    const std::size_t end_of_trailer = row_.size() - mask_.size();
-    const std::size_t variable_count = load_u16(row_, end_of_trailer < 2 ? row_.size() : end_of_trailer - 2);
-    if (column.variable_index >= variable_count) return std::nullopt;
-    const std::size_t trailer_bytes = 2 * (variable_count + 2);
-    if (kCountBytes + trailer_bytes > end_of_trailer) corrupt(table_page_, "a row is shorter than its offsets");
-    const std::size_t trailer = end_of_trailer - trailer_bytes;
-    const std::size_t entry = trailer + 2 * (variable_count - column.variable_index);
-    const std::size_t begin = load_u16(row_, entry);
-    const std::size_t end = load_u16(row_, entry - 2);
-    if (begin > end || end > trailer) corrupt(table_page_, "a variable value of a row lies outside the row");
+    if (trailer_ == 0) find_trailer();
+    if (column.variable_index >= variable_count_) return std::nullopt;
+    const std::uint8_t* const entry = row_.data() + trailer_ + 2 * (variable_count_ - column.variable_index);
+    const std::size_t begin = static_cast<std::size_t>(entry[0] | entry[1] << 8);
+    const std::size_t end = static_cast<std::size_t>(entry[-2] | entry[-1] << 8);
+    if (begin > end || end > trailer_) corrupt(table_page_, "a variable value of a row lies outside the row");
     return row_.subspan(begin, end - begin);
+}
+
+// Only a row that has a variable value has the offsets for them: end of data, then the values' in reverse, then
+// how many.
+void RowReader::find_trailer() const {
+    const std::size_t end = row_.size() - mask_.size();
+    const std::size_t count = load_u16(row_, end < 2 ? row_.size() : end - 2);
+    const std::size_t bytes = 2 * (count + 2);
+    if (kCountBytes + bytes > end) corrupt(table_page_, "a row is shorter than its offsets");
+    trailer_ = end - bytes;
+    variable_count_ = count;
 }
 
 ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& values) {

@@ -17,18 +17,22 @@ using StoredValue = std::optional<ByteVector>;
 // Read access to a row's bytes. What a value needs of them is checked when it is asked for (3049).
 class RowReader {
 public:
+    RowReader() = default;  // of no row: nothing may be asked
     RowReader(ByteSpan row, const TableDef& def);
 
     // The column's stored bytes inside the row; none for Null. Booleans give a byte of a static table.
     std::optional<ByteSpan> stored(const ColumnDef& column) const;
 
 private:
+    void find_trailer() const;
     bool mask_bit(std::size_t number) const { return (mask_[number / 8] >> (number % 8) & 1) != 0; }
 
     ByteSpan row_;
-    PageNumber table_page_;
+    PageNumber table_page_ = 0;
     std::size_t column_count_ = 0;
     ByteSpan mask_;
+    mutable std::size_t trailer_ = 0;  // where the offsets of variable values stand; 0: not looked for yet
+    mutable std::size_t variable_count_ = 0;
 };
 
 // A row of the table's present shape; `values` by position in def.columns. How long a row may be is the

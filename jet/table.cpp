@@ -32,9 +32,8 @@ Value RowView::value(std::size_t position) const {
 }
 
 void RowView::value(std::size_t position, Value& into) const {
-    const TableDef& def = table_->def();
-    const ColumnDef& column = def.columns.at(position);
-    const auto stored = RowReader(bytes_, def).stored(column);
+    const ColumnDef& column = table_->def().columns.at(position);
+    const auto stored = reader_.stored(column);
     if (!stored) {
         into = Null{};
     } else if (column.is_long()) {
@@ -45,9 +44,18 @@ void RowView::value(std::size_t position, Value& into) const {
     }
 }
 
-bool RowView::is_null(std::size_t position) const {
-    return !RowReader(bytes_, table_->def()).stored(table_->def().columns.at(position)).has_value();
+std::optional<ByteSpan> RowView::stored(std::size_t position) const {
+    return reader_.stored(table_->def().columns.at(position));
 }
+
+std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
+    const ColumnDef& column = table_->def().columns.at(position);
+    if (column.type != ColumnType::kText && column.type != ColumnType::kMemo) return std::nullopt;
+    const auto stored = reader_.stored(column);
+    return stored && column.type == ColumnType::kMemo ? LongValues::inline_bytes(*stored) : stored;
+}
+
+bool RowView::is_null(std::size_t position) const { return !stored(position).has_value(); }
 
 Table::Table(Database& database, TableDef def)
     : database_(database),
@@ -70,11 +78,6 @@ void Table::refresh() const {
     owned_ = UsageMap(database_.pager(), database_.allocator(), def_.owned_map);
     free_ = UsageMap(database_.pager(), database_.allocator(), def_.free_map);
     stale_ = false;
-}
-
-const TableDef& Table::def() const {
-    refresh();
-    return def_;
 }
 
 void Table::require_writable() const {
@@ -146,6 +149,7 @@ bool Table::read(RowId row, RowView& into) const {
     const ByteSpan bytes = data.row(data.slot(place->body.slot));
     into.table_ = this;
     into.bytes_.assign(bytes.begin(), bytes.end());
+    into.reader_ = RowReader(into.bytes_, def_);
     return true;
 }
 
@@ -155,7 +159,7 @@ template <class Visitor>
 void Table::visit_rows(Visitor&& visitor) const {
     RowView row;
     for (auto id = next_row({}); id; id = next_row(*id)) {
-        if (read(*id, row)) visitor(*id, RowReader(row.bytes_, def_));
+        if (read(*id, row)) visitor(*id, row.reader_);
     }
 }
 
@@ -410,7 +414,7 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
     }
     for (TableWatcher* watcher : watchers_) watcher->row_changing(row);
 
-    const RowReader reader(old.bytes_, def_);
+    const RowReader& reader = old.reader_;
     std::vector<ByteVector> old_keys;
     std::vector<Value> values;
     if (!def_.real_indexes.empty()) {
@@ -475,7 +479,7 @@ void Table::erase(RowId row) {
     for (const auto& [position, map] : column_maps_) {
         if (const auto key = ColumnMap::key_of(old.value(position))) old_map_keys.emplace_back(position, *key);
     }
-    const RowReader reader(old.bytes_, def_);
+    const RowReader& reader = old.reader_;
     Transaction transaction(database_.pager());
     if (!def_.real_indexes.empty()) {
         const std::vector<ByteVector> keys = index_keys(key_values(old));

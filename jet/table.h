@@ -23,6 +23,16 @@ class Database;
 // The bytes of one stored row, copied from its page, and the way to its values.
 class RowView {
 public:
+    RowView() = default;
+    RowView(const RowView&) = delete;
+    RowView& operator=(const RowView&) = delete;
+
+    // Stored bytes of the column at `position` in the definition's columns, as RowReader gives them; they stay
+    // while the view is not filled again.
+    std::optional<ByteSpan> stored(std::size_t position) const;
+    // The stored text of a column that holds texts, with a memo's where the row itself holds it; none for every
+    // other value.
+    std::optional<ByteSpan> stored_text(std::size_t position) const;
     // Value of the column at `position` in the definition's columns; long values are fetched.
     Value value(std::size_t position) const;
     // As above, into a value whose memory is used again.
@@ -34,6 +44,7 @@ private:
     friend class SchemaEditor;
     const class Table* table_ = nullptr;
     ByteVector bytes_;
+    RowReader reader_;  // of bytes_
 };
 
 // Told before and after rows change, so that open sets keep the membership they were opened with.
@@ -57,7 +68,10 @@ public:
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    const TableDef& def() const;
+    const TableDef& def() const {
+        if (stale_) refresh();
+        return def_;
+    }
     Database& database() const { return database_; }
 
     // Rows in scan order (page, slot): the first live row after `after` (a null RowId: the first row).

@@ -11,9 +11,10 @@ db::TimeOfDay precision_of(Conversion conversion) {
 
 }  // namespace
 
-void read_value(CDaoRecordset& rows, const char* column, CString& member) {
+void read_value(CDaoRecordset& rows, int field, CString& member) {
+    if (rows.GetFieldText(field, member)) return;
     COleVariant value;
-    rows.GetFieldValue(column, value);
+    rows.GetFieldValue(field, value);
     if (value.vt == VT_BSTR) {
         member = reinterpret_cast<const char*>(value.bstrVal);  // what the conversion gives, into the member's memory
     } else {
@@ -21,41 +22,39 @@ void read_value(CDaoRecordset& rows, const char* column, CString& member) {
     }
 }
 
-void read_value(CDaoRecordset& rows, const char* column, LONG& member) {
+void read_value(CDaoRecordset& rows, int field, LONG& member) {
     COleVariant value;
-    rows.GetFieldValue(column, value);
+    rows.GetFieldValue(field, value);
     member = db::value_to_integer(value);
 }
 
-void read_value(CDaoRecordset& rows, const char* column, Conversion conversion, CTime& member) {
+void read_value(CDaoRecordset& rows, int field, Conversion conversion, CTime& member) {
     COleVariant value;
-    rows.GetFieldValue(column, value);
+    rows.GetFieldValue(field, value);
     member = db::time_of(COleDateTime(value), precision_of(conversion));
 }
 
-void read_value(CDaoRecordset& rows, const char* column, Conversion conversion, float& member) {
+void read_value(CDaoRecordset& rows, int field, Conversion conversion, float& member) {
     COleVariant value;
-    rows.GetFieldValue(column, value);
+    rows.GetFieldValue(field, value);
     member = conversion == Conversion::kCurrency ? db::float_of(COleCurrency(value)) : db::value_to_float(value);
 }
 
-void write_value(CDaoRecordset& rows, const char* column, const CString& member) {
-    rows.SetFieldValue(column, member.GetString());
+void write_value(CDaoRecordset& rows, int field, const CString& member) {
+    rows.SetFieldValue(field, member.GetString());
 }
 
-void write_value(CDaoRecordset& rows, const char* column, LONG member) {
-    rows.SetFieldValue(column, COleVariant(member, VT_I4));
+void write_value(CDaoRecordset& rows, int field, LONG member) { rows.SetFieldValue(field, COleVariant(member, VT_I4)); }
+
+void write_value(CDaoRecordset& rows, int field, Conversion conversion, CTime member) {
+    rows.SetFieldValue(field, db::date_value(member, precision_of(conversion)));
 }
 
-void write_value(CDaoRecordset& rows, const char* column, Conversion conversion, CTime member) {
-    rows.SetFieldValue(column, db::date_value(member, precision_of(conversion)));
-}
-
-void write_value(CDaoRecordset& rows, const char* column, Conversion conversion, float member) {
+void write_value(CDaoRecordset& rows, int field, Conversion conversion, float member) {
     if (conversion == Conversion::kSingle) {
-        rows.SetFieldValue(column, COleVariant(member));
+        rows.SetFieldValue(field, COleVariant(member));
     } else {
-        rows.SetFieldValue(column, COleVariant(db::currency_of(member)));
+        rows.SetFieldValue(field, COleVariant(db::currency_of(member)));
     }
 }
 

@@ -66,31 +66,24 @@ constexpr Column<R> single(const char* name, float R::*member) {
 
 }  // namespace column
 
-// One value each way; they throw CDaoException*.
-void read_value(CDaoRecordset& rows, const char* column, CString& member);
-void read_value(CDaoRecordset& rows, const char* column, LONG& member);
-void read_value(CDaoRecordset& rows, const char* column, Conversion conversion, CTime& member);
-void read_value(CDaoRecordset& rows, const char* column, Conversion conversion, float& member);
-void write_value(CDaoRecordset& rows, const char* column, const CString& member);
-void write_value(CDaoRecordset& rows, const char* column, LONG member);
-void write_value(CDaoRecordset& rows, const char* column, Conversion conversion, CTime member);
-void write_value(CDaoRecordset& rows, const char* column, Conversion conversion, float member);
+// One value each way, of the field at a position; they throw CDaoException*.
+void read_value(CDaoRecordset& rows, int field, CString& member);
+void read_value(CDaoRecordset& rows, int field, LONG& member);
+void read_value(CDaoRecordset& rows, int field, Conversion conversion, CTime& member);
+void read_value(CDaoRecordset& rows, int field, Conversion conversion, float& member);
+void write_value(CDaoRecordset& rows, int field, const CString& member);
+void write_value(CDaoRecordset& rows, int field, LONG member);
+void write_value(CDaoRecordset& rows, int field, Conversion conversion, CTime member);
+void write_value(CDaoRecordset& rows, int field, Conversion conversion, float member);
 
-// Reads the columns of the current row into the record. E_FAIL at the first exception of the engine, which
-// is deleted; the members before it keep their new contents.
-template <class Record>
-HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, Record& record) {
+// Calls `work` with each column and its field's position. E_FAIL at the first exception of the engine, which is
+// deleted; a column without a field is one.
+template <class Record, class Work>
+HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> columns, Work&& work) {
     try {
-        for (const Column<Record>& column : columns) {
-            if (column.text != nullptr) {
-                read_value(rows, column.name, record.*column.text);
-            } else if (column.number != nullptr) {
-                read_value(rows, column.name, record.*column.number);
-            } else if (column.time != nullptr) {
-                read_value(rows, column.name, column.conversion, record.*column.time);
-            } else {
-                read_value(rows, column.name, column.conversion, record.*column.amount);
-            }
+        const std::span<const int> fields = rows.GetFieldPositions(columns);
+        for (std::size_t i = 0; i < columns.size(); ++i) {
+            work(columns[i], fields[i] >= 0 ? fields[i] : rows.GetFieldPosition(columns[i].name));
         }
         return S_OK;
     } catch (CDaoException* e) {
@@ -99,27 +92,37 @@ HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> column
     }
 }
 
-// Sets the columns in the edit buffer. E_FAIL at the first exception of the engine, which is deleted; the
-// columns before it stay set.
+// Reads the columns of the current row into the record. Of a failure the members before it keep their new
+// contents.
+template <class Record>
+HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, Record& record) {
+    return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {
+        if (column.text != nullptr) {
+            read_value(rows, field, record.*column.text);
+        } else if (column.number != nullptr) {
+            read_value(rows, field, record.*column.number);
+        } else if (column.time != nullptr) {
+            read_value(rows, field, column.conversion, record.*column.time);
+        } else {
+            read_value(rows, field, column.conversion, record.*column.amount);
+        }
+    });
+}
+
+// Sets the columns in the edit buffer. Of a failure the columns before it stay set.
 template <class Record>
 HRESULT write_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, const Record& record) {
-    try {
-        for (const Column<Record>& column : columns) {
-            if (column.text != nullptr) {
-                write_value(rows, column.name, record.*column.text);
-            } else if (column.number != nullptr) {
-                write_value(rows, column.name, record.*column.number);
-            } else if (column.time != nullptr) {
-                write_value(rows, column.name, column.conversion, record.*column.time);
-            } else {
-                write_value(rows, column.name, column.conversion, record.*column.amount);
-            }
+    return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {
+        if (column.text != nullptr) {
+            write_value(rows, field, record.*column.text);
+        } else if (column.number != nullptr) {
+            write_value(rows, field, record.*column.number);
+        } else if (column.time != nullptr) {
+            write_value(rows, field, column.conversion, record.*column.time);
+        } else {
+            write_value(rows, field, column.conversion, record.*column.amount);
         }
-        return S_OK;
-    } catch (CDaoException* e) {
-        e->Delete();
-        return E_FAIL;
-    }
+    });
 }
 
 }  // namespace studio

@@ -161,7 +161,7 @@ public:
                 rows.SetBookmark(rows.GetLastModifiedBookmark());
                 const HRESULT result = write_columns(rows, mapping_.write, *record);
                 // The number is in the buffer already.
-                read_value(rows, mapping_.key.column, record->*mapping_.key.member);
+                read_value(rows, rows.GetFieldPosition(mapping_.key.column), record->*mapping_.key.member);
                 // Deliberate: a failed mapping still saves the columns set before the failure.
                 rows.Update();
                 rows.Close();

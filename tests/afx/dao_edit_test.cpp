@@ -176,7 +176,7 @@ TEST_F(DaoEdit, assignment_errors_come_at_the_assignment_and_keep_the_buffer) {
     EXPECT_EQ(error_of([&] { rows_.SetFieldValue("ID", COleVariant(7)); }), 3164);
     VARIANT strange;
     VariantInit(&strange);
-    strange.vt = VT_CLSID;
+    strange.vt = VT_ERROR;
     EXPECT_EQ(error_of([&] { rows_.SetFieldValue("Parent", COleVariant(strange)); }), 3421);
     rows_.Update();
     EXPECT_EQ(names(), "kept ");

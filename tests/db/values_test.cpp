@@ -1,7 +1,9 @@
 #include "db/values.h"
 
 #include <cmath>
+#include <cstdlib>
 #include <limits>
+#include <random>
 
 #include <gtest/gtest.h>
 
@@ -127,6 +129,16 @@ TEST(FloatToCurrencySplit, any_float_is_accepted) {
     EXPECT_EQ(split(3e9f).rest, 0);
     EXPECT_EQ(split(-2147483648.0f).whole, std::numeric_limits<LONG>::min());
     EXPECT_EQ(split(9.3e18f).whole, std::numeric_limits<LONG>::min());
+}
+
+TEST(FloatOfCurrency, every_amount_is_what_its_text_parses_to) {
+    std::mt19937_64 random(5);
+    for (int i = 0; i < 100000; ++i) {
+        COleCurrency amount;
+        amount.m_cur.int64 = static_cast<std::int64_t>(random()) >> (random() % 64);
+        ASSERT_EQ(db::float_of(amount), static_cast<float>(std::strtod(amount.Format().GetString(), nullptr)))
+            << amount.m_cur.int64;
+    }
 }
 
 TEST(FloatOfCurrency, amounts_come_back) {

@@ -138,17 +138,20 @@ private:
         return static_cast<off_t>(at);
     }
 
-    // Past the process's file size limit the system sends a signal that ends the host. Asking first
-    // makes it an error like any other.
-    void require_below_size_limit(const char* operation, std::uint64_t end) const {
+    // Past the process's file size limit the system sends a signal that ends the host. Asking first, whenever a
+    // file reaches further than before, makes it an error like any other.
+    void require_below_size_limit(const char* operation, std::uint64_t end) {
+        if (end <= allowed_end_) return;
         struct rlimit limit {};
         if (::getrlimit(RLIMIT_FSIZE, &limit) == 0 && limit.rlim_cur != RLIM_INFINITY && end > limit.rlim_cur) {
             fail(operation, path_, EFBIG);
         }
+        allowed_end_ = end;
     }
 
     Descriptor descriptor_;
     std::string path_;
+    std::uint64_t allowed_end_ = 0;  // the limit has been asked for up to here
 };
 
 int open_flags(OpenMode mode) {

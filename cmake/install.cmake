@@ -28,6 +28,18 @@ install(FILES ${PROJECT_BINARY_DIR}/kvdb-config.cmake ${PROJECT_BINARY_DIR}/kvdb
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kvdb.pc.in ${PROJECT_BINARY_DIR}/kvdb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/pkgconfig)
 
+# What the Windows package holds, all in one folder: the library finds the compiler's runtime beside it.
+if(WIN32)
+    install(FILES ${kvdb_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.manifest
+        ${kvdb_runtime} ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/hosting.md
+        DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)
+    install(FILES ${PROJECT_SOURCE_DIR}/docs/install-windows.txt DESTINATION . RENAME README.txt
+        COMPONENT package EXCLUDE_FROM_ALL)
+    install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kvdb DESTINATION include COMPONENT package EXCLUDE_FROM_ALL
+        FILES_MATCHING PATTERN *.h)
+endif()
+
 # The tests of the installed tree use this build as its packager does.
 if(TARGET frame_tests)
     target_compile_definitions(frame_tests PRIVATE

@@ -1,29 +1,14 @@
 #include "db/content.h"
 
+#include <array>
 #include <string>
 
-#include "afx/dao_recordset.h"
+#include "db/rows.h"
+#include "db/string_resources.h"
 #include "db/values.h"
 
 namespace db {
 namespace {
-
-void open_table(CDaoRecordset& rows, const char* table) {
-    rows.Open(dbOpenDynaset, ("SELECT * FROM [" + std::string(table) + "]").c_str(), 0);
-}
-
-template <class Write>
-int write_rows(Write&& write) {
-    try {
-        write();
-        return 0;
-    } catch (CDaoException* e) {
-        e->Delete();
-        return -1;
-    }
-}
-
-COleVariant long_value(LONG value) { return COleVariant(value, VT_I4); }
 
 struct SampleEquipment {
     const char* name;
@@ -37,10 +22,34 @@ constexpr SampleEquipment kSampleEquipment[] = {
     {"TR-Rack KORG", "Repair", "$ 40", "Distorted output sound"},
 };
 
+// The last group has no library.
+constexpr std::array kLibraryGroups = {"Nature sounds", "Industrial sounds", "Video clips"};
+
+struct Library {
+    const char* name;
+    std::size_t group;  // in the list above
+};
+
+constexpr Library kLibraries[] = {
+    {"Birds", 0}, {"Sea/Water", 0}, {"Insects", 0}, {"Trains", 1}, {"Cars", 1},
+};
+
+struct ContactCategory {
+    const char* name;
+    LONG type;
+    LONG ex_data;
+};
+
+constexpr ContactCategory kContactCategories[] = {
+    {"Clients", 101, 1},   {"Artists", 101, 1},   {"Publishers", 101, 0}, {"Record Labels", 101, 0},
+    {"Producers", 100, 1}, {"Engineers", 100, 1}, {"Musicians", 100, 1},  {"Directors", 100, 1},
+    {"Vendors", 103, 1},   {"Personal", 102, 0},
+};
+
 }  // namespace
 
 int write_main_content(CDaoDatabase& database) {
-    return write_rows([&] {
+    return guarded([&] {
         CDaoRecordset rows(&database);
         open_table(rows, "DBHeader");
         rows.AddNew();
@@ -65,7 +74,7 @@ int write_main_content(CDaoDatabase& database) {
 }
 
 int write_invoice_content(CDaoDatabase& database) {
-    return write_rows([&] {
+    return guarded([&] {
         CDaoRecordset rows(&database);
         open_table(rows, "DBHeader");
         rows.AddNew();
@@ -78,7 +87,7 @@ int write_invoice_content(CDaoDatabase& database) {
 // The calls and their order are those of the equipment records' own Add, which lies a layer above; the time
 // of day is dropped as there.
 int add_sample_equipment(CDaoDatabase& database) {
-    return write_rows([&] {
+    return guarded([&] {
         const COleVariant today = date_value(CTime::GetCurrentTime(), TimeOfDay::kDropped);
         CDaoRecordset rows(&database);
         open_table(rows, "Equipment");
@@ -90,6 +99,62 @@ int add_sample_equipment(CDaoDatabase& database) {
             rows.SetFieldValue("ActDate", today);
             rows.SetFieldValue("Cost", sample.cost);
             rows.SetFieldValue("Notes", sample.notes);
+            rows.Update();
+        }
+        rows.Close();
+    });
+}
+
+int add_demo_project(CDaoDatabase& database) {
+    return guarded([&] {
+        CDaoRecordset rows(&database);
+        open_table(rows, "Projects");
+        rows.AddNew();
+        rows.SetFieldValue("Name", " Demo Project");  // with its blank, so that it sorts before all others
+        for (const char* field : {"Type", "Producer", "Director", "Client"}) rows.SetFieldValue(field, "");
+        rows.SetFieldValue("ClientID", long_value(0));
+        rows.SetFieldValue("Folder", "");
+        rows.SetFieldValue("Notes", string_resource(KVDB_STRING_WELCOME).c_str());
+        rows.Update();
+        rows.Close();
+    });
+}
+
+int write_media_library(CDaoDatabase& database) {
+    return guarded([&] {
+        std::array<LONG, kLibraryGroups.size()> groups{};
+        CDaoRecordset rows(&database);
+        open_table(rows, "LibGroups");
+        for (std::size_t i = 0; i < kLibraryGroups.size(); ++i) {
+            rows.AddNew();
+            rows.SetFieldValue("Name", kLibraryGroups[i]);
+            rows.Update();
+            rows.SetBookmark(rows.GetLastModifiedBookmark());
+            groups[i] = value_to_integer(rows.GetFieldValue("GroupID"));
+        }
+        rows.Close();
+
+        open_table(rows, "MediaLibs");
+        for (const Library& library : kLibraries) {
+            rows.AddNew();
+            rows.SetFieldValue("GroupID", long_value(groups[library.group]));
+            rows.SetFieldValue("Name", library.name);
+            rows.SetFieldValue("Descript", "");
+            rows.Update();
+        }
+        rows.Close();
+    });
+}
+
+int write_contact_categories(CDaoDatabase& database) {
+    return guarded([&] {
+        CDaoRecordset rows(&database);
+        open_table(rows, "ContactCategories");
+        for (const ContactCategory& category : kContactCategories) {
+            rows.AddNew();
+            rows.SetFieldValue("Name", category.name);
+            rows.SetFieldValue("Type", long_value(category.type));
+            rows.SetFieldValue("ExData", long_value(category.ex_data));
             rows.Update();
         }
         rows.Close();

@@ -1,4 +1,4 @@
-// The rows that the component writes by itself into new files.
+// The rows that the component writes by itself: into new files, and into older ones that it brings up to date.
 #pragma once
 
 class CDaoDatabase;
@@ -17,5 +17,14 @@ int write_main_content(CDaoDatabase& database);
 int write_invoice_content(CDaoDatabase& database);
 // Two samples of an equipment log, dated today.
 int add_sample_equipment(CDaoDatabase& database);
+
+// For upgraded files only; deliberately, a new file has none of these rows.
+
+// A project whose note welcomes the user.
+int add_demo_project(CDaoDatabase& database);
+// Three groups of media, and libraries in the first two.
+int write_media_library(CDaoDatabase& database);
+// The ten categories of contacts; in a new table their keys are 1 to 10 in order.
+int write_contact_categories(CDaoDatabase& database);
 
 }  // namespace db

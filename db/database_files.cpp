@@ -20,6 +20,7 @@ std::string& test_folder() {
 struct FileFacts {
     const char* name;
     const char* password;
+    const char* former_password;  // null: there was no other
 };
 
 // The passwords keep a curious user with a copy of Access from changing the files by accident, and nothing
@@ -27,15 +28,16 @@ struct FileFacts {
 // the data itself is not encrypted. What must stay secret needs the protection of the file system.
 constexpr char kConnectKeyword[] = ";PWD=";
 constexpr FileFacts kFiles[] = {
-    {"sldb.mdb", "KvStudio2005sl"},
-    {"kvinvdb.mdb", "KvInvoice2005"},
+    {"sldb.mdb", "KvStudio2005sl", "KvStudio2002"},
+    {"kvinvdb.mdb", "KvInvoice2005", nullptr},
 };
 constexpr bool is_plain_password(std::string_view password) {
     return !password.empty() && password.size() <= 14 && std::all_of(password.begin(), password.end(), [](char c) {
         return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
     });
 }
-static_assert(is_plain_password(kFiles[0].password) && is_plain_password(kFiles[1].password));
+static_assert(is_plain_password(kFiles[0].password) && is_plain_password(kFiles[1].password) &&
+              is_plain_password(kFiles[0].former_password));
 
 const FileFacts& facts(DatabaseFile file) { return kFiles[static_cast<std::size_t>(file)]; }
 
@@ -53,7 +55,13 @@ std::string file_path(DatabaseFile file) { return os::join_path(database_folder(
 
 bool file_exists(DatabaseFile file) { return os::file_system().exists(file_path(file)); }
 
-std::string connect_text(DatabaseFile file) { return std::string(kConnectKeyword) + facts(file).password; }
+const char* password(DatabaseFile file) { return facts(file).password; }
+
+const char* former_password(DatabaseFile file) { return facts(file).former_password; }
+
+std::string connect_text(const char* password) { return std::string(kConnectKeyword) + password; }
+
+std::string connect_text(DatabaseFile file) { return connect_text(password(file)); }
 
 std::string locale_text(DatabaseFile file) { return dbLangGeneral + connect_text(file); }
 

@@ -15,7 +15,11 @@ const char* database_folder();
 std::string file_path(DatabaseFile file);
 bool file_exists(DatabaseFile file);
 
-// ";PWD=" and the file's password, for CDaoDatabase::Open.
+// The file's password, and the one that it had in the oldest versions; null where there was no other.
+const char* password(DatabaseFile file);
+const char* former_password(DatabaseFile file);
+// ";PWD=" and the password, for CDaoDatabase::Open.
+std::string connect_text(const char* password);
 std::string connect_text(DatabaseFile file);
 // The same behind the language of a new file, for CDaoDatabase::Create.
 std::string locale_text(DatabaseFile file);

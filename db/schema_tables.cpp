@@ -206,6 +206,12 @@ constexpr FieldSchema kGearRentals[] = {
     {"ClientID", kLong},    {"RoomID", kLong}, {"ExData", kLong},
 };
 
+constexpr FieldSchema kDefEngineers[] = {
+    {"Name", kShortText},
+    {"Price", kCurrency},
+    {"RecID", kKey},
+};
+
 constexpr FieldSchema kInvoiceFileDBHeader[] = {
     {"DBversion", kLong},
     {"CreateDate", kDate},
@@ -285,6 +291,8 @@ constexpr TableSchema kInvoiceFile[] = {
 static_assert(std::size(kStudioFile) == 34);
 static_assert(std::size(kInvoiceFile) == 3);
 
+constexpr TableSchema kEngineersTable = {"Def_Engineers", kDefEngineers};
+
 constexpr std::size_t kGearTables = 5;
 
 }  // namespace
@@ -294,5 +302,7 @@ std::span<const TableSchema> studio_tables() { return kStudioFile; }
 std::span<const TableSchema> gear_tables() { return studio_tables().last(kGearTables); }
 
 std::span<const TableSchema> invoice_tables() { return kInvoiceFile; }
+
+const TableSchema& engineers_table() { return kEngineersTable; }
 
 }  // namespace db

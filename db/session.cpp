@@ -16,8 +16,19 @@ constexpr char kHeader[] = "SELECT * FROM [DBHeader]";
 CDaoDatabase main_database;
 CDaoDatabase invoice_database;
 
+constexpr LONG kWrongPassword = 3031;
+
+// The oldest studio files still carry the former password.
 void open_file(CDaoDatabase& database, DatabaseFile file) {
-    database.Open(file_path(file).c_str(), TRUE, FALSE, connect_text(file).c_str());
+    const std::string path = file_path(file);
+    const char* const former = former_password(file);
+    try {
+        return database.Open(path.c_str(), TRUE, FALSE, connect_text(file).c_str());
+    } catch (CDaoException* e) {
+        if (former == nullptr || e->m_pErrorInfo->m_lErrorCode != kWrongPassword) throw;
+        e->Delete();
+    }
+    database.Open(path.c_str(), TRUE, FALSE, connect_text(former).c_str());
 }
 
 void close_quietly(CDaoDatabase& database) {

@@ -1,33 +1,177 @@
 #include "db/upgrade.h"
 
-#include "afx/dao_recordset.h"
+#include "db/added_fields.h"
+#include "db/contact_model.h"
 #include "db/content.h"
+#include "db/database_files.h"
+#include "db/dated_records.h"
+#include "db/invoice_totals.h"
+#include "db/rows.h"
 #include "db/values.h"
 
 namespace db {
 namespace {
 
-int result_for(LONG version) { return version == kCurrentVersion ? 0 : -1; }
+using enum UpgradeStep::OnFailure;
+constexpr LONG kEveryVersion = UpgradeStep::kEveryVersion;
+constexpr bool kWithNext = true;
+
+// ---- The steps that only this file knows
+
+int change_password(CDaoDatabase& database) {
+    return guarded([&] {
+        const COleVariant former(former_password(DatabaseFile::kMain));
+        const COleVariant current(password(DatabaseFile::kMain));
+        DAO_CHECK(database.m_pDAODatabase->NewPassword(former.bstrVal, current.bstrVal));
+    });
+}
+
+int mark_as_current(CDaoDatabase& database) {
+    bool has_row = false;
+    const int done = guarded([&] {
+        CDaoRecordset rows(&database);
+        open_table(rows, "DBHeader");
+        has_row = rows.GetRecordCount() >= 1;
+        if (!has_row) return;
+        rows.Edit();
+        rows.SetFieldValue("DBversion", long_value(kCurrentVersion));
+        rows.Update();
+    });
+    return has_row ? done : -1;
+}
+
+int create_studio_tables(CDaoDatabase& database, std::span<const char* const> names) {
+    for (const char* const name : names) {
+        if (create_table(database, *find_table(studio_tables(), name)) != 0) return -1;
+    }
+    return 0;
+}
+
+int create_tables_of_200000(CDaoDatabase& database) {
+    // An upgraded file has no row of invoice defaults, deliberately.
+    static constexpr const char* kTables[] = {"LibGroups", "MediaLibs", "MediaFiles",
+                                              "Bookings",  "Def_Rooms", "Def_Invoice"};
+    return create_studio_tables(database, kTables);
+}
+
+int create_tables_of_200010(CDaoDatabase& database) {
+    static constexpr const char* kTables[] = {"Def_Tax"};
+    return create_studio_tables(database, kTables);
+}
+
+int create_tables_of_210000(CDaoDatabase& database) {
+    static constexpr const char* kTables[] = {"ContactCategories", "ProjPayments", "ProjActivities", "MixFiles",
+                                              "Messages",          "Services",     "Participants"};
+    return create_studio_tables(database, kTables) != 0 ? -1 : create_gear_tables(database);
+}
+
+int add_fields_of_210000(CDaoDatabase& database) {
+    static const AddedFields kFields[] = {
+        {"Bookings", {"StatusID"}},
+        {"Clients",
+         {"CategoryID", "CatIDs", "Company", "Title", "Country", "State", "City", "ZipCode", "WebSite", "Phone4",
+          "Phone5", "Phone1Descript", "Phone2Descript", "Phone3Descript", "Phone4Descript", "Phone5Descript"}},
+        {"Projects", {"ProjCreateDate", "ProjTypeID", "ProducerID", "DirectorID", "DiscountType", "DiscountVal"}},
+        {"Sessions", {"SongID", "ArtistID"}},
+        {"Songs", {"ArtistID", "CopyrightsID", "ProducerID", "ComposerID", "WriterID"}},
+        {"Stock", {"Date", "SupplierID", "Cost"}},
+        {"Tracks", {"TypeID", "TDate", "PerformerID", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode"}},
+    };
+    return add_fields(database, studio_tables(), kFields);
+}
+
+int add_tax_lists(CDaoDatabase& database) {
+    static const AddedFields kFields[] = {{"Invoices", {"InvTaxIDs"}}, {"InvoiceParams", {"TaxIDs"}}};
+    return add_fields(database, invoice_tables(), kFields);
+}
+
+int add_invoice_totals(CDaoDatabase& database) {
+    static const AddedFields kFields[] = {{"Invoices", {"fTax", "fDiscount", "Paymetns", "Balance"}},
+                                          {"InvoiceParams", {"Date", "Details"}}};
+    return add_fields(database, invoice_tables(), kFields);
+}
+
+// ---- What applies below which version
+
+constexpr UpgradeStep kStudioUpgrade[] = {
+    // A file with the new password and the old number could never be upgraded: both change or neither.
+    {100006, "replace the former password", kStop, change_password, kWithNext},
+    {kEveryVersion, "set the version to 210000", kStop, mark_as_current},
+    {kEveryVersion, "add the demo project", kGoOn, add_demo_project},
+    {200000, "turn the dates of sessions and equipment into date fields; add prices", kGoOn, convert_dated_records},
+    {200000, "create the tables of media library, bookings, rooms and invoice defaults", kStop,
+     create_tables_of_200000},
+    {200000, "write the first groups and libraries of media", kGoOn, write_media_library},
+    {200010, "create the table of taxes", kStop, create_tables_of_200010},
+    {210000, "create the tables of contacts, payments, activities, mix files and gear", kStop, create_tables_of_210000},
+    {210000, "add the fields of the contact model", kGoOn, add_fields_of_210000},
+    {210000, "convert bookings", kGoOn, convert_bookings},
+    {210000, "convert contacts", kGoOn, convert_contacts},
+    {210000, "convert projects", kGoOn, convert_projects},
+    {210000, "make engineers contacts with a service", kGoOn, convert_engineers},
+    {210000, "tie sessions to songs, make their engineers participants", kGoOn, convert_sessions},
+    {210000, "convert songs", kGoOn, convert_songs},
+    {210000, "convert stock", kGoOn, convert_stock},
+    {210000, "convert tracks", kGoOn, convert_tracks},
+    {210000, "make mix files rows of their own", kGoOn, convert_mix_files},
+    {210000, "write the contact categories", kGoOn, write_contact_categories},
+};
+
+constexpr UpgradeStep kInvoiceUpgrade[] = {
+    {200010, "add lists of taxes to invoices and their lines", kGoOn, add_tax_lists},
+    {210000, "add the fields of payments, balance, tax, discount and dates", kGoOn, add_invoice_totals},
+    {210000, "reset what is paid, taxed and discounted", kGoOn, reset_invoice_totals},
+    {210000, "date the lines of invoices", kGoOn, date_invoice_lines},
+    {kEveryVersion, "set the version to 210000", kStop, mark_as_current},
+};
+
+// Each step, or two that belong together, is one transaction. What a failed one had done is kept.
+int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version) {
+    CDaoWorkspace& workspace = *database.m_pWorkspace;
+    bool in_transaction = false;
+    for (const UpgradeStep& step : steps) {
+        if (!step.applies_to(version)) continue;
+        int done = -1;
+        const int committed = guarded([&] {
+            if (!in_transaction) workspace.BeginTrans();
+            in_transaction = true;
+            done = step.run(database);
+            if (done == 0 && step.with_next) return;
+            in_transaction = false;
+            workspace.CommitTrans();
+        });
+        if ((done != 0 || committed != 0) && step.on_failure == kStop) return -1;
+    }
+    return 1;
+}
 
 }  // namespace
+
+bool UpgradeStep::applies_to(LONG version) const {
+    return version != kCurrentVersion && (below == kEveryVersion || version < below);
+}
 
 LONG stored_version(CDaoDatabase& database) {
     if (!database.IsOpen()) return 0;
     CDaoRecordset rows(&database);
-    rows.Open(dbOpenDynaset, "SELECT * FROM [DBHeader]", dbForwardOnly | dbReadOnly);
+    open_table(rows, "DBHeader", dbForwardOnly | dbReadOnly);
     if (rows.GetRecordCount() < 1) return 0;
     return value_to_integer(rows.GetFieldValue("DBversion"));
 }
 
+std::span<const UpgradeStep> studio_upgrade() { return kStudioUpgrade; }
+
+std::span<const UpgradeStep> invoice_upgrade() { return kInvoiceUpgrade; }
+
 int upgrade_main_file(CDaoDatabase& database) {
-    try {
-        return result_for(stored_version(database));
-    } catch (CDaoException* e) {
-        e->Delete();
-        return -1;
-    }
+    LONG version = 0;
+    if (!database.IsOpen() || guarded([&] { version = stored_version(database); }) != 0) return -1;
+    return version == kCurrentVersion ? 0 : run(database, studio_upgrade(), version);
 }
 
-int upgrade_invoice_file(CDaoDatabase&, LONG version) { return result_for(version); }
+int upgrade_invoice_file(CDaoDatabase& database, LONG version) {
+    if (version == kCurrentVersion) return 0;
+    return database.IsOpen() ? run(database, invoice_upgrade(), version) : -1;
+}
 
 }  // namespace db

@@ -1,7 +1,13 @@
-// The schema version of a file, and the place where files of older versions are brought up to date.
+// The schema version of a file, and the steps that bring older files up to date.
+//
+// An upgrade is not one transaction, but each of its steps is: a step that fails keeps what it had done, the
+// steps before it stay in any case, and after a crash the file is as it was between two steps. The number in
+// the header is set before any change of the schema, deliberately: an upgrade is tried once.
 #pragma once
 
 #include <kvdb/com.h>
+
+#include <span>
 
 class CDaoDatabase;
 
@@ -11,9 +17,25 @@ namespace db {
 // CDaoException* where the header cannot be read.
 LONG stored_version(CDaoDatabase& database);
 
-// 0: nothing was to be done; -1: the file is not at the current version. Conversion of older files is not
-// part of the component yet: they are left exactly as they are and are served as they stand, so operations
-// on tables and columns that they lack fail. Nothing is thrown.
+struct UpgradeStep {
+    enum class OnFailure { kStop, kGoOn };
+    static constexpr LONG kEveryVersion = 0;
+
+    LONG below;          // for files of a version below this one, or kEveryVersion but the current one
+    const char* effect;  // one line, for people
+    OnFailure on_failure;
+    int (*run)(CDaoDatabase& database);  // 0 or -1; throws nothing
+    bool with_next = false;              // both are one transaction
+
+    bool applies_to(LONG version) const;
+};
+
+// In the order of their running.
+std::span<const UpgradeStep> studio_upgrade();
+std::span<const UpgradeStep> invoice_upgrade();
+
+// 0: nothing was to be done; 1: the upgrade ran through; -1: it stopped at a step that failed. Nothing is
+// thrown, and the database stays open.
 int upgrade_main_file(CDaoDatabase& database);
 // `version` is what stored_version has given.
 int upgrade_invoice_file(CDaoDatabase& database, LONG version);

@@ -15,9 +15,12 @@ int run_schema(const Words& words);
 int run_rows(const Words& words);
 int run_check(const Words& words);
 
+// On both files of a studio, reading only (studio_commands.cpp).
+int run_info(const Words& words);
+
 // Through the gates of the component, as any host (studio_commands.cpp, record_commands.cpp, demo.cpp).
 int run_demo(const Words& words);
-int run_info(const Words& words);
+int run_upgrade(const Words& words);
 int run_projects(const Words& words);
 int run_list(const Words& words);
 int run_show(const Words& words);

@@ -7,6 +7,7 @@
 #include "tools/commands.h"
 #include "tools/gate_table.h"
 #include "tools/member_text.h"
+#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -294,7 +295,7 @@ void show_files(const Studio& studio) {
         jet::OpenOptions options;
         options.read_only = true;
         options.ignore_password = true;
-        const auto database = jet::Database::open(file, options);
+        const auto database = jet::Database::open(to_system_path(file), options);
         const std::size_t violations = jet::check_structure(*database).size();
         std::printf("  %s: %ju bytes, %zu tables, structural check: %s\n", file.c_str(),
                     static_cast<std::uintmax_t>(fs::file_size(file)), database->table_names().size(),

@@ -7,6 +7,7 @@
 #include "tools/arguments.h"
 #include "tools/commands.h"
 #include "tools/row_printer.h"
+#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -15,7 +16,7 @@ std::unique_ptr<jet::Database> open(const std::string& path, const Arguments& ar
     jet::OpenOptions options;
     options.read_only = true;
     options.password = jet::from_utf8(arguments.value("--password").value_or(""));
-    return jet::Database::open(path, options);
+    return jet::Database::open(to_system_path(path), options);
 }
 
 jet::Table& find_table(jet::Database& database, const std::string& name) {

@@ -5,6 +5,7 @@
 
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/words.h"
 
 namespace {
 
@@ -18,7 +19,13 @@ struct Command {
 constexpr Command kCommands[] = {
     {"demo", "demo [FOLDER]", "make a studio in FOLDER (default: a new temporary folder), do a day's work, show it",
      tools::run_demo},
-    {"info", "info FOLDER", "version, files, tables and rows of the studio in FOLDER", tools::run_info},
+    {"info", "info FOLDER",
+     "version, files, tables and rows of the studio in FOLDER, and what an upgrade would do; changes nothing",
+     tools::run_info},
+    {"upgrade", "upgrade FOLDER [--no-copy]",
+     "open the studio in FOLDER, which brings older files up to date, behind a dated copy of both; show versions and "
+     "rows before and after",
+     tools::run_upgrade},
     {"projects", "projects FOLDER [--client N] [--type T] [--json]", "list projects through the gate",
      tools::run_projects},
     {"list", "list FOLDER TABLE [--filter member=value ...] [--json|--csv]",
@@ -50,7 +57,7 @@ int fail(int code, const char* text) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const tools::Words words(argv + 1, argv + argc);
+    const tools::Words words = tools::command_line_words(argc, argv);
     if (words.empty()) return fail(2, "no command; kvdb --help lists them");
     if (words[0] == "--help" || words[0] == "help") {
         print_help();

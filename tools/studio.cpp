@@ -8,6 +8,7 @@
 
 #include "os/system.h"
 #include "tools/arguments.h"
+#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -22,7 +23,7 @@ constexpr char kLibraryName[] = "libkvdb.so";
 
 // Beside the tool, as it is built; or in the lib folder of an installed tree.
 fs::path own_library() {
-    const fs::path beside = os::folder_of(os::module_path());
+    const fs::path beside = from_system_path(os::folder_of(os::module_path()));
     for (const fs::path& candidate : {beside / kLibraryName, beside.parent_path() / "lib" / kLibraryName}) {
         if (fs::exists(candidate)) return candidate;
     }
@@ -34,7 +35,7 @@ fs::path own_library() {
 struct Studio::Module {
     explicit Module(const std::string& path) {
 #ifdef _WIN32
-        handle = LoadLibraryA(path.c_str());
+        handle = LoadLibraryExA(to_system_path(path).c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
         if (handle == nullptr) throw CommandError("cannot load " + path);
 #else
         handle = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);

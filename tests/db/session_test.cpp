@@ -264,30 +264,6 @@ TEST_F(Session, gate_that_never_attached_fails) {
     EXPECT_EQ(db::set_head(gate_, nullptr), E_FAIL);
 }
 
-TEST_F(Session, older_version_is_served_untouched) {
-    db::attach(gate_);
-    CDaoRecordset rows(gate_.main);
-    rows.Open(dbOpenDynaset, "DBHeader", 0);
-    rows.Edit();
-    rows.SetFieldValue("DBversion", COleVariant(200010));
-    rows.Update();
-    rows.Close();
-    EXPECT_EQ(db::upgrade_main_file(*gate_.main), -1);
-    EXPECT_EQ(db::upgrade_invoice_file(*gate_.invoice, db::stored_version(*gate_.invoice)), 0);
-    EXPECT_EQ(db::upgrade_invoice_file(*gate_.invoice, 100006), -1);
-    EXPECT_EQ(db::open(gate_), S_OK);
-    LONG version = 0;
-    EXPECT_EQ(db::get_version(gate_, &version), S_OK);
-    EXPECT_EQ(version, 200010);
-    EXPECT_EQ(row_count(gate_.main, "Projects"), 0);
-}
-
-TEST_F(Session, version_of_a_closed_database_is_0) {
-    CDaoDatabase closed;
-    EXPECT_EQ(db::stored_version(closed), 0);
-    EXPECT_EQ(db::upgrade_main_file(closed), -1);
-}
-
 TEST_F(Session, draft_left_by_a_crash_is_made_anew) {
     std::ofstream(path("sldb.mdb-new")) << "half a file";
     std::ofstream(path("sldb.mdb-new-journal")) << "and its journal";
@@ -356,6 +332,9 @@ TEST_F(Session, content_on_a_closed_database_fails) {
     EXPECT_EQ(db::write_main_content(closed), -1);
     EXPECT_EQ(db::write_invoice_content(closed), -1);
     EXPECT_EQ(db::add_sample_equipment(closed), -1);
+    EXPECT_EQ(db::add_demo_project(closed), -1);
+    EXPECT_EQ(db::write_media_library(closed), -1);
+    EXPECT_EQ(db::write_contact_categories(closed), -1);
 }
 
 TEST_F(Session, shutting_down_closes_once_and_opening_again_works) {

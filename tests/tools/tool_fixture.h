@@ -2,13 +2,18 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <kvdb/com.h>
+
+#ifndef _WIN32
 #include <sys/wait.h>
+#endif
 
 #include <algorithm>
 #include <cstdlib>
 #include <fstream>
 #include <string>
 
+#include "os/code_page.h"
 #include "tests/support/temp_folder.h"
 
 namespace testing_tool {
@@ -26,8 +31,56 @@ inline std::string contents(const std::string& path) {
 
 inline std::string in_quotes(const std::string& text) { return "'" + text + "'"; }
 
+#ifdef _WIN32
+
+// The arguments of a shell's command as one of Windows: words in single quotes become words in double quotes, in which
+// a double quote has a backslash before it.
+inline std::string windows_arguments(const std::string& arguments) {
+    std::string result;
+    for (const char c : arguments) {
+        if (c == '"') result += '\\';
+        result += c == '\'' ? '"' : c;
+    }
+    return result;
+}
+
+// Runs `command` with its output in the two files; its exit code, or -1.
+inline int run_program(const std::string& command, const std::string& out, const std::string& errors) {
+    SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
+    const auto create = [&](const std::string& path) {
+        return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
+    };
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdOutput = create(out);
+    startup.hStdError = create(errors);
+    PROCESS_INFORMATION process{};
+    std::u16string line = os::detail::utf8_to_utf16(command);
+    DWORD code = static_cast<DWORD>(-1);
+    if (CreateProcessW(nullptr, reinterpret_cast<LPWSTR>(line.data()), nullptr, nullptr, TRUE, 0, nullptr, nullptr,
+                       &startup, &process)) {
+        WaitForSingleObject(process.hProcess, INFINITE);
+        GetExitCodeProcess(process.hProcess, &code);
+        CloseHandle(process.hProcess);
+        CloseHandle(process.hThread);
+    }
+    CloseHandle(startup.hStdOutput);
+    CloseHandle(startup.hStdError);
+    return static_cast<int>(code);
+}
+
+#endif
+
 class Tool : public ::testing::Test {
 protected:
+#ifdef _WIN32
+    Outcome run(const std::string& arguments) {
+        const int code = run_program("\"" KVDB_TOOL "\" " + windows_arguments(arguments), scratch_.file("out"),
+                                     scratch_.file("err"));
+        return {code, contents(scratch_.file("out")), contents(scratch_.file("err"))};
+    }
+#else
     Outcome run(const std::string& arguments) {
         const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " >" +
                                     in_quotes(scratch_.file("out")) + " 2>" + in_quotes(scratch_.file("err"));
@@ -35,6 +88,7 @@ protected:
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(scratch_.file("out")),
                 contents(scratch_.file("err"))};
     }
+#endif
     Outcome demo() { return run("demo " + in_quotes(studio_)); }
     std::string main_file() const { return in_quotes(studio_ + "/sldb.mdb"); }
 

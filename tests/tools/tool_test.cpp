@@ -101,8 +101,8 @@ TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
 
 TEST_F(Tool, help_is_everywhere_and_succeeds) {
     EXPECT_EQ(run("--help").code, 0);
-    for (const std::string command :
-         {"demo", "info", "projects", "list", "show", "add", "set", "delete", "tables", "schema", "rows", "check"}) {
+    for (const std::string command : {"demo", "info", "upgrade", "projects", "list", "show", "add", "set", "delete",
+                                      "tables", "schema", "rows", "check"}) {
         const Outcome outcome = run(command + " --help");
         EXPECT_EQ(outcome.code, 0) << command;
         EXPECT_NE(outcome.out.find("kvdb " + command), std::string::npos);
@@ -114,6 +114,8 @@ TEST_F(Tool, what_is_not_understood_is_a_usage_error) {
     expect_failure(run(""), 2, "--help");
     expect_failure(run("dance"), 2, "dance");
     expect_failure(run("info"), 2, "usage: kvdb info");
+    expect_failure(run("upgrade"), 2, "usage: kvdb upgrade");
+    expect_failure(run("upgrade x --backup"), 2, "--backup");
     expect_failure(run("projects x --client many"), 2, "--client");
     expect_failure(run("projects x --colour red"), 2, "--colour");
     expect_failure(run("rows a b --json --csv"), 2, "--csv");

@@ -1,0 +1,39 @@
+# What the component is on Windows besides its code: exports without decoration, type library, resources, and the
+# compiler's runtime beside it.
+enable_language(RC)
+set(idl_dir ${PROJECT_SOURCE_DIR}/frame/idl)
+set(kvdb_tlb ${PROJECT_BINARY_DIR}/kvdb.tlb)
+add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/stdole2.tlb
+    COMMAND ${KVDB_WIDL} -t -m32 -o ${PROJECT_BINARY_DIR}/stdole2.tlb ${idl_dir}/stdole2.idl
+    DEPENDS ${idl_dir}/stdole2.idl VERBATIM)
+add_custom_command(OUTPUT ${kvdb_tlb}
+    COMMAND ${KVDB_WIDL} -t -m32 -I${idl_dir} -L${PROJECT_BINARY_DIR} -o ${kvdb_tlb}
+        ${PROJECT_SOURCE_DIR}/frame/kvdb.idl
+    DEPENDS ${PROJECT_SOURCE_DIR}/frame/kvdb.idl ${idl_dir}/oaidl.idl ${idl_dir}/unknwn.idl
+        ${PROJECT_BINARY_DIR}/stdole2.tlb VERBATIM)
+
+set(kvdb_rc ${PROJECT_SOURCE_DIR}/frame/kvdb.rc)
+set(kvdb_string_table ${PROJECT_SOURCE_DIR}/db/string_table.rc)
+target_sources(kvdb PRIVATE ${kvdb_rc} ${kvdb_string_table} ${PROJECT_SOURCE_DIR}/frame/kvdb.def)
+target_include_directories(kvdb PRIVATE $<$<COMPILE_LANGUAGE:RC>:${PROJECT_BINARY_DIR}>)
+set_source_files_properties(${kvdb_rc} PROPERTIES
+    COMPILE_DEFINITIONS "KVDB_VERSION_NUMBERS=${PROJECT_VERSION_MAJOR},${PROJECT_VERSION_MINOR},${PROJECT_VERSION_PATCH},0;KVDB_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\""
+    OBJECT_DEPENDS "${kvdb_tlb};${PROJECT_SOURCE_DIR}/frame/dbgate1.rgs;${PROJECT_SOURCE_DIR}/frame/dbgate2.rgs;${PROJECT_SOURCE_DIR}/frame/dbgate3.rgs;${PROJECT_SOURCE_DIR}/db/string_resources.h")
+set_target_properties(kvdb PROPERTIES PREFIX "" IMPORT_PREFIX "")
+target_link_options(kvdb PRIVATE -Wl,--enable-stdcall-fixup -s)
+target_link_libraries(kvdb_frame PUBLIC ole32 oleaut32 uuid advapi32)
+
+configure_file(${PROJECT_SOURCE_DIR}/frame/kvdb.manifest.in ${PROJECT_BINARY_DIR}/kvdb.manifest @ONLY)
+
+# The unwinder, and what it needs itself: they lie beside every program and library.
+foreach(runtime libgcc_s_dw2-1.dll libwinpthread-1.dll)
+    execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
+        OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT IS_ABSOLUTE "${file}")
+        find_file(kvdb_${runtime} ${runtime} PATHS /usr/i686-w64-mingw32/lib /usr/i686-w64-mingw32/bin REQUIRED
+            NO_CMAKE_FIND_ROOT_PATH)
+        set(file ${kvdb_${runtime}})
+    endif()
+    file(COPY_FILE ${file} ${PROJECT_BINARY_DIR}/${runtime} ONLY_IF_DIFFERENT)
+    list(APPEND kvdb_runtime ${PROJECT_BINARY_DIR}/${runtime})
+endforeach()

@@ -1,0 +1,23 @@
+// Fields that an upgrade adds to tables of older versions, as the schema lists them.
+#pragma once
+
+#include <initializer_list>
+#include <span>
+
+#include "db/schema.h"
+
+namespace db {
+
+// Fields of one table of the schema, in the order of adding.
+struct AddedFields {
+    const char* table;
+    std::initializer_list<const char*> fields;
+};
+
+// False when the table has a field of that name, which stays as it is. Throws CDaoException*.
+bool add_field(CDaoDatabase& database, const TableSchema& table, const char* field);
+// Adds what is missing, table by table: 0, or -1 when a table took not all of its fields. The others get
+// theirs all the same.
+int add_fields(CDaoDatabase& database, std::span<const TableSchema> schema, std::span<const AddedFields> added);
+
+}  // namespace db

@@ -1,0 +1,28 @@
+// Dates that older versions kept as texts, written as the system writes its short dates.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "afx/ole_date_time.h"
+#include "os/system.h"
+
+namespace db {
+
+class DateReader {
+public:
+    // The system's separator and order are asked for once, here.
+    DateReader() : separator_(os::date_separator()), order_(os::date_order()) {}
+
+    // Midnight of the day; none where the text is not three whole numbers between separators, in the
+    // system's order, that name a day of the calendar. Blanks around a number are allowed. Years of one or
+    // two digits: 0 to 29 are 2000 to 2029, others 1930 to 1999.
+    std::optional<COleDateTime> read(std::string_view text) const;
+
+private:
+    std::string separator_;
+    os::DateOrder order_;
+};
+
+}  // namespace db

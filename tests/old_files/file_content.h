@@ -1,0 +1,29 @@
+// Everything that is in a closed file, as text that tests can compare and print.
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace testing_support {
+
+// Value by column. Null is "null", texts are in quotes, dates are 2005-03-05 (with "+" and the fraction of the
+// day where there is one), amounts have their four decimals, 32-bit fractions end in "f".
+using ContentRow = std::map<std::string, std::string>;
+
+struct ContentTable {
+    std::map<std::string, std::string> columns;  // kinds by name, as in expected_schema.h
+    std::vector<ContentRow> rows;                // in the order of the table
+    friend bool operator==(const ContentTable&, const ContentTable&) = default;
+};
+
+using Content = std::map<std::string, ContentTable>;
+
+// Whatever the password. Fails the test where the structural check finds fault.
+Content content_of(const std::string& path);
+// The password stored in the file, UTF-8.
+std::string password_in(const std::string& path);
+// In one line each, what the second has otherwise than the first; "" for equal ones.
+std::string difference(const Content& a, const Content& b);
+
+}  // namespace testing_support

@@ -1,0 +1,95 @@
+// Files as earlier versions of the studio program left them, made with the engine alone: today's tables, which
+// expected_schema.h writes down, less what each later version has added, and what later versions took away.
+//
+//     OldFile studio(path, OldFile::Kind::kStudio, 100006);
+//     studio.add("Songs", {{"ProjID", 1}, {"Name", "Sunrise"}});
+//     studio.close();
+//
+//     make_old_studio(folder, 200010);   // both files, full of rows
+#pragma once
+
+#include <cstdint>
+#include <initializer_list>
+#include <map>
+#include <memory>
+#include <set>
+#include <string>
+
+#include "jet/database.h"
+
+namespace testing_support {
+
+inline constexpr std::int32_t kOldVersions[] = {100005, 100006, 200000, 200010};
+
+// What the component's files are opened with, and what the studio files below version 100006 carry.
+inline constexpr char kStudioPassword[] = "KvStudio2005sl";
+inline constexpr char kFormerStudioPassword[] = "KvStudio2002";
+inline constexpr char kInvoicePassword[] = "KvInvoice2005";
+
+// A value of a row; texts are UTF-8.
+struct Cell {
+    Cell(const char* name, jet::Value given) : column(name), value(std::move(given)) {}
+    Cell(const char* name, std::int32_t number) : Cell(name, jet::Value(number)) {}  // 0 is no text
+    Cell(const char* name, float number) : Cell(name, jet::Value(number)) {}
+    Cell(const char* name, const char* text) : Cell(name, jet::from_utf8(text)) {}
+    Cell(const char* name, const std::string& text) : Cell(name, jet::from_utf8(text)) {}
+
+    const char* column;
+    jet::Value value;
+};
+
+inline jet::Currency amount(std::int64_t whole, std::int64_t ten_thousandths = 0) {
+    return {whole * 10000 + ten_thousandths};
+}
+jet::Date day(int year, int month, int day_of_month);
+// A day as the system writes it, which is how files below version 200000 hold dates.
+std::string date_text(int year, int month, int day_of_month);
+
+// How a file differs from what its version says.
+struct Oddities {
+    std::set<std::string> without = {};             // "Table" or "Table.Column"
+    std::map<std::string, std::string> kinds = {};  // "Table.Column" to its kind; a column that is not there is added
+    std::set<std::string> also = {};                // tables of today's
+    const char* password = nullptr;                 // null: the version's own
+    bool header_row = true;
+};
+
+class OldFile {
+public:
+    enum class Kind { kStudio, kInvoice };
+
+    // Makes the file with its tables and its header row.
+    OldFile(const std::string& path, Kind kind, std::int32_t version, const Oddities& oddities = {});
+    ~OldFile();
+
+    // Adds a row and returns its key (0: the table has none). A column that today's table has and this version's
+    // has not is left out; any other unknown one is an error, and so is an unknown table.
+    std::int32_t add(const std::string& table, std::initializer_list<Cell> cells);
+    bool has(const std::string& table) const;
+    std::int32_t version() const { return version_; }
+    void close();
+
+private:
+    Kind kind_;
+    std::int32_t version_;
+    std::unique_ptr<jet::Database> database_;
+    std::unique_ptr<jet::Transaction> filling_;
+};
+
+struct StudioSize {
+    std::int32_t projects = 12;
+    std::int32_t songs = 150;
+    std::int32_t tracks = 60;
+    std::int32_t sessions = 400;
+    std::int32_t engineers = 9;
+    std::int32_t contacts = 60;
+    std::int32_t invoices = 40;
+};
+
+// Both files in the folder, with rows in every table of the version: texts with umlauts, empty and Null values,
+// dates in the system's order and in others, texts that are no dates, names with wildcards and quotes.
+void make_old_studio(const std::string& folder, std::int32_t version, const StudioSize& size = {});
+void fill_studio(OldFile& file, const StudioSize& size = {});
+void fill_invoices(OldFile& file, const StudioSize& size = {});
+
+}  // namespace testing_support

@@ -16,9 +16,13 @@ set(kvdb_rc ${PROJECT_SOURCE_DIR}/frame/kvdb.rc)
 set(kvdb_string_table ${PROJECT_SOURCE_DIR}/db/string_table.rc)
 target_sources(kvdb PRIVATE ${kvdb_rc} ${kvdb_string_table} ${PROJECT_SOURCE_DIR}/frame/kvdb.def)
 target_include_directories(kvdb PRIVATE $<$<COMPILE_LANGUAGE:RC>:${PROJECT_BINARY_DIR}>)
+set(version_numbers ${PROJECT_VERSION_MAJOR},${PROJECT_VERSION_MINOR},${PROJECT_VERSION_PATCH},0)
 set_source_files_properties(${kvdb_rc} PROPERTIES
-    COMPILE_DEFINITIONS "KVDB_VERSION_NUMBERS=${PROJECT_VERSION_MAJOR},${PROJECT_VERSION_MINOR},${PROJECT_VERSION_PATCH},0;KVDB_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\""
-    OBJECT_DEPENDS "${kvdb_tlb};${PROJECT_SOURCE_DIR}/frame/dbgate1.rgs;${PROJECT_SOURCE_DIR}/frame/dbgate2.rgs;${PROJECT_SOURCE_DIR}/frame/dbgate3.rgs;${PROJECT_SOURCE_DIR}/db/string_resources.h")
+    COMPILE_DEFINITIONS "KVDB_VERSION_NUMBERS=${version_numbers};KVDB_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\"")
+# The resource compiler does not tell what it reads.
+file(GLOB scripts ${PROJECT_SOURCE_DIR}/frame/*.rgs)
+set_property(SOURCE ${kvdb_rc} PROPERTY OBJECT_DEPENDS ${kvdb_tlb} ${scripts})
+set_property(SOURCE ${kvdb_string_table} PROPERTY OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/db/string_resources.h)
 set_target_properties(kvdb PROPERTIES PREFIX "" IMPORT_PREFIX "")
 target_link_options(kvdb PRIVATE -Wl,--enable-stdcall-fixup -s)
 target_link_libraries(kvdb_frame PUBLIC ole32 oleaut32 uuid advapi32)

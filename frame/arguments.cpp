@@ -37,6 +37,12 @@ HRESULT rounded(double value, std::int64_t& number) {
     return S_OK;
 }
 
+HRESULT rounded(const DECIMAL& decimal, std::int64_t& number) {
+    constexpr double kTwoTo64 = 18446744073709551616.0;
+    const double value = (decimal.Hi32 * kTwoTo64 + static_cast<double>(decimal.Lo64)) / std::pow(10.0, decimal.scale);
+    return rounded((decimal.sign & 0x80) != 0 ? -value : value, number);
+}
+
 HRESULT parsed(BSTR wide, std::int64_t& number) {
     const std::string narrow = to_narrow(wide);
     std::string_view text = narrow;
@@ -77,6 +83,7 @@ HRESULT number_at(VARTYPE type, const void* data, std::int64_t& number) {
         case VT_R8:
         case VT_DATE: return rounded(read<double>(data), number);
         case VT_CY: return rounded(static_cast<double>(read<std::int64_t>(data)) / 10000, number);
+        case VT_DECIMAL: return rounded(read<DECIMAL>(data), number);
         case VT_BSTR: return parsed(read<BSTR>(data), number);
         default: return DISP_E_TYPEMISMATCH;
     }
@@ -113,6 +120,8 @@ HRESULT whole_number(const VARIANT& from, std::int64_t& number) {
         number = 0;
         return S_OK;
     }
+    // A decimal fills the whole variant but for the type.
+    if (value.vt == VT_DECIMAL) return number_at(value.vt, &value.decVal, number);
     if ((value.vt & VT_BYREF) == 0) return number_at(value.vt, &value.llVal, number);
     if (value.byref == nullptr) return DISP_E_TYPEMISMATCH;
     return number_at(static_cast<VARTYPE>(value.vt & ~VT_BYREF), value.byref, number);

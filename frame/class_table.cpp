@@ -13,8 +13,8 @@ namespace frame {
 
 namespace {
 
-HRESULT update_registry(const ClassEntry& entry, bool install) {
-    return run_registration_script(entry.script, install);
+HRESULT update_registry(const ClassEntry& entry, Registration& registration) {
+    return registration.run_script(entry.script);
 }
 
 HRESULT create_factory(const ClassEntry& entry, REFIID riid, void** factory) {

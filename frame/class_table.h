@@ -8,10 +8,12 @@
 
 namespace frame {
 
+class Registration;
+
 struct ClassEntry {
     CLSID clsid;
     std::uint16_t script;  // resource number of the registration script
-    HRESULT (*update_registry)(const ClassEntry& entry, bool install);
+    HRESULT (*update_registry)(const ClassEntry& entry, Registration& registration);
     HRESULT (*create_factory)(const ClassEntry& entry, REFIID riid, void** factory);
     HRESULT (*create_instance)(REFIID riid, void** object);
     const char* (*description)();

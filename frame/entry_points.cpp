@@ -1,11 +1,14 @@
 // Each entry point runs under the component's own module state.
 #include "frame/entry_points.h"
 
+#include <algorithm>
+#include <new>
+#include <string_view>
+
 #include "afx/module_state.h"
 #include "db/session.h"
 #include "frame/class_table.h"
 #include "frame/module.h"
-#include "frame/registrar.h"
 
 namespace frame {
 
@@ -22,13 +25,31 @@ HRESULT get_class_object(REFCLSID clsid, REFIID riid, void** object) {
     return entry != nullptr ? entry->create_factory(*entry, riid, object) : CLASS_E_CLASSNOTAVAILABLE;
 }
 
-HRESULT register_server(bool install) {
+HRESULT register_server(bool install, RegistrationScope scope) {
     AFX_MANAGE_STATE(AfxGetStaticModuleState());
-    for (const ClassEntry& entry : class_table()) {
-        const HRESULT result = entry.update_registry(entry, install);
-        if (FAILED(result)) return result;
+    try {
+        Registration registration(scope, install);
+        for (const ClassEntry& entry : class_table()) {
+            const HRESULT result = entry.update_registry(entry, registration);
+            if (FAILED(result)) return result;
+        }
+        const HRESULT result = registration.run_type_library();
+        if (SUCCEEDED(result)) registration.keep();
+        return result;
+    } catch (const std::bad_alloc&) {
+        return E_OUTOFMEMORY;
     }
-    return register_type_library(install);
+}
+
+HRESULT install_server(bool install, LPCOLESTR command) {
+    constexpr std::string_view kUser = "user";
+    std::size_t length = 0;
+    while (command != nullptr && command[length] != 0) ++length;
+    if (length == 0) return register_server(install);
+    const auto lower = [](OLECHAR c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; };
+    const auto is_same = [&](char a, OLECHAR b) { return a == lower(b); };
+    if (!std::equal(kUser.begin(), kUser.end(), command, command + length, is_same)) return E_INVALIDARG;
+    return register_server(install, RegistrationScope::kUser);
 }
 
 void shut_down() {

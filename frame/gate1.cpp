@@ -15,13 +15,15 @@ DBgate1::~DBgate1() {
                     custom_query_);
 }
 
+// The two methods below tell by the code they return to whether an exception may be let out.
+
 // The file name has no meaning: where the files are is the component's own business.
-HRESULT STDMETHODCALLTYPE DBgate1::CreateDB(BSTR) {
-    return call_with_errors([&] { return db::attach(databases_); });
+[[gnu::noinline]] HRESULT STDMETHODCALLTYPE DBgate1::CreateDB(BSTR) {
+    return call_with_errors(__builtin_return_address(0), [&] { return db::attach(databases_); });
 }
 
-HRESULT STDMETHODCALLTYPE DBgate1::OpenDB() {
-    return call_with_errors([&] { return db::open(databases_); });
+[[gnu::noinline]] HRESULT STDMETHODCALLTYPE DBgate1::OpenDB() {
+    return call_with_errors(__builtin_return_address(0), [&] { return db::open(databases_); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::GetDBVer(LONG* pdwDBver) {

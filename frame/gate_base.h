@@ -3,7 +3,8 @@
 //
 // 1. Inside a method the component's module state is current; the caller's is back on every way out.
 // 2. A method gives S_OK or E_FAIL and nothing else.
-// 3. No exception leaves a method, except the CDaoException* that `call_with_errors` lets out.
+// 3. No exception leaves a method, except the CDaoException* that `call_with_errors` lets out to a caller that can
+//    catch it; any other caller gets E_FAIL and the platform's error info.
 #pragma once
 
 #include <kvdb/com.h>
@@ -13,9 +14,11 @@
 
 #include "afx/module_state.h"
 #include "db/session.h"
+#include "frame/caller.h"
 #include "frame/com_object.h"
 #include "frame/dispatch.h"
 #include "frame/method_table.h"
+#include "frame/type_information.h"
 
 namespace frame {
 
@@ -36,26 +39,32 @@ struct RecordAddress {
 };
 
 template <class Interface>
-class GateBase : public ComObject<Interface> {
+class GateBase : public ComObject<Interface>, public ISupportErrorInfo {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
-        if (riid != IID_IUnknown && riid != IID_IDispatch && riid != interface_id_) return E_NOINTERFACE;
-        this->AddRef();
-        *object = static_cast<Interface*>(this);
+        if (riid == IID_IUnknown || riid == IID_IDispatch || riid == interface_id_) {
+            *object = static_cast<Interface*>(this);
+        } else if (riid == IID_ISupportErrorInfo) {
+            *object = static_cast<ISupportErrorInfo*>(this);
+        } else {
+            return E_NOINTERFACE;
+        }
+        AddRef();
         return S_OK;
     }
 
     HRESULT STDMETHODCALLTYPE GetTypeInfoCount(UINT* count) override {
         if (count == nullptr) return E_POINTER;
-        *count = 0;
+        *count = type_information_count();
         return S_OK;
     }
 
-    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT, LCID, ITypeInfo** info) override {
+    HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
         if (info != nullptr) *info = nullptr;
-        return DISP_E_BADINDEX;
+        if (index >= type_information_count()) return DISP_E_BADINDEX;
+        return info != nullptr ? type_information(interface_id_, info) : E_POINTER;
     }
 
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {
@@ -66,6 +75,12 @@ public:
                                      EXCEPINFO* exception, UINT* bad_argument) override {
         return invoke_method(methods_, this, id, riid, flags, parameters, result, exception, bad_argument);
     }
+
+    HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
+        return has_error_info() && riid == interface_id_ ? S_OK : S_FALSE;
+    }
+
+    ULONG STDMETHODCALLTYPE AddRef() override { return ComObject<Interface>::AddRef(); }
 
     ULONG STDMETHODCALLTYPE Release() override {
         AFX_MANAGE_STATE(AfxGetStaticModuleState());
@@ -90,14 +105,19 @@ protected:
         }
     }
 
-    // As `call`, but an error of the data-access engine goes out to the caller as CDaoException*.
+    // As `call`, but an error of the data-access engine goes out to the caller, the code that the method returns to,
+    // as CDaoException*.
     template <class Operation>
-    static HRESULT call_with_errors(Operation&& operation) {
+    HRESULT call_with_errors(const void* return_address, Operation&& operation) {
         AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        clear_error_info();
         try {
             return plain_result(operation());
-        } catch (CDaoException*) {
-            throw;
+        } catch (CDaoException* error) {
+            if (catches_exceptions(return_address)) throw;
+            set_error_info(interface_id_, *error);
+            error->Delete();
+            return E_FAIL;
         } catch (CException* error) {
             error->Delete();
             return E_FAIL;

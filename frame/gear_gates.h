@@ -23,8 +23,8 @@ class GearGate : public GateBase<Interface> {
 public:
     // ---- Methods, in slot order
 
-    HRESULT STDMETHODCALLTYPE OpenDB() override {
-        return call_with_errors([&] { return db::attach(databases_); });
+    [[gnu::noinline]] HRESULT STDMETHODCALLTYPE OpenDB() override {
+        return call_with_errors(__builtin_return_address(0), [&] { return db::attach(databases_); });
     }
     HRESULT STDMETHODCALLTYPE CloseDB() override {
         return call([] {

@@ -20,6 +20,12 @@ KVDB_EXPORT HRESULT STDAPICALLTYPE DllRegisterServer() { return frame::register_
 
 KVDB_EXPORT HRESULT STDAPICALLTYPE DllUnregisterServer() { return frame::register_server(false); }
 
+#ifdef _WIN32
+KVDB_EXPORT HRESULT STDAPICALLTYPE DllInstall(BOOL install, LPCWSTR command) {
+    return frame::install_server(install != FALSE, command);
+}
+#endif
+
 namespace {
 
 struct EngineEnd {

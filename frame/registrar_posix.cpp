@@ -3,8 +3,16 @@
 
 namespace frame {
 
-HRESULT run_registration_script(std::uint16_t, bool) { return E_NOTIMPL; }
+class Registration::Work {};
 
-HRESULT register_type_library(bool) { return E_NOTIMPL; }
+Registration::Registration(RegistrationScope, bool) {}
+
+Registration::~Registration() = default;
+
+HRESULT Registration::run_script(std::uint16_t) { return E_NOTIMPL; }
+
+HRESULT Registration::run_type_library() { return E_NOTIMPL; }
+
+void Registration::keep() {}
 
 }  // namespace frame

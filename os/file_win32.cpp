@@ -41,6 +41,20 @@ void require_usable(const char* operation, const std::string& path) {
     }
 }
 
+// The path as the system's functions take it. Those in the code page refuse what is longer than 259 characters, and so
+// do the others, unless the path is complete and marked.
+std::wstring system_path(const std::string& path) {
+    const std::u16string units = widen(path);
+    const std::wstring wide(units.begin(), units.end());
+    constexpr std::size_t kLongestUnmarked = 247;  // of a folder; a file may be twelve longer
+    if (wide.size() <= kLongestUnmarked || wide.starts_with(L"\\\\")) return wide;
+    std::wstring full(wide.size() + MAX_PATH, L'\0');
+    const DWORD length = ::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    if (length == 0 || length >= full.size()) return wide;
+    full.resize(length);
+    return L"\\\\?\\" + full;
+}
+
 class Handle {
 public:
     explicit Handle(HANDLE handle) : handle_(handle) {}
@@ -151,8 +165,8 @@ public:
         const char* operation = mode == OpenMode::kCreateExclusive ? "create" : "open";
         require_usable(operation, path);
         const OpenArguments arguments = arguments_of(mode);
-        Handle handle(::CreateFileA(path.c_str(), arguments.access, arguments.share, nullptr, arguments.disposition,
-                                    FILE_ATTRIBUTE_NORMAL, nullptr));
+        Handle handle(::CreateFileW(system_path(path).c_str(), arguments.access, arguments.share, nullptr,
+                                    arguments.disposition, FILE_ATTRIBUTE_NORMAL, nullptr));
         if (handle.get() == INVALID_HANDLE_VALUE) fail(operation, path, ::GetLastError());
         // Names such as COM1 open a device.
         if (::GetFileType(handle.get()) != FILE_TYPE_DISK) {
@@ -162,18 +176,21 @@ public:
     }
 
     bool exists(const std::string& path) override {
-        return path.find('\0') == std::string::npos && ::GetFileAttributesA(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+        return path.find('\0') == std::string::npos &&
+               ::GetFileAttributesW(system_path(path).c_str()) != INVALID_FILE_ATTRIBUTES;
     }
 
     void remove(const std::string& path) override {
         require_usable("remove", path);
-        if (!::DeleteFileA(path.c_str())) fail("remove", path, ::GetLastError());
+        if (!::DeleteFileW(system_path(path).c_str())) fail("remove", path, ::GetLastError());
     }
 
     void rename(const std::string& from, const std::string& to) override {
         require_usable("rename", from);
         require_usable("rename", to);
-        if (::MoveFileExA(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH)) return;
+        if (::MoveFileExW(system_path(from).c_str(), system_path(to).c_str(),
+                          MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH))
+            return;
         fail("rename", from, ::GetLastError());
     }
 
@@ -183,7 +200,7 @@ public:
         constexpr const char* kOperation = "sync the folder of";
         require_usable(kOperation, path);
         const std::string folder = folder_of(path);
-        const DWORD attributes = ::GetFileAttributesA(folder.empty() ? "." : folder.c_str());
+        const DWORD attributes = ::GetFileAttributesW(folder.empty() ? L"." : system_path(folder).c_str());
         if (attributes == INVALID_FILE_ATTRIBUTES) fail(kOperation, path, FileFault::kBadPath, ::GetLastError());
         if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) fail(kOperation, path, ERROR_DIRECTORY);
     }

@@ -8,6 +8,7 @@
 #include <array>
 
 #include "os/code_page.h"
+#include "os/module_win32.h"
 #include "os/system_parts.h"
 
 namespace os {
@@ -18,14 +19,6 @@ static_assert(sizeof(wchar_t) == sizeof(char16_t), "Windows text is UTF-16");
 constexpr UINT kUtf8 = 65001;
 constexpr UINT kWindows1252 = 1252;
 
-// The module that holds this code: the library, not the program that loaded it.
-HMODULE own_module() {
-    HMODULE module = nullptr;
-    const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    ::GetModuleHandleExA(flags, reinterpret_cast<LPCSTR>(&own_module), &module);
-    return module;
-}
-
 // An item of the system default locale; "" when it cannot be had.
 std::string system_locale_item(LCTYPE item) {
     constexpr LCID kSystemDefault = 0x800;
@@ -35,6 +28,16 @@ std::string system_locale_item(LCTYPE item) {
 }
 
 }  // namespace
+
+HMODULE module_of(const void* address) {
+    HMODULE module = nullptr;
+    if (address == nullptr) return module;
+    const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    ::GetModuleHandleExA(flags, static_cast<LPCSTR>(address), &module);
+    return module;
+}
+
+HMODULE own_module() { return module_of(reinterpret_cast<const void*>(&own_module)); }
 
 std::string module_path() {
     std::string path(MAX_PATH, '\0');

@@ -28,6 +28,11 @@ has_package() {
         npm) command -v npm >/dev/null ;;
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
+        g++-mingw-w64-i686-posix) command -v i686-w64-mingw32-g++-posix >/dev/null ;;
+        mingw-w64-tools) command -v i686-w64-mingw32-widl >/dev/null ;;
+        googletest) [ -e /usr/src/googletest/googlemock/src/gmock-all.cc ] ;;
+        libc6-i386) [ -e /lib/ld-linux.so.2 ] ;;
+        zip) command -v zip >/dev/null ;;
         *) die "scripts/setup.sh: unknown package $1" ;;
     esac
 }
@@ -70,6 +75,15 @@ build_preset() {
     say "Configuring and building preset $preset"
     cmake --preset "$preset" --log-level=WARNING "${settings[@]}" >/dev/null
     cmake --build --preset "$preset" "${targets[@]}"
+}
+
+# What the Windows component is built with; with "wine", what its tests run in as well.
+need_windows() {
+    need_packages g++-mingw-w64-i686-posix mingw-w64-tools googletest
+    if [ "${1:-}" = wine ]; then
+        need_packages libc6-i386 locales
+        scripts/setup_wine build/wine || die "The tests of the Windows component need a Wine that runs 32-bit programs"
+    fi
 }
 
 # The reader of another maker that the interop tests compare with, at the version that its file names.

@@ -137,6 +137,7 @@ inline constexpr GUID GUID_NULL{0, 0, 0, {0, 0, 0, 0, 0, 0, 0, 0}};
 inline constexpr IID IID_NULL = GUID_NULL;
 inline constexpr IID IID_IUnknown{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_IClassFactory{0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_ISupportErrorInfo{0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0, 0x2B, 0x2B, 0xD1, 0x19}};
 inline constexpr IID IID_IDispatch{0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 // ---- BSTR ------------------------------------------------------------------------------------
@@ -204,6 +205,14 @@ protected:
     ~IClassFactory() = default;
 };
 using LPCLASSFACTORY = IClassFactory*;
+
+// Which of its interfaces an object describes its failures for.
+struct ISupportErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) = 0;
+
+protected:
+    ~ISupportErrorInfo() = default;
+};
 
 struct ITypeInfo;
 struct IRecordInfo;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <cstring>
 #include <string>
 
 namespace {
@@ -66,7 +67,9 @@ TEST(CTime, parts_make_a_count_and_come_back) {
 TEST(CTime, parts_are_local) {
     const Zone zone("CET-1CEST,M3.5.0,M10.5.0/3");
     EXPECT_EQ(CTime(2005, 1, 1, 0, 0, 0).GetTime(), 1104534000);
+#ifndef _WIN32  // whose runtime takes the hours from the variable and the rule from the system
     EXPECT_EQ(CTime(2005, 7, 1, 0, 0, 0).GetTime(), 1120168800);
+#endif
     EXPECT_EQ(CTime(2005, 7, 1, 0, 0, 0, 0).GetTime(), 1120172400);
 }
 
@@ -136,6 +139,7 @@ TEST(CTime, local_parts_go_where_asked) {
     EXPECT_EQ(time.GetLocalTm()->tm_mday, 5);
 }
 
+#ifndef _WIN32
 // Clocks that go forward at midnight: the day begins at one o'clock.
 TEST(CTime, missing_midnight_moves_to_the_first_second_of_the_day) {
     const Zone zone("XST3XDT,M10.3.0/0,M2.3.0/0");
@@ -147,6 +151,7 @@ TEST(CTime, missing_midnight_moves_to_the_first_second_of_the_day) {
     const CTime inside(2005, 10, 16, 0, 40, 10);
     expect_date(inside, 2005, 10, 16);
 }
+#endif
 
 TEST(CTime, every_day_of_a_year_round_trips_in_every_zone) {
     for (const char* rule : {"UTC0", "HST10", "CET-1CEST,M3.5.0,M10.5.0/3", "XST3XDT,M10.3.0/0,M2.3.0/0",

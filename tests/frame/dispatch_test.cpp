@@ -286,6 +286,12 @@ TEST(DispatchInteger, every_numeric_type_is_taken) {
     Variant cy;
     cy.vt = VT_CY;
     cy.cyVal.int64 = 120000;
+    Variant decimal;
+    decimal.decVal.scale = 1;  // -2.5 is rounded to the even -2
+    decimal.decVal.sign = 0x80;
+    decimal.decVal.Hi32 = 0;
+    decimal.decVal.Lo64 = 25;
+    decimal.vt = VT_DECIMAL;
     Variant date = Variant::r8(38412.25);
     date.vt = VT_DATE;
     Variant truth;
@@ -297,6 +303,7 @@ TEST(DispatchInteger, every_numeric_type_is_taken) {
         {with(VT_I2, 0xFFFE), -2},
         {with(VT_UI2, 0xFFFE), 65534},
         {Variant::i4(-7), -7},
+        {decimal, -2},
         {with(VT_INT, 7), 7},
         {with(VT_UI4, 2147483647), 2147483647},
         {with(VT_UINT, 12), 12},

@@ -43,29 +43,7 @@ void expect_com_identity(const Component& component) {
     EXPECT_EQ(gate->QueryInterface(IID_IUnknown, nullptr), E_POINTER);
 }
 
-// What a shell command writes to its standard output.
-std::string output_of(const std::string& command) {
-    std::string text;
-    FILE* const pipe = popen(command.c_str(), "r");
-    if (pipe == nullptr) return text;
-    std::array<char, 4096> buffer;
-    while (const std::size_t count = std::fread(buffer.data(), 1, buffer.size(), pipe)) {
-        text.append(buffer.data(), count);
-    }
-    pclose(pipe);
-    return text;
-}
-
 }  // namespace
-
-TEST(EntryPointsGate, library_exports_the_four_functions_and_nothing_else) {
-    const std::string symbols = output_of("nm -D --defined-only '" KVDB_LIBRARY "'");
-    std::set<std::string> names;
-    std::istringstream lines(symbols);
-    for (std::string line; std::getline(lines, line);) names.insert(line.substr(line.rfind(' ') + 1));
-    EXPECT_EQ(names, (std::set<std::string>{"DllCanUnloadNow", "DllGetClassObject", "DllRegisterServer",
-                                            "DllUnregisterServer"}));
-}
 
 TEST(EntryPointsGate, each_class_makes_its_gate) {
     GateHost host;
@@ -171,12 +149,6 @@ TEST(EntryPointsGate, two_copies_are_two_components) {
     EXPECT_EQ(first.component().factory(CLSID_DBgate1)->LockServer(FALSE), S_OK);
 }
 
-TEST(EntryPointsGate, registration_is_not_implemented_without_a_registry) {
-    GateHost host;
-    EXPECT_EQ(host.component().register_server(), E_NOTIMPL);
-    EXPECT_EQ(host.component().unregister_server(), E_NOTIMPL);
-}
-
 // ---- Late binding through the library
 
 TEST(LateBindingGate, names_in_any_case_give_the_slot) {
@@ -210,17 +182,6 @@ TEST(LateBindingGate, parameters_have_their_published_names) {
     EXPECT_EQ(parameter_of(u"GetInvoiceDef", u"pInvoiceDef"), DISPID_UNKNOWN);
     EXPECT_EQ(parameter_of(u"ComputeInStock", u"pnInStock"), 1);
     EXPECT_EQ(parameter_of(u"EnumFirst_CustomQuery", u"nType"), 1);
-}
-
-TEST(LateBindingGate, there_is_no_type_information_without_a_type_library) {
-    GateHost host;
-    const auto gate = host.create<IDBgate2>();
-    UINT count = 9;
-    EXPECT_EQ(gate->GetTypeInfoCount(&count), S_OK);
-    EXPECT_EQ(count, 0u);
-    ITypeInfo* info = static_cast<ITypeInfo*>(kSentinel);
-    EXPECT_EQ(gate->GetTypeInfo(0, 0, &info), DISP_E_BADINDEX);
-    EXPECT_EQ(info, nullptr);
 }
 
 TEST(LateBindingGate, database_methods_answer_as_through_the_virtual_table) {

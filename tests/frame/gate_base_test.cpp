@@ -48,7 +48,7 @@ public:
     UnrulyGate() : GearGate(IID_IDBgate2, frame::gate2_methods(), gear::kRentals) {}
 
     HRESULT STDMETHODCALLTYPE OpenDB() override {
-        return call_with_errors([&] { return end(); });
+        return call_with_errors(__builtin_return_address(0), [&] { return end(); });
     }
     HRESULT STDMETHODCALLTYPE AddGear(LONG_PTR) override {
         return call([&] { return end(); });

@@ -9,57 +9,36 @@
 //     gate->AddSong(address_of(song));
 //
 // Gates must be released before their component is unloaded.
+//
+// KVDB_TEST_ACCESS in the environment says how `create` comes to a gate, so that one suite tests every way:
+//   nothing   through the class factory that the loaded library gives
+//   com       on Windows: registered, and made by CoCreateInstance
+//   invoke    as com where there is one, and every method then goes through Invoke
 #pragma once
 
 #include <kvdb/kvdb.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 #include <utility>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <optional>
+#else
 #include <dlfcn.h>
 #endif
 
 #include "os/system.h"
+#include "tests/frame/com_ptr.h"
+#include "tests/frame/invoke_gate.h"
 #include "tests/support/temp_folder.h"
+#ifdef _WIN32
+#include "tests/frame/activation_win32.h"
+#endif
 
 namespace testing_support {
-
-// An interface pointer that holds one reference.
-template <class Interface>
-class ComPtr {
-public:
-    ComPtr() = default;
-    // Takes over the caller's reference.
-    explicit ComPtr(Interface* owned) : pointer_(owned) {}
-    ComPtr(const ComPtr& other) : pointer_(other.pointer_) {
-        if (pointer_ != nullptr) pointer_->AddRef();
-    }
-    ComPtr(ComPtr&& other) noexcept : pointer_(std::exchange(other.pointer_, nullptr)) {}
-    ComPtr& operator=(ComPtr other) noexcept {
-        std::swap(pointer_, other.pointer_);
-        return *this;
-    }
-    ~ComPtr() { reset(); }
-
-    void reset() {
-        if (Interface* const pointer = std::exchange(pointer_, nullptr); pointer != nullptr) pointer->Release();
-    }
-    Interface* get() const { return pointer_; }
-    Interface* operator->() const { return pointer_; }
-    Interface& operator*() const { return *pointer_; }
-    explicit operator bool() const { return pointer_ != nullptr; }
-    // Where a call may store a new reference; the old one is released.
-    void** put() {
-        reset();
-        return reinterpret_cast<void**>(&pointer_);
-    }
-
-private:
-    Interface* pointer_ = nullptr;
-};
 
 // Class and interface identifier of a gate.
 template <class Interface>
@@ -86,17 +65,37 @@ LONG_PTR address_of(Record& record) {
     return reinterpret_cast<LONG_PTR>(&record);
 }
 
+enum class Access { kFactory, kCom, kInvoke };
+
+inline Access test_access() {
+    const char* const access = std::getenv("KVDB_TEST_ACCESS");
+    const std::string name = access != nullptr ? access : "";
+    if (name == "com") return Access::kCom;
+    if (name == "invoke") return Access::kInvoke;
+    return Access::kFactory;
+}
+
+#ifdef _WIN32
+// What is done to a component right after it was loaded.
+inline void (*component_loaded)(HMODULE module) = nullptr;
+#endif
+
 // One loaded copy of the component.
 class Component {
 public:
     // Copies the library into `folder`, unless it is there already, and loads the copy.
-    explicit Component(const std::string& folder) {
+    explicit Component(const std::string& folder) : folder_(folder) {
         const std::filesystem::path source = KVDB_LIBRARY;
         path_ = os::join_path(folder, source.filename().string());
         if (!std::filesystem::exists(path_)) std::filesystem::copy_file(source, path_);
 #ifdef _WIN32
+        const std::string manifest = os::join_path(folder, "kvdb.manifest");
+        if (test_access() != Access::kFactory && !std::filesystem::exists(manifest)) {
+            std::filesystem::copy_file(source.parent_path() / "kvdb.manifest", manifest);
+        }
         module_ = LoadLibraryA(path_.c_str());
         if (module_ == nullptr) throw std::runtime_error("cannot load " + path_);
+        if (component_loaded != nullptr) component_loaded(module_);
 #else
         module_ = dlopen(path_.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (module_ == nullptr) throw std::runtime_error(dlerror());
@@ -108,6 +107,8 @@ public:
     }
     ~Component() {
 #ifdef _WIN32
+        // The platform holds the library until it asks whether it is still needed.
+        if (test_access() != Access::kFactory) CoFreeUnusedLibrariesEx(0, 0);
         FreeLibrary(module_);
 #else
         dlclose(module_);
@@ -134,6 +135,18 @@ public:
     // A new gate.
     template <class Interface>
     ComPtr<Interface> create() const {
+#ifdef _WIN32
+        const ComPtr<Interface> gate =
+            test_access() == Access::kFactory ? create_by_factory<Interface>() : create_by_com<Interface>();
+#else
+        const ComPtr<Interface> gate = create_by_factory<Interface>();
+#endif
+        return test_access() == Access::kInvoke ? through_invoke<Interface>(gate) : gate;
+    }
+
+private:
+    template <class Interface>
+    ComPtr<Interface> create_by_factory() const {
         ComPtr<Interface> gate;
         const auto maker = factory(GateIds<Interface>::clsid);
         if (FAILED(maker->CreateInstance(nullptr, GateIds<Interface>::iid, gate.put()))) {
@@ -142,7 +155,25 @@ public:
         return gate;
     }
 
-private:
+#ifdef _WIN32
+    // The class is looked up in the registry, which knows one copy of the component at a time.
+    template <class Interface>
+    ComPtr<Interface> create_by_com() const {
+        static const HRESULT apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
+        if (FAILED(apartment)) throw std::runtime_error("no apartment");
+        if (FAILED(register_server())) throw std::runtime_error("not registered");
+        // The registration of the second gate deliberately names another class identifier.
+        std::optional<ManifestContext> context;
+        if (GateIds<Interface>::clsid == CLSID_DBgate2) context.emplace(os::join_path(folder_, "kvdb.manifest"));
+        ComPtr<Interface> gate;
+        if (FAILED(CoCreateInstance(GateIds<Interface>::clsid, nullptr, CLSCTX_INPROC_SERVER, GateIds<Interface>::iid,
+                                    gate.put()))) {
+            throw std::runtime_error("no gate");
+        }
+        return gate;
+    }
+#endif
+
     template <class Function>
     Function entry(const char* name) const {
 #ifdef _WIN32
@@ -154,6 +185,7 @@ private:
         return found;
     }
 
+    std::string folder_;
     std::string path_;
 #ifdef _WIN32
     HMODULE module_ = nullptr;

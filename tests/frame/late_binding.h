@@ -11,13 +11,13 @@
 
 namespace testing_support {
 
-// A variant that clears itself.
+// A variant that clears itself. Older headers of the platform let a variant that is only read be changed.
 class Variant : public VARIANT {
 public:
     Variant() { VariantInit(this); }
-    Variant(const Variant& other) : Variant() { VariantCopy(this, &other); }
+    Variant(const Variant& other) : Variant() { VariantCopy(this, const_cast<Variant*>(&other)); }
     Variant& operator=(const Variant& other) {
-        VariantCopy(this, &other);
+        VariantCopy(this, const_cast<Variant*>(&other));
         return *this;
     }
     ~Variant() { VariantClear(this); }

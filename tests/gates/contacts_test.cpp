@@ -17,7 +17,7 @@ const RecordCase<IDBgate1, ClientInfo> kClients{
     .find = &IDBgate1::FindClient,
     .add = &IDBgate1::AddClient,
     .update = &IDBgate1::UpdateClient,
-    .remove = &IDBgate1::DeleteClient,
+    .remove_key = &IDBgate1::DeleteClient,
     .members = {member::text("Name", &ClientInfo::Name),
                 member::text("LastName", &ClientInfo::LastName),
                 member::text("Company", &ClientInfo::Company),

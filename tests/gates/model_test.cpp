@@ -5,6 +5,8 @@
 #include <kvdb/kvdb.h>
 
 #include <cmath>
+#include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <type_traits>
 #include <utility>
@@ -107,6 +109,15 @@ public:
             case 2: EXPECT_EQ(second_main_->CreateDB(nullptr), S_OK); break;
             case 3: EXPECT_EQ(gear2_->OpenDB(), S_OK); break;
             default: EXPECT_EQ(gear3_->OpenDB(), S_OK);
+        }
+    }
+
+    // Copies the files to where the comparison with another system wants them.
+    void keep_files() const {
+        const char* const folder = std::getenv("KVDB_KEEP_FILES");
+        if (folder == nullptr) return;
+        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+            std::filesystem::copy_file(host_.file(name), std::filesystem::path(folder) / name);
         }
     }
 
@@ -244,6 +255,7 @@ TEST(ModelGate, random_steps_through_all_gates_answer_as_the_model_does) {
     studio.expect_all_rows();
     studio.close(random);
     studio.expect_sound_files();
+    studio.keep_files();
     studio.open(random);
     studio.expect_all_rows();
 }

@@ -16,7 +16,7 @@ const RecordCase<IDBgate1, ProjInfo> kProjects{
     .find = &IDBgate1::FindProj,
     .add = &IDBgate1::AddProj,
     .update = &IDBgate1::UpdateProj,
-    .remove = &IDBgate1::DeleteProj,
+    .remove_key = &IDBgate1::DeleteProj,
     .members = {member::integer("ExData", &ProjInfo::ExData), member::text("Name", &ProjInfo::Name),
                 member::text("Client", &ProjInfo::Client), member::integer("ClientID", &ProjInfo::ClientID),
                 member::integer("ProducerID", &ProjInfo::ProducerID),

@@ -95,7 +95,8 @@ struct RecordCase {
     Method find;
     Method add;
     Method update;
-    std::variant<Method, KeyMethod> remove;
+    Method remove = nullptr;  // one of the two; on Windows their types are the same
+    KeyMethod remove_key = nullptr;
     std::vector<Member<Record>> members;       // all but the key
     std::vector<LONG Record::*> parents = {};  // the same in every variant and given to the enumeration
     const char* opened_by = nullptr;           // the column that picks the rows Add opens; null: the whole table
@@ -106,10 +107,8 @@ struct RecordCase {
     std::function<void(const std::string& folder)> prepare = nullptr;  // of the new files, while they are closed
 
     HRESULT call_remove(Gate& gate, Record& record) const {
-        if (const Method* method = std::get_if<Method>(&remove)) {
-            return (gate.**method)(reinterpret_cast<LONG_PTR>(&record));
-        }
-        return (gate.*std::get<KeyMethod>(remove))(record.*key);
+        if (remove_key != nullptr) return (gate.*remove_key)(record.*key);
+        return (gate.*remove)(reinterpret_cast<LONG_PTR>(&record));
     }
 
     bool is_parent(LONG Record::*place) const {

@@ -16,7 +16,7 @@ const RecordCase<IDBgate1, SessionInfo> kSessions{
     .find = &IDBgate1::FindSession,
     .add = &IDBgate1::AddSession,
     .update = &IDBgate1::UpdateSession,
-    .remove = &IDBgate1::DeleteSession,
+    .remove_key = &IDBgate1::DeleteSession,
     .members = {member::integer("ProjID", &SessionInfo::ProjID), member::text("SongName", &SessionInfo::SongName),
                 member::integer("SongID", &SessionInfo::SongID), member::text("Engineer", &SessionInfo::Engineer),
                 member::integer("ArtistID", &SessionInfo::ArtistID),

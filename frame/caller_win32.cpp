@@ -1,0 +1,80 @@
+// Reads the import table of the calling module: who imports the unwinder that the component imports shares it. A
+// module with an unwinder of its own cannot be unwound by ours, and ends when it is tried.
+#include "frame/caller.h"
+
+#include <cstring>
+
+#include "frame/wide_text.h"
+#include "os/module_win32.h"
+
+// The slot of our own import table for the unwinder; a build without a shared unwinder has none and does not link.
+extern "C" const void* const _imp___Unwind_Resume;
+
+namespace frame {
+
+namespace {
+
+constexpr char kErrorSource[] = "KVDB";
+
+const std::uint8_t* base_of(HMODULE module) { return reinterpret_cast<const std::uint8_t*>(module); }
+
+// The part of an image that a directory entry names; null where there is none.
+const IMAGE_IMPORT_DESCRIPTOR* imports_of(HMODULE module) {
+    const std::uint8_t* const base = base_of(module);
+    const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
+    if (dos->e_magic != IMAGE_DOS_SIGNATURE) return nullptr;
+    const auto* const headers = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
+    if (headers->Signature != IMAGE_NT_SIGNATURE) return nullptr;
+    if (headers->OptionalHeader.NumberOfRvaAndSizes <= IMAGE_DIRECTORY_ENTRY_IMPORT) return nullptr;
+    const IMAGE_DATA_DIRECTORY& directory = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT];
+    if (directory.VirtualAddress == 0) return nullptr;
+    return reinterpret_cast<const IMAGE_IMPORT_DESCRIPTOR*>(base + directory.VirtualAddress);
+}
+
+// Whether `module` imports anything from `library`, which is told by where its imports lead, not by a name.
+bool imports_from(HMODULE module, HMODULE library) {
+    const IMAGE_IMPORT_DESCRIPTOR* import = imports_of(module);
+    if (import == nullptr) return false;
+    for (; import->Name != 0; ++import) {
+        if (import->FirstThunk == 0) continue;
+        const auto* const thunk = reinterpret_cast<const IMAGE_THUNK_DATA*>(base_of(module) + import->FirstThunk);
+        if (thunk->u1.Function == 0) continue;
+        if (os::module_of(reinterpret_cast<const void*>(thunk->u1.Function)) == library) return true;
+    }
+    return false;
+}
+
+}  // namespace
+
+bool catches_exceptions(const void* return_address) {
+    const HMODULE caller = os::module_of(return_address);
+    if (caller == nullptr) return false;
+    if (caller == os::own_module()) return true;
+    const HMODULE unwinder = os::module_of(_imp___Unwind_Resume);
+    return unwinder != nullptr && imports_from(caller, unwinder);
+}
+
+bool has_error_info() { return true; }
+
+void set_error_info(REFIID interface_id, const CDaoException& error) {
+    ICreateErrorInfo* description = nullptr;
+    if (FAILED(CreateErrorInfo(&description))) return;
+    const char* const text = error.m_pErrorInfo != nullptr ? error.m_pErrorInfo->m_strDescription.GetString() : "";
+    const BSTR source = to_bstr(kErrorSource);
+    const BSTR words = to_bstr(text);
+    description->SetGUID(interface_id);
+    description->SetSource(source);
+    description->SetDescription(words);
+    SysFreeString(source);
+    SysFreeString(words);
+    void* info = nullptr;
+    if (SUCCEEDED(description->QueryInterface(IID_IErrorInfo, &info))) {
+        SetErrorInfo(0, static_cast<IErrorInfo*>(info));
+        static_cast<IErrorInfo*>(info)->Release();
+    }
+    description->Release();
+}
+
+void clear_error_info() { SetErrorInfo(0, nullptr); }
+
+}  // namespace frame

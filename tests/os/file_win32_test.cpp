@@ -1,0 +1,120 @@
+// What is Windows' own about files: share modes, devices, long paths, and the meaning of its error numbers.
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <string>
+
+#include "os/file.h"
+#include "os/module_win32.h"
+#include "os/system.h"
+#include "os/system_error.h"
+#include "tests/support/temp_folder.h"
+
+namespace {
+
+using os::FileFault;
+using os::OpenMode;
+
+template <class Work>
+std::optional<FileFault> fault_of(Work&& work) {
+    try {
+        work();
+    } catch (const os::FileError& error) {
+        return error.fault();
+    }
+    return std::nullopt;
+}
+
+class Win32Files : public testing::Test {
+protected:
+    // The system's own opening, as another program does it; its error number, 0 for none.
+    DWORD open_as_others(DWORD access, DWORD share) const {
+        const HANDLE handle = CreateFileA(path_.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
+        if (handle == INVALID_HANDLE_VALUE) return GetLastError();
+        CloseHandle(handle);
+        return 0;
+    }
+
+    static constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+    testing_support::TempFolder folder_;
+    std::string path_ = folder_.file("file");
+    os::FileSystem& system_ = os::native_file_system();
+};
+
+}  // namespace
+
+TEST_F(Win32Files, exclusive_file_is_refused_to_everybody_until_closed) {
+    {
+        const auto file = system_.open(path_, OpenMode::kCreateExclusive);
+        for (const DWORD access : std::array<DWORD, 3>{GENERIC_READ, GENERIC_WRITE, GENERIC_READ | GENERIC_WRITE}) {
+            EXPECT_EQ(open_as_others(access, kShareAll), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
+        }
+        EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kReadOnly); }), FileFault::kLocked);
+        EXPECT_EQ(fault_of([&] { system_.remove(path_); }), FileFault::kLocked);
+    }
+    EXPECT_EQ(open_as_others(GENERIC_READ, 0), 0u);
+    EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
+}
+
+TEST_F(Win32Files, reader_keeps_nobody_from_reading_and_writing) {
+    system_.open(path_, OpenMode::kCreateExclusive);
+    const auto reader = system_.open(path_, OpenMode::kReadOnly);
+    EXPECT_EQ(open_as_others(GENERIC_READ | GENERIC_WRITE, kShareAll), 0u);
+    EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
+}
+
+TEST_F(Win32Files, name_of_a_device_is_refused) {
+    EXPECT_TRUE(fault_of([&] { system_.open("NUL", OpenMode::kOpenOrCreate); }).has_value());
+}
+
+TEST_F(Win32Files, path_beyond_260_characters_works_in_every_operation) {
+    std::string folder = folder_.path();
+    while (folder.size() < 300) {
+        folder += "\\" + std::string(50, 'f');
+        const std::string marked = "\\\\?\\" + folder;
+        ASSERT_TRUE(CreateDirectoryW(std::wstring(marked.begin(), marked.end()).c_str(), nullptr));
+    }
+    const std::string from = os::join_path(folder, "from");
+    const std::string to = os::join_path(folder, "to");
+    system_.open(from, OpenMode::kCreateExclusive)->write(0, std::array<std::uint8_t, 3>{1, 2, 3});
+    EXPECT_TRUE(system_.exists(from));
+    system_.rename(from, to);
+    system_.sync_folder_of(to);
+    EXPECT_FALSE(system_.exists(from));
+    EXPECT_EQ(system_.open(to, OpenMode::kReadOnly)->size(), 3u);
+    system_.remove(to);
+    EXPECT_FALSE(system_.exists(to));
+    EXPECT_EQ(fault_of([&] { system_.open(to, OpenMode::kReadOnly); }), FileFault::kNotFound);
+}
+
+TEST(Win32Faults, system_errors_map_to_the_faults_told_apart) {
+    const std::pair<DWORD, FileFault> cases[] = {{ERROR_FILE_NOT_FOUND, FileFault::kNotFound},
+                                                 {ERROR_PATH_NOT_FOUND, FileFault::kBadPath},
+                                                 {ERROR_INVALID_NAME, FileFault::kBadPath},
+                                                 {ERROR_FILE_EXISTS, FileFault::kExists},
+                                                 {ERROR_ACCESS_DENIED, FileFault::kAccessDenied},
+                                                 {ERROR_WRITE_PROTECT, FileFault::kAccessDenied},
+                                                 {ERROR_SHARING_VIOLATION, FileFault::kLocked},
+                                                 {ERROR_LOCK_VIOLATION, FileFault::kLocked},
+                                                 {ERROR_DISK_FULL, FileFault::kDiskFull},
+                                                 {ERROR_HANDLE_DISK_FULL, FileFault::kDiskFull},
+                                                 {ERROR_CRC, FileFault::kIo},
+                                                 {ERROR_GEN_FAILURE, FileFault::kIo}};
+    for (const auto& [code, fault] : cases) {
+        EXPECT_EQ(os::detail::fault_of_system_error(static_cast<std::int32_t>(code)), fault) << code;
+    }
+}
+
+TEST(Win32Modules, code_is_found_in_its_module) {
+    EXPECT_EQ(os::own_module(), GetModuleHandleA(nullptr));
+    const auto sleep = reinterpret_cast<const void*>(GetProcAddress(GetModuleHandleA("kernel32"), "Sleep"));
+    EXPECT_NE(os::module_of(sleep), nullptr);
+    EXPECT_NE(os::module_of(sleep), os::own_module());
+    EXPECT_EQ(os::module_of(nullptr), nullptr);
+}

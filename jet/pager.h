@@ -84,7 +84,7 @@ private:
 
 struct PagerOptions {
     bool read_only = false;
-    std::size_t cache_pages = 53248;               // 208 MiB, taken as pages are read
+    std::size_t cache_pages = 40960;               // 160 MiB, taken as pages are read
     std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
     std::chrono::milliseconds sync_interval{250};  // longest stretch without a sync point
 };

@@ -6,8 +6,9 @@
 
 namespace os {
 
-// Uninitialized, and freed with the object. A large block lies so that the system may use large pages for it,
-// which makes access to it in no order cheaper. Throws std::bad_alloc.
+// Freed with the object; what it holds at first is anything. A large block comes from the system and goes back to it,
+// and lies so that the system may use large pages for it, which makes access in no order cheaper. Throws
+// std::bad_alloc.
 class PageMemory {
 public:
     static constexpr std::size_t kLargePage = std::size_t{2} << 20;
@@ -20,7 +21,7 @@ public:
     std::uint8_t* data() const { return data_; }
 
 private:
-    std::size_t alignment_;
+    std::size_t bytes_;
     std::uint8_t* data_;
 };
 

@@ -1,4 +1,5 @@
 // The five gear tables through both gear gates.
+#include "tests/gates/gear_cases.h"
 #include "tests/gates/record_round_trip.h"
 
 namespace {
@@ -6,132 +7,11 @@ namespace {
 using namespace testing_support;
 
 template <class Gate>
-RecordCase<Gate, GearInfo> gear_case() {
-    return {
-        .table = "Gear",
-        .key = &GearInfo::RecID,
-        .first = &Gate::EnumFirstGear,
-        .next = &Gate::EnumNextGear,
-        .find = &Gate::FindGear,
-        .add = &Gate::AddGear,
-        .update = &Gate::UpdateGear,
-        .remove = &Gate::DeleteGear,
-        .members = {member::text("Manufacturer", &GearInfo::Manufacturer), member::text("Model", &GearInfo::Model),
-                    member::text("SerialNo", &GearInfo::SerialNo), member::integer("StatusID", &GearInfo::StatusID),
-                    member::integer("RoomID", &GearInfo::RoomID), member::integer("CategoryID", &GearInfo::CategoryID),
-                    member::date("WarrantyDate", &GearInfo::WarrantyDate),
-                    member::date("PurchaseDate", &GearInfo::PurchaseDate), member::single("Cost", &GearInfo::Cost),
-                    member::integer("ExData", &GearInfo::ExData)},
-        .read_order = {"Manufacturer", "Model", "SerialNo", "StatusID", "RoomID", "CategoryID", "WarrantyDate",
-                       "PurchaseDate", "Cost", "ExData"},
-        .write_order = {"Manufacturer", "Model", "SerialNo", "StatusID", "RoomID", "CategoryID", "WarrantyDate",
-                        "PurchaseDate", "Cost", "ExData"}};
-}
-
-template <class Gate>
-RecordCase<Gate, GearServInfo> service_case() {
-    return {
-        .table = "GearServices",
-        .key = &GearServInfo::RecID,
-        .first = &Gate::EnumFirstGearService,
-        .next = &Gate::EnumNextGearService,
-        .find = &Gate::FindGearService,
-        .add = &Gate::AddGearService,
-        .update = &Gate::UpdateGearService,
-        .remove = &Gate::DeleteGearService,
-        .members = {member::integer("GearID", &GearServInfo::GearID), member::integer("RoomID", &GearServInfo::RoomID),
-                    member::text("Name", &GearServInfo::Name), member::integer("TimeUnitID", &GearServInfo::TimeUnitID),
-                    member::integer("ServiceTypeID", &GearServInfo::ServiceTypeID),
-                    member::single("Price", &GearServInfo::Price), member::integer("ExData", &GearServInfo::ExData)},
-        .read_order = {"GearID", "RoomID", "Name", "TimeUnitID", "ServiceTypeID", "Price", "ExData"},
-        .write_order = {"GearID", "RoomID", "Name", "TimeUnitID", "ServiceTypeID", "Price", "ExData"}};
-}
-
-template <class Gate>
-RecordCase<Gate, GRepairsInfo> repair_case() {
-    return {
-        .table = "GearRepairs",
-        .key = &GRepairsInfo::RecID,
-        .first = &Gate::EnumFirstGRepairs,
-        .next = &Gate::EnumNextGRepairs,
-        .find = &Gate::FindGRepairs,
-        .add = &Gate::AddGRepairs,
-        .update = &Gate::UpdateGRepairs,
-        .remove = &Gate::DeleteGRepairs,
-        .members = {member::integer("GearID", &GRepairsInfo::GearID), member::text("GearName", &GRepairsInfo::GearName),
-                    member::date("SendDate", &GRepairsInfo::SendDate),
-                    member::date("ReturnDate", &GRepairsInfo::ReturnDate),
-                    member::date("WarrantyDate", &GRepairsInfo::WarrantyDate),
-                    member::text("ClaimNo", &GRepairsInfo::ClaimNo),
-                    member::text("Technician", &GRepairsInfo::Technician),
-                    member::integer("TechID", &GRepairsInfo::TechID), member::single("Cost", &GRepairsInfo::Cost),
-                    member::memo("Description", &GRepairsInfo::Description),
-                    member::integer("ExData", &GRepairsInfo::ExData)},
-        .read_order = {"GearID", "GearName", "ClaimNo", "SendDate", "ReturnDate", "WarrantyDate", "Technician",
-                       "TechID", "Cost", "Description", "ExData"},
-        .write_order = {"GearID", "GearName", "ClaimNo", "SendDate", "ReturnDate", "WarrantyDate", "Technician",
-                        "TechID", "Cost", "Description", "ExData"}};
-}
-
-template <class Gate>
-RecordCase<Gate, GearCatInfo> category_case() {
-    return {.table = "GearCategories",
-            .key = &GearCatInfo::RecID,
-            .first = &Gate::EnumFirstGearCat,
-            .next = &Gate::EnumNextGearCat,
-            .find = &Gate::FindGearCat,
-            .add = &Gate::AddGearCat,
-            .update = &Gate::UpdateGearCat,
-            .remove = &Gate::DeleteGearCat,
-            .members = {member::text("Name", &GearCatInfo::Name), member::integer("ExData", &GearCatInfo::ExData)},
-            .read_order = {"Name", "ExData"},
-            .write_order = {"Name", "ExData"}};
-}
-
-// What the gate serves of a rental; `DateFlags` is checked by a test of its own.
-template <class Gate>
-RecordCase<Gate, GearRentInfo> rental_case(std::vector<Member<GearRentInfo>> members,
-                                           const std::vector<const char*>& order) {
-    return {.table = "GearRentals",
-            .key = &GearRentInfo::RecID,
-            .first = &Gate::EnumFirstGearRent,
-            .next = &Gate::EnumNextGearRent,
-            .find = &Gate::FindGearRent,
-            .add = &Gate::AddGearRent,
-            .update = &Gate::UpdateGearRent,
-            .remove = &Gate::DeleteGearRent,
-            .members = std::move(members),
-            .read_order = order,
-            .write_order = order};
-}
-
-// The columns of what is not served are there, and stay Null.
-const RecordCase<IDBgate2, GearRentInfo> kPartialRentals = rental_case<IDBgate2>(
-    {member::text("ServiceName", &GearRentInfo::ServiceName),
-     member::untouched("GearID not served", &GearRentInfo::GearID),
-     member::integer("ServiceID", &GearRentInfo::ServiceID), member::integer("ProjID", &GearRentInfo::ProjID),
-     member::date("Date", &GearRentInfo::Date), member::single("Quantity", &GearRentInfo::Quantity),
-     member::integer("QuantType", &GearRentInfo::QuantType),
-     member::untouched("ClientID not served", &GearRentInfo::ClientID),
-     member::untouched("RoomID not served", &GearRentInfo::RoomID), member::integer("ExData", &GearRentInfo::ExData),
-     member::untouched("DateFrom", &GearRentInfo::DateFrom), member::untouched("DateTo", &GearRentInfo::DateTo)},
-    {"ServiceID", "ProjID", "ServiceName", "Date", "Quantity", "QuantType", "ExData"});
-
-const RecordCase<IDBGate3, GearRentInfo> kRentals = rental_case<IDBGate3>(
-    {member::text("ServiceName", &GearRentInfo::ServiceName), member::integer("GearID", &GearRentInfo::GearID),
-     member::integer("ServiceID", &GearRentInfo::ServiceID), member::integer("ProjID", &GearRentInfo::ProjID),
-     member::date("Date", &GearRentInfo::Date), member::single("Quantity", &GearRentInfo::Quantity),
-     member::integer("QuantType", &GearRentInfo::QuantType), member::integer("ClientID", &GearRentInfo::ClientID),
-     member::integer("RoomID", &GearRentInfo::RoomID), member::integer("ExData", &GearRentInfo::ExData),
-     member::untouched("DateFrom", &GearRentInfo::DateFrom), member::untouched("DateTo", &GearRentInfo::DateTo)},
-    {"GearID", "ServiceID", "ProjID", "ServiceName", "Date", "Quantity", "QuantType", "ClientID", "RoomID", "ExData"});
-
-template <class Gate>
 const RecordCase<Gate, GearRentInfo>& rentals() {
     if constexpr (std::is_same_v<Gate, IDBgate2>) {
-        return kPartialRentals;
+        return kPartialGearRentals;
     } else {
-        return kRentals;
+        return kGearRentals;
     }
 }
 
@@ -144,9 +24,9 @@ TYPED_TEST_SUITE(EachGearGate, GearGates);
 template <class Gate, class Check>
 void on_each_table(Check&& check) {
     check(gear_case<Gate>());
-    check(service_case<Gate>());
-    check(repair_case<Gate>());
-    check(category_case<Gate>());
+    check(gear_service_case<Gate>());
+    check(gear_repair_case<Gate>());
+    check(gear_category_case<Gate>());
     check(rentals<Gate>());
 }
 
@@ -259,7 +139,7 @@ TYPED_TEST(EachGearGate, each_condition_of_gear_selects) {
 }
 
 TYPED_TEST(EachGearGate, update_without_key_changes_the_first_row_that_matches) {
-    const auto table = service_case<TypeParam>();
+    const auto table = gear_service_case<TypeParam>();
     const OpenGate<TypeParam> gate;
     for (const LONG item : {1, 2, 2}) add_with(table, *gate, [&](GearServInfo& service) { service.GearID = item; });
     GearServInfo record;
@@ -276,7 +156,7 @@ TYPED_TEST(EachGearGate, update_without_key_changes_the_first_row_that_matches) 
 }
 
 TYPED_TEST(EachGearGate, delete_with_nothing_set_takes_the_first_row_of_the_table) {
-    const auto table = service_case<TypeParam>();
+    const auto table = gear_service_case<TypeParam>();
     const OpenGate<TypeParam> gate;
     GearServInfo nothing;
     EXPECT_EQ(gate->DeleteGearService(address_of(nothing)), E_FAIL);  // an empty table
@@ -288,7 +168,7 @@ TYPED_TEST(EachGearGate, delete_with_nothing_set_takes_the_first_row_of_the_tabl
 }
 
 TYPED_TEST(EachGearGate, delete_without_key_takes_the_first_row_that_matches_only) {
-    const auto table = repair_case<TypeParam>();
+    const auto table = gear_repair_case<TypeParam>();
     const OpenGate<TypeParam> gate;
     for (const LONG technician : {1, 2, 2}) {
         add_with(table, *gate, [&](GRepairsInfo& repair) { repair.TechID = technician; });
@@ -300,7 +180,7 @@ TYPED_TEST(EachGearGate, delete_without_key_takes_the_first_row_that_matches_onl
 }
 
 TYPED_TEST(EachGearGate, update_with_key_changes_that_row_whatever_else_is_set) {
-    const auto table = repair_case<TypeParam>();
+    const auto table = gear_repair_case<TypeParam>();
     const OpenGate<TypeParam> gate;
     for (int i = 0; i < 8; ++i) add_variant(table, *gate, 1);
     GRepairsInfo record = filled(table, 7, 2);
@@ -309,7 +189,7 @@ TYPED_TEST(EachGearGate, update_with_key_changes_that_row_whatever_else_is_set) 
 }
 
 TYPED_TEST(EachGearGate, category_without_key_is_not_found_or_deleted) {
-    const auto table = category_case<TypeParam>();
+    const auto table = gear_category_case<TypeParam>();
     const OpenGate<TypeParam> gate;
     add_with(table, *gate, [](GearCatInfo& category) { category.Name = "Microphones"; });
     GearCatInfo record;
@@ -322,7 +202,7 @@ TYPED_TEST(EachGearGate, category_without_key_is_not_found_or_deleted) {
 
 TYPED_TEST(EachGearGate, conditions_of_services_and_repairs_select) {
     const OpenGate<TypeParam> gate;
-    const auto services = service_case<TypeParam>();
+    const auto services = gear_service_case<TypeParam>();
     add_with(services, *gate, [](GearServInfo& service) { service.RoomID = 4; });
     add_with(services, *gate, [](GearServInfo& service) { service.TimeUnitID = 4; });
     add_with(services, *gate, [](GearServInfo& service) { service.Name = "per hour"; });
@@ -336,7 +216,7 @@ TYPED_TEST(EachGearGate, conditions_of_services_and_repairs_select) {
     service.Name = "HOUR";
     EXPECT_EQ(keys(services, *gate, service), "3 ");
 
-    const auto repairs = repair_case<TypeParam>();
+    const auto repairs = gear_repair_case<TypeParam>();
     add_with(repairs, *gate, [](GRepairsInfo& repair) { repair.GearID = 4; });
     add_with(repairs, *gate, [](GRepairsInfo& repair) { repair.ClaimNo = "A-17"; });
     add_with(repairs, *gate, [](GRepairsInfo& repair) { repair.GearName = "Desk"; });
@@ -409,8 +289,8 @@ TEST(RentalsGate, older_gate_leaves_what_it_does_not_serve_in_a_row_and_in_a_rec
 
 TEST(RentalsGate, older_gate_ignores_room_client_and_dates_of_a_filter) {
     const OpenGate<IDBgate2> gate;
-    add_with(kPartialRentals, *gate, [](GearRentInfo& rental) { rental.Date = march(10); });
-    add_with(kPartialRentals, *gate, [](GearRentInfo& rental) { rental.Date = march(20); });
+    add_with(kPartialGearRentals, *gate, [](GearRentInfo& rental) { rental.Date = march(10); });
+    add_with(kPartialGearRentals, *gate, [](GearRentInfo& rental) { rental.Date = march(20); });
     GearRentInfo filter;
     filter.RoomID = 2;
     filter.ClientID = 9;
@@ -418,56 +298,56 @@ TEST(RentalsGate, older_gate_ignores_room_client_and_dates_of_a_filter) {
     filter.DateFrom = march(30);
     filter.DateTo = march(1);
     filter.DateFlags = 3;
-    EXPECT_EQ(keys(kPartialRentals, *gate, filter), "1 2 ");
+    EXPECT_EQ(keys(kPartialGearRentals, *gate, filter), "1 2 ");
 }
 
 TEST(RentalsGate, older_gate_selects_by_service_project_and_name) {
     const OpenGate<IDBgate2> gate;
-    add_with(kPartialRentals, *gate, [](GearRentInfo& rental) { rental.ServiceID = 3; });
-    add_with(kPartialRentals, *gate, [](GearRentInfo& rental) { rental.ProjID = 3; });
-    add_with(kPartialRentals, *gate, [](GearRentInfo& rental) { rental.ServiceName = "mic stand"; });
+    add_with(kPartialGearRentals, *gate, [](GearRentInfo& rental) { rental.ServiceID = 3; });
+    add_with(kPartialGearRentals, *gate, [](GearRentInfo& rental) { rental.ProjID = 3; });
+    add_with(kPartialGearRentals, *gate, [](GearRentInfo& rental) { rental.ServiceName = "mic stand"; });
     GearRentInfo filter;
     filter.ServiceID = 3;
-    EXPECT_EQ(keys(kPartialRentals, *gate, filter), "1 ");
+    EXPECT_EQ(keys(kPartialGearRentals, *gate, filter), "1 ");
     filter.ProjID = 3;
-    EXPECT_EQ(keys(kPartialRentals, *gate, filter), "-");
+    EXPECT_EQ(keys(kPartialGearRentals, *gate, filter), "-");
     filter = GearRentInfo();
     filter.ProjID = 3;
-    EXPECT_EQ(keys(kPartialRentals, *gate, filter), "2 ");
+    EXPECT_EQ(keys(kPartialGearRentals, *gate, filter), "2 ");
     filter = GearRentInfo();
     filter.ServiceName = "mic";
-    EXPECT_EQ(keys(kPartialRentals, *gate, filter), "3 ");
+    EXPECT_EQ(keys(kPartialGearRentals, *gate, filter), "3 ");
 }
 
 TEST(RentalsGate, newer_gate_selects_by_room_and_client_too_but_not_by_gear) {
     const OpenGate<IDBGate3> gate;
-    add_with(kRentals, *gate, [](GearRentInfo& rental) { rental.RoomID = 2; });
-    add_with(kRentals, *gate, [](GearRentInfo& rental) { rental.ClientID = 2; });
-    add_with(kRentals, *gate, [](GearRentInfo& rental) { rental.ServiceID = rental.ProjID = 2; });
+    add_with(kGearRentals, *gate, [](GearRentInfo& rental) { rental.RoomID = 2; });
+    add_with(kGearRentals, *gate, [](GearRentInfo& rental) { rental.ClientID = 2; });
+    add_with(kGearRentals, *gate, [](GearRentInfo& rental) { rental.ServiceID = rental.ProjID = 2; });
     GearRentInfo filter;
     filter.RoomID = 2;
-    EXPECT_EQ(keys(kRentals, *gate, filter), "1 ");
+    EXPECT_EQ(keys(kGearRentals, *gate, filter), "1 ");
     filter = GearRentInfo();
     filter.ClientID = 2;
-    EXPECT_EQ(keys(kRentals, *gate, filter), "2 ");
+    EXPECT_EQ(keys(kGearRentals, *gate, filter), "2 ");
     filter = GearRentInfo();
     filter.ServiceID = filter.ProjID = 2;
-    EXPECT_EQ(keys(kRentals, *gate, filter), "3 ");
+    EXPECT_EQ(keys(kGearRentals, *gate, filter), "3 ");
     filter = GearRentInfo();
     filter.GearID = 99;
-    EXPECT_EQ(keys(kRentals, *gate, filter), "1 2 3 ");
+    EXPECT_EQ(keys(kGearRentals, *gate, filter), "1 2 3 ");
 }
 
 TEST(RentalsGate, newer_gate_selects_by_the_dates_whose_flag_is_set) {
     const OpenGate<IDBGate3> gate;
     for (const int day : {9, 10, 11}) {
-        add_with(kRentals, *gate, [&](GearRentInfo& rental) { rental.Date = march(day, 15); });
+        add_with(kGearRentals, *gate, [&](GearRentInfo& rental) { rental.Date = march(day, 15); });
     }
     GearRentInfo filter;
     filter.DateFrom = filter.DateTo = march(10, 23);  // the time of day does not count
     const auto with_flags = [&](DWORD flags) {
         filter.DateFlags = flags;
-        return keys(kRentals, *gate, filter);
+        return keys(kGearRentals, *gate, filter);
     };
     EXPECT_EQ(with_flags(3), "2 ");  // both ends belong to the span
     EXPECT_EQ(with_flags(1), "2 3 ");

@@ -1,67 +1,10 @@
 // Invoices, their lines and their defaults through the main gate.
+#include "tests/gates/invoices_cases.h"
 #include "tests/gates/record_round_trip.h"
 
 namespace {
 
 using namespace testing_support;
-
-// The two bounds are checked by tests of their own, since every enumeration needs them.
-const RecordCase<IDBgate1, InvoiceInfo> kInvoices{
-    .table = "Invoices",
-    .key = &InvoiceInfo::RecID,
-    .first = &IDBgate1::EnumFirstInvoice,
-    .next = &IDBgate1::EnumNextInvoice,
-    .find = &IDBgate1::FindInvoice,
-    .add = &IDBgate1::AddInvoice,
-    .update = &IDBgate1::UpdateInvoice,
-    .remove = &IDBgate1::DeleteInvoice,
-    .members = {member::integer("InvoiceID", &InvoiceInfo::InvoiceID),
-                member::text("ClientName", &InvoiceInfo::ClientName),
-                member::text("ClientInfo", &InvoiceInfo::ClientInfo),
-                member::text("InvTaxIDs", &InvoiceInfo::InvTaxIDs), member::date("Date", &InvoiceInfo::Date),
-                member::currency("SubTotal", &InvoiceInfo::SubTotal), member::integer("Tax", &InvoiceInfo::Tax),
-                member::currency("Tax_SubTotal", &InvoiceInfo::Tax_SubTotal),
-                member::integer("Discount", &InvoiceInfo::Discount),
-                member::currency("Discount_SubTotal", &InvoiceInfo::Discount_SubTotal),
-                member::currency("Total", &InvoiceInfo::Total), member::memo("Notes", &InvoiceInfo::Notes),
-                member::integer("ExData", &InvoiceInfo::ExData), member::currency("fTax", &InvoiceInfo::fTax),
-                member::currency("fDiscount", &InvoiceInfo::fDiscount),
-                member::single("Paymetns", &InvoiceInfo::Paymetns), member::single("Balance", &InvoiceInfo::Balance)},
-    .read_order = {"InvoiceID", "ClientName", "ClientInfo", "InvTaxIDs", "Date", "SubTotal", "Tax", "Tax_SubTotal",
-                   "Discount", "Discount_SubTotal", "Total", "Notes", "ExData", "fTax", "fDiscount", "Paymetns",
-                   "Balance"},
-    .write_order = {"InvoiceID", "ClientName", "ClientInfo", "InvTaxIDs", "Date", "SubTotal", "Tax", "Tax_SubTotal",
-                    "Discount", "Discount_SubTotal", "Total", "Notes", "ExData", "fTax", "fDiscount", "Paymetns",
-                    "Balance"},
-    .ask =
-        [](InvoiceInfo& record) {
-            record.FromDate = CTime(2000, 1, 1, 0, 0, 0);
-            record.ToDate = CTime(2020, 1, 1, 0, 0, 0);
-        },
-    .file = "kvinvdb.mdb"};
-
-const RecordCase<IDBgate1, InvParamsInfo> kLines{
-    .table = "InvoiceParams",
-    .key = &InvParamsInfo::RecID,
-    .first = &IDBgate1::EnumFirstInvParams,
-    .next = &IDBgate1::EnumNextInvParams,
-    .find = &IDBgate1::FindInvParams,
-    .add = &IDBgate1::AddInvParams,
-    .update = &IDBgate1::UpdateInvParams,
-    .remove = &IDBgate1::DeleteInvParams,
-    .members = {member::integer("InvoiceID", &InvParamsInfo::InvoiceID), member::integer("Type", &InvParamsInfo::Type),
-                member::text("Name", &InvParamsInfo::Name), member::text("TaxIDs", &InvParamsInfo::TaxIDs),
-                member::integer("DWQuantity", &InvParamsInfo::DWQuantity),
-                member::currency("FQuantity", &InvParamsInfo::FQuantity),
-                member::currency("ItemPrice", &InvParamsInfo::ItemPrice),
-                member::currency("Total", &InvParamsInfo::Total), member::integer("ExData", &InvParamsInfo::ExData),
-                member::date("Date", &InvParamsInfo::Date), member::text("Details", &InvParamsInfo::Details)},
-    .parents = {&InvParamsInfo::InvoiceID},
-    .read_order = {"InvoiceID", "Type", "Name", "TaxIDs", "DWQuantity", "FQuantity", "ItemPrice", "Total", "ExData",
-                   "Date", "Details"},
-    .write_order = {"InvoiceID", "Type", "Name", "TaxIDs", "DWQuantity", "FQuantity", "ItemPrice", "Total", "ExData",
-                    "Date", "Details"},
-    .file = "kvinvdb.mdb"};
 
 TEST(InvoicesGate, members_make_the_round_trip) { expect_round_trip(kInvoices); }
 TEST(InvoicesGate, columns_hold_the_members_of_their_name) { expect_columns(kInvoices); }
@@ -69,11 +12,11 @@ TEST(InvoicesGate, failure_leaves_the_record_alone) { expect_failures(kInvoices)
 TEST(InvoicesGate, mappings_go_in_their_order) { expect_orders(kInvoices); }
 TEST(InvoicesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kInvoices); }
 
-TEST(InvoiceLinesGate, members_make_the_round_trip) { expect_round_trip(kLines); }
-TEST(InvoiceLinesGate, columns_hold_the_members_of_their_name) { expect_columns(kLines); }
-TEST(InvoiceLinesGate, failure_leaves_the_record_alone) { expect_failures(kLines); }
-TEST(InvoiceLinesGate, mappings_go_in_their_order) { expect_orders(kLines); }
-TEST(InvoiceLinesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kLines); }
+TEST(InvoiceLinesGate, members_make_the_round_trip) { expect_round_trip(kInvoiceLines); }
+TEST(InvoiceLinesGate, columns_hold_the_members_of_their_name) { expect_columns(kInvoiceLines); }
+TEST(InvoiceLinesGate, failure_leaves_the_record_alone) { expect_failures(kInvoiceLines); }
+TEST(InvoiceLinesGate, mappings_go_in_their_order) { expect_orders(kInvoiceLines); }
+TEST(InvoiceLinesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kInvoiceLines); }
 
 // ---- Invoices
 
@@ -202,11 +145,11 @@ TEST(InvoiceLinesGate, invoice_without_lines_fails) {
     InvParamsInfo line;
     line.InvoiceID = 7;
     ASSERT_EQ(gate->AddInvParams(address_of(line)), S_OK);
-    line = filled(kLines, kNoKey, 1);
+    line = filled(kInvoiceLines, kNoKey, 1);
     line.InvoiceID = 8;
     InvParamsInfo expected = line;
     EXPECT_EQ(gate->EnumFirstInvParams(address_of(line)), E_FAIL);
-    expect_same(kLines, line, expected);
+    expect_same(kInvoiceLines, line, expected);
 }
 
 // ---- Defaults

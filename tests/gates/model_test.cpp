@@ -14,8 +14,15 @@
 
 #include "jet/check.h"
 #include "jet/database.h"
+#include "tests/gates/bookings_cases.h"
+#include "tests/gates/contacts_cases.h"
+#include "tests/gates/gear_cases.h"
+#include "tests/gates/invoices_cases.h"
 #include "tests/gates/model_door.h"
-#include "tests/gates/model_tables.h"
+#include "tests/gates/projects_cases.h"
+#include "tests/gates/sessions_cases.h"
+#include "tests/gates/songs_cases.h"
+#include "tests/gates/stock_cases.h"
 
 using namespace testing_support;
 
@@ -70,9 +77,9 @@ public:
         for (IDBgate1* const gate : {main_.get(), second_main_.get()}) add_main_doors(*gate);
         add_gear_doors(*gear2_);
         add_gear_doors(*gear3_);
-        door(*gear2_, partial_rental_table(), rentals_, {everything<GearRentInfo>(), equal(&GearRentInfo::ProjID)},
+        door(*gear2_, kPartialGearRentals, rentals_, {everything<GearRentInfo>(), equal(&GearRentInfo::ProjID)},
              &GearRentInfo::ProjID);
-        door(*gear3_, full_rental_table(), rentals_,
+        door(*gear3_, kGearRentals, rentals_,
              {everything<GearRentInfo>(), equal(&GearRentInfo::ProjID), equal(&GearRentInfo::ProjID)},
              &GearRentInfo::ProjID);
     }
@@ -139,36 +146,36 @@ private:
     void door(Gate& gate, RecordCase<Gate, Record> table, const std::shared_ptr<Rows<Record>>& rows,
               std::vector<Question<Record>> questions, std::type_identity_t<LONG Record::*> parent = nullptr,
               LONG kept = 0) {
+        table.parents.clear();  // the questions say whose rows they ask for
         doors_.push_back(std::make_unique<Door<Gate, Record>>(gate, std::move(table), rows, counts_,
                                                               std::move(questions), parent, kept));
     }
 
     void add_main_doors(IDBgate1& gate) {
-        door(gate, project_table(), projects_, {everything<ProjInfo>(), equal(&ProjInfo::ClientID)},
-             &ProjInfo::ClientID);
-        door(gate, song_table(), songs_, {everything<SongInfo>(), equal(&SongInfo::ProjID)}, &SongInfo::ProjID);
-        door(gate, track_table(), tracks_, {everything<TrackInfo>(), equal(&TrackInfo::SongID)}, &TrackInfo::SongID);
-        door(gate, session_table(), sessions_, {everything<SessionInfo>(), equal(&SessionInfo::ProjID)},
+        door(gate, kProjects, projects_, {everything<ProjInfo>(), equal(&ProjInfo::ClientID)}, &ProjInfo::ClientID);
+        door(gate, kSongs, songs_, {everything<SongInfo>(), equal(&SongInfo::ProjID)}, &SongInfo::ProjID);
+        door(gate, kTracks, tracks_, {everything<TrackInfo>(), equal(&TrackInfo::SongID)}, &TrackInfo::SongID);
+        door(gate, kSessions, sessions_, {everything<SessionInfo>(), equal(&SessionInfo::ProjID)},
              &SessionInfo::ProjID);
-        door(gate, client_table(), clients_, {everything<ClientInfo>()});
-        door(gate, service_table(), services_, {everything<ServiceInfo>(), equal(&ServiceInfo::ContactID)},
+        door(gate, kClients, clients_, {everything<ClientInfo>()});
+        door(gate, kServices, services_, {everything<ServiceInfo>(), equal(&ServiceInfo::ContactID)},
              &ServiceInfo::ContactID);
-        door(gate, stock_table(), stock_, {everything<StockInfo>(), equal(&StockInfo::TypeID)}, &StockInfo::TypeID);
-        door(gate, supply_table(), supply_, {everything<SupplyAct>(), equal(&SupplyAct::StockID)}, &SupplyAct::StockID);
-        door(gate, stock_type_table(), stock_types_, {everything<StockTypeInfo>()}, nullptr, kParents);
-        door(gate, booking_table(), bookings_,
+        door(gate, kStock, stock_, {everything<StockInfo>(), equal(&StockInfo::TypeID)}, &StockInfo::TypeID);
+        door(gate, kSupply, supply_, {everything<SupplyAct>(), equal(&SupplyAct::StockID)}, &SupplyAct::StockID);
+        door(gate, kStockTypes, stock_types_, {everything<StockTypeInfo>()}, nullptr, kParents);
+        door(gate, kBookings, bookings_,
              {everything<BookingInfo>(), equal(&BookingInfo::RoomID), bookings_of_a_span(false),
               bookings_of_a_span(true)},
              &BookingInfo::RoomID);
-        door(gate, invoice_table(), invoices_, {invoices_of_a_span()});
-        door(gate, invoice_line_table(), invoice_lines_, {equal(&InvParamsInfo::InvoiceID)}, &InvParamsInfo::InvoiceID);
+        door(gate, kInvoices, invoices_, {invoices_of_a_span()});
+        door(gate, kInvoiceLines, invoice_lines_, {equal(&InvParamsInfo::InvoiceID)}, &InvParamsInfo::InvoiceID);
     }
 
     template <class Gate>
     void add_gear_doors(Gate& gate) {
-        door(gate, gear_table<Gate>(), gear_, {everything<GearInfo>(), equal(&GearInfo::CategoryID)},
+        door(gate, gear_case<Gate>(), gear_, {everything<GearInfo>(), equal(&GearInfo::CategoryID)},
              &GearInfo::CategoryID);
-        door(gate, gear_service_table<Gate>(), gear_services_,
+        door(gate, gear_service_case<Gate>(), gear_services_,
              {everything<GearServInfo>(), equal(&GearServInfo::GearID)}, &GearServInfo::GearID);
     }
 

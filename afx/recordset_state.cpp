@@ -180,6 +180,7 @@ const jet::RowView& RecordsetState::view() {
     if (!has_view_) {
         if (!table_->read(*current_, view_)) jet::fail(errors::kRowDeleted, "The row has been deleted.");
         has_view_ = true;
+        view_.prefetch_long_values();
     }
     return view_;
 }

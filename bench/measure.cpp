@@ -67,7 +67,7 @@ void tell(const char* name, double figure) { std::printf("%s\t%.10g\n", name, fi
 void tell_peak() {
     rusage usage{};
     getrusage(RUSAGE_SELF, &usage);
-    tell("peak", static_cast<double>(usage.ru_maxrss));
+    tell("peak", static_cast<double>(usage.ru_maxrss) * 1024);
 }
 
 Figures run_child(const char* program, const char* mode, const std::string& kind, std::int32_t size,

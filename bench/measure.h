@@ -27,7 +27,7 @@ void add_benchmark(const char* name, std::int64_t iterations, std::function<doub
 void run_benchmarks();
 // Prints another figure for the parent.
 void tell(const char* name, double figure);
-// Prints the most memory that this process has held, in KiB, as "peak".
+// Prints the most memory that this process has held, in bytes, as "peak".
 void tell_peak();
 
 // Runs this program anew as "PROGRAM MODE KIND SIZE FOLDER" and collects its figures. The folder is made

@@ -122,7 +122,7 @@ void print_record_table(const char* program, std::int32_t size, const std::strin
         std::printf("%-26s | %16.0f | %16.0f | %7.2f\n", operation, ours[operation], peers[operation],
                     ours[operation] / peers[operation]);
     }
-    std::printf("%-26s | %13.1f MB | %13.1f MB | %7.2f\n", "peak memory", ours["peak"] / 1e3, peers["peak"] / 1e3,
+    std::printf("%-26s | %13.1f MB | %13.1f MB | %7.2f\n", "peak memory", ours["peak"] / 1e6, peers["peak"] / 1e6,
                 ours["peak"] / peers["peak"]);
 }
 

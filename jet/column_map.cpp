@@ -3,12 +3,34 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <ranges>
 
 namespace jet {
 
 namespace {
 
 constexpr std::uint64_t kTopBit = 0x8000000000000000u;
+
+constexpr std::size_t kBlock = 512;  // entries
+
+// How many of `size` entries in order, entry_at(0) and on, stand before `wanted`; their keys are not below `first`, and
+// the last of them is `last`. Keys given out in order lie evenly: the place is where the key says, and nothing else is
+// read.
+template <class EntryAt>
+std::size_t place_of(const ColumnMap::Entry& wanted, std::size_t size, const EntryAt& entry_at, std::uint64_t first,
+                     const ColumnMap::Entry& last) {
+    const std::uint64_t span = last.key - first;
+    if (wanted.key > first && span <= UINT32_MAX && wanted <= last) {
+        const auto guess = static_cast<std::size_t>((wanted.key - first) * size / span);
+        for (std::size_t place = guess > 0 ? guess - 1 : 0; place < std::min(guess + 1, size); ++place) {
+            if (entry_at(place) >= wanted && (place == 0 || entry_at(place - 1) < wanted)) return place;
+        }
+    }
+    const auto places = std::views::iota(std::size_t{0}, size);
+    return static_cast<std::size_t>(
+        std::ranges::partition_point(places, [&](std::size_t place) { return entry_at(place) < wanted; }) -
+        places.begin());
+}
 
 }  // namespace
 
@@ -32,24 +54,66 @@ std::uint64_t ColumnMap::key_of_date(double days) {
     return (bits & kTopBit) != 0 ? ~bits : bits | kTopBit;
 }
 
-void ColumnMap::build(std::vector<Entry> entries) {
-    std::sort(entries.begin(), entries.end());
-    entries.erase(std::unique(entries.begin(), entries.end()), entries.end());
-    size_ = entries.size();
-    blocks_.clear();
-    lasts_.clear();
-    blocks_.reserve(size_ / kBlock + 1);
-    for (std::size_t at = 0; at < size_; at += kBlock) {
-        const auto first = entries.begin() + static_cast<std::ptrdiff_t>(at);
-        const auto last = entries.begin() + static_cast<std::ptrdiff_t>(std::min(at + kBlock, size_));
-        blocks_.emplace_back(first, last);
-        lasts_.push_back(blocks_.back().back());
+void ColumnMap::Block::spell_out_keys() {
+    if (!keys_.empty()) return;
+    for (std::size_t at = 0; at < rows_.size(); ++at) keys_.push_back(first_key_ + at * key_step_);
+}
+
+void ColumnMap::Block::insert(std::size_t at, const Entry& entry) {
+    if (rows_.empty()) first_key_ = entry.key;
+    if (rows_.size() == 1 && at == 1) key_step_ = entry.key == first_key_ ? 0 : 1;
+    const bool fits =
+        keys_.empty() && entry.key == first_key_ + at * key_step_ && (key_step_ == 0 || at == rows_.size());
+    if (!fits) {
+        spell_out_keys();
+        keys_.insert(keys_.begin() + static_cast<std::ptrdiff_t>(at), entry.key);
     }
+    rows_.insert(rows_.begin() + static_cast<std::ptrdiff_t>(at), entry.row);
+}
+
+void ColumnMap::Block::erase(std::size_t at) {
+    if (!keys_.empty() || (key_step_ != 0 && at + 1 < rows_.size())) {
+        spell_out_keys();
+        keys_.erase(keys_.begin() + static_cast<std::ptrdiff_t>(at));
+    }
+    rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(at));
+}
+
+ColumnMap::Block ColumnMap::Block::cut(std::size_t at) {
+    spell_out_keys();
+    Block upper;
+    upper.rows_.assign(rows_.begin() + static_cast<std::ptrdiff_t>(at), rows_.end());
+    upper.keys_.assign(keys_.begin() + static_cast<std::ptrdiff_t>(at), keys_.end());
+    rows_.resize(at);
+    keys_.resize(at);
+    tidy();
+    upper.tidy();
+    return upper;
+}
+
+// Blocks are cut where keys come in no order: most of them then stay as long as they are for ever.
+void ColumnMap::Block::tidy() {
+    if (keys_.front() == keys_.back()) {
+        first_key_ = keys_.front();
+        key_step_ = 0;
+        keys_.clear();
+    }
+    rows_.shrink_to_fit();
+    keys_.shrink_to_fit();
 }
 
 // The block that holds the first entry >= `entry`; one past the last block when there is none.
 std::size_t ColumnMap::block_of(const Entry& entry) const {
-    return static_cast<std::size_t>(std::lower_bound(lasts_.begin(), lasts_.end(), entry) - lasts_.begin());
+    if (blocks_.empty()) return 0;
+    const auto last_of = [this](std::size_t at) -> const Entry& { return lasts_[at]; };
+    return place_of(entry, lasts_.size(), last_of, blocks_.front().entry(0).key, lasts_.back());
+}
+
+// Where the first entry >= `entry` stands in its block.
+std::size_t ColumnMap::place_in(std::size_t at, const Entry& entry) const {
+    const Block& block = blocks_[at];
+    const auto entry_at = [&block](std::size_t place) { return block.entry(place); };
+    return place_of(entry, block.size(), entry_at, at == 0 ? block.entry(0).key : lasts_[at - 1].key, lasts_[at]);
 }
 
 void ColumnMap::insert(Entry entry) {
@@ -60,36 +124,32 @@ void ColumnMap::insert(Entry entry) {
             blocks_.emplace_back();
             lasts_.emplace_back();
         }
-        blocks_.back().push_back(entry);
+        blocks_.back().insert(blocks_.back().size(), entry);
         lasts_.back() = entry;
         ++size_;
         return;
     }
-    const auto place = std::lower_bound(blocks_[at].begin(), blocks_[at].end(), entry);
-    if (*place == entry) return;
-    blocks_[at].insert(place, entry);
+    Block& block = blocks_[at];
+    const std::size_t place = place_in(at, entry);
+    if (block.entry(place) == entry) return;
+    block.insert(place, entry);
     ++size_;
-    if (blocks_[at].size() > kBlock) split(at);
-}
-
-void ColumnMap::split(std::size_t at) {
-    const auto middle = blocks_[at].begin() + static_cast<std::ptrdiff_t>(blocks_[at].size() / 2);
-    Block upper(middle, blocks_[at].end());
-    Block lower(blocks_[at].begin(), middle);
-    lasts_.insert(lasts_.begin() + static_cast<std::ptrdiff_t>(at), lower.back());
-    blocks_[at] = std::move(lower);
+    if (block.size() <= kBlock) return;
+    Block upper = block.cut(block.size() / 2);
+    lasts_.insert(lasts_.begin() + static_cast<std::ptrdiff_t>(at), block.entry(block.size() - 1));
     blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(at) + 1, std::move(upper));
 }
 
 void ColumnMap::erase(Entry entry) {
     const std::size_t at = block_of(entry);
     if (at == blocks_.size()) return;
-    const auto place = std::lower_bound(blocks_[at].begin(), blocks_[at].end(), entry);
-    if (*place != entry) return;
-    blocks_[at].erase(place);
+    Block& block = blocks_[at];
+    const std::size_t place = place_in(at, entry);
+    if (block.entry(place) != entry) return;
+    block.erase(place);
     --size_;
-    if (!blocks_[at].empty()) {
-        lasts_[at] = blocks_[at].back();
+    if (block.size() > 0) {
+        lasts_[at] = block.entry(block.size() - 1);
         return;
     }
     blocks_.erase(blocks_.begin() + static_cast<std::ptrdiff_t>(at));
@@ -99,17 +159,7 @@ void ColumnMap::erase(Entry entry) {
 std::optional<ColumnMap::Entry> ColumnMap::lower_bound(Entry from) const {
     const std::size_t at = block_of(from);
     if (at == blocks_.size()) return std::nullopt;
-    const Block& block = blocks_[at];
-    // Keys given out in order lie evenly: the entry is where its key says, and nothing else of the block is read.
-    const std::uint64_t first = at == 0 ? block.front().key : lasts_[at - 1].key;
-    const std::uint64_t span = lasts_[at].key - first;
-    if (from.key > first && span <= UINT32_MAX) {
-        const std::size_t guess = static_cast<std::size_t>((from.key - first) * block.size() / span);
-        for (std::size_t place = guess > 0 ? guess - 1 : 0; place < std::min(guess + 1, block.size()); ++place) {
-            if (block[place] >= from && (place == 0 || block[place - 1] < from)) return block[place];
-        }
-    }
-    return *std::lower_bound(block.begin(), block.end(), from);
+    return blocks_[at].entry(place_in(at, from));
 }
 
 }  // namespace jet

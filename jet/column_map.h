@@ -1,6 +1,7 @@
 // An ordered map from the values of one column to its rows, kept in memory: what lets a statement find
 // rows by a number or a span of dates without reading the table. Built at first use, kept current by the
-// table. 16 bytes an entry; every operation is logarithmic.
+// table. 4 bytes an entry where neighbours have the same key or the keys follow one on another, 12 elsewhere (up to
+// twice that where they came in no order); every operation is logarithmic.
 #pragma once
 
 #include <compare>
@@ -25,8 +26,7 @@ public:
     static std::uint64_t key_of_long(std::int32_t value);
     static std::uint64_t key_of_date(double days);
 
-    // Replaces the content; `entries` in any order.
-    void build(std::vector<Entry> entries);
+    // Nothing happens when it is there already.
     void insert(Entry entry);
     // Nothing happens when it is not there.
     void erase(Entry entry);
@@ -35,13 +35,32 @@ public:
     std::size_t size() const { return size_; }
 
 private:
-    static constexpr std::size_t kBlock = 512;
-    using Block = std::vector<Entry>;
+    // Some entries in order.
+    class Block {
+    public:
+        std::size_t size() const { return rows_.size(); }
+        Entry entry(std::size_t at) const {
+            return {keys_.empty() ? first_key_ + at * key_step_ : keys_[at], rows_[at]};
+        }
+        void insert(std::size_t at, const Entry& entry);
+        void erase(std::size_t at);
+        // Takes the entries from `at` on away, into a block of their own.
+        Block cut(std::size_t at);
+
+    private:
+        void spell_out_keys();
+        void tidy();
+
+        std::vector<std::uint32_t> rows_;
+        std::vector<std::uint64_t> keys_;  // none: each is first_key_, or one more than the one before
+        std::uint64_t first_key_ = 0;
+        std::uint64_t key_step_ = 0;  // 0 or 1
+    };
 
     std::size_t block_of(const Entry& entry) const;
-    void split(std::size_t at);
+    std::size_t place_in(std::size_t at, const Entry& entry) const;
 
-    std::vector<Block> blocks_;  // each non-empty and sorted; blocks in order
+    std::vector<Block> blocks_;  // none empty, in order
     std::vector<Entry> lasts_;   // the last entry of each block, close together for the search
     std::size_t size_ = 0;
 };

@@ -55,6 +55,10 @@ std::optional<ByteSpan> LongValues::inline_bytes(ByteSpan reference) {
     return slice(reference, lv::kReference, ref.length);
 }
 
+void LongValues::prefetch(ByteSpan reference) const {
+    if (!inline_bytes(reference)) pager_.prefetch(parse_reference(reference).row.page);
+}
+
 ByteVector LongValues::read(ByteSpan reference) const {
     if (const auto bytes = inline_bytes(reference)) return {bytes->begin(), bytes->end()};
     const Reference ref = parse_reference(reference);

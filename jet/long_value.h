@@ -16,6 +16,8 @@ public:
 
     // All bytes behind a stored reference. An empty field reads as an empty value.
     ByteVector read(ByteSpan reference) const;
+    // Says that they will soon be read.
+    void prefetch(ByteSpan reference) const;
     // The bytes themselves where they stand behind the reference; none for a value on pages of its own.
     static std::optional<ByteSpan> inline_bytes(ByteSpan reference);
     // Stores `bytes` and returns the reference with what follows it. `inline_allowed` false puts even a

@@ -11,19 +11,23 @@
 namespace jet {
 namespace detail {
 
+// What is looked at of every page asked for lies close together, apart from the bytes.
 struct Frame {
-    MutableByteSpan bytes;
-    PageNumber page_no = 0;
+    PageNumber page_no = jet4::kMaxPages;  // kMaxPages: nobody's
     std::uint32_t pins = 0;
-    int saved_level = 0;  // innermost open transaction that holds a before-image; 0: none
-    bool dirty = false;   // committed, not yet in the .mdb
-    bool recently_used = true;
+    std::int32_t saved_level = 0;  // innermost open transaction that holds a before-image; 0: none
+    bool dirty = false;            // committed, not yet in the .mdb
+    std::uint8_t uses = 0;         // of late, up to kMaxUses
 };
 
-// Frames made at once. What is looked at of every page asked for lies close together, apart from the bytes.
+// Frames made at once, as many as fill a large page of memory.
 struct FrameGroup {
-    explicit FrameGroup(std::size_t count) : frames(count), bytes(count * jet4::kPageSize) {}
-    std::vector<Frame> frames;
+    static constexpr std::uint32_t kFrames = os::PageMemory::kLargePage / jet4::kPageSize;
+
+    // The first is all that most databases need; what is not touched of it costs nothing.
+    explicit FrameGroup(bool first)
+        : bytes(os::PageMemory::kLargePage, first ? os::PageMemory::Source::kHeap : os::PageMemory::Source::kSystem) {}
+    std::array<Frame, kFrames> frames;
     os::PageMemory bytes;
 };
 
@@ -31,21 +35,29 @@ struct FrameGroup {
 
 using detail::Frame;
 using detail::FrameGroup;
+using detail::FrameRef;
+using detail::FrameTable;
 
-Page::Page(Frame* frame) : frame_(frame) { ++frame_->pins; }
+namespace {
+
+MutableByteSpan page_of(FrameRef place) { return {place.bytes, jet4::kPageSize}; }
+
+}  // namespace
+
+Page::Page(FrameRef place) : place_(place) { ++place_.frame->pins; }
 Page& Page::operator=(Page&& other) noexcept {
-    std::swap(frame_, other.frame_);
+    std::swap(place_, other.place_);
     return *this;
 }
 Page::~Page() {
-    if (frame_) --frame_->pins;
+    if (place_) --place_.frame->pins;
 }
-ByteSpan Page::bytes() const { return frame_->bytes; }
-PageNumber Page::number() const { return frame_->page_no; }
-MutableByteSpan MutablePage::bytes() const { return frame_->bytes; }
+ByteSpan Page::bytes() const { return page_of(place_); }
+PageNumber Page::number() const { return place_.frame->page_no; }
+MutableByteSpan MutablePage::bytes() const { return page_of(place_); }
 
 struct Pager::Undo {
-    Frame* frame;
+    FrameRef place;
     int saved_level_before;
     std::unique_ptr<std::uint8_t[]> image;  // null: the page did not exist before
 };
@@ -58,9 +70,7 @@ struct Pager::Level {
 namespace {
 
 constexpr std::size_t kSpareBuffers = 64;
-// Frames made at once: few while the cache is small, then as many as fill a large page of memory.
-constexpr std::size_t kSmallGroup = 16;
-constexpr std::size_t kLargeGroup = os::PageMemory::kLargePage / jet4::kPageSize;
+constexpr std::uint8_t kMaxUses = 3;
 
 // So that `count` more can be added without asking for memory.
 template <class T>
@@ -108,66 +118,90 @@ void Pager::require_writable() const {
     }
 }
 
-Frame* Pager::added_frame() {
-    if (unused_frames_.empty()) {
-        const std::size_t count = frames_.size() < kLargeGroup ? kSmallGroup : kLargeGroup;
-        frames_.reserve(frames_.size() + count);
-        unused_frames_.reserve(count);
-        FrameGroup& group = *groups_.emplace_back(std::make_unique<FrameGroup>(count));
-        for (std::size_t i = count; i-- > 0;) {
-            group.frames[i].bytes = {group.bytes.data() + i * jet4::kPageSize, jet4::kPageSize};
-            unused_frames_.push_back(&group.frames[i]);
-        }
-    }
-    frames_.push_back(unused_frames_.back());
-    unused_frames_.pop_back();
-    return frames_.back();
+FrameRef Pager::frame_at(std::uint32_t frame_no) const {
+    FrameGroup& group = *groups_[frame_no / FrameGroup::kFrames];
+    const std::size_t at = frame_no % FrameGroup::kFrames;
+    return {&group.frames[at], group.bytes.data() + at * jet4::kPageSize};
 }
 
-Frame* Pager::new_frame(PageNumber page_no) {
-    Frame* frame = nullptr;
-    if (frames_.size() >= std::max(options_.cache_pages, search_from_)) {
-        // A clean page nobody holds makes room; two rounds, the first only takes the recent mark away.
-        for (std::size_t i = 0; i < 2 * frames_.size() && !frame; ++i) {
-            Frame* candidate = frames_[clock_hand_];
-            clock_hand_ = clock_hand_ + 1 < frames_.size() ? clock_hand_ + 1 : 0;
-            if (candidate->pins > 0 || candidate->dirty || candidate->saved_level > 0) continue;
-            if (std::exchange(candidate->recently_used, false)) continue;
-            frame = candidate;
-        }
-        if (frame && frame->page_no < jet4::kMaxPages) table_.set(frame->page_no, nullptr);
-        if (frame) frame->page_no = jet4::kMaxPages;  // nobody's
-        // All are held by one large transaction: searching again for each of its pages would take ever longer.
-        if (!frame) search_from_ = frames_.size() + frames_.size() / 4;
-    }
-    if (!frame) frame = added_frame();
-    table_.set(page_no, frame);
-    frame->page_no = page_no;
-    frame->dirty = false;
-    frame->recently_used = true;
+FrameRef Pager::cached(PageNumber page_no) const {
+    const std::uint32_t frame_no = table_.find(page_no);
+    return frame_no != FrameTable::kNone ? frame_at(frame_no) : FrameRef{};
+}
+
+void Pager::free_frame(Frame* frame) {
+    if (frame->page_no < jet4::kMaxPages) table_.clear(frame->page_no);
+    frame->page_no = jet4::kMaxPages;
     frame->saved_level = 0;
-    return frame;
+    frame->uses = 0;
 }
 
-Frame* Pager::load(PageNumber page_no) {
-    if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
-    if (Frame* frame = table_.find(page_no)) {
-        frame->recently_used = true;
-        return frame;
+std::uint32_t Pager::added_frame() {
+    if (frame_count_ == groups_.size() * FrameGroup::kFrames) {
+        groups_.push_back(std::make_unique<FrameGroup>(groups_.empty()));
     }
-    Frame* frame = new_frame(page_no);
+    return frame_count_++;
+}
+
+// A clean page nobody holds, and nobody has used of late, makes room: with every round of the hand a use is forgotten.
+std::uint32_t Pager::evicted_frame() {
+    for (std::uint64_t i = 0; i < (kMaxUses + 1) * std::uint64_t{frame_count_}; ++i) {
+        const std::uint32_t frame_no = clock_hand_;
+        clock_hand_ = clock_hand_ + 1 < frame_count_ ? clock_hand_ + 1 : 0;
+        Frame* const frame = frame_at(frame_no).frame;
+        if (frame->pins > 0 || frame->dirty || frame->saved_level > 0) continue;
+        if (frame->uses > 0) {
+            --frame->uses;
+            continue;
+        }
+        free_frame(frame);
+        return frame_no;
+    }
+    // All are held by one large transaction: searching again for each of its pages would take ever longer.
+    search_from_ = frame_count_ + frame_count_ / 4;
+    return FrameTable::kNone;
+}
+
+FrameRef Pager::new_frame(PageNumber page_no) {
+    std::uint32_t frame_no = FrameTable::kNone;
+    if (frame_count_ >= std::max<std::size_t>(options_.cache_pages, search_from_)) frame_no = evicted_frame();
+    if (frame_no == FrameTable::kNone) frame_no = added_frame();
+    table_.set(page_no, frame_no);
+    const FrameRef place = frame_at(frame_no);
+    place.frame->page_no = page_no;
+    place.frame->dirty = false;
+    place.frame->uses = 0;
+    place.frame->saved_level = 0;
+    return place;
+}
+
+FrameRef Pager::load(PageNumber page_no) {
+    if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
+    if (const FrameRef place = cached(page_no)) {
+        // Pages asked for in passing, many times in a row at that, shall not push out those that come up ever again.
+        if (page_no != last_loaded_ && place.frame->uses < kMaxUses) ++place.frame->uses;
+        last_loaded_ = page_no;
+        return place;
+    }
+    const FrameRef place = new_frame(page_no);
     try {
         const std::uint64_t at = std::uint64_t{page_no} * jet4::kPageSize;
-        const std::size_t got = with_engine_errors([&] { return file_->read(at, frame->bytes); });
+        const std::size_t got = with_engine_errors([&] { return file_->read(at, page_of(place)); });
         if (got != jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
     } catch (...) {
-        table_.set(page_no, nullptr);
-        frame->page_no = jet4::kMaxPages;
-        frame->recently_used = false;
+        free_frame(place.frame);
         throw;
     }
+    last_loaded_ = page_no;
     ++pages_read_;
-    return frame;
+    return place;
+}
+
+void Pager::prefetch(PageNumber page_no) const {
+    if (const FrameRef place = cached(page_no)) {
+        jet::prefetch(place.frame);
+        jet::prefetch(place.bytes);
+    }
 }
 
 Page Pager::read(PageNumber page_no) { return Page(load(page_no)); }
@@ -177,9 +211,9 @@ void Pager::keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept {
     if (buffer && spare_buffers_.size() < kSpareBuffers) spare_buffers_.push_back(std::move(buffer));
 }
 
-void Pager::save_for_undo(Frame* frame) {
+void Pager::save_for_undo(FrameRef place) {
     const int level = static_cast<int>(levels_.size());
-    if (frame->saved_level == level) return;
+    if (place.frame->saved_level == level) return;
     std::unique_ptr<std::uint8_t[]> image;
     if (spare_buffers_.empty()) {
         image = std::make_unique<std::uint8_t[]>(jet4::kPageSize);
@@ -187,16 +221,16 @@ void Pager::save_for_undo(Frame* frame) {
         image = std::move(spare_buffers_.back());
         spare_buffers_.pop_back();
     }
-    std::memcpy(image.get(), frame->bytes.data(), jet4::kPageSize);
-    levels_.back().undo.push_back({frame, frame->saved_level, std::move(image)});
-    frame->saved_level = level;
+    std::memcpy(image.get(), place.bytes, jet4::kPageSize);
+    levels_.back().undo.push_back({place, place.frame->saved_level, std::move(image)});
+    place.frame->saved_level = level;
 }
 
 MutablePage Pager::modify(PageNumber page_no) {
     require_writable();
     if (levels_.empty()) fail(errors::kReserved, "A page was to be changed outside a transaction.");
     MutablePage page(load(page_no));
-    save_for_undo(page.frame_);
+    save_for_undo(page.place_);
     return page;
 }
 
@@ -206,11 +240,11 @@ MutablePage Pager::extend() {
     if (page_count_ >= jet4::kMaxPages)
         fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
     make_room(levels_.back().undo, 1);
-    Frame* frame = new_frame(page_count_);
-    std::memset(frame->bytes.data(), 0, jet4::kPageSize);
-    MutablePage page(frame);
-    levels_.back().undo.push_back({frame, 0, nullptr});
-    frame->saved_level = static_cast<int>(levels_.size());
+    const FrameRef place = new_frame(page_count_);
+    std::memset(place.bytes, 0, jet4::kPageSize);
+    MutablePage page(place);
+    levels_.back().undo.push_back({place, 0, nullptr});
+    place.frame->saved_level = static_cast<int>(levels_.size());
     ++page_count_;
     return page;
 }
@@ -222,16 +256,13 @@ void Pager::begin() {
 
 void Pager::restore_level(Level& level) {
     for (auto undo = level.undo.rbegin(); undo != level.undo.rend(); ++undo) {
-        Frame* frame = undo->frame;
+        const FrameRef place = undo->place;
         if (undo->image) {
-            std::memcpy(frame->bytes.data(), undo->image.get(), jet4::kPageSize);
-            frame->saved_level = undo->saved_level_before;
+            std::memcpy(place.bytes, undo->image.get(), jet4::kPageSize);
+            place.frame->saved_level = undo->saved_level_before;
             keep_buffer(std::move(undo->image));
         } else {
-            table_.set(frame->page_no, nullptr);
-            frame->page_no = jet4::kMaxPages;
-            frame->saved_level = 0;
-            frame->recently_used = false;
+            free_frame(place.frame);
         }
     }
     page_count_ = level.page_count;
@@ -252,7 +283,7 @@ void Pager::commit() {
         levels_.pop_back();
         const int outer = static_cast<int>(levels_.size());
         for (Undo& undo : inner.undo) {
-            undo.frame->saved_level = outer;
+            undo.place.frame->saved_level = outer;
             if (undo.saved_level_before == outer) {
                 keep_buffer(std::move(undo.image));
             } else {
@@ -274,7 +305,7 @@ void Pager::commit() {
             std::vector<JournalPage> pages;
             pages.reserve(levels_.back().undo.size());
             for (const Undo& undo : levels_.back().undo) {
-                pages.push_back({undo.frame->page_no, undo.frame->bytes.data()});
+                pages.push_back({undo.place.frame->page_no, undo.place.bytes});
             }
             make_room(dirty_, pages.size());  // nothing may fail once the commit stands
             const std::uint64_t end_before = journal_->size_bytes();
@@ -293,9 +324,10 @@ void Pager::commit() {
         throw;
     }
     for (Undo& undo : levels_.back().undo) {
-        undo.frame->saved_level = 0;
-        if (!undo.frame->dirty) dirty_.push_back(undo.frame->page_no);
-        undo.frame->dirty = true;
+        Frame& frame = *undo.place.frame;
+        frame.saved_level = 0;
+        if (!frame.dirty) dirty_.push_back(frame.page_no);
+        frame.dirty = true;
         keep_buffer(std::move(undo.image));
     }
     levels_.pop_back();
@@ -312,7 +344,7 @@ void Pager::commit() {
 }
 
 void Pager::bump_change_counter() {
-    const ByteSpan header_page = load(jet4::kHeaderPage)->bytes;
+    const ByteSpan header_page = page_of(load(jet4::kHeaderPage));
     const std::uint64_t identity = file_identity(header_page);
     MutablePage page = modify(jet4::kObjectsPage);
     const std::uint64_t counter = load_u64(page.bytes(), jet4::tdef::kFiller);
@@ -352,16 +384,16 @@ void Pager::write_back() {
         while (end < dirty_.size() && dirty_[end] == dirty_[end - 1] + 1 && end - i < 64) ++end;
         const std::uint64_t at = std::uint64_t{dirty_[i]} * jet4::kPageSize;
         if (end - i == 1) {
-            file_->write(at, table_.find(dirty_[i])->bytes);
+            file_->write(at, page_of(cached(dirty_[i])));
         } else {
             run.clear();
-            for (std::size_t k = i; k < end; ++k) append_bytes(run, table_.find(dirty_[k])->bytes);
+            for (std::size_t k = i; k < end; ++k) append_bytes(run, page_of(cached(dirty_[k])));
             file_->write(at, run);
         }
         pages_written_ += end - i;
         i = end;
     }
-    for (PageNumber page_no : dirty_) table_.find(page_no)->dirty = false;
+    for (PageNumber page_no : dirty_) cached(page_no).frame->dirty = false;
     dirty_.clear();
 }
 
@@ -411,8 +443,8 @@ void Pager::recover() {
     JournalContent content;
     bool ours = page_count_ > jet4::kObjectsPage && Journal::read(*file, content);
     if (ours) {
-        const ByteSpan header_page = load(jet4::kHeaderPage)->bytes;
-        const std::uint64_t counter = load_u64(load(jet4::kObjectsPage)->bytes, jet4::tdef::kFiller);
+        const ByteSpan header_page = page_of(load(jet4::kHeaderPage));
+        const std::uint64_t counter = load_u64(page_of(load(jet4::kObjectsPage)), jet4::tdef::kFiller);
         ours = content.binding.identity == file_identity(header_page) &&
                (counter == content.binding.base_counter || counter == content.binding.next_counter);
     }
@@ -432,12 +464,12 @@ void Pager::recover() {
         if (file->read(last.at, image) != jet4::kPageSize) corrupt(last.page_no, "the journal ends inside the page");
         if (options_.read_only) {
             // Only in memory, and never evicted: the file stays as it is.
-            Frame* frame = table_.find(last.page_no) ? table_.find(last.page_no) : new_frame(last.page_no);
-            std::memcpy(frame->bytes.data(), image.data(), image.size());
-            frame->dirty = true;
+            const FrameRef place = cached(last.page_no) ? cached(last.page_no) : new_frame(last.page_no);
+            std::memcpy(place.bytes, image.data(), image.size());
+            place.frame->dirty = true;
         } else {
             file_->write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
-            if (Frame* frame = table_.find(last.page_no)) std::memcpy(frame->bytes.data(), image.data(), image.size());
+            if (const FrameRef place = cached(last.page_no)) std::memcpy(place.bytes, image.data(), image.size());
         }
     }
     if (options_.read_only) return;

@@ -32,23 +32,39 @@ namespace detail {
 struct Frame;
 struct FrameGroup;
 
-// Frames by page number, in chunks made at first use: a large file costs nothing until its pages are read.
+// A frame and the page it holds, kPageSize bytes; of none when `frame` is null.
+struct FrameRef {
+    Frame* frame = nullptr;
+    std::uint8_t* bytes = nullptr;
+    explicit operator bool() const { return frame != nullptr; }
+};
+
+// Numbers of frames by page number, in chunks made at first use: a large file costs nothing until its pages are read.
 class FrameTable {
 public:
-    Frame* find(PageNumber page_no) const {
+    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
+
+    std::uint32_t find(PageNumber page_no) const {
         const std::size_t chunk = page_no / kChunk;
-        return chunk < chunks_.size() && chunks_[chunk] ? (*chunks_[chunk])[page_no % kChunk] : nullptr;
+        return chunk < chunks_.size() && chunks_[chunk] ? (*chunks_[chunk])[page_no % kChunk] : kNone;
     }
-    void set(PageNumber page_no, Frame* frame) {
+    void set(PageNumber page_no, std::uint32_t frame_no) {
         const std::size_t chunk = page_no / kChunk;
         if (chunk >= chunks_.size()) chunks_.resize(chunk + 1);
-        if (!chunks_[chunk]) chunks_[chunk] = std::make_unique<Chunk>();
-        (*chunks_[chunk])[page_no % kChunk] = frame;
+        if (!chunks_[chunk]) {
+            chunks_[chunk] = std::make_unique<Chunk>();
+            chunks_[chunk]->fill(kNone);
+        }
+        (*chunks_[chunk])[page_no % kChunk] = frame_no;
+    }
+    // Needs no memory.
+    void clear(PageNumber page_no) {
+        if (find(page_no) != kNone) set(page_no, kNone);
     }
 
 private:
     static constexpr std::size_t kChunk = 1024;
-    using Chunk = std::array<Frame*, kChunk>;
+    using Chunk = std::array<std::uint32_t, kChunk>;
     std::vector<std::unique_ptr<Chunk>> chunks_;
 };
 
@@ -58,7 +74,7 @@ private:
 class Page {
 public:
     Page() = default;
-    Page(Page&& other) noexcept : frame_(std::exchange(other.frame_, nullptr)) {}
+    Page(Page&& other) noexcept : place_(std::exchange(other.place_, {})) {}
     Page& operator=(Page&& other) noexcept;
     ~Page();
 
@@ -67,8 +83,8 @@ public:
 
 protected:
     friend class Pager;
-    explicit Page(detail::Frame* frame);
-    detail::Frame* frame_ = nullptr;
+    explicit Page(detail::FrameRef place);
+    detail::FrameRef place_;
 };
 
 // A pinned page of the open transaction that may be written.
@@ -82,9 +98,12 @@ private:
     using Page::Page;
 };
 
+// Taken as pages are read: 256 MiB, or 64 MiB where a process has little room for addresses.
+inline constexpr std::size_t kDefaultCachePages = sizeof(void*) >= 8 ? 65536 : 16384;
+
 struct PagerOptions {
     bool read_only = false;
-    std::size_t cache_pages = 40960;               // 160 MiB, taken as pages are read
+    std::size_t cache_pages = kDefaultCachePages;
     std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
     std::chrono::milliseconds sync_interval{250};  // longest stretch without a sync point
 };
@@ -107,6 +126,8 @@ public:
     std::uint32_t page_count() const { return page_count_; }
 
     Page read(PageNumber page_no);
+    // Says that the page, should it be in memory, will soon be read. Any number will do.
+    void prefetch(PageNumber page_no) const;
     // Only inside a transaction.
     MutablePage modify(PageNumber page_no);
     // Appends a zeroed page (only inside a transaction); 3183 at the 2 GiB limit.
@@ -136,10 +157,15 @@ private:
     struct Undo;
     struct Level;
 
-    detail::Frame* load(PageNumber page_no);
-    detail::Frame* added_frame();
-    detail::Frame* new_frame(PageNumber page_no);
-    void save_for_undo(detail::Frame* frame);
+    detail::FrameRef frame_at(std::uint32_t frame_no) const;
+    // The frame that holds the page, if one does.
+    detail::FrameRef cached(PageNumber page_no) const;
+    detail::FrameRef load(PageNumber page_no);
+    std::uint32_t evicted_frame();
+    std::uint32_t added_frame();
+    detail::FrameRef new_frame(PageNumber page_no);
+    void free_frame(detail::Frame* frame);
+    void save_for_undo(detail::FrameRef place);
     void keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept;
     void restore_level(Level& level);
     void recover();
@@ -157,10 +183,10 @@ private:
     std::uint32_t page_count_ = 0;
     detail::FrameTable table_;
     std::vector<std::unique_ptr<detail::FrameGroup>> groups_;
-    std::vector<detail::Frame*> frames_;         // in use
-    std::vector<detail::Frame*> unused_frames_;  // of the last group
-    std::size_t clock_hand_ = 0;
-    std::size_t search_from_ = 0;  // frames below which none can be free
+    std::uint32_t frame_count_ = 0;  // frames in use, the first ones of the groups
+    std::uint32_t clock_hand_ = 0;
+    std::uint32_t search_from_ = 0;  // frames below which none can be free
+    PageNumber last_loaded_ = jet4::kMaxPages;
     std::vector<Level> levels_;
     std::vector<PageNumber> dirty_;  // committed, not yet in the .mdb
     std::vector<std::unique_ptr<std::uint8_t[]>> spare_buffers_;

@@ -57,6 +57,18 @@ std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
 
 bool RowView::is_null(std::size_t position) const { return !stored(position).has_value(); }
 
+void RowView::prefetch_long_values() const {
+    const LongValues long_values(table_->database().pager(), table_->database().allocator());
+    try {
+        for (const ColumnDef& column : table_->def().columns) {
+            if (!column.is_long()) continue;
+            if (const auto stored = reader_.stored(column)) long_values.prefetch(*stored);
+        }
+    } catch (const Error&) {
+        // What is damaged concerns only who reads it.
+    }
+}
+
 Table::Table(Database& database, TableDef def)
     : database_(database),
       def_(std::move(def)),
@@ -359,6 +371,28 @@ void Table::change_index(std::size_t position, const ByteVector* old_key, const 
     if (new_key && tree.insert(*new_key, row)) ++index.distinct_keys;
 }
 
+template <class ValueAt>
+Table::MapKeys Table::map_keys(const ValueAt& value_at) const {
+    MapKeys keys;
+    keys.reserve(column_maps_.size());
+    for (const auto& [position, map] : column_maps_) keys.push_back(ColumnMap::key_of(value_at(position)));
+    return keys;
+}
+
+// The row has changed for good: should there be no memory to say so in the maps, they are made anew at their next use.
+void Table::move_in_maps(RowId row, const MapKeys& from, const MapKeys& to) noexcept {
+    try {
+        std::size_t i = 0;
+        for (auto& [position, map] : column_maps_) {
+            if (from[i] != to[i] && to[i]) map.insert({*to[i], row.pack()});
+            if (from[i] != to[i] && from[i]) map.erase({*from[i], row.pack()});
+            ++i;
+        }
+    } catch (const std::bad_alloc&) {
+        column_maps_.clear();
+    }
+}
+
 RowId Table::insert(std::vector<Value> values) {
     require_writable();
     values.resize(def_.columns.size());
@@ -371,6 +405,8 @@ RowId Table::insert(std::vector<Value> values) {
         validate(i, values[i]);
     }
     check_indexes(values, nullptr);
+    const MapKeys old_map_keys(column_maps_.size());
+    const MapKeys new_map_keys = map_keys([&](std::size_t position) -> const Value& { return values[position]; });
 
     Transaction transaction(database_.pager());
     LongValues long_values(database_.pager(), database_.allocator());
@@ -393,9 +429,7 @@ RowId Table::insert(std::vector<Value> values) {
     store_counts();
     transaction.commit();
 
-    for (auto& [position, map] : column_maps_) {
-        if (const auto key = ColumnMap::key_of(values[position])) map.insert({*key, row.pack()});
-    }
+    move_in_maps(row, old_map_keys, new_map_keys);
     for (TableWatcher* watcher : watchers_) watcher->row_inserted(row);
     return row;
 }
@@ -428,10 +462,13 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
         if (const auto bytes = reader.stored(def_.columns[i])) stored[i].emplace(bytes->begin(), bytes->end());
     }
 
-    std::vector<std::pair<std::size_t, std::uint64_t>> old_map_keys;
-    for (const auto& [position, map] : column_maps_) {
-        if (const auto key = ColumnMap::key_of(old.value(position))) old_map_keys.emplace_back(position, *key);
-    }
+    const MapKeys old_map_keys = map_keys([&](std::size_t position) { return old.value(position); });
+    const MapKeys new_map_keys = map_keys([&](std::size_t position) {
+        for (auto change = new_values.rbegin(); change != new_values.rend(); ++change) {
+            if (change->first == position) return change->second;
+        }
+        return old.value(position);
+    });
 
     Transaction transaction(database_.pager());
     LongValues long_values(database_.pager(), database_.allocator());
@@ -458,14 +495,7 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
     }
     transaction.commit();
 
-    for (const auto& [position, old_key] : old_map_keys) column_maps_[position].erase({old_key, row.pack()});
-    if (!column_maps_.empty()) {
-        RowView now;
-        if (!read(row, now)) return;
-        for (auto& [position, map] : column_maps_) {
-            if (const auto key = ColumnMap::key_of(now.value(position))) map.insert({*key, row.pack()});
-        }
-    }
+    move_in_maps(row, old_map_keys, new_map_keys);
 }
 
 void Table::erase(RowId row) {
@@ -475,10 +505,8 @@ void Table::erase(RowId row) {
     if (!place || !read(row, old)) fail(errors::kRowDeleted, "The row has been deleted.");
     for (TableWatcher* watcher : watchers_) watcher->row_changing(row);
 
-    std::vector<std::pair<std::size_t, std::uint64_t>> old_map_keys;
-    for (const auto& [position, map] : column_maps_) {
-        if (const auto key = ColumnMap::key_of(old.value(position))) old_map_keys.emplace_back(position, *key);
-    }
+    const MapKeys old_map_keys = map_keys([&](std::size_t position) { return old.value(position); });
+    const MapKeys new_map_keys(column_maps_.size());
     const RowReader& reader = old.reader_;
     Transaction transaction(database_.pager());
     if (!def_.real_indexes.empty()) {
@@ -505,7 +533,7 @@ void Table::erase(RowId row) {
     if (def_.row_count > 0) --def_.row_count;
     store_counts();
     transaction.commit();
-    for (const auto& [position, old_key] : old_map_keys) column_maps_[position].erase({old_key, row.pack()});
+    move_in_maps(row, old_map_keys, new_map_keys);
 }
 
 const ColumnMap* Table::column_map(std::size_t position) {
@@ -514,15 +542,13 @@ const ColumnMap* Table::column_map(std::size_t position) {
     if (column.type != ColumnType::kLong && column.type != ColumnType::kDate) return nullptr;
     const auto known = column_maps_.find(position);
     if (known != column_maps_.end()) return &known->second;
-    std::vector<ColumnMap::Entry> entries;
+    ColumnMap map;
     visit_rows([&](RowId row, const RowReader& reader) {
         const auto stored = reader.stored(column);
         if (!stored) return;
-        if (const auto key = ColumnMap::key_of(decode_value(*stored, column))) entries.push_back({*key, row.pack()});
+        if (const auto key = ColumnMap::key_of(decode_value(*stored, column))) map.insert({*key, row.pack()});
     });
-    ColumnMap& map = column_maps_[position];
-    map.build(std::move(entries));
-    return &map;
+    return &(column_maps_[position] = std::move(map));
 }
 
 }  // namespace jet

@@ -38,6 +38,8 @@ public:
     // As above, into a value whose memory is used again.
     void value(std::size_t position, Value& into) const;
     bool is_null(std::size_t position) const;
+    // Says that all values will soon be read.
+    void prefetch_long_values() const;
 
 private:
     friend class Table;
@@ -126,6 +128,9 @@ private:
         RowId body;
     };
 
+    // A row's key in each of the column maps, in their order.
+    using MapKeys = std::vector<std::optional<std::uint64_t>>;
+
     void refresh() const;
     void require_writable() const;
     std::optional<Place> locate(RowId row) const;
@@ -140,6 +145,9 @@ private:
     std::vector<ByteVector> index_keys(std::span<const Value> values) const;
     void change_index(std::size_t index, const ByteVector* old_key, const ByteVector* new_key, RowId row);
     void store_counts();
+    template <class ValueAt>
+    MapKeys map_keys(const ValueAt& value_at) const;
+    void move_in_maps(RowId row, const MapKeys& from, const MapKeys& to) noexcept;
 
     Database& database_;
     mutable TableDef def_;

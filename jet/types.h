@@ -72,7 +72,14 @@ struct Numeric {
     friend bool operator==(const Numeric&, const Numeric&) = default;
 };
 
-using Null = std::monostate;
+// Its copying is spelt out, and so not trivial: of nothing but trivial types, texts and vectors, a variant of libstdc++
+// 12 takes itself for never empty, and when a copy throws it destroys what was never made.
+struct Null {
+    constexpr Null() = default;
+    constexpr Null(const Null&) noexcept {}
+    constexpr Null& operator=(const Null&) noexcept { return *this; }
+    friend constexpr bool operator==(const Null&, const Null&) { return true; }
+};
 // One column's value. kByte is uint8_t, kInteger int16_t, kLong and kComplexId int32_t, kText and
 // kMemo UTF-16 text, kBinary, kOle and kFixedBinary bytes.
 using Value = std::variant<Null, bool, std::uint8_t, std::int16_t, std::int32_t, Currency, float, double, Date,

@@ -1,5 +1,6 @@
 #include "os/page_memory.h"
 
+#include <cstdlib>
 #include <new>
 
 #ifdef __linux__
@@ -9,10 +10,13 @@
 namespace os {
 namespace {
 
-#ifdef __linux__
+std::uint8_t* take(std::size_t bytes) {
+    void* const memory = std::malloc(bytes);
+    if (memory == nullptr) throw std::bad_alloc();
+    return static_cast<std::uint8_t*>(memory);
+}
 
-// The heap would keep freed blocks of this size and alignment in pieces.
-bool is_mapped(std::size_t bytes) { return bytes >= PageMemory::kLargePage; }
+#ifdef __linux__
 
 std::uint8_t* map(std::size_t bytes) {
     void* const mapping =
@@ -33,22 +37,21 @@ void unmap(std::uint8_t* data, std::size_t bytes) { (void)munmap(data, bytes); }
 
 #else
 
-bool is_mapped(std::size_t) { return false; }
-std::uint8_t* map(std::size_t) { return nullptr; }
-void unmap(std::uint8_t*, std::size_t) {}
+std::uint8_t* map(std::size_t bytes) { return take(bytes); }
+void unmap(std::uint8_t* data, std::size_t) { std::free(data); }
 
 #endif
 
 }  // namespace
 
-PageMemory::PageMemory(std::size_t bytes)
-    : bytes_(bytes), data_(is_mapped(bytes) ? map(bytes) : static_cast<std::uint8_t*>(::operator new(bytes))) {}
+PageMemory::PageMemory(std::size_t bytes, Source source)
+    : bytes_(bytes), source_(source), data_(source == Source::kSystem ? map(bytes) : take(bytes)) {}
 
 PageMemory::~PageMemory() {
-    if (is_mapped(bytes_)) {
+    if (source_ == Source::kSystem) {
         unmap(data_, bytes_);
     } else {
-        ::operator delete(data_);
+        std::free(data_);
     }
 }
 

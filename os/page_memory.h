@@ -6,14 +6,19 @@
 
 namespace os {
 
-// Freed with the object; what it holds at first is anything. A large block comes from the system and goes back to it,
-// and lies so that the system may use large pages for it, which makes access in no order cheaper. Throws
-// std::bad_alloc.
+// Freed with the object; what it holds at first is anything. Throws std::bad_alloc.
 class PageMemory {
 public:
     static constexpr std::size_t kLargePage = std::size_t{2} << 20;
 
-    explicit PageMemory(std::size_t bytes);
+    enum class Source : std::uint8_t {
+        kHeap,  // soon had again once freed
+        // A multiple of kLargePage. Goes back to the system, and lies so that the system may use large pages for it,
+        // which makes access in no order cheaper.
+        kSystem,
+    };
+
+    PageMemory(std::size_t bytes, Source source);
     ~PageMemory();
     PageMemory(const PageMemory&) = delete;
     PageMemory& operator=(const PageMemory&) = delete;
@@ -22,6 +27,7 @@ public:
 
 private:
     std::size_t bytes_;
+    Source source_;
     std::uint8_t* data_;
 };
 

@@ -1,6 +1,8 @@
 // Opening, moving, reading.
 #include "afx/dao_recordset.h"
 
+#include <fstream>
+
 #include "tests/afx/dao_test_support.h"
 
 namespace {
@@ -319,6 +321,32 @@ TEST_F(DaoRecordset, field_text_is_the_variants_text_or_is_refused) {
     EXPECT_EQ(error_of([&] { rows.GetFieldPosition("Nowhere"); }), 3265);
     CString text;
     EXPECT_EQ(error_of([&] { rows.GetFieldText(1, text); }), 3021);
+}
+
+// A memo whose stated length leads out of its row.
+TEST_F(DaoRecordset, damaged_memo_is_an_error_only_for_who_reads_it) {
+    {
+        CDaoRecordset rows(&database_);
+        rows.Open(dbOpenDynaset, kAll, 0);
+        rows.AddNew();
+        rows.SetFieldValue("Name", "sound");
+        rows.SetFieldValue("Note", "hurt");
+        rows.Update();
+    }
+    database_.Close();
+    std::fstream file(path("items.mdb"), std::ios::in | std::ios::out | std::ios::binary);
+    const std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    const std::size_t note = bytes.find("\xFF\xFEhurt");
+    ASSERT_NE(note, std::string::npos);
+    file.seekp(static_cast<std::streamoff>(note) - 12);
+    file.put('\x60');
+    file.close();
+    database_.Open(path("items.mdb").c_str());
+    CDaoRecordset rows(&database_);
+    rows.Open(dbOpenDynaset, kAll, 0);
+    EXPECT_EQ(text(rows, "Name"), "sound");
+    EXPECT_EQ(error_of([&] { rows.GetFieldValue("Note"); }), 3049);
+    EXPECT_EQ(text(rows, "Name"), "sound");
 }
 
 }  // namespace

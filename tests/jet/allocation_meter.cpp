@@ -9,6 +9,7 @@
 namespace {
 
 std::atomic<std::size_t> largest_request{0};
+thread_local int granted_requests = -1;  // before one is refused; below zero: none is
 
 }  // namespace
 
@@ -17,12 +18,17 @@ namespace jet {
 void reset_largest_allocation() { largest_request = 0; }
 std::size_t largest_allocation() { return largest_request; }
 
+RefusedAllocation::RefusedAllocation(int granted) { granted_requests = granted; }
+RefusedAllocation::~RefusedAllocation() { granted_requests = -1; }
+bool RefusedAllocation::refused() const { return granted_requests < 0; }
+
 }  // namespace jet
 
 void* operator new(std::size_t bytes) {
     std::size_t largest = largest_request.load(std::memory_order_relaxed);
     while (bytes > largest && !largest_request.compare_exchange_weak(largest, bytes, std::memory_order_relaxed)) {
     }
+    if (granted_requests >= 0 && granted_requests-- == 0) throw std::bad_alloc();
     if (void* memory = std::malloc(bytes == 0 ? 1 : bytes)) return memory;
     throw std::bad_alloc();
 }

@@ -1,4 +1,4 @@
-// The largest single piece of memory that the program has asked for since the last reset.
+// What the program asks of operator new: the largest piece since the last reset, and a request that is refused.
 #pragma once
 
 #include <cstddef>
@@ -7,5 +7,16 @@ namespace jet {
 
 void reset_largest_allocation();
 std::size_t largest_allocation();  // bytes
+
+// While it lives, the request after `granted` others of this thread is refused with std::bad_alloc, once.
+class RefusedAllocation {
+public:
+    explicit RefusedAllocation(int granted);
+    ~RefusedAllocation();
+    RefusedAllocation(const RefusedAllocation&) = delete;
+    RefusedAllocation& operator=(const RefusedAllocation&) = delete;
+    // Whether it has come to that.
+    bool refused() const;
+};
 
 }  // namespace jet

@@ -49,15 +49,37 @@ TEST(ColumnMap, only_longs_and_dates_have_keys) {
     EXPECT_FALSE(ColumnMap::key_of(jet::Value(std::u16string(u"7"))));
 }
 
-TEST(ColumnMap, build_sorts_and_replaces) {
+TEST(ColumnMap, entries_come_in_order_of_key_and_row) {
     ColumnMap map;
-    map.insert({1, 1});
-    map.build({{5, 2}, {3, 9}, {5, 1}, {3, 9}});
+    for (const Entry& entry : {Entry{5, 2}, Entry{3, 9}, Entry{5, 1}, Entry{3, 9}}) map.insert(entry);
     EXPECT_EQ(3u, map.size());
     EXPECT_EQ((std::vector<Entry>{{3, 9}, {5, 1}, {5, 2}}), content(map));
-    map.build({});
+}
+
+TEST(ColumnMap, of_no_entries_nothing_is_found) {
+    const ColumnMap map;
     EXPECT_EQ(0u, map.size());
     EXPECT_FALSE(map.lower_bound({}));
+}
+
+// Keys that follow one on another are not spelt out; a gap, a second row or an earlier key changes that.
+TEST(ColumnMap, runs_of_keys_may_be_broken_at_any_place) {
+    for (const std::uint32_t at : {0u, 1u, 255u, 256u, 511u, 512u, 513u, 998u, 999u}) {
+        std::set<Entry> expected;
+        ColumnMap map;
+        for (std::uint32_t i = 0; i < 1000; ++i) {
+            map.insert({100 + i, 7});
+            expected.insert({100 + i, 7});
+        }
+        map.erase({100 + at, 7});
+        expected.erase({100 + at, 7});
+        ASSERT_EQ((std::vector<Entry>(expected.begin(), expected.end())), content(map)) << at;
+        for (const Entry& entry : {Entry{100 + at, 9}, Entry{100 + at, 3}, Entry{50, 1}, Entry{2000, 1}}) {
+            map.insert(entry);
+            expected.insert(entry);
+            ASSERT_EQ((std::vector<Entry>(expected.begin(), expected.end())), content(map)) << at;
+        }
+    }
 }
 
 TEST(ColumnMap, double_insert_and_erase_of_absent_change_nothing) {
@@ -88,11 +110,12 @@ TEST(ColumnMap, random_changes_agree_with_a_set) {
     const auto any = [&random](std::uint32_t below) { return static_cast<std::uint32_t>(random() % below); };
     for (const std::uint32_t keys : {5u, 300u, 100000u}) {
         std::set<Entry> expected;
-        std::vector<Entry> start;
-        for (int i = 0; i < 2000; ++i) start.push_back({any(keys), any(1000)});
-        expected.insert(start.begin(), start.end());
         ColumnMap map;
-        map.build(start);
+        for (int i = 0; i < 2000; ++i) {
+            const Entry entry{any(keys), any(1000)};
+            map.insert(entry);
+            expected.insert(entry);
+        }
         for (int round = 0; round < 30000; ++round) {
             const Entry entry{any(keys), any(1000)};
             // Phases of growing and of shrinking, so that blocks split and vanish.

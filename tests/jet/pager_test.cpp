@@ -125,6 +125,32 @@ TEST_F(PagerTest, small_cache_reads_again_and_keeps_pinned_pages_in_place) {
     EXPECT_EQ(pager->read(7).bytes().data(), where);
 }
 
+TEST_F(PagerTest, pages_read_in_passing_do_not_push_out_those_in_use) {
+    PagerOptions options = rarely_synced();
+    options.cache_pages = 6;
+    auto pager = open(options);
+    const auto use = [&] {
+        for (int round = 0; round < 4; ++round) {
+            for (const PageNumber page_no : {1u, 2u, 3u}) mark(*pager, page_no);
+        }
+    };
+    use();
+    for (PageNumber page_no = 4; page_no < kPages; ++page_no) {
+        for (int time = 0; time < 5; ++time) mark(*pager, page_no);
+    }
+    const std::uint64_t before = pager->pages_read();
+    use();
+    EXPECT_EQ(pager->pages_read(), before);
+}
+
+TEST_F(PagerTest, prefetching_reads_no_page_whatever_its_number) {
+    auto pager = open(rarely_synced());
+    mark(*pager, 7);
+    const std::uint64_t before = pager->pages_read();
+    for (const PageNumber page_no : {0u, 7u, 8u, kPages, 0xFFFFFFu, 0xFFFFFFFFu}) pager->prefetch(page_no);
+    EXPECT_EQ(pager->pages_read(), before);
+}
+
 TEST_F(PagerTest, large_cache_reads_every_page_once) {
     auto pager = open(rarely_synced());
     for (int round = 0; round < 3; ++round) all_pages(*pager);

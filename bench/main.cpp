@@ -136,7 +136,8 @@ int main(int argc, char** argv) {
         }
         if (sizes.size() > 1) {
             const double before = ours[sizes[sizes.size() - 2]][operation];
-            std::printf(" | %6.2f", before / ours[sizes.back()][operation]);
+            const double last = ours[sizes.back()][operation];
+            if (before > 0 && last > 0) std::printf(" | %6.2f", before / last);
         }
         std::printf("\n");
     }

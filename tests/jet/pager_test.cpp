@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <thread>
 
 #include "tests/jet/pager_fixture.h"
@@ -402,9 +403,11 @@ TEST_F(PagerSlow, large_transaction_costs_in_proportion) {
         for (std::uint32_t i = 0; i < pages; ++i) pager->extend();
         return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
     };
-    const double small = seconds_for(20000);
-    const double large = seconds_for(80000);
-    EXPECT_LT(large, 10 * small) << "four times the pages";
+    // What else the machine does can only slow it down.
+    const auto best_of_three = [&](std::uint32_t pages) {
+        return std::min({seconds_for(pages), seconds_for(pages), seconds_for(pages)});
+    };
+    EXPECT_LT(best_of_three(80000), 10 * best_of_three(20000)) << "four times the pages";
 }
 
 }  // namespace

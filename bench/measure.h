@@ -10,7 +10,7 @@
 
 namespace bench {
 
-inline constexpr int kRepetitions = 3;
+inline constexpr int kRepetitions = 7;
 
 // Figures by name: operations a second, or what else the measuring process has told.
 using Figures = std::map<std::string, double>;

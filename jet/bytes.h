@@ -20,13 +20,6 @@ inline void check_range(ByteSpan bytes, std::size_t at, std::size_t count) {
     if (at > bytes.size() || count > bytes.size() - at) fail_short(at + count);
 }
 
-// Has the processor fetch what lies there; nothing else happens, wherever that is.
-inline void prefetch([[maybe_unused]] const void* address) {
-#ifdef __GNUC__
-    __builtin_prefetch(address);
-#endif
-}
-
 // The bytes [at, at + count) of `bytes`, checked.
 inline ByteSpan slice(ByteSpan bytes, std::size_t at, std::size_t count) {
     check_range(bytes, at, count);

@@ -6,40 +6,13 @@
 #include "db/content.h"
 #include "db/database_files.h"
 #include "db/schema.h"
+#include "os/draft.h"
 #include "os/file.h"
 
 namespace db {
 namespace {
 
-constexpr char kDraftSuffix[] = "-new";
-constexpr char kJournalSuffix[] = "-journal";
 constexpr SCODE kReservedError = static_cast<SCODE>(0x800A0000u + 3001);
-constexpr SCODE kDiskFull = static_cast<SCODE>(0x800A0000u + 3026);
-constexpr SCODE kAccessDenied = static_cast<SCODE>(0x800A0000u + 3051);
-constexpr LONG kFileExists = 3204;
-
-// Faults of the system between the engine's own operations.
-template <class Work>
-void with_dao_errors(Work&& work) {
-    try {
-        work();
-    } catch (const os::FileError& error) {
-        AfxThrowDaoException(NO_AFX_DAO_ERROR, error.fault() == os::FileFault::kDiskFull ? kDiskFull : kAccessDenied);
-    }
-}
-
-void remove_quietly(const std::string& path) {
-    try {
-        if (os::file_system().exists(path)) os::file_system().remove(path);
-    } catch (const os::FileError&) {
-        // It is in nobody's way: the next creation tries again.
-    }
-}
-
-void remove_draft(const std::string& draft) {
-    remove_quietly(draft);
-    remove_quietly(draft + kJournalSuffix);
-}
 
 void close_quietly(CDaoDatabase& database) {
     try {
@@ -49,21 +22,42 @@ void close_quietly(CDaoDatabase& database) {
     }
 }
 
-// A draft that a crash has left is made anew; one that somebody is working on is not touched.
-void begin_draft(CDaoDatabase& database, const std::string& draft, const std::string& locale) {
+void remove_quietly(const std::string& path) {
     try {
-        return database.Create(draft.c_str(), locale.c_str());
-    } catch (CDaoException* e) {
-        if (e->m_pErrorInfo->m_lErrorCode != kFileExists) throw;
-        try {
-            os::file_system().open(draft, os::OpenMode::kExclusive);
-        } catch (const os::FileError&) {
-            throw e;
-        }
-        e->Delete();
+        os::file_system().remove(path);
+    } catch (const os::FileError&) {
+        // It is in nobody's way: a later creation clears it.
     }
-    remove_draft(draft);
-    database.Create(draft.c_str(), locale.c_str());
+}
+
+// Both files of a studio are for the same eyes.
+void take_access_of_the_other(DatabaseFile file, const std::string& draft) {
+    const DatabaseFile other = file == DatabaseFile::kMain ? DatabaseFile::kInvoice : DatabaseFile::kMain;
+    try {
+        if (file_exists(other)) os::file_system().copy_access(file_path(other), draft);
+    } catch (const os::FileError&) {
+        // It keeps the permissions of any new file.
+    }
+}
+
+// Gives the draft its name, unless somebody else's file has it by now: then the draft goes, and that file it is.
+void publish(const std::string& draft, const std::string& path) {
+    os::FileSystem& files = os::file_system();
+    with_dao_errors([&] {
+        try {
+            files.rename(draft, path);
+        } catch (const os::FileError&) {
+            if (!files.exists(path)) throw;
+            return remove_quietly(draft);
+        }
+        try {
+            files.sync_folder_of(path);
+        } catch (const os::FileError&) {
+            // A file that may be gone after a power loss has not been made.
+            os::remove_unless_in_use(path);
+            throw;
+        }
+    });
 }
 
 int fill_main_file(CDaoDatabase& database) {
@@ -78,26 +72,29 @@ int fill_invoice_file(CDaoDatabase& database) {
     return create_tables(database, invoice_tables()) != 0 ? -1 : write_invoice_content(database);
 }
 
+void make_draft(CDaoDatabase& database, const std::string& draft, DatabaseFile file, int (*fill)(CDaoDatabase&)) {
+    database.Create(draft.c_str(), locale_text(file).c_str());
+    database.m_pWorkspace->BeginTrans();
+    if (fill(database) != 0) AfxThrowDaoException(NO_AFX_DAO_ERROR, kReservedError);
+    database.m_pWorkspace->CommitTrans();
+    database.Close();
+    take_access_of_the_other(file, draft);
+}
+
 void create_file(CDaoDatabase& database, DatabaseFile file, int (*fill)(CDaoDatabase&)) {
     const std::string path = file_path(file);
-    const std::string draft = path + kDraftSuffix;
-    begin_draft(database, draft, locale_text(file));
+    const std::string draft = os::draft_name(path);
     try {
-        database.m_pWorkspace->BeginTrans();
-        if (fill(database) != 0) AfxThrowDaoException(NO_AFX_DAO_ERROR, kReservedError);
-        database.m_pWorkspace->CommitTrans();
-        database.Close();
-        with_dao_errors([&] {
-            // Another process may have been faster.
-            if (!os::file_system().exists(path)) os::file_system().rename(draft, path);
-            os::file_system().sync_folder_of(path);
-        });
-    } catch (CDaoException*) {
+        make_draft(database, draft, file, fill);
+        publish(draft, path);
+    } catch (...) {
+        // Whatever it was: no transaction stays open, and no half-made database.
         close_quietly(database);
-        remove_draft(draft);
+        remove_quietly(draft);
+        os::clear_drafts(path);
         throw;
     }
-    remove_draft(draft);
+    os::clear_drafts(path);
     database.Open(path.c_str(), TRUE, FALSE, connect_text(file).c_str());
 }
 

@@ -1,7 +1,7 @@
 #include "db/database_files.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cstdint>
 
 #include "afx/dao_constants.h"
 #include "os/file.h"
@@ -10,8 +10,6 @@
 namespace db {
 namespace {
 
-constexpr std::size_t kFolderSize = 260;
-char folder_buffer[kFolderSize];
 std::string& test_folder() {
     static std::string folder;
     return folder;
@@ -43,17 +41,31 @@ const FileFacts& facts(DatabaseFile file) { return kFiles[static_cast<std::size_
 
 }  // namespace
 
-const char* database_folder() {
-    const std::string folder = test_folder().empty() ? os::folder_of(os::module_path()) : test_folder();
-    const std::size_t length = std::min(folder.size(), kFolderSize - 1);
-    std::memcpy(folder_buffer, folder.data(), length);
-    folder_buffer[length] = 0;
-    return folder_buffer;
+SCODE scode_of(os::FileFault fault) {
+    constexpr std::uint32_t kEngine = 0x800A0000u;
+    const auto number = [fault]() -> std::uint32_t {
+        switch (fault) {
+            case os::FileFault::kNotFound: return 3024;
+            case os::FileFault::kBadPath:
+            case os::FileFault::kLink: return 3044;
+            case os::FileFault::kExists: return 3204;
+            case os::FileFault::kAccessDenied: return 3051;
+            case os::FileFault::kLocked: return 3356;
+            case os::FileFault::kDiskFull: return 3026;
+            case os::FileFault::kIo: break;
+        }
+        return 3043;
+    };
+    return static_cast<SCODE>(kEngine + number());
 }
+
+std::string database_folder() { return test_folder().empty() ? os::folder_of(os::module_path()) : test_folder(); }
 
 std::string file_path(DatabaseFile file) { return os::join_path(database_folder(), facts(file).name); }
 
-bool file_exists(DatabaseFile file) { return os::file_system().exists(file_path(file)); }
+bool file_exists(DatabaseFile file) {
+    return with_dao_errors([file] { return os::file_system().exists(file_path(file)); });
+}
 
 const char* password(DatabaseFile file) { return facts(file).password; }
 

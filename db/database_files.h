@@ -4,16 +4,33 @@
 #include <string>
 #include <string_view>
 
+#include "afx/dao_database.h"
+#include "os/file.h"
+
 namespace db {
+
+// The engine's code for a fault that the system reports outside the engine's own operations.
+SCODE scode_of(os::FileFault fault);
 
 enum class DatabaseFile { kMain, kInvoice };
 
-// The folder of the component's own module, without a separator at its end; at most 259 characters. Worked
-// out anew at every call, into one buffer of the process.
-const char* database_folder();
+// The folder of the component's own module, without a separator at its end, as os/file.h takes paths; never cut. Worked
+// out anew at every call.
+std::string database_folder();
 // The file in that folder.
 std::string file_path(DatabaseFile file);
+// False only when the system says that the name is not there; when it cannot tell, CDaoException*.
 bool file_exists(DatabaseFile file);
+
+// Runs `work`, in which a fault of the system comes out as CDaoException*.
+template <class Work>
+decltype(auto) with_dao_errors(Work&& work) {
+    try {
+        return work();
+    } catch (const os::FileError& error) {
+        AfxThrowDaoException(NO_AFX_DAO_ERROR, scode_of(error.fault()));
+    }
+}
 
 // The file's password, and the one that it had in the oldest versions; null where there was no other.
 const char* password(DatabaseFile file);

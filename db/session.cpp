@@ -42,6 +42,7 @@ void close_quietly(CDaoDatabase& database) {
 CDaoDatabase& obtain(CDaoDatabase& database, DatabaseFile file, bool reopen) {
     if (database.IsOpen() && !reopen) return database;
     const bool is_main = file == DatabaseFile::kMain;
+    const auto kept = os::file_system().keep_lock(file_path(file));
     if (reopen) close(is_main ? kCloseMainOnly : kCloseInvoiceOnly);
     if (file_exists(file)) {
         open_file(database, file);
@@ -87,6 +88,10 @@ HRESULT attach(GateDatabases& databases) {
 HRESULT open(GateDatabases& databases) {
     if (const HRESULT attached = attach(databases); attached != S_OK) return attached;
 
+    // Nobody else gets in between the closing and the opening: of two hosts that come at the same moment, one would
+    // have the one file then, the second the other, and neither both.
+    const auto main_kept = os::file_system().keep_lock(file_path(DatabaseFile::kMain));
+    const auto invoice_kept = os::file_system().keep_lock(file_path(DatabaseFile::kInvoice));
     CDaoDatabase& main = *databases.main;
     close_quietly(main);
     if (file_exists(DatabaseFile::kMain)) {

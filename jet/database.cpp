@@ -8,7 +8,9 @@
 #include "jet/catalog.h"
 #include "jet/file_errors.h"
 #include "jet/header.h"
+#include "jet/journal.h"
 #include "jet/schema_editor.h"
+#include "os/draft.h"
 #include "os/system.h"
 
 namespace jet {
@@ -62,26 +64,21 @@ std::unique_ptr<os::File> open_file(const std::string& path, os::OpenMode mode) 
 // Under another name until it is whole: nobody, whatever happens on the way, finds half a database.
 void write_new_file(const std::string& path, ByteSpan pages) {
     os::FileSystem& files = os::file_system();
-    if (files.exists(path)) fail(errors::kFileExists, path + " exists already.");
-    const std::string unfinished = path + "-new";
-    std::string removed_on_failure = unfinished;
+    const std::string draft = os::draft_name(path);
+    bool is_named = false;
     try {
         with_engine_errors([&] {
-            if (files.exists(unfinished)) files.remove(unfinished);
-            std::unique_ptr<os::File> file = files.open(unfinished, os::OpenMode::kCreateExclusive);
+            if (files.exists(path)) fail(errors::kFileExists, path + " exists already.");
+            std::unique_ptr<os::File> file = files.open(draft, os::OpenMode::kCreateExclusive);
             file->write(0, pages);
             file->sync();
             file.reset();
-            files.rename(unfinished, path);
-            removed_on_failure = path;
+            files.rename(draft, path);
+            is_named = true;
             files.sync_folder_of(path);
         });
     } catch (...) {
-        try {
-            if (files.exists(removed_on_failure)) files.remove(removed_on_failure);
-        } catch (const os::FileError&) {
-            // What could not be removed stays; the error that matters passes on.
-        }
+        os::remove_unless_in_use(is_named ? path : draft);
         throw;
     }
 }
@@ -120,8 +117,9 @@ std::unique_ptr<Database> Database::create(const std::string& path, const Create
     return open(path, open_options);
 }
 
-std::unique_ptr<Database> Database::open(const std::string& path, const OpenOptions& options) {
-    check_path(path);
+std::unique_ptr<Database> Database::open(const std::string& name, const OpenOptions& options) {
+    check_path(name);
+    const std::string path = os::file_system().resolved(name);
     std::unique_ptr<os::File> file =
         open_file(path, options.read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive);
     FileHeader header = read_header(*file, path);
@@ -136,7 +134,7 @@ std::unique_ptr<Database> Database::open(const std::string& path, const OpenOpti
     };
     PagerOptions pager_options = options.pager;
     pager_options.read_only = options.read_only;
-    const bool has_journal = os::file_system().exists(path + "-journal");
+    const bool has_journal = with_engine_errors([&] { return os::file_system().exists(Journal::path_for(path)); });
     if (!has_journal) check_password();
     auto impl = std::make_unique<Impl>(std::move(file), path, pager_options);
     header = parse_header(impl->pager.read(jet4::kHeaderPage).bytes(), path);
@@ -158,7 +156,7 @@ Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {
 Database::~Database() {
     try {
         close();
-    } catch (const Error&) {
+    } catch (...) {
         // What is committed is in the journal; the next opening replays it.
     }
 }
@@ -188,6 +186,8 @@ void Database::close() {
             for (auto& [page, table] : impl_->tables) table->flush_autonumber();
         } catch (const Error&) {
             // A number that could not be stored may be handed out again; nothing else is lost.
+        } catch (const std::bad_alloc&) {
+            // The same.
         }
     }
     impl_->pager.close();

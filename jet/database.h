@@ -50,11 +50,12 @@ struct CatalogEntry {
 
 class Database {
 public:
-    // 3204 when the file exists, 3044, 3055 and 3051 for the path, 3026 for a full disk. A file that
-    // could not be made whole is removed again.
+    // 3204 when the name is there, and nothing happens to it; 3044, 3055 and 3051 for the path, 3026 for a full disk.
+    // A file that could not be made whole is removed again.
     static std::unique_ptr<Database> create(const std::string& path, const CreateOptions& options);
+    // The database is the file that `name` leads to through links, and its journal lies beside that file.
     // 3024, 3044, 3055, 3051, 3045, 3356, 3343, 3041, 3049, 3031.
-    static std::unique_ptr<Database> open(const std::string& path, const OpenOptions& options);
+    static std::unique_ptr<Database> open(const std::string& name, const OpenOptions& options);
     ~Database();
 
     const std::string& path() const;

@@ -11,7 +11,8 @@ namespace jet {
 [[noreturn]] inline void rethrow_as_engine_error(const os::FileError& error) {
     switch (error.fault()) {
         case os::FileFault::kNotFound: fail(errors::kFileNotFound, error.what());
-        case os::FileFault::kBadPath: fail(errors::kBadPath, error.what());
+        case os::FileFault::kBadPath:
+        case os::FileFault::kLink: fail(errors::kBadPath, error.what());
         case os::FileFault::kExists: fail(errors::kFileExists, error.what());
         case os::FileFault::kAccessDenied: fail(errors::kAccessDenied, error.what());
         case os::FileFault::kLocked: fail(errors::kHeldExclusively, error.what());

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <map>
+#include <utility>
 
+#include "jet/deferred_sync.h"
 #include "jet/jet4.h"
 
 namespace jet {
@@ -53,14 +55,52 @@ std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed) {
     return mix(mix(mix(lanes[0], lanes[1]), lanes[2]), lanes[3]);
 }
 
-Journal::Journal(os::FileSystem& files, std::string database_path) : files_(files), path_(path_for(database_path)) {}
+void remove_journal_file(os::FileSystem& files, const std::string& path) {
+    try {
+        files.remove(path);
+    } catch (const os::FileError& refused) {
+        if (refused.fault() == os::FileFault::kNotFound) return;
+        const std::unique_ptr<os::File> file = files.open(path, os::OpenMode::kOpenSide);
+        file->truncate(0);
+        file->sync();
+    }
+    files.sync_folder_of(path);
+}
+
+Journal::Journal(os::FileSystem& files, std::string database_path)
+    : files_(files), database_path_(std::move(database_path)), path_(path_for(database_path_)) {}
+
+Journal::~Journal() = default;
+
+void Journal::open_file() {
+    std::unique_ptr<os::File> file;
+    bool created = true;
+    try {
+        file = files_.open(path_, os::OpenMode::kCreateSide);
+    } catch (const os::FileError& error) {
+        if (error.fault() != os::FileFault::kExists) throw;
+        // The opening of the database has dealt with what was there, so it is what could not be removed then.
+        created = false;
+        file = files_.open(path_, os::OpenMode::kOpenSide);
+        if (file->size() != 0) {
+            throw os::FileError(os::FileFault::kExists,
+                                path_ + " has come from elsewhere while the database was open.");
+        }
+    }
+    try {
+        files_.copy_access(database_path_, path_);
+        deferred_ = std::make_unique<DeferredSync>(files_, path_);
+    } catch (...) {
+        file.reset();
+        if (created) remove_journal_file(files_, path_);
+        throw;
+    }
+    file_ = std::move(file);
+    name_unsynced_ = true;
+}
 
 void Journal::start(const JournalBinding& binding) {
-    if (!file_) {
-        name_unsynced_ = !files_.exists(path_);
-        file_ = files_.open(path_, os::OpenMode::kOpenOrCreate);
-        file_->truncate(0);
-    }
+    if (!file_) open_file();
     header_.assign(kHeaderBytes, 0);
     std::copy(std::begin(kMagic), std::end(kMagic), header_.begin());
     store_u32(header_, kPageSizeAt, jet4::kPageSize);
@@ -132,18 +172,26 @@ void Journal::sync() {
     unsynced_ = false;
 }
 
+bool Journal::sync_later() { return !name_unsynced_ && deferred_ && deferred_->request(); }
+
+bool Journal::failed() const { return deferred_ && deferred_->failed(); }
+
 void Journal::reset() {
     if (file_) file_->truncate(0);
     unsynced_ = file_ != nullptr;
     end_ = 0;
 }
 
-void Journal::remove() {
-    if (!file_) return;
+void Journal::release() {
+    deferred_.reset();
     file_.reset();
     end_ = 0;
-    files_.remove(path_);
-    files_.sync_folder_of(path_);
+}
+
+void Journal::remove() {
+    if (!file_) return;
+    release();
+    remove_journal_file(files_, path_);
 }
 
 bool Journal::read(os::File& file, JournalContent& content) {

@@ -21,6 +21,12 @@
 
 namespace jet {
 
+class DeferredSync;
+
+// Removes a journal's file after all of it has come into the .mdb. What another program holds is cut to nothing
+// instead, which is as good. Throws os::FileError when neither can be done.
+void remove_journal_file(os::FileSystem& files, const std::string& path);
+
 // What a journal is bound to.
 struct JournalBinding {
     std::uint64_t identity = 0;      // of the file: what never changes in its header, and its commit words
@@ -48,7 +54,9 @@ class Journal {
 public:
     static constexpr std::size_t kHeaderBytes = 64;
 
+    // The journal of the database at `database_path`, a path without links.
     Journal(os::FileSystem& files, std::string database_path);
+    ~Journal();
 
     static std::string path_for(const std::string& database_path) { return database_path + "-journal"; }
     const std::string& path() const { return path_; }
@@ -57,8 +65,8 @@ public:
     bool started() const { return end_ > 0; }
     std::uint64_t size_bytes() const { return end_; }
 
-    // Begins a generation: creates the file where needed and prepares its header, which is written with
-    // the first commit.
+    // Begins a generation: creates the file where needed, with the database's permissions, and prepares its header,
+    // which is written with the first commit. A file that lies there already is taken only when it is empty.
     void start(const JournalBinding& binding);
     // One write. On failure the tail is cut off again where the system lets it, and the error passes on.
     void append(const std::vector<JournalPage>& pages, std::uint32_t page_count);
@@ -66,18 +74,29 @@ public:
     void withdraw(std::uint64_t end) noexcept;
     // What has been appended is on the disk when it returns, the journal's name included.
     void sync();
+    // Has it synced soon, without waiting for it. False when it will not be: sync() must be called.
+    bool sync_later();
+    // A sync of sync_later failed: nobody knows what the disk holds.
+    bool failed() const;
     // Everything is in the .mdb: an empty journal. Only after sync() is it sure not to come back.
     void reset();
-    // Removes the file, if any.
+    // Removes the file, if any. One that has gone already, or that cannot be removed yet but holds nothing any more, is
+    // as good as removed.
     void remove();
+    // Lets go of the file and leaves it where it is.
+    void release();
 
     // For opening: the valid content of a journal file, or none when it has no valid header.
     static bool read(os::File& file, JournalContent& content);
 
 private:
+    void open_file();
+
     os::FileSystem& files_;
-    std::string path_;
+    const std::string database_path_;
+    const std::string path_;
     std::unique_ptr<os::File> file_;
+    std::unique_ptr<DeferredSync> deferred_;
     bool unsynced_ = false;
     bool name_unsynced_ = false;
     std::uint64_t end_ = 0;       // bytes used

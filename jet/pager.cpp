@@ -6,6 +6,7 @@
 
 #include "jet/file_errors.h"
 #include "jet/journal.h"
+#include "jet/recovery.h"
 #include "os/page_memory.h"
 
 namespace jet {
@@ -85,41 +86,41 @@ void make_room(std::vector<T>& list, std::size_t count) {
     if (list.capacity() - list.size() < count) list.reserve(std::max(list.size() + count, 2 * list.size()));
 }
 
-std::uint64_t file_identity(ByteSpan header_page) {
-    std::uint64_t sum = checksum64(header_page.first(jet4::header::kMasked), 0);
-    sum = checksum64(header_page.subspan(jet4::header::kBuild, jet4::header::kSidKeyEnd - jet4::header::kBuild), sum);
-    return checksum64(header_page.subspan(jet4::header::kCommitWords, jet4::header::kCommitWordBytes), sum);
-}
-
 }  // namespace
 
 Pager::Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions options)
-    : file_(std::move(file)), path_(std::move(path)), options_(options) {
+    : clock_(os::file_system().clock()), file_(std::move(file)), path_(std::move(path)), options_(options) {
     with_engine_errors([&] {
-        journal_ = std::make_unique<Journal>(os::file_system(), path_);
-        page_count_ =
-            static_cast<std::uint32_t>(std::min<std::uint64_t>(file_->size() / jet4::kPageSize, jet4::kMaxPages));
-        recover();
+        os::FileSystem& files = os::file_system();
+        journal_ = std::make_unique<Journal>(files, path_);
+        const Recovered recovered = recover(files, *file_, path_, options_.read_only);
+        page_count_ = recovered.page_count;
+        for (const Recovered::PageImage& image : recovered.images) {
+            // Only in memory, and never evicted: the file stays as it is.
+            const FrameRef place = new_frame(image.page_no);
+            std::memcpy(place.bytes, image.bytes.data(), image.bytes.size());
+            place.frame->dirty = true;
+        }
         if (!options_.read_only && file_->size() % jet4::kPageSize != 0) {
             fail(errors::kDamaged, "The database is damaged: " + path_ + " ends inside a page.");
         }
     });
     spare_buffers_.reserve(kSpareBuffers);
-    last_sync_ = std::chrono::steady_clock::now() - options_.sync_interval;
+    last_sync_ = clock_.now() - options_.sync_interval;
 }
 
 Pager::~Pager() {
     if (closed_) return;
     try {
         close();
-    } catch (const Error&) {
-        // The journal stays beside the file; the next opening replays it.
+    } catch (...) {
+        // Whatever it was, want of memory included: the journal stays beside the file, the next opening replays it.
     }
 }
 
 void Pager::require_writable() const {
     if (options_.read_only) fail(errors::kReadOnly, path_ + " is open for reading only.");
-    if (broken_) {
+    if (broken_ || journal_->failed()) {
         fail(errors::kDiskError,
              path_ + " can no longer be written: the disk failed earlier. Close it and open it again.");
     }
@@ -303,10 +304,13 @@ void Pager::commit() {
         levels_.pop_back();
         return;
     }
-    const auto now = std::chrono::steady_clock::now();
-    const bool is_sync_point = now - last_sync_ >= options_.sync_interval;
+    const auto now = clock_.now();
+    bool is_sync_point = now - last_sync_ >= options_.sync_interval;
     try {
         require_writable();
+        if (file_->is_inherited()) {
+            fail(errors::kAccessDenied, path_ + " belongs to the process that this one was forked from.");
+        }
         with_engine_errors([&] {
             if (!journal_->started()) bump_change_counter();
             std::vector<JournalPage> pages;
@@ -317,6 +321,8 @@ void Pager::commit() {
             make_room(dirty_, pages.size());  // nothing may fail once the commit stands
             const std::uint64_t end_before = journal_->size_bytes();
             journal_->append(pages, page_count_);
+            // Nobody but this commit will sync it: then it is a sync point.
+            if (!is_sync_point) is_sync_point = !journal_->sync_later();
             if (is_sync_point) {
                 try {
                     sync_journal();
@@ -380,15 +386,22 @@ void Pager::sync_file() {
     }
 }
 
-// Throws os::FileError.
+// Throws os::FileError. Needs no memory: without any for a run of pages, each is written for itself.
 void Pager::write_back() {
+    constexpr std::size_t kRunPages = 64;
     sync_journal();
     search_from_ = 0;
     std::sort(dirty_.begin(), dirty_.end());
     ByteVector run;
+    std::size_t longest = kRunPages;
+    try {
+        run.reserve(std::min(dirty_.size(), kRunPages) * jet4::kPageSize);
+    } catch (const std::bad_alloc&) {
+        longest = 1;
+    }
     for (std::size_t i = 0; i < dirty_.size();) {
         std::size_t end = i + 1;
-        while (end < dirty_.size() && dirty_[end] == dirty_[end - 1] + 1 && end - i < 64) ++end;
+        while (end < dirty_.size() && dirty_[end] == dirty_[end - 1] + 1 && end - i < longest) ++end;
         const std::uint64_t at = std::uint64_t{dirty_[i]} * jet4::kPageSize;
         if (end - i == 1) {
             file_->write(at, page_of(cached(dirty_[i])));
@@ -415,15 +428,19 @@ void Pager::sync_point() {
     require_writable();
     if (in_transaction()) fail(errors::kReserved, "A sync point was asked for inside a transaction.");
     with_engine_errors([&] { write_back(); });
-    last_sync_ = std::chrono::steady_clock::now();
+    last_sync_ = clock_.now();
 }
 
 void Pager::close() {
     if (std::exchange(closed_, true)) return;
     struct Release {
         Pager& pager;
-        ~Release() { pager.file_.reset(); }
+        ~Release() {
+            pager.journal_->release();
+            pager.file_.reset();
+        }
     } release{*this};
+    if (file_->is_inherited()) return;
     while (in_transaction()) rollback();
     if (options_.read_only || !journal_->started()) {
         with_engine_errors([&] { journal_->remove(); });
@@ -435,56 +452,6 @@ void Pager::close() {
         sync_file();
         journal_->remove();
     });
-}
-
-void Pager::recover() {
-    const std::string& journal_path = journal_->path();
-    os::FileSystem& files = os::file_system();
-    if (!files.exists(journal_path)) return;
-    std::unique_ptr<os::File> file = files.open(journal_path, os::OpenMode::kReadOnly);
-    if (file->size() == 0) {
-        file.reset();
-        if (!options_.read_only) files.remove(journal_path);
-        return;
-    }
-    JournalContent content;
-    bool ours = page_count_ > jet4::kObjectsPage && Journal::read(*file, content);
-    if (ours) {
-        const ByteSpan header_page = page_of(load(jet4::kHeaderPage));
-        const std::uint64_t counter = load_u64(page_of(load(jet4::kObjectsPage)), jet4::tdef::kFiller);
-        ours = content.binding.identity == file_identity(header_page) &&
-               (counter == content.binding.base_counter || counter == content.binding.next_counter);
-    }
-    if (!ours) {
-        file.reset();
-        if (options_.read_only) return;
-        std::string aside = journal_path + "-set-aside";
-        for (int n = 2; files.exists(aside); ++n) aside = journal_path + "-set-aside-" + std::to_string(n);
-        files.rename(journal_path, aside);
-        files.sync_folder_of(aside);
-        return;
-    }
-    if (content.page_count > jet4::kMaxPages) corrupt(0, "the journal names more pages than a file may have");
-    if (content.page_count > 0) page_count_ = content.page_count;
-    ByteVector image(jet4::kPageSize);
-    for (const JournalContent::Image& last : content.last_images) {
-        if (file->read(last.at, image) != jet4::kPageSize) corrupt(last.page_no, "the journal ends inside the page");
-        if (options_.read_only) {
-            // Only in memory, and never evicted: the file stays as it is.
-            const FrameRef place = cached(last.page_no) ? cached(last.page_no) : new_frame(last.page_no);
-            std::memcpy(place.bytes, image.data(), image.size());
-            place.frame->dirty = true;
-        } else {
-            file_->write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
-            if (const FrameRef place = cached(last.page_no)) std::memcpy(place.bytes, image.data(), image.size());
-        }
-    }
-    if (options_.read_only) return;
-    if (content.page_count > 0) file_->truncate(std::uint64_t{page_count_} * jet4::kPageSize);
-    file_->sync();
-    file.reset();
-    files.remove(journal_path);
-    files.sync_folder_of(journal_path);
 }
 
 }  // namespace jet

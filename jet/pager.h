@@ -105,16 +105,16 @@ struct PagerOptions {
     bool read_only = false;
     std::size_t cache_pages = kDefaultCachePages;
     std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
-    std::chrono::milliseconds sync_interval{250};  // longest stretch without a sync point
+    std::chrono::milliseconds sync_interval{250};  // a commit so long after the last sync point is one
 };
 
 class Pager {
 public:
-    // Takes over `file` (open, locked unless read-only). Replays or sets aside a journal beside the
-    // file; a read-only pager takes the journal's pages into memory only. The size of the file must be
+    // Takes over `file` (open and locked) at `path`, which has no links in it. Replays or sets aside a journal beside
+    // the file; a read-only pager takes the journal's pages into memory only. The size of the file must be
     // a multiple of the page size (a torn tail from a crash is cut off by the replay).
     Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions options = {});
-    // Syncs what is committed; failures are swallowed, the journal then stays and the next open replays it.
+    // As close(); failures are swallowed, the journal then stays and the next open replays it.
     ~Pager();
 
     Pager(const Pager&) = delete;
@@ -142,8 +142,9 @@ public:
 
     // A sync point now: everything committed is on disk in the journal and written to the .mdb.
     void sync_point();
-    // Writes and syncs everything and removes the journal. Throws jet::Error when the system refuses;
-    // the journal is then left for the next open. No further use afterwards.
+    // Writes and syncs everything and removes the journal. Throws jet::Error when the system refuses; the journal is
+    // then left for the next open. In a forked child the files are let go of and nothing else. No further use
+    // afterwards.
     void close();
 
     // Called after pages have been taken back, so that whoever derived something from them forgets it.
@@ -168,7 +169,6 @@ private:
     void save_for_undo(detail::FrameRef place);
     void keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept;
     void restore_level(Level& level);
-    void recover();
     void bump_change_counter();
     void sync_journal();
     void sync_file();
@@ -176,6 +176,7 @@ private:
     void reset_journal();
     void require_writable() const;
 
+    os::Clock& clock_;
     std::unique_ptr<os::File> file_;
     std::string path_;
     PagerOptions options_;
@@ -191,7 +192,7 @@ private:
     std::vector<PageNumber> dirty_;  // committed, not yet in the .mdb
     std::vector<std::unique_ptr<std::uint8_t[]>> spare_buffers_;
     std::function<void()> on_rollback_;
-    std::chrono::steady_clock::time_point last_sync_;
+    os::TimePoint last_sync_;
     bool broken_ = false;  // the disk failed; no more commits
     bool closed_ = false;
     std::uint64_t pages_read_ = 0;

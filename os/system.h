@@ -8,8 +8,8 @@
 
 namespace os {
 
-// Full path, without symbolic links, of the library file (or test program) that holds this code. Settled
-// at the first call; "" when the system cannot tell.
+// Full path, without symbolic links, of the library file (or test program) that holds this code, as os/file.h takes
+// paths. Settled at the first call; "" when the system cannot tell.
 std::string module_path();
 
 // Folder part of `path` without a trailing separator; "" when it has none. The folder of something in a

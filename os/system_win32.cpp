@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cwchar>
 
 #include "os/code_page.h"
 #include "os/module_win32.h"
+#include "os/path_text.h"
 #include "os/system_parts.h"
 
 namespace os {
@@ -22,9 +24,11 @@ constexpr UINT kWindows1252 = 1252;
 // An item of the system default locale; "" when it cannot be had.
 std::string system_locale_item(LCTYPE item) {
     constexpr LCID kSystemDefault = 0x800;
-    std::array<char, 100> text{};
-    const int size = ::GetLocaleInfoA(kSystemDefault, item, text.data(), static_cast<int>(text.size()) - 1);
-    return size > 0 ? std::string(text.data()) : std::string();
+    std::array<wchar_t, 100> text{};
+    const int size = ::GetLocaleInfoW(kSystemDefault, item, text.data(), static_cast<int>(text.size()) - 1);
+    if (size <= 0) return {};
+    // Not by the system's narrow function, which makes a character that the code page lacks into a similar one.
+    return detail::system_narrow(std::u16string(text.data(), text.data() + std::wcslen(text.data())));
 }
 
 }  // namespace
@@ -33,20 +37,17 @@ HMODULE module_of(const void* address) {
     HMODULE module = nullptr;
     if (address == nullptr) return module;
     const DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
-    ::GetModuleHandleExA(flags, static_cast<LPCSTR>(address), &module);
+    ::GetModuleHandleExW(flags, static_cast<LPCWSTR>(address), &module);
     return module;
 }
 
 HMODULE own_module() { return module_of(reinterpret_cast<const void*>(&own_module)); }
 
 std::string module_path() {
-    std::string path(MAX_PATH, '\0');
+    std::wstring path(MAX_PATH, L'\0');
     for (;;) {
-        const DWORD length = ::GetModuleFileNameA(own_module(), path.data(), static_cast<DWORD>(path.size()));
-        if (length < path.size()) {
-            path.resize(length);
-            return path;
-        }
+        const DWORD length = ::GetModuleFileNameW(own_module(), path.data(), static_cast<DWORD>(path.size()));
+        if (length < path.size()) return path_of_units({reinterpret_cast<const char16_t*>(path.data()), length});
         // The path was cut off.
         path.resize(path.size() * 2);
     }
@@ -54,18 +55,7 @@ std::string module_path() {
 
 bool detail::is_path_separator(char c) { return c == '\\' || c == '/'; }
 
-// In a double-byte code page the second byte of a character may have the value of a separator.
-std::size_t detail::find_last_separator(std::string_view path) {
-    std::size_t found = std::string_view::npos;
-    for (std::size_t i = 0; i < path.size(); ++i) {
-        if (::IsDBCSLeadByte(static_cast<BYTE>(path[i]))) {
-            ++i;
-        } else if (is_path_separator(path[i])) {
-            found = i;
-        }
-    }
-    return found;
-}
+std::size_t detail::find_last_separator(std::string_view path) { return path.find_last_of("\\/"); }
 
 detail::DateFormat detail::system_date_format() {
     constexpr LCTYPE kDateSeparator = 29;

@@ -82,8 +82,7 @@ TEST_F(PagerFault, explicit_sync_point_reports_the_disk) {
 }
 
 TEST_F(PagerFault, refused_close_leaves_the_journal_to_the_next_opening) {
-    for (const Operation operation :
-         {Operation::kWrite, Operation::kSync, Operation::kRemove, Operation::kFolderSync}) {
+    for (const Operation operation : {Operation::kWrite, Operation::kSync, Operation::kFolderSync}) {
         SCOPED_TRACE(static_cast<int>(operation));
         auto pager = open(rarely_synced());
         put(*pager, 7, 1);
@@ -141,7 +140,8 @@ TEST_F(PagerFault, refused_replay_is_repeated_by_the_next_opening) {
             const int error = error_number([&] { const Pager refused(std::move(file), path_, rarely_synced()); });
             after->clear_faults();
             if (after->faults_raised() == 0) break;
-            EXPECT_EQ(error, errors::kDiskError);
+            // A journal that cannot be removed is emptied instead.
+            EXPECT_EQ(error, operation == Operation::kRemove ? 0 : errors::kDiskError);
             if (operation == Operation::kFolderSync) break;  // the journal's content is in place by then
         }
         const auto again = open(rarely_synced());

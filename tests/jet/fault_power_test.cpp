@@ -102,6 +102,45 @@ TEST(DatabasePowerCrash, small_journal_emptied_often_loses_nothing_more) {
     cut_in_every_mode(options, 6, promised_rarely);
 }
 
+// Time passes by chance between the steps of a burst, and the power is cut at any moment of it. What had succeeded a
+// quarter of a second ago or earlier is there, whatever the host has done since.
+TEST(DatabasePowerCrash, cut_a_quarter_of_a_second_after_a_success_loses_nothing) {
+    using namespace std::chrono_literals;
+    const std::vector<ScriptStep>& script = operation_script();
+    script_contents();
+    std::uint64_t cuts = 0;
+    for (std::uint32_t seed = 1; seed <= 12 && !::testing::Test::HasFailure(); ++seed) {
+        Random random(seed);
+        FaultFileSystem disk;
+        const UseFileSystem use(disk);
+        ScriptState state{{}, nullptr};
+        std::vector<os::TimePoint> succeeded;
+        const auto promised = [&] {
+            std::size_t steps = 0;
+            while (steps < succeeded.size() && succeeded[steps] + 250ms <= disk.clock().now()) ++steps;
+            return steps;
+        };
+        for (std::size_t i = 0; i < script.size() && !::testing::Test::HasFailure(); ++i) {
+            script[i].run(state);
+            succeeded.push_back(disk.clock().now());
+            // Bursts, with a pause now and then.
+            for (int pieces = random.below(4) == 0 ? static_cast<int>(random.below(40)) : 0; pieces >= 0; --pieces) {
+                disk.clock().advance(std::chrono::milliseconds(random.below(12)));
+                if (random.below(6) != 0) continue;
+                const std::string where = "seed " + std::to_string(seed) + " step " + std::to_string(i);
+                expect_prefix(disk, CrashMode::kDropUnsynced, 0, {promised(), i + 1}, where + " dropped");
+                expect_prefix(disk, CrashMode::kTearUnsynced, random(), {promised(), i + 1}, where + " torn");
+                cuts += 2;
+            }
+        }
+        const std::size_t last = succeeded.size();
+        disk.clock().advance(250ms);
+        EXPECT_EQ(promised(), last);
+        expect_prefix(disk, CrashMode::kDropUnsynced, 0, {last, last}, "after the end");
+    }
+    EXPECT_GT(cuts, 500u);
+}
+
 // The power goes again while the file is being opened after the first cut, at every change that makes.
 TEST(DatabasePowerCrash, cut_during_the_replay_changes_nothing) {
     FaultFileSystem disk;

@@ -26,6 +26,7 @@ protected:
     // Three commits: pages {5, 9}, {5}, {20, 6}.
     ByteVector three_commits(std::uint8_t first_fill = 1) {
         Journal journal(disk_, kPath);
+        if (disk_.exists(journal.path())) disk_.remove(journal.path());
         journal.start({77, 5});
         append(journal, {5, 9}, first_fill, 18);
         append(journal, {5}, static_cast<std::uint8_t>(first_fill + 1), 18);
@@ -288,6 +289,70 @@ TEST_F(JournalBindingTest, journal_without_a_whole_commit_changes_nothing_and_is
     open(rarely_synced())->close();
     EXPECT_EQ(disk().content(path_), before);
     EXPECT_EQ(disk().names(), std::vector<std::string>{path_});
+}
+
+TEST_F(JournalBindingTest, journal_that_cannot_be_looked_for_keeps_the_file_from_opening) {
+    write(disk(), path_, 1, 2, true);
+    const ByteVector journal = disk().content(journal_path());
+    for (const bool read_only : {false, true}) {
+        PagerOptions options = rarely_synced();
+        options.read_only = read_only;
+        auto file = disk().open(path_, read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive);
+        disk().plan({.operation = testing_support::Operation::kOpen});
+        EXPECT_EQ(error_number([&] { const Pager refused(std::move(file), path_, options); }), errors::kDiskError);
+        EXPECT_EQ(disk().content(journal_path()), journal);
+        disk().clear_faults();
+    }
+    EXPECT_EQ(mark(*open(rarely_synced()), 7), 2);
+}
+
+TEST_F(JournalBindingTest, replayed_journal_that_cannot_be_removed_is_emptied_and_does_not_stop_the_opening) {
+    write(disk(), path_, 1, 2, true);
+    disk().plan({.operation = testing_support::Operation::kRemove, .lasting = true});
+    auto pager = open(rarely_synced());
+    EXPECT_EQ(mark(*pager, 7), 2);
+    EXPECT_TRUE(disk().content(journal_path()).empty());
+    EXPECT_TRUE(disk().is_durable(journal_path()));
+    put(*pager, 7, 3);
+    put(*pager, 7, 4);
+    EXPECT_NO_THROW(pager->close());
+    EXPECT_TRUE(disk().content(journal_path()).empty());
+    disk().clear_faults();
+    EXPECT_EQ(mark(*open(rarely_synced()), 7), 4);
+    EXPECT_FALSE(disk().exists(journal_path()));
+}
+
+TEST_F(JournalBindingTest, journal_that_is_gone_already_counts_as_removed) {
+    auto pager = open(rarely_synced());
+    put(*pager, 7, 1);
+    disk().remove(journal_path());
+    EXPECT_NO_THROW(pager->close());
+    EXPECT_EQ(stored_mark(7), 1);
+}
+
+TEST_F(JournalBindingTest, journal_that_appears_while_the_file_is_open_is_not_overwritten) {
+    auto pager = open(rarely_synced());
+    disk().set_content(journal_path(), ByteVector{1, 2, 3});
+    EXPECT_NE(error_number([&] { put(*pager, 7, 1); }), 0);
+    EXPECT_EQ(disk().content(journal_path()), (ByteVector{1, 2, 3}));
+}
+
+// Forged: bound to the file, with right checksums, of one commit that makes the file as long as a file may be.
+TEST_F(JournalBindingTest, journal_that_lacks_the_pages_it_grows_the_file_by_is_damage) {
+    write(disk(), path_, 1, 2, true);
+    const ByteVector before = disk().content(path_);
+    JournalContent content;
+    ASSERT_TRUE(Journal::read(*disk().open(journal_path(), os::OpenMode::kReadSide), content));
+    for (const std::uint32_t page_count : {kPages + 2, jet4::kMaxPages}) {
+        disk().remove(journal_path());
+        Journal forged(disk(), path_);
+        forged.start(content.binding);
+        const ByteVector page(jet4::kPageSize, 0);
+        forged.append({{kPages, page.data()}}, page_count);
+        forged.release();
+        EXPECT_EQ(error_number([&] { open(rarely_synced()); }), errors::kDamaged);
+        EXPECT_EQ(disk().content(path_), before);
+    }
 }
 
 TEST_F(JournalBindingTest, read_only_leaves_every_journal_where_it_is) {

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <thread>
 
 #include "tests/jet/pager_fixture.h"
 
@@ -177,7 +176,7 @@ TEST_F(PagerTest, commit_after_the_interval_is_a_sync_point) {
     options.sync_interval = std::chrono::milliseconds(40);
     auto pager = open(options);
     put(*pager, 7, 1);
-    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    disk().clock().advance(std::chrono::milliseconds(40));
     put(*pager, 7, 2);
     EXPECT_TRUE(disk().is_durable(journal_path()));
     EXPECT_EQ(stored_mark(7), 2);

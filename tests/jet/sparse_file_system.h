@@ -10,12 +10,17 @@
 #include <string>
 
 #include "os/file.h"
+#include "tests/support/manual_clock.h"
 
 namespace jet {
 
 class SparseFileSystem : public os::FileSystem {
 public:
-    std::unique_ptr<os::File> open(const std::string& path, os::OpenMode) override {
+    std::unique_ptr<os::File> open(const std::string& path, os::OpenMode mode) override {
+        const bool creates = mode == os::OpenMode::kCreateExclusive || mode == os::OpenMode::kCreateSide;
+        if (creates == exists(path)) {
+            throw os::FileError(creates ? os::FileFault::kExists : os::FileFault::kNotFound, path);
+        }
         return std::make_unique<OpenFile>(files_[path]);
     }
     bool exists(const std::string& path) override { return files_.contains(path); }
@@ -24,6 +29,8 @@ public:
         files_[to] = std::move(files_.extract(from).mapped());
     }
     void sync_folder_of(const std::string&) override {}
+    std::vector<std::string> longer_names(const std::string&) override { return {}; }
+    testing_support::ManualClock& clock() override { return clock_; }
 
 private:
     static constexpr std::uint64_t kBlock = 4096;
@@ -81,6 +88,7 @@ private:
     };
 
     std::map<std::string, Content> files_;
+    testing_support::ManualClock clock_;
 };
 
 }  // namespace jet

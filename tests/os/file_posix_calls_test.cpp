@@ -4,11 +4,13 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/file.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdio>
 #include <functional>
 #include <numeric>
 #include <string>
@@ -25,6 +27,9 @@ struct Calls {
     int sync_error = 0;                                     // errno of every sync; 0: none
     bool writes_take_nothing = false;
     std::function<void()> before_lock;
+    int status_error = 0;  // errno of every lstat; 0: none
+    int rename_error = 0;  // errno of every renameat2
+    int link_error = 0;    // errno of every link
     int made = 0;
 };
 Calls calls;
@@ -56,6 +61,30 @@ ssize_t pwrite(int fd, const void* bytes, size_t count, off_t at) {
     if (is_interrupted()) return -1;
     if (calls.writes_take_nothing) return 0;
     return ::syscall(SYS_pwrite64, fd, bytes, std::min(count, calls.most_bytes), at);
+}
+
+int lstat(const char* path, struct stat* info) noexcept {
+    if (calls.status_error != 0) {
+        errno = calls.status_error;
+        return -1;
+    }
+    return ::fstatat(AT_FDCWD, path, info, AT_SYMLINK_NOFOLLOW);
+}
+
+int renameat2(int from_folder, const char* from, int to_folder, const char* to, unsigned flags) noexcept {
+    if (calls.rename_error != 0) {
+        errno = calls.rename_error;
+        return -1;
+    }
+    return static_cast<int>(::syscall(SYS_renameat2, from_folder, from, to_folder, to, flags));
+}
+
+int link(const char* from, const char* to) noexcept {
+    if (calls.link_error != 0) {
+        errno = calls.link_error;
+        return -1;
+    }
+    return ::linkat(AT_FDCWD, from, AT_FDCWD, to, 0);
 }
 
 int fdatasync(int fd) {
@@ -154,11 +183,40 @@ TEST_F(PosixCalls, name_given_to_another_file_before_the_lock_is_not_found) {
     const std::string other = folder_.file("other");
     system_.open(path_, OpenMode::kCreateExclusive);
     system_.open(other, OpenMode::kCreateExclusive);
-    calls.before_lock = [&] {
-        if (system_.exists(other)) system_.rename(other, path_);
-    };
+    calls.before_lock = [&] { std::rename(other.c_str(), path_.c_str()); };
     EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), FileFault::kNotFound);
     EXPECT_NO_THROW(system_.open(path_, OpenMode::kExclusive)) << "the file that has the name now";
+}
+
+TEST_F(PosixCalls, state_that_cannot_be_told_is_an_error_and_not_absence) {
+    system_.open(path_, OpenMode::kCreateExclusive);
+    for (const int code : {EIO, EACCES, ELOOP, ENAMETOOLONG, ESTALE}) {
+        calls.status_error = code;
+        EXPECT_THROW(system_.exists(path_), FileError) << code;
+    }
+    for (const int code : {ENOENT, ENOTDIR}) {
+        calls.status_error = code;
+        EXPECT_FALSE(system_.exists(path_));
+    }
+}
+
+// Where the system cannot rename without replacing: by a second name, or by a placeholder.
+TEST_F(PosixCalls, rename_never_replaces_on_lesser_file_systems_either) {
+    const std::string target = folder_.file("y.mdb");
+    for (const int link_error : {0, EPERM}) {
+        calls = {};
+        calls.rename_error = EINVAL;
+        calls.link_error = link_error;
+        system_.open(path_, OpenMode::kCreateExclusive)->write(0, Bytes{1, 2, 3});
+        system_.open(target, OpenMode::kCreateExclusive)->write(0, Bytes{4});
+        EXPECT_EQ(fault_of([&] { system_.rename(path_, target); }), FileFault::kExists);
+        EXPECT_EQ(system_.open(target, OpenMode::kReadOnly)->size(), 1u);
+        system_.remove(target);
+        system_.rename(path_, target);
+        EXPECT_FALSE(system_.exists(path_));
+        EXPECT_EQ(system_.open(target, OpenMode::kReadOnly)->size(), 3u);
+        system_.remove(target);
+    }
 }
 
 }  // namespace

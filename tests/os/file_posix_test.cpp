@@ -15,6 +15,7 @@
 #include <cerrno>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -129,7 +130,7 @@ TEST_F(PosixFiles, no_right_to_the_file_or_folder_is_access_denied) {
     const int denied = code_of(FileFault::kAccessDenied);
     EXPECT_EQ(as_nobody([&] { system_in_use().open(path_, OpenMode::kReadOnly); }), kNoFault);
     EXPECT_EQ(as_nobody([&] { system_in_use().open(path_, OpenMode::kExclusive); }), denied);
-    EXPECT_EQ(as_nobody([&] { system_in_use().open(path_, OpenMode::kOpenOrCreate); }), denied);
+    EXPECT_EQ(as_nobody([&] { system_in_use().open(path_, OpenMode::kOpenSide); }), denied);
     EXPECT_EQ(as_nobody([&] { system_in_use().open(closed + "/y", OpenMode::kCreateExclusive); }), denied);
 }
 
@@ -185,7 +186,7 @@ TEST_F(PosixFiles, read_only_disk_is_access_denied) {
             return kCannotBeShown;
         }
         if (system_in_use().open(path_, OpenMode::kReadOnly)->size() != 0) return kOtherFailure;
-        for (const OpenMode mode : {OpenMode::kExclusive, OpenMode::kOpenOrCreate}) {
+        for (const OpenMode mode : {OpenMode::kExclusive, OpenMode::kOpenSide}) {
             try {
                 system_in_use().open(path_, mode);
                 return kNoFault;
@@ -210,10 +211,9 @@ TEST_F(PosixFiles, pipe_of_that_name_is_refused_without_waiting) {
     EXPECT_EQ(code, code_of(FileFault::kAccessDenied));
 }
 
-TEST_F(PosixFiles, path_through_a_file_or_a_loop_or_too_long_is_bad_path) {
+TEST_F(PosixFiles, path_through_a_file_or_too_long_is_bad_path) {
     std::ofstream(path_) << "x";
-    fs::create_symlink("loop", folder_.file("loop"));
-    for (const std::string& path : {path_ + "/y", folder_.file("loop"), folder_.file(std::string(5000, 'n'))}) {
+    for (const std::string& path : {path_ + "/y", folder_.file(std::string(5000, 'n'))}) {
         try {
             system_in_use().open(path, OpenMode::kReadOnly);
             ADD_FAILURE() << path;
@@ -221,6 +221,137 @@ TEST_F(PosixFiles, path_through_a_file_or_a_loop_or_too_long_is_bad_path) {
             EXPECT_EQ(error.fault(), FileFault::kBadPath) << error.what();
         }
     }
+}
+
+FileFault fault_of_opening(const std::string& path, OpenMode mode) {
+    try {
+        system_in_use().open(path, mode);
+    } catch (const FileError& error) {
+        return error.fault();
+    }
+    ADD_FAILURE() << path << " was opened";
+    return FileFault::kIo;
+}
+
+TEST_F(PosixFiles, side_file_is_never_reached_through_a_link) {
+    std::ofstream(path_) << "victim";
+    const std::string link = folder_.file("link");
+    fs::create_symlink(path_, link);
+    EXPECT_EQ(fault_of_opening(link, OpenMode::kReadSide), FileFault::kLink);
+    EXPECT_EQ(fault_of_opening(link, OpenMode::kOpenSide), FileFault::kLink);
+    EXPECT_EQ(fault_of_opening(link, OpenMode::kCreateSide), FileFault::kExists);
+    EXPECT_EQ(system_in_use().open(link, OpenMode::kReadOnly)->size(), 6u) << "a database is";
+}
+
+TEST_F(PosixFiles, link_to_nowhere_or_to_itself_is_a_name_that_is_there) {
+    const std::string dangling = folder_.file("dangling");
+    const std::string loop = folder_.file("loop");
+    fs::create_symlink("nowhere", dangling);
+    fs::create_symlink("loop", loop);
+    std::ofstream(path_) << "x";
+    for (const std::string& link : {dangling, loop}) {
+        EXPECT_TRUE(system_in_use().exists(link));
+        EXPECT_EQ(fault_of_opening(link, OpenMode::kCreateExclusive), FileFault::kExists);
+        EXPECT_THROW(system_in_use().rename(path_, link), FileError);
+        EXPECT_EQ(system_in_use().resolved(link), link);
+    }
+    EXPECT_EQ(fault_of_opening(dangling, OpenMode::kExclusive), FileFault::kNotFound);
+    EXPECT_EQ(fault_of_opening(loop, OpenMode::kExclusive), FileFault::kLink);
+}
+
+TEST_F(PosixFiles, resolved_is_the_file_at_the_end_of_the_links) {
+    std::ofstream(path_) << "x";
+    fs::create_directory(folder_.file("a"));
+    fs::create_symlink(path_, folder_.file("a/first"));
+    fs::create_symlink("a/first", folder_.file("second"));
+    EXPECT_EQ(system_in_use().resolved(folder_.file("second")), fs::canonical(path_).string());
+}
+
+TEST_F(PosixFiles, no_file_gets_the_descriptor_of_a_closed_standard_stream) {
+    const int code = in_child([&] {
+        for (const int fd : {0, 1, 2}) ::close(fd);
+        const auto file = system_in_use().open(path_, OpenMode::kCreateExclusive);
+        const auto side = system_in_use().open(path_ + "-journal", OpenMode::kCreateSide);
+        system_in_use().sync_folder_of(path_);
+        for (const int fd : {0, 1, 2}) {
+            if (::fcntl(fd, F_GETFD) != -1) return kOtherFailure;
+            if (::write(fd, "overwritten", 11) != -1) return kOtherFailure;
+        }
+        file->write(0, Bytes{1});
+        return file->size() == 1 && side->size() == 0 ? kNoFault : kOtherFailure;
+    });
+    EXPECT_EQ(code, kNoFault);
+}
+
+TEST_F(PosixFiles, child_of_a_fork_cannot_touch_the_files_and_leaves_the_lock) {
+    const auto file = system_in_use().open(path_, OpenMode::kCreateExclusive);
+    file->write(0, Bytes{1});
+    const int code = in_child([&] {
+        Bytes byte(1);
+        if (!file->is_inherited()) return kOtherFailure;
+        const std::function<void()> works[] = {[&] { file->write(0, Bytes{2}); }, [&] { file->truncate(0); },
+                                               [&] { file->sync(); }, [&] { file->read(0, byte); }};
+        for (const auto& work : works) {
+            try {
+                work();
+                return kOtherFailure;
+            } catch (const FileError& error) {
+                if (error.fault() != FileFault::kAccessDenied) return kOtherFailure;
+            }
+        }
+        const_cast<std::unique_ptr<os::File>&>(file).reset();
+        return kNoFault;
+    });
+    EXPECT_EQ(code, kNoFault);
+    EXPECT_FALSE(file->is_inherited());
+    EXPECT_EQ(fault_of_opening(path_, OpenMode::kExclusive), FileFault::kLocked)
+        << "the child let go of its copy alone";
+}
+
+TEST_F(PosixFiles, lock_ends_with_the_file_though_a_child_holds_a_copy_of_the_descriptor) {
+    auto file = system_in_use().open(path_, OpenMode::kCreateExclusive);
+    int alive[2];
+    ASSERT_EQ(::pipe(alive), 0);
+    const pid_t child = ::fork();
+    if (child == 0) {
+        char byte = 0;
+        ::close(alive[1]);
+        static_cast<void>(::read(alive[0], &byte, 1));
+        ::_exit(0);
+    }
+    ::close(alive[0]);
+    file.reset();
+    EXPECT_NO_THROW(system_in_use().open(path_, OpenMode::kExclusive));
+    ::close(alive[1]);
+    ::waitpid(child, nullptr, 0);
+}
+
+TEST_F(PosixFiles, permissions_are_taken_over) {
+    std::ofstream(path_) << "x";
+    const std::string side = folder_.file("side");
+    for (const mode_t mode : {0600, 0640, 0664}) {
+        ::chmod(path_.c_str(), mode);
+        system_in_use().open(side, OpenMode::kCreateSide);
+        struct stat info {};
+        ASSERT_EQ(::stat(side.c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 0777, 0600u) << "until it is said whose it is";
+        system_in_use().copy_access(path_, side);
+        ASSERT_EQ(::stat(side.c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 0777, mode);
+        system_in_use().remove(side);
+    }
+}
+
+TEST_F(PosixFiles, owner_is_taken_over_where_the_system_lets_it) {
+    std::ofstream(path_) << "x";
+    if (::chown(path_.c_str(), 65534, 65534) != 0) GTEST_SKIP() << "no right to give files away";
+    const std::string side = folder_.file("side");
+    system_in_use().open(side, OpenMode::kCreateSide);
+    system_in_use().copy_access(path_, side);
+    struct stat info {};
+    ASSERT_EQ(::stat(side.c_str(), &info), 0);
+    EXPECT_EQ(info.st_uid, 65534u);
+    EXPECT_EQ(info.st_gid, 65534u);
 }
 
 TEST_F(PosixFiles, relative_path_is_taken_from_the_working_folder) {

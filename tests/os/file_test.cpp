@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <numeric>
@@ -22,7 +23,7 @@ using testing_support::TempFolder;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr OpenMode kAllModes[] = {OpenMode::kReadOnly, OpenMode::kExclusive, OpenMode::kCreateExclusive,
-                                  OpenMode::kOpenOrCreate};
+                                  OpenMode::kReadSide, OpenMode::kOpenSide,  OpenMode::kCreateSide};
 
 // The fault that `work` throws; fails the test when it throws none.
 template <typename Work>
@@ -128,9 +129,12 @@ TEST_F(NativeFile, open_missing_is_not_found_and_makes_nothing) {
     EXPECT_FALSE(system_.exists(path_));
 }
 
-TEST_F(NativeFile, open_or_create_makes_the_file_or_takes_it_as_it_is) {
-    open(path_, OpenMode::kOpenOrCreate)->write(0, Bytes{1, 2});
-    EXPECT_EQ(open(path_, OpenMode::kOpenOrCreate)->size(), 2u);
+TEST_F(NativeFile, side_file_is_made_where_there_is_none_and_opened_where_there_is) {
+    EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kOpenSide); }), FileFault::kNotFound);
+    open(path_, OpenMode::kCreateSide)->write(0, Bytes{1, 2});
+    EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kCreateSide); }), FileFault::kExists);
+    EXPECT_EQ(open(path_, OpenMode::kOpenSide)->size(), 2u);
+    EXPECT_EQ(open(path_, OpenMode::kReadSide)->size(), 2u);
 }
 
 TEST_F(NativeFile, create_exclusive_on_existing_is_exists_and_leaves_it) {
@@ -158,7 +162,7 @@ TEST_F(NativeFile, open_malformed_name_is_bad_path_in_every_mode) {
 }
 
 TEST_F(NativeFile, open_folder_is_refused_in_every_mode) {
-    for (const OpenMode mode : {OpenMode::kReadOnly, OpenMode::kExclusive, OpenMode::kOpenOrCreate}) {
+    for (const OpenMode mode : {OpenMode::kReadOnly, OpenMode::kExclusive, OpenMode::kOpenSide}) {
         EXPECT_EQ(fault_of([&] { open(folder_.path(), mode); }), FileFault::kAccessDenied);
     }
     EXPECT_EQ(fault_of([&] { open(folder_.path(), OpenMode::kCreateExclusive); }), FileFault::kExists);
@@ -177,12 +181,46 @@ TEST_F(NativeFile, created_file_second_exclusive_opening_is_locked) {
     EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
 }
 
-TEST_F(NativeFile, unlocked_openings_do_not_lock) {
+TEST_F(NativeFile, readers_keep_a_writer_out_and_a_writer_keeps_readers_out) {
     make(path_);
-    const auto reader = open(path_, OpenMode::kReadOnly);
-    const auto journal = open(path_, OpenMode::kOpenOrCreate);
-    EXPECT_NO_THROW(open(path_, OpenMode::kReadOnly));
-    EXPECT_NO_THROW(open(path_, OpenMode::kOpenOrCreate));
+    {
+        const auto reader = open(path_, OpenMode::kReadOnly);
+        EXPECT_NO_THROW(open(path_, OpenMode::kReadOnly));
+        EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
+    }
+    const auto writer = open(path_, OpenMode::kExclusive);
+    EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kReadOnly); }), FileFault::kLocked);
+}
+
+TEST_F(NativeFile, side_files_do_not_lock) {
+    const auto journal = open(path_, OpenMode::kCreateSide);
+    const auto second = open(path_, OpenMode::kOpenSide);
+    EXPECT_NO_THROW(open(path_, OpenMode::kReadSide));
+    journal->write(0, Bytes{1});
+    EXPECT_NO_THROW(second->sync());
+}
+
+TEST_F(NativeFile, kept_lock_outlasts_the_closing_and_the_next_opening_takes_it_over) {
+    make(path_);
+    {
+        const auto kept = system_.keep_lock(path_);
+        open(path_, OpenMode::kExclusive).reset();
+        EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kReadOnly); }), FileFault::kLocked) << "nobody gets in between";
+        auto again = open(path_, OpenMode::kExclusive);
+        EXPECT_EQ(again->size(), 1u);
+        EXPECT_EQ(fault_of([&] { open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
+        again.reset();
+    }
+    EXPECT_NO_THROW(open(path_, OpenMode::kExclusive)) << "nothing is kept any more";
+}
+
+TEST_F(NativeFile, longer_names_are_those_that_go_on) {
+    for (const char* const name : {"x.mdb", "x.mdb-journal", "x.mdb-new-1", "y.mdb-new-1", "x.md"}) {
+        make(folder_.file(name));
+    }
+    std::vector<std::string> found = system_.longer_names(path_);
+    std::sort(found.begin(), found.end());
+    EXPECT_EQ(found, (std::vector<std::string>{path_ + "-journal", path_ + "-new-1"}));
 }
 
 TEST_F(NativeFile, read_only_file_write_and_truncate_are_refused) {
@@ -200,10 +238,14 @@ TEST_F(NativeFile, remove_takes_the_file_away_and_missing_is_not_found) {
     EXPECT_EQ(fault_of([&] { system_.remove(path_); }), FileFault::kNotFound);
 }
 
-TEST_F(NativeFile, rename_replaces_the_target) {
+TEST_F(NativeFile, rename_never_replaces_the_target) {
     const std::string target = folder_.file("y.mdb");
     make(path_, "new");
     make(target, "old one");
+    EXPECT_EQ(fault_of([&] { system_.rename(path_, target); }), FileFault::kExists);
+    EXPECT_EQ(fs::file_size(path_), 3u);
+    EXPECT_EQ(fs::file_size(target), 7u);
+    fs::remove(target);
     system_.rename(path_, target);
     EXPECT_FALSE(system_.exists(path_));
     EXPECT_EQ(fs::file_size(target), 3u);

@@ -70,7 +70,7 @@ TEST_F(Win32Files, reader_keeps_nobody_from_reading_and_writing) {
 }
 
 TEST_F(Win32Files, name_of_a_device_is_refused) {
-    EXPECT_TRUE(fault_of([&] { system_.open("NUL", OpenMode::kOpenOrCreate); }).has_value());
+    EXPECT_TRUE(fault_of([&] { system_.open("NUL", OpenMode::kOpenSide); }).has_value());
 }
 
 TEST_F(Win32Files, path_beyond_260_characters_works_in_every_operation) {

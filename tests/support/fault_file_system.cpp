@@ -38,6 +38,7 @@ const char* reason_of(os::FileFault fault) {
     switch (fault) {
         case os::FileFault::kNotFound: return "planned fault: no such file";
         case os::FileFault::kBadPath: return "planned fault: no such folder";
+        case os::FileFault::kLink: return "planned fault: a link";
         case os::FileFault::kExists: return "planned fault: the file exists";
         case os::FileFault::kAccessDenied: return "planned fault: access denied";
         case os::FileFault::kLocked: return "planned fault: the file is in use";
@@ -58,6 +59,7 @@ public:
 
     ~OpenFile() override {
         if (mode_ == os::OpenMode::kExclusive || mode_ == os::OpenMode::kCreateExclusive) node_->locked = false;
+        if (mode_ == os::OpenMode::kReadOnly) --node_->readers;
     }
 
     std::size_t read(std::uint64_t at, std::span<std::uint8_t> into) override {
@@ -91,7 +93,7 @@ public:
 
 private:
     void require_writable(Operation operation) const {
-        if (mode_ == os::OpenMode::kReadOnly) {
+        if (mode_ == os::OpenMode::kReadOnly || mode_ == os::OpenMode::kReadSide) {
             fail(verb_of(operation), path_, os::FileFault::kAccessDenied, "the file is open for reading only");
         }
     }
@@ -206,17 +208,19 @@ std::unique_ptr<os::File> FaultFileSystem::open(const std::string& path, os::Ope
     if (path.empty()) fail("open", path, os::FileFault::kBadPath, "no name");
     const auto found = names_.find(path);
     const bool is_there = found != names_.end();
-    const bool may_create = mode == os::OpenMode::kCreateExclusive || mode == os::OpenMode::kOpenOrCreate;
+    const bool may_create = mode == os::OpenMode::kCreateExclusive || mode == os::OpenMode::kCreateSide;
     count_and_fail(!is_there && may_create ? Operation::kCreate : Operation::kOpen, path);
-    if (is_there && mode == os::OpenMode::kCreateExclusive) {
+    if (is_there && may_create) {
         fail("create", path, os::FileFault::kExists, "the file exists");
     }
     if (!is_there && !may_create) fail("open", path, os::FileFault::kNotFound, "no such file");
 
     const std::shared_ptr<Node> node = is_there ? found->second : std::make_shared<Node>();
-    if (mode == os::OpenMode::kExclusive && node->locked) {
+    const bool reads = mode == os::OpenMode::kReadOnly;
+    if ((reads && node->locked) || (mode == os::OpenMode::kExclusive && (node->locked || node->readers > 0))) {
         fail("lock", path, os::FileFault::kLocked, "the file is in use");
     }
+    if (reads) ++node->readers;
     if (mode == os::OpenMode::kExclusive || mode == os::OpenMode::kCreateExclusive) node->locked = true;
     auto file = std::make_unique<OpenFile>(*this, node, path, mode);
     if (!is_there) {
@@ -237,6 +241,7 @@ void FaultFileSystem::remove(const std::string& path) {
 void FaultFileSystem::rename(const std::string& from, const std::string& to) {
     count_and_fail(Operation::kRename, from);
     const std::shared_ptr<Node> node = find(from, "rename");
+    if (names_.contains(to)) fail("rename to", to, os::FileFault::kExists, "the file exists");
     if (from != to) change_name({from, to, node});
     notify(Operation::kRename, from);
 }
@@ -253,6 +258,14 @@ void FaultFileSystem::sync_folder_of(const std::string& path) {
         return true;
     });
     notify(Operation::kFolderSync, path);
+}
+
+std::vector<std::string> FaultFileSystem::longer_names(const std::string& path) {
+    std::vector<std::string> longer;
+    for (const auto& [name, node] : names_) {
+        if (name.size() > path.size() && name.starts_with(path)) longer.push_back(name);
+    }
+    return longer;
 }
 
 std::uint64_t FaultFileSystem::change_count() const {

@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "os/file.h"
+#include "tests/support/manual_clock.h"
 
 namespace testing_support {
 
@@ -52,9 +53,9 @@ struct Fault {
     bool half_written = false;  // a failing write leaves the first half of its bytes
 };
 
-// Folders need not be made: every one exists. Locks are as on the real system: an exclusive opening is
-// refused while another exclusive one lives; the others neither take nor heed a lock. Files opened here
-// must not outlive the file system.
+// Folders need not be made: every one exists. Locks are as on the real system: an exclusive opening is refused while
+// another one lives that locks, a reading one while an exclusive one does; side files neither take nor heed a lock.
+// There are no links. Files opened here must not outlive the file system.
 class FaultFileSystem : public os::FileSystem {
 public:
     FaultFileSystem() = default;
@@ -66,6 +67,9 @@ public:
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
     void sync_folder_of(const std::string& path) override;
+    std::vector<std::string> longer_names(const std::string& path) override;
+    // Time stands still until a test lets it pass, so that nothing is done behind its back.
+    ManualClock& clock() override { return clock_; }
 
     // Operations done since the beginning or the last reset, failed ones included.
     std::uint64_t count(Operation operation) const { return counts_[static_cast<std::size_t>(operation)]; }
@@ -114,7 +118,8 @@ private:
         Bytes content;
         Bytes durable;
         std::vector<Change> unsynced;
-        bool locked = false;
+        bool locked = false;  // by an exclusive opening
+        int readers = 0;
     };
     using Names = std::map<std::string, std::shared_ptr<Node>>;
 
@@ -143,6 +148,7 @@ private:
     std::uint64_t faults_raised_ = 0;
     std::optional<std::uint64_t> capacity_;
     std::function<void(Operation, const std::string&)> observer_;
+    ManualClock clock_;
 };
 
 // Puts a file system in place of the one in use for as long as the object lives.

@@ -56,17 +56,24 @@ TEST_F(FaultFileSystemTest, openings_answer_as_the_real_ones) {
     auto holder = system_.open("x", OpenMode::kCreateExclusive);
     EXPECT_EQ(fault_of([&] { system_.open("x", OpenMode::kCreateExclusive); }), FileFault::kExists);
     EXPECT_EQ(fault_of([&] { system_.open("x", OpenMode::kExclusive); }), FileFault::kLocked);
+    EXPECT_EQ(fault_of([&] { system_.open("x", OpenMode::kReadOnly); }), FileFault::kLocked);
+    EXPECT_NO_THROW(system_.open("x", OpenMode::kOpenSide));
+    EXPECT_EQ(fault_of([&] { system_.open("x", OpenMode::kCreateSide); }), FileFault::kExists);
+    EXPECT_EQ(fault_of([&] { system_.open("y", OpenMode::kOpenSide); }), FileFault::kNotFound);
+    holder.reset();
+    holder = system_.open("x", OpenMode::kReadOnly);
     EXPECT_NO_THROW(system_.open("x", OpenMode::kReadOnly));
-    EXPECT_NO_THROW(system_.open("x", OpenMode::kOpenOrCreate));
     EXPECT_EQ(fault_of([&] { system_.open("x", OpenMode::kExclusive); }), FileFault::kLocked);
     holder.reset();
     EXPECT_NO_THROW(system_.open("x", OpenMode::kExclusive));
     EXPECT_EQ(fault_of([&] { system_.open("x", OpenMode::kReadOnly)->write(0, Bytes{1}); }), FileFault::kAccessDenied);
 }
 
-TEST_F(FaultFileSystemTest, names_are_renamed_over_and_removed) {
+TEST_F(FaultFileSystemTest, names_are_renamed_but_not_over_others_and_removed) {
     system_.set_content("a", {1});
     system_.set_content("b", {2});
+    EXPECT_EQ(fault_of([&] { system_.rename("a", "b"); }), FileFault::kExists);
+    system_.remove("b");
     system_.rename("a", "b");
     EXPECT_EQ(system_.names(), std::vector<std::string>{"b"});
     EXPECT_EQ(system_.content("b"), Bytes{1});
@@ -110,7 +117,7 @@ TEST_F(FaultFileSystemTest, lasting_fault_of_any_kind_hits_all_later_changes_but
     file->write(0, Bytes{2});
     EXPECT_EQ(fault_of([&] { file->sync(); }), FileFault::kIo);
     EXPECT_EQ(fault_of([&] { file->truncate(0); }), FileFault::kIo);
-    EXPECT_EQ(fault_of([&] { system_.open("y", OpenMode::kOpenOrCreate); }), FileFault::kIo);
+    EXPECT_EQ(fault_of([&] { system_.open("y", OpenMode::kCreateSide); }), FileFault::kIo);
     EXPECT_EQ(fault_of([&] { system_.remove("x"); }), FileFault::kIo);
     Bytes into(1);
     EXPECT_EQ(file->read(0, into), 1u);

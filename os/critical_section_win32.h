@@ -1,0 +1,37 @@
+// A lock of the system itself: no runtime library stands between, so it works while libraries come and go.
+#pragma once
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+namespace os {
+
+class CriticalSection {
+public:
+    CriticalSection() { ::InitializeCriticalSection(&section_); }
+    ~CriticalSection() { ::DeleteCriticalSection(&section_); }
+    CriticalSection(const CriticalSection&) = delete;
+    CriticalSection& operator=(const CriticalSection&) = delete;
+    CRITICAL_SECTION* get() { return &section_; }
+
+    class Guard {
+    public:
+        explicit Guard(CriticalSection& section) : section_(section) { ::EnterCriticalSection(&section_.section_); }
+        ~Guard() { ::LeaveCriticalSection(&section_.section_); }
+        Guard(const Guard&) = delete;
+        Guard& operator=(const Guard&) = delete;
+
+    private:
+        CriticalSection& section_;
+    };
+
+private:
+    CRITICAL_SECTION section_;
+};
+
+}  // namespace os

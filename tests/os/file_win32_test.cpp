@@ -8,6 +8,8 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "os/file.h"
 #include "os/module_win32.h"
@@ -62,11 +64,55 @@ TEST_F(Win32Files, exclusive_file_is_refused_to_everybody_until_closed) {
     EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
 }
 
-TEST_F(Win32Files, reader_keeps_nobody_from_reading_and_writing) {
+TEST_F(Win32Files, reader_lets_others_read_and_nobody_write) {
     system_.open(path_, OpenMode::kCreateExclusive);
     const auto reader = system_.open(path_, OpenMode::kReadOnly);
-    EXPECT_EQ(open_as_others(GENERIC_READ | GENERIC_WRITE, kShareAll), 0u);
+    EXPECT_EQ(open_as_others(GENERIC_READ, kShareAll), 0u);
+    EXPECT_EQ(open_as_others(GENERIC_READ | GENERIC_WRITE, kShareAll), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
     EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
+}
+
+TEST_F(Win32Files, side_file_keeps_nobody_from_anything) {
+    const auto side = system_.open(path_, OpenMode::kCreateSide);
+    EXPECT_EQ(open_as_others(GENERIC_READ | GENERIC_WRITE | DELETE, kShareAll), 0u);
+}
+
+// Held by a thread of this process, which the share modes do not tell from another's.
+TEST_F(Win32Files, what_others_hold_for_a_moment_is_tried_again) {
+    system_.open(path_, OpenMode::kCreateExclusive);
+    const auto held_for = [&](DWORD milliseconds) {
+        const HANDLE handle = CreateFileA(path_.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr);
+        EXPECT_NE(handle, INVALID_HANDLE_VALUE);
+        return std::thread([=] {
+            Sleep(milliseconds);
+            CloseHandle(handle);
+        });
+    };
+    std::thread holder = held_for(200);
+    EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
+    holder.join();
+    holder = held_for(200);
+    EXPECT_EQ(fault_of([&] { system_.rename(path_, path_ + "2"); }), std::nullopt);
+    holder.join();
+    path_ += "2";
+    holder = held_for(200);
+    EXPECT_EQ(fault_of([&] { system_.remove(path_); }), std::nullopt);
+    holder.join();
+    EXPECT_FALSE(system_.exists(path_));
+}
+
+TEST_F(Win32Files, what_is_denied_for_good_is_denied_at_once) {
+    const DWORD before = GetTickCount();
+    EXPECT_EQ(fault_of([&] { system_.open(folder_.path(), OpenMode::kExclusive); }), FileFault::kAccessDenied);
+    EXPECT_LT(GetTickCount() - before, 900u);
+}
+
+TEST_F(Win32Files, names_beyond_the_code_page_are_told_apart) {
+    const std::string polish = folder_.file("Micha\xC5\x82.mdb");
+    system_.open(polish, OpenMode::kCreateExclusive)->write(0, std::array<std::uint8_t, 1>{1});
+    EXPECT_TRUE(system_.exists(polish));
+    EXPECT_EQ(system_.longer_names(polish.substr(0, polish.size() - 4)), std::vector<std::string>{polish});
+    EXPECT_FALSE(system_.exists(folder_.file("Michal.mdb")));
 }
 
 TEST_F(Win32Files, name_of_a_device_is_refused) {

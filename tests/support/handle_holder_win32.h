@@ -1,0 +1,36 @@
+// Another program's handle on a file, for a while: a virus scanner's, an indexer's, a backup's.
+#pragma once
+
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#include <windows.h>
+
+#include <string>
+
+namespace testing_support {
+
+// Starts another process of this program that opens `path` and holds it until `release` or, with `milliseconds`, so
+// long. Returns when the file is held.
+class HandleHolder {
+public:
+    HandleHolder(const std::string& path, DWORD access, DWORD share, DWORD milliseconds = INFINITE);
+    ~HandleHolder() { release(); }
+    HandleHolder(const HandleHolder&) = delete;
+    HandleHolder& operator=(const HandleHolder&) = delete;
+
+    // Whether the other process has got its handle.
+    bool holds() const { return holds_; }
+    // Returns when the process is gone.
+    void release();
+
+private:
+    HANDLE release_ = nullptr;
+    PROCESS_INFORMATION process_{};
+    bool holds_ = false;
+};
+
+}  // namespace testing_support

@@ -33,7 +33,8 @@ void resize_row(MutableByteSpan page, PageNumber page_no, std::size_t index, std
 DataPage::DataPage(ByteSpan bytes, PageNumber page_no) : bytes_(bytes), page_no_(page_no) {
     if (bytes[0] != jet4::kDataPage) corrupt(page_no, "a page of rows was expected");
     slot_count_ = load_u16(bytes, data::kSlotCount);
-    if (slot_at(slot_count_) > bytes.size()) corrupt(page_no, "the slot table is longer than the page");
+    // A row's address has one byte for the slot.
+    if (slot_count_ > data::kMaxSlots + 1) corrupt(page_no, "the page has more rows than it can have");
 }
 
 bool DataPage::belongs_to(ByteSpan bytes, std::uint32_t owner) {

@@ -104,6 +104,8 @@ struct Database::Impl {
     std::optional<OpenPaths> open_path;
     std::map<PageNumber, std::unique_ptr<Table>> tables;
     std::unique_ptr<Catalog> catalog;
+    DamageListener on_damage;
+    std::set<std::pair<PageNumber, std::string>> named_damage;
 };
 
 std::unique_ptr<Database> Database::create(const std::string& path, const CreateOptions& options) {
@@ -140,6 +142,7 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
     header = parse_header(impl->pager.read(jet4::kHeaderPage).bytes(), path);
     check_password();
     impl->header = header;
+    if (options.read_only) impl->on_damage = options.on_damage;
     auto database = std::unique_ptr<Database>(new Database(std::move(impl)));
     database->open_catalog();
     return database;
@@ -199,13 +202,24 @@ TableDef Database::load_table_def(PageNumber page, const std::u16string& name) c
     // The catalogue's own tables have no properties, and asking it for them would go in a circle.
     if (page <= jet4::kRelationshipsPage) return def;
     if (const Catalog::Object* object = impl_->catalog->find(static_cast<std::int32_t>(page))) {
-        const PropertySet properties = impl_->catalog->properties(*object);
-        for (ColumnDef& column : def.columns) {
-            column.allow_zero_length = properties.column_flag(column.name, u"AllowZeroLength", true);
-            column.required = properties.column_flag(column.name, u"Required", false);
+        try {
+            const PropertySet properties = impl_->catalog->properties(*object);
+            for (ColumnDef& column : def.columns) {
+                column.allow_zero_length = properties.column_flag(column.name, u"AllowZeroLength", true);
+                column.required = properties.column_flag(column.name, u"Required", false);
+            }
+        } catch (const Error& error) {
+            if (!passes_over(object->row.page, error)) throw;
         }
     }
     return def;
+}
+
+bool Database::passes_over(PageNumber page, const Error& error) const {
+    if (!impl_->on_damage) return false;
+    if (error.number() != errors::kDamaged && error.number() != errors::kDiskError) return false;
+    if (impl_->named_damage.emplace(page, error.what()).second) impl_->on_damage({page, error.what()});
+    return true;
 }
 
 std::vector<CatalogEntry> Database::catalog() const {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "jet/pager.h"
+#include "jet/salvage.h"
 #include "jet/table.h"
 #include "jet/table_def.h"
 #include "jet/usage_map.h"
@@ -36,6 +37,7 @@ struct OpenOptions {
     std::u16string password;
     bool read_only = false;
     bool ignore_password = false;  // tools below the gates only look
+    DamageListener on_damage;      // with read_only alone: read on behind damage, see salvage.h
     PagerOptions pager;
 };
 
@@ -84,6 +86,9 @@ public:
     PageAllocator& allocator();
     // The definition on `page`, its properties included. 3049 when there is none.
     TableDef load_table_def(PageNumber page, const std::u16string& name) const;
+    // Tells the listener of `on_damage` that `page`, or what lies on it, cannot be read. False when there is none, or
+    // the error is no damage: then it is to be thrown on.
+    bool passes_over(PageNumber page, const Error& error) const;
 
 private:
     struct Impl;

@@ -144,6 +144,7 @@ private:
         return page_no;
     }
     void free_page(PageNumber page_no) {
+        if (!map_.contains(page_no)) corrupt(page_no, "a page of an index is not in the index's map");
         map_.remove(page_no);
         allocator_.free(page_no);
     }

@@ -98,12 +98,17 @@ ByteVector LongValues::write(const ColumnDef& column, ByteSpan bytes, bool inlin
 }
 
 RowId LongValues::write_single(const ColumnDef& column, ByteSpan bytes) {
+    UsageMap owned(pager_, allocator_, column.owned_map);
     UsageMap free_pages(pager_, allocator_, column.free_map);
     PageNumber target = 0;
     for (auto candidate = free_pages.next(0); candidate; candidate = free_pages.next(*candidate + 1)) {
+        // A value on a page of another column would go with that column's.
+        if (!owned.contains(*candidate)) corrupt(*candidate, "a page with room for long values is not its column's");
         const Page page = pager_.read(*candidate);
-        if (DataPage::belongs_to(page.bytes(), jet4::data::kLongValueOwner) &&
-            DataPage(page.bytes(), *candidate).has_room(bytes.size())) {
+        if (!DataPage::belongs_to(page.bytes(), jet4::data::kLongValueOwner)) {
+            corrupt(*candidate, "the page belongs to a column of long values and holds none");
+        }
+        if (DataPage(page.bytes(), *candidate).has_room(bytes.size())) {
             target = *candidate;
             break;
         }
@@ -114,7 +119,7 @@ RowId LongValues::write_single(const ColumnDef& column, ByteSpan bytes) {
         const MutablePage page = allocator_.allocate();
         target = page.number();
         format_data_page(page.bytes(), jet4::data::kLongValueOwner);
-        UsageMap(pager_, allocator_, column.owned_map).add(target);
+        owned.add(target);
         if (!column.free_map.is_null()) free_pages.add(target);
     }
     const MutablePage page = pager_.modify(target);
@@ -165,13 +170,14 @@ void LongValues::release(const ColumnDef& column, ByteSpan reference) {
                 if (left == 0) next = {};
             }
         }
+        if (!owned.contains(row.page)) corrupt(row.page, "a long value is on no page of its column");
         const MutablePage page = pager_.modify(row.page);
         delete_row(page.bytes(), row.page, row.slot);
         if (DataPage(page.bytes(), row.page).all_deleted()) {
             owned.remove(row.page);
             free_pages.remove(row.page);
             allocator_.free(row.page);
-        } else if (ref.kind == lv::kSingle && !column.free_map.is_null() && owned.contains(row.page)) {
+        } else if (ref.kind == lv::kSingle && !column.free_map.is_null()) {
             free_pages.add(row.page);
         }
         row = next;

@@ -262,7 +262,13 @@ void SchemaEditor::delete_column(Table& table, std::u16string_view name) {
         fail(errors::kNoFields, "Column '" + to_utf8(name) + "' is the only one of its table.");
     if (column.is_long()) {
         UsageMap owned(database_.pager(), database_.allocator(), column.owned_map);
-        for (auto page = owned.next(0); page; page = owned.next(*page + 1)) database_.allocator().free(*page);
+        for (auto page = owned.next(0); page; page = owned.next(*page + 1)) {
+            // What a damaged map names may hold somebody else's data.
+            if (!DataPage::belongs_to(database_.pager().read(*page).bytes(), jet4::data::kLongValueOwner)) {
+                corrupt(*page, "the page belongs to a column of long values and holds none");
+            }
+            database_.allocator().free(*page);
+        }
         owned.destroy();
         UsageMap(database_.pager(), database_.allocator(), column.free_map).destroy();
     }

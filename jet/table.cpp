@@ -33,26 +33,45 @@ Value RowView::value(std::size_t position) const {
 
 void RowView::value(std::size_t position, Value& into) const {
     const ColumnDef& column = table_->def().columns.at(position);
-    const auto stored = reader_.stored(column);
-    if (!stored) {
+    try {
+        const auto stored = reader_.stored(column);
+        if (!stored) {
+            into = Null{};
+        } else if (column.is_long()) {
+            const LongValues long_values(table_->database().pager(), table_->database().allocator());
+            decode_value(long_values.read(*stored), column, into);
+        } else {
+            decode_value(*stored, column, into);
+        }
+    } catch (const Error& error) {
+        if (!table_->database().passes_over(row_.page, error)) throw;
         into = Null{};
-    } else if (column.is_long()) {
-        const LongValues long_values(table_->database().pager(), table_->database().allocator());
-        decode_value(long_values.read(*stored), column, into);
-    } else {
-        decode_value(*stored, column, into);
     }
 }
 
-std::optional<ByteSpan> RowView::stored(std::size_t position) const {
-    return reader_.stored(table_->def().columns.at(position));
+// The bytes in the row; where damage is passed over, none for a value that leaves the row.
+std::optional<ByteSpan> RowView::find(const ColumnDef& column) const {
+    try {
+        return reader_.stored(column);
+    } catch (const Error& error) {
+        if (!table_->database().passes_over(row_.page, error)) throw;
+        return std::nullopt;
+    }
 }
+
+std::optional<ByteSpan> RowView::stored(std::size_t position) const { return find(table_->def().columns.at(position)); }
 
 std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
     const ColumnDef& column = table_->def().columns.at(position);
     if (column.type != ColumnType::kText && column.type != ColumnType::kMemo) return std::nullopt;
-    const auto stored = reader_.stored(column);
-    return stored && column.type == ColumnType::kMemo ? LongValues::inline_bytes(*stored) : stored;
+    const auto stored = find(column);
+    if (!stored || column.type != ColumnType::kMemo) return stored;
+    try {
+        return LongValues::inline_bytes(*stored);
+    } catch (const Error& error) {
+        if (!table_->database().passes_over(row_.page, error)) throw;
+        return std::nullopt;
+    }
 }
 
 bool RowView::is_null(std::size_t position) const { return !stored(position).has_value(); }
@@ -80,6 +99,7 @@ Table::~Table() = default;
 
 void Table::forget() {
     stale_ = true;
+    map_lost_ = false;
     insert_hint_ = 0;
     column_maps_.clear();
 }
@@ -107,11 +127,15 @@ void Table::remove_watcher(TableWatcher* watcher) { std::erase(watchers_, watche
 
 std::optional<Table::Place> Table::locate(RowId row) const {
     refresh();
-    if (row.is_null() || row.page >= database_.pager().page_count()) return std::nullopt;
+    if (row.is_null()) return std::nullopt;
+    if (row.page >= database_.pager().page_count()) {
+        require_inside_file(row.page);
+        return std::nullopt;
+    }
     Place place{row, row, row};
     for (int hop = 0; hop < kMaxHops; ++hop) {
         const Page page = database_.pager().read(place.body.page);
-        const bool ours = DataPage::belongs_to(page.bytes(), def_.page);
+        const bool ours = hop == 0 ? is_own_page(page) : DataPage::belongs_to(page.bytes(), def_.page);
         if (hop == 0) {
             // An address from outside: not a row when nothing of the table is there.
             if (!ours || place.body.slot >= DataPage(page.bytes(), place.body.page).slot_count()) return std::nullopt;
@@ -132,40 +156,100 @@ std::optional<Table::Place> Table::locate(RowId row) const {
     corrupt(row.page, "the pointers of a moved row go in a circle");
 }
 
+void Table::require_inside_file(PageNumber page_no) const {
+    const PageNumber end = database_.pager().page_count();
+    if (page_no >= end && owned_.contains(page_no)) {
+        corrupt(page_no, "from this page on, table '" + to_utf8(def_.name) + "' lies behind the end of the file");
+    }
+}
+
+// Whether rows of the table may stand on the page. A page of the table's map that says it is somebody else's is damage:
+// passed over in silence, its rows would be gone without a word.
+bool Table::is_own_page(const Page& page) const {
+    if (DataPage::belongs_to(page.bytes(), def_.page)) return true;
+    if (owned_.contains(page.number())) {
+        corrupt(page.number(), "the page belongs to table '" + to_utf8(def_.name) + "' and does not hold its rows");
+    }
+    return false;
+}
+
+// The first page of the table at or after `from`.
+std::optional<PageNumber> Table::next_page(PageNumber from) const {
+    while (!map_lost_) {
+        try {
+            return owned_.next(from);
+        } catch (const Error& error) {
+            if (!database_.passes_over(def_.owned_map.page, error)) throw;
+            map_lost_ = true;
+        }
+    }
+    for (; from < database_.pager().page_count(); ++from) {
+        try {
+            const bool ours = DataPage::belongs_to(database_.pager().read(from).bytes(), def_.page);
+            if (ours && !database_.allocator().is_free(from)) return from;
+        } catch (const Error& error) {
+            if (!database_.passes_over(from, error)) throw;
+        }
+    }
+    return std::nullopt;
+}
+
+// The first live row of the page at or after `from`.
+std::optional<std::uint8_t> Table::next_slot(PageNumber page_no, std::size_t from) const {
+    const Page page = database_.pager().read(page_no);
+    if (!is_own_page(page)) return std::nullopt;
+    const DataPage data(page.bytes(), page_no);
+    for (; from < data.slot_count(); ++from) {
+        const Slot entry = data.slot(from);
+        if (!entry.is_deleted() && !entry.is_body()) return static_cast<std::uint8_t>(from);
+    }
+    return std::nullopt;
+}
+
 std::optional<RowId> Table::next_row(RowId after) const {
     refresh();
-    Pager& pager = database_.pager();
     std::size_t slot = after.is_null() ? 0 : after.slot + 1u;
-    std::optional<PageNumber> page_no = after.is_null() ? owned_.next(0) : std::optional(after.page);
-    while (page_no && *page_no < pager.page_count()) {
-        const Page page = pager.read(*page_no);
-        if (DataPage::belongs_to(page.bytes(), def_.page)) {
-            const DataPage data(page.bytes(), *page_no);
-            for (const std::size_t count = std::min(data.slot_count(), jet4::data::kMaxSlots + 1); slot < count;
-                 ++slot) {
-                const Slot entry = data.slot(slot);
-                if (!entry.is_deleted() && !entry.is_body()) return RowId{*page_no, static_cast<std::uint8_t>(slot)};
-            }
+    std::optional<PageNumber> page_no = after.is_null() ? next_page(0) : std::optional(after.page);
+    for (; page_no; page_no = next_page(*page_no + 1)) {
+        try {
+            require_inside_file(*page_no);
+            if (*page_no >= database_.pager().page_count()) return std::nullopt;
+            if (const auto found = next_slot(*page_no, slot)) return RowId{*page_no, *found};
+        } catch (const Error& error) {
+            if (!database_.passes_over(*page_no, error)) throw;
+            if (*page_no >= database_.pager().page_count()) return std::nullopt;
         }
-        page_no = owned_.next(*page_no + 1);
         slot = 0;
     }
     return std::nullopt;
 }
 
 bool Table::read(RowId row, RowView& into) const {
-    const auto place = locate(row);
-    if (!place) return false;
-    const Page page = database_.pager().read(place->body.page);
-    const DataPage data(page.bytes(), place->body.page);
-    const ByteSpan bytes = data.row(data.slot(place->body.slot));
-    into.table_ = this;
-    into.bytes_.assign(bytes.begin(), bytes.end());
-    into.reader_ = RowReader(into.bytes_, def_);
-    return true;
+    try {
+        const auto place = locate(row);
+        if (!place) return false;
+        const Page page = database_.pager().read(place->body.page);
+        const DataPage data(page.bytes(), place->body.page);
+        const ByteSpan bytes = data.row(data.slot(place->body.slot));
+        into.table_ = this;
+        into.row_ = row;
+        into.bytes_.assign(bytes.begin(), bytes.end());
+        into.reader_ = RowReader(into.bytes_, def_);
+        return true;
+    } catch (const Error& error) {
+        if (!database_.passes_over(row.page, error)) throw;
+        return false;
+    }
 }
 
-bool Table::exists(RowId row) const { return locate(row).has_value(); }
+bool Table::exists(RowId row) const {
+    try {
+        return locate(row).has_value();
+    } catch (const Error& error) {
+        if (!database_.passes_over(row.page, error)) throw;
+        return false;
+    }
+}
 
 template <class Visitor>
 void Table::visit_rows(Visitor&& visitor) const {
@@ -244,8 +328,10 @@ ByteVector Table::encode_fitting(std::vector<StoredValue>& stored) {
 RowId Table::place_row(ByteSpan row, std::uint16_t flags) {
     Pager& pager = database_.pager();
     const auto fits = [&](PageNumber page_no) {
+        // A row on a page outside of the table's map would never be found again.
+        if (!owned_.contains(page_no)) corrupt(page_no, "a page with room for rows is not one of its table");
         const Page page = pager.read(page_no);
-        return DataPage::belongs_to(page.bytes(), def_.page) && DataPage(page.bytes(), page_no).has_room(row.size());
+        return is_own_page(page) && DataPage(page.bytes(), page_no).has_room(row.size());
     };
     PageNumber target = 0;
     if (insert_hint_ != 0 && fits(insert_hint_)) {
@@ -544,9 +630,13 @@ const ColumnMap* Table::column_map(std::size_t position) {
     if (known != column_maps_.end()) return &known->second;
     ColumnMap map;
     visit_rows([&](RowId row, const RowReader& reader) {
-        const auto stored = reader.stored(column);
-        if (!stored) return;
-        if (const auto key = ColumnMap::key_of(decode_value(*stored, column))) map.insert({*key, row.pack()});
+        try {
+            const auto stored = reader.stored(column);
+            if (!stored) return;
+            if (const auto key = ColumnMap::key_of(decode_value(*stored, column))) map.insert({*key, row.pack()});
+        } catch (const Error& error) {
+            if (!database_.passes_over(row.page, error)) throw;
+        }
     });
     return &(column_maps_[position] = std::move(map));
 }

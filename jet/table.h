@@ -44,7 +44,9 @@ public:
 private:
     friend class Table;
     friend class SchemaEditor;
+    std::optional<ByteSpan> find(const ColumnDef& column) const;
     const class Table* table_ = nullptr;
+    RowId row_;
     ByteVector bytes_;
     RowReader reader_;  // of bytes_
 };
@@ -77,6 +79,7 @@ public:
     Database& database() const { return database_; }
 
     // Rows in scan order (page, slot): the first live row after `after` (a null RowId: the first row).
+    // A page of the table's map that is not the table's is damage (3049), unless damage is passed over (salvage.h).
     std::optional<RowId> next_row(RowId after) const;
     // Fills `into`; false when there is no such live row.
     bool read(RowId row, RowView& into) const;
@@ -134,6 +137,10 @@ private:
     void refresh() const;
     void require_writable() const;
     std::optional<Place> locate(RowId row) const;
+    bool is_own_page(const Page& page) const;
+    std::optional<PageNumber> next_page(PageNumber from) const;
+    std::optional<std::uint8_t> next_slot(PageNumber page_no, std::size_t from) const;
+    void require_inside_file(PageNumber page_no) const;
     template <class Visitor>
     void visit_rows(Visitor&& visitor) const;
     ByteVector encode_fitting(std::vector<StoredValue>& stored);
@@ -154,8 +161,9 @@ private:
     mutable UsageMap owned_;
     mutable UsageMap free_;
     mutable bool stale_ = false;
-    std::int32_t autonumber_ = 0;  // highest one handed out
-    PageNumber insert_hint_ = 0;   // page that took the last new row; 0: none
+    mutable bool map_lost_ = false;  // damage is passed over, and the map of the table's pages is damaged
+    std::int32_t autonumber_ = 0;    // highest one handed out
+    PageNumber insert_hint_ = 0;     // page that took the last new row; 0: none
     mutable std::map<std::size_t, ColumnMap> column_maps_;
     std::vector<TableWatcher*> watchers_;
 };

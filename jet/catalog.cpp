@@ -1,6 +1,9 @@
 #include "jet/catalog.h"
 
 #include <algorithm>
+#include <numeric>
+
+#include "jet/collation.h"
 
 namespace jet {
 
@@ -57,9 +60,12 @@ void reencrypt_column(Table& table, std::u16string_view column, const FileHeader
 
 }  // namespace
 
-const std::vector<Catalog::Object>& Catalog::tables() const {
+const std::vector<Catalog::Object>& Catalog::tables() const { return known().objects; }
+
+const Catalog::Known& Catalog::known() const {
     if (known_) return *known_;
-    std::vector<Object> found;
+    Known found;
+    std::vector<Object>& objects = found.objects;
     const std::size_t id_at = position_of(objects_, columns::kId);
     const std::size_t parent_at = position_of(objects_, columns::kParentId);
     const std::size_t name_at = position_of(objects_, columns::kName);
@@ -69,32 +75,49 @@ const std::vector<Catalog::Object>& Catalog::tables() const {
     for (auto id = objects_.next_row({}); id; id = objects_.next_row(*id)) {
         if (!objects_.read(*id, row)) continue;
         if (value_or<std::int32_t>(row, parent_at, 0) != jet4::kTablesContainer) continue;
+        if (objects.size() == jet4::kMaxObjects) corrupt(id->page, "the catalogue has more objects than it can have");
         Object object;
         object.entry.name = value_or<std::u16string>(row, name_at, {});
+        if (object.entry.name.size() > jet4::kMaxTextCharacters) corrupt(id->page, "the name of an object is too long");
         object.entry.id = value_or<std::int32_t>(row, id_at, 0);
         object.entry.type = value_or<std::int16_t>(row, type_at, 0);
         object.entry.flags = static_cast<std::uint32_t>(value_or<std::int32_t>(row, flags_at, 0));
         object.row = *id;
-        found.push_back(std::move(object));
+        objects.push_back(std::move(object));
     }
+    found.by_id.resize(objects.size());
+    std::iota(found.by_id.begin(), found.by_id.end(), 0u);
+    found.by_name = found.by_id;
+    const auto by_id = [&](std::uint32_t a, std::uint32_t b) { return objects[a].entry.id < objects[b].entry.id; };
+    const auto by_name = [&](std::uint32_t a, std::uint32_t b) {
+        return compare_text(objects[a].entry.name, objects[b].entry.name) < 0;
+    };
+    std::stable_sort(found.by_id.begin(), found.by_id.end(), by_id);
+    std::stable_sort(found.by_name.begin(), found.by_name.end(), by_name);
     known_ = std::move(found);
     return *known_;
 }
 
 const Catalog::Object* Catalog::find(std::u16string_view name) const {
-    const std::vector<Object>& objects = tables();
-    const auto exact =
-        std::find_if(objects.begin(), objects.end(), [&](const Object& o) { return o.entry.name == name; });
-    if (exact != objects.end()) return &*exact;
-    const auto same =
-        std::find_if(objects.begin(), objects.end(), [&](const Object& o) { return same_name(o.entry.name, name); });
-    return same == objects.end() ? nullptr : &*same;
+    const Known& all = known();
+    const auto name_of = [&](std::uint32_t place) -> const std::u16string& { return all.objects[place].entry.name; };
+    const auto first = std::lower_bound(
+        all.by_name.begin(), all.by_name.end(), name,
+        [&](std::uint32_t place, std::u16string_view wanted) { return compare_text(name_of(place), wanted) < 0; });
+    const Object* same = nullptr;
+    for (auto at = first; at != all.by_name.end() && same_name(name_of(*at), name); ++at) {
+        if (name_of(*at) == name) return &all.objects[*at];
+        if (!same) same = &all.objects[*at];
+    }
+    return same;
 }
 
 const Catalog::Object* Catalog::find(std::int32_t id) const {
-    const std::vector<Object>& objects = tables();
-    const auto found = std::find_if(objects.begin(), objects.end(), [&](const Object& o) { return o.entry.id == id; });
-    return found == objects.end() ? nullptr : &*found;
+    const Known& all = known();
+    const auto found = std::lower_bound(
+        all.by_id.begin(), all.by_id.end(), id,
+        [&](std::uint32_t place, std::int32_t wanted) { return all.objects[place].entry.id < wanted; });
+    return found == all.by_id.end() || all.objects[*found].entry.id != id ? nullptr : &all.objects[*found];
 }
 
 PropertySet Catalog::properties(const Object& object) const {

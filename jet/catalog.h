@@ -67,7 +67,15 @@ public:
 private:
     Table& objects_;
     Table& aces_;
-    mutable std::optional<std::vector<Object>> known_;
+    // The objects, and their places in the orders they are looked up by.
+    struct Known {
+        std::vector<Object> objects;
+        std::vector<std::uint32_t> by_id;
+        std::vector<std::uint32_t> by_name;  // names in any case
+    };
+    const Known& known() const;
+
+    mutable std::optional<Known> known_;
 };
 
 }  // namespace jet

@@ -53,10 +53,9 @@ Context::Context(Database& checked, std::vector<Violation>& into)
     : database(checked), pager(checked.pager()), violations_(into), uses_(pager.page_count(), Use::kNone) {}
 
 void Context::report(PageNumber page, int row, std::string rule, std::string detail) {
-    if (violations_.size() > kMaxViolations) return;
     if (violations_.size() == kMaxViolations) {
         violations_.push_back({0, -1, "more", "There is more damage than is listed."});
-        return;
+        throw Enough{};
     }
     violations_.push_back({page, row, std::move(rule), std::move(detail)});
 }
@@ -145,11 +144,7 @@ void check_file_size(Context& context, Pager& pager) {
     }
 }
 
-}  // namespace
-
-std::vector<Violation> check_structure(Database& database) {
-    std::vector<Violation> violations;
-    Context context(database, violations);
+void check_all(Context& context, Database& database) {
     check_file_size(context, database.pager());
     context.claim(jet4::kHeaderPage, Use::kFixed);
     context.guard(jet4::kGlobalMapPage, "map", [&] {
@@ -160,6 +155,18 @@ std::vector<Violation> check_structure(Database& database) {
     for (const PageNumber page : table_pages(context)) check_table(context, page);
     context.finish_map_pages();
     context.finish_pages();
+}
+
+}  // namespace
+
+std::vector<Violation> check_structure(Database& database) {
+    std::vector<Violation> violations;
+    Context context(database, violations);
+    try {
+        check_all(context, database);
+    } catch (const check::Enough&) {
+        // The last of the violations says so.
+    }
     return violations;
 }
 

@@ -19,21 +19,6 @@ void check_free_count(Context& context, PageNumber page_no, ByteSpan bytes, std:
                        std::to_string(expected) + ".");
 }
 
-void check_fixed_area(Context& context, const TableDef& def) {
-    std::vector<const ColumnDef*> fixed;
-    for (const ColumnDef& column : def.columns) {
-        if (column.is_fixed() && column.type != ColumnType::kBoolean) fixed.push_back(&column);
-    }
-    std::sort(fixed.begin(), fixed.end(),
-              [](const ColumnDef* a, const ColumnDef* b) { return a->fixed_offset < b->fixed_offset; });
-    for (std::size_t i = 1; i < fixed.size(); ++i) {
-        if (fixed[i - 1]->fixed_offset + fixed[i - 1]->length_bytes <= fixed[i]->fixed_offset) continue;
-        context.report(def.page, -1, "fixed-overlap",
-                       "Columns '" + to_utf8(fixed[i - 1]->name) + "' and '" + to_utf8(fixed[i]->name) +
-                           "' share bytes of the row.");
-    }
-}
-
 }  // namespace
 
 std::optional<TableDef> check_definition(Context& context, PageNumber page) {
@@ -63,7 +48,6 @@ std::optional<TableDef> check_definition(Context& context, PageNumber page) {
             return;
         }
         def = parse_table_def(joined, page);
-        check_fixed_area(context, *def);
     });
     return def;
 }

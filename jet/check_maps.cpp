@@ -60,18 +60,21 @@ std::optional<std::vector<CheckedSlot>> Context::read_slots(PageNumber page_no, 
     return slots;
 }
 
-void Context::claim_map_row(RowId row, std::string_view whose) {
+bool Context::claim_map_row(RowId row, std::string_view whose) {
     const bool known_page = map_rows_.count(row.page) != 0;
     if (!known_page) claim(row.page, Use::kMapRows);
-    if (!map_rows_[row.page].insert(row)) {
-        report(row.page, row.slot, "map-row-twice", "A second map stands in this row: of " + std::string(whose) + ".");
-    }
+    if (map_rows_[row.page].insert(row)) return true;
+    report(row.page, row.slot, "map-row-twice", "A second map stands in this row: of " + std::string(whose) + ".");
+    return false;
 }
 
 std::optional<std::vector<PageNumber>> Context::read_map(RowId row, std::string_view whose) {
     std::vector<PageNumber> members;
     if (row.is_null()) return members;
-    claim_map_row(row, whose);
+    if (!claim_map_row(row, whose)) {
+        mark_incomplete();
+        return std::nullopt;
+    }
     bool inside = true;
     const bool read = guard(row.page, "map", [&] {
         const Page page = pager.read(row.page);

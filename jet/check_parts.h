@@ -43,10 +43,14 @@ struct CheckedSlot {
     std::uint16_t length = 0;
 };
 
+// Ends the check: there is more damage than is worth listing, and than finding it may cost.
+struct Enough {};
+
 class Context {
 public:
     Context(Database& checked, std::vector<Violation>& into);
 
+    // Throws Enough when the list is full.
     void report(PageNumber page, int row, std::string rule, std::string detail);
     // Runs `part`; damage that it meets on its way is reported under `rule`. Returns whether it finished.
     bool guard(PageNumber page, const char* rule, const std::function<void()>& part);
@@ -56,7 +60,8 @@ public:
     Use use_of(PageNumber page) const { return uses_[page]; }
 
     // Takes the row for one map, and the page it stands on for map rows.
-    void claim_map_row(RowId row, std::string_view whose);
+    // False, reported, when another map stands there.
+    bool claim_map_row(RowId row, std::string_view whose);
     // The members of a map, in order; its row and its bitmap pages are claimed. None, reported, when the
     // map is damaged. A null row is an empty map.
     std::optional<std::vector<PageNumber>> read_map(RowId row, std::string_view whose);

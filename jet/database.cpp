@@ -6,6 +6,8 @@
 #include <set>
 
 #include "jet/catalog.h"
+#include "jet/collation.h"
+#include "jet/definition_pages.h"
 #include "jet/file_errors.h"
 #include "jet/header.h"
 #include "jet/journal.h"
@@ -83,6 +85,25 @@ void write_new_file(const std::string& path, ByteSpan pages) {
     }
 }
 
+// Finds columns without going through all of them.
+class ColumnsByName {
+public:
+    explicit ColumnsByName(TableDef& def) {
+        for (ColumnDef& column : def.columns) columns_.push_back(&column);
+        std::stable_sort(columns_.begin(), columns_.end(),
+                         [](const ColumnDef* a, const ColumnDef* b) { return compare_text(a->name, b->name) < 0; });
+    }
+    ColumnDef* find(std::u16string_view name) const {
+        const auto found = std::lower_bound(
+            columns_.begin(), columns_.end(), name,
+            [](const ColumnDef* column, std::u16string_view wanted) { return compare_text(column->name, wanted) < 0; });
+        return found != columns_.end() && same_name((*found)->name, name) ? *found : nullptr;
+    }
+
+private:
+    std::vector<ColumnDef*> columns_;
+};
+
 FileHeader read_header(os::File& file, const std::string& path) {
     ByteVector page(jet4::kPageSize);
     const std::size_t got = with_engine_errors([&] { return file.read(0, page); });
@@ -104,8 +125,20 @@ struct Database::Impl {
     std::optional<OpenPaths> open_path;
     std::map<PageNumber, std::unique_ptr<Table>> tables;
     std::unique_ptr<Catalog> catalog;
+    std::map<PageNumber, PageNumber> definitions;  // pages of the loaded definitions, and their first pages
+    ChainOwners chain_owners;
     DamageListener on_damage;
     std::set<std::pair<PageNumber, std::string>> named_damage;
+
+    // A page of two definitions would be changed for the one behind the back of the other.
+    void claim_definition(const std::vector<PageNumber>& pages) {
+        for (const PageNumber page : pages) {
+            const bool is_other = page != pages.front() && catalog && catalog->find(static_cast<std::int32_t>(page));
+            if (is_other || definitions.emplace(page, pages.front()).first->second != pages.front()) {
+                corrupt(page, "a page of a table definition belongs to two tables");
+            }
+        }
+    }
 };
 
 std::unique_ptr<Database> Database::create(const std::string& path, const CreateOptions& options) {
@@ -151,6 +184,8 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
 Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {
     impl_->pager.set_rollback_listener([this] {
         impl_->allocator.forget();
+        impl_->definitions.clear();
+        impl_->chain_owners.forget();
         for (auto& [page, table] : impl_->tables) table->forget();
         if (impl_->catalog) impl_->catalog->forget();
     });
@@ -178,6 +213,7 @@ void Database::open_catalog() {
 const std::string& Database::path() const { return impl_->pager.path(); }
 Pager& Database::pager() { return impl_->pager; }
 PageAllocator& Database::allocator() { return impl_->allocator; }
+ChainOwners& Database::chain_owners() { return impl_->chain_owners; }
 
 void Database::close() {
     struct Release {
@@ -197,23 +233,30 @@ void Database::close() {
 }
 
 TableDef Database::load_table_def(PageNumber page, const std::u16string& name) const {
-    TableDef def = parse_table_def(read_definition(impl_->pager, page), page);
+    const DefinitionPages read = read_definition(impl_->pager, page);
+    impl_->claim_definition(read.pages);
+    TableDef def = parse_table_def(read.bytes, page);
     def.name = name;
     // The catalogue's own tables have no properties, and asking it for them would go in a circle.
     if (page <= jet4::kRelationshipsPage) return def;
     if (const Catalog::Object* object = impl_->catalog->find(static_cast<std::int32_t>(page))) {
         try {
             const PropertySet properties = impl_->catalog->properties(*object);
-            for (ColumnDef& column : def.columns) {
-                column.allow_zero_length = properties.column_flag(column.name, u"AllowZeroLength", true);
-                column.required = properties.column_flag(column.name, u"Required", false);
-            }
+            const ColumnsByName columns(def);
+            properties.visit_column_flags(u"AllowZeroLength", [&](std::u16string_view owner, bool value) {
+                if (ColumnDef* column = columns.find(owner)) column->allow_zero_length = value;
+            });
+            properties.visit_column_flags(u"Required", [&](std::u16string_view owner, bool value) {
+                if (ColumnDef* column = columns.find(owner)) column->required = value;
+            });
         } catch (const Error& error) {
             if (!passes_over(object->row.page, error)) throw;
         }
     }
     return def;
 }
+
+void Database::forget_definition_pages() { impl_->definitions.clear(); }
 
 bool Database::passes_over(PageNumber page, const Error& error) const {
     if (!impl_->on_damage) return false;

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "jet/chain_owners.h"
 #include "jet/pager.h"
 #include "jet/salvage.h"
 #include "jet/table.h"
@@ -84,11 +85,14 @@ public:
 
     Pager& pager();
     PageAllocator& allocator();
+    ChainOwners& chain_owners();
     // The definition on `page`, its properties included. 3049 when there is none.
     TableDef load_table_def(PageNumber page, const std::u16string& name) const;
     // Tells the listener of `on_damage` that `page`, or what lies on it, cannot be read. False when there is none, or
     // the error is no damage: then it is to be thrown on.
     bool passes_over(PageNumber page, const Error& error) const;
+    // Pages of definitions are about to change hands.
+    void forget_definition_pages();
 
 private:
     struct Impl;

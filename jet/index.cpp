@@ -72,13 +72,19 @@ public:
         Path path = descend(target);
         IndexPage& leaf = path.back().page;
         std::size_t position = path.back().position;
+        ByteVector last;  // of the leaves so far: what follows comes after it, so no leaf comes twice
         for (std::uint32_t pages = 0; pages <= pager_.page_count(); ++pages) {
             for (; position < leaf.size(); ++position) {
                 if (!visitor(leaf.entry(position))) return;
             }
             if (leaf.next == 0) return;
-            leaf = load_leaf(leaf.next);
+            if (leaf.size() > 0) last.assign(leaf.last_entry().begin(), leaf.last_entry().end());
+            const PageNumber next = leaf.next;
+            leaf = load_leaf(next);
             position = 0;
+            if (!last.empty() && leaf.size() > 0 && compare_entries(last, leaf.entry(0)) >= 0) {
+                corrupt(next, "the index entries are out of order");
+            }
         }
         corrupt(root_, "the chain of index leaves has no end");
     }

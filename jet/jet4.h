@@ -77,6 +77,7 @@ inline constexpr std::size_t kBitmap = 5;
 inline constexpr std::size_t kDefaultRow = 69;
 inline constexpr std::size_t kPagePrefix = 4;  // 05 01 00 00
 inline constexpr std::uint32_t kPagesPerBitmap = 8 * (kPageSize - kPagePrefix);
+inline constexpr std::size_t kMaxBitmaps = (kMaxPages + kPagesPerBitmap - 1) / kPagesPerBitmap;
 }  // namespace usage
 
 namespace tdef {
@@ -204,6 +205,9 @@ inline constexpr std::size_t kValueHeader = 8;  // u16 length, u8 ddl, u8 type, 
 
 inline constexpr std::size_t kMaxNameCharacters = 64;
 inline constexpr std::size_t kMaxColumns = 255;
+inline constexpr std::size_t kMaxIndexes = 32;          // trees of a table
+inline constexpr std::size_t kMaxLogicalIndexes = 255;  // names for them, one for each relationship among them
+inline constexpr std::size_t kMaxObjects = 32768;       // of a catalogue
 inline constexpr std::size_t kMaxTextCharacters = 255;
 inline constexpr std::uint16_t kGeneralOrder = 0x0409;  // LCID 1033, sort version 0
 

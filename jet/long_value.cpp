@@ -42,6 +42,27 @@ ByteSpan piece_of(const Page& page, RowId row) {
     return data.row(slot);
 }
 
+// Finds a chain that comes back to a piece, without remembering more than one: the one to compare with is set anew
+// after 1, 2, 4, 8... steps.
+class Circle {
+public:
+    explicit Circle(RowId start) : mark_(start) {}
+    bool closes_at(RowId next) {
+        if (next == mark_) return !next.is_null();
+        if (++steps_ == limit_) {
+            mark_ = next;
+            limit_ *= 2;
+            steps_ = 0;
+        }
+        return false;
+    }
+
+private:
+    RowId mark_;
+    std::uint64_t steps_ = 0;
+    std::uint64_t limit_ = 1;
+};
+
 }  // namespace
 
 ByteVector LongValues::encode_memo(std::u16string_view text) {
@@ -59,7 +80,7 @@ void LongValues::prefetch(ByteSpan reference) const {
     if (!inline_bytes(reference)) pager_.prefetch(parse_reference(reference).row.page);
 }
 
-ByteVector LongValues::read(ByteSpan reference) const {
+ByteVector LongValues::read(ByteSpan reference, const ValueId* value) const {
     if (const auto bytes = inline_bytes(reference)) return {bytes->begin(), bytes->end()};
     const Reference ref = parse_reference(reference);
     if (ref.kind == lv::kSingle) {
@@ -68,15 +89,20 @@ ByteVector LongValues::read(ByteSpan reference) const {
         return {bytes.begin(), bytes.end()};
     }
     if (ref.kind != 0) corrupt(ref.row.page, "a long value is of an unknown kind");
-    // The length is not believed before as many bytes have been seen; a chain longer than the file is a circle.
+    // The length is not believed before as many bytes have been seen.
     ByteVector bytes;
+    bytes.reserve(std::min<std::size_t>(ref.length, std::size_t{pager_.page_count()} * lv::kChainData));
     RowId next = ref.row;
-    for (std::uint32_t pieces = 0; bytes.size() < ref.length; ++pieces) {
-        if (next.is_null() || pieces > pager_.page_count())
-            corrupt(ref.row.page, "the chain of a long value is broken");
+    Circle circle(next);
+    while (bytes.size() < ref.length) {
+        if (next.is_null()) corrupt(ref.row.page, "the chain of a long value is broken");
         const Page page = pager_.read(next.page);
         const ByteSpan piece = piece_of(page, next);
+        if (owners_ && value && !owners_->claim(next.page, *value)) {
+            corrupt(next.page, "two long values share a page of their chains");
+        }
         next = RowId::unpack(load_u32(piece, 0));
+        if (circle.closes_at(next)) corrupt(next.page, "the chain of a long value is a circle");
         const std::size_t wanted = std::min<std::size_t>(piece.size() - 4, ref.length - bytes.size());
         append_bytes(bytes, piece.subspan(4, wanted));
     }
@@ -158,8 +184,8 @@ void LongValues::release(const ColumnDef& column, ByteSpan reference) {
     UsageMap free_pages(pager_, allocator_, column.free_map);
     std::uint32_t left = ref.length;
     RowId row = ref.row;
-    for (std::uint32_t pieces = 0; !row.is_null(); ++pieces) {
-        if (pieces > pager_.page_count()) corrupt(row.page, "the chain of a long value is a circle");
+    // A circle ends at a piece that is deleted already.
+    while (!row.is_null()) {
         RowId next;
         {
             const Page page = pager_.read(row.page);
@@ -173,6 +199,7 @@ void LongValues::release(const ColumnDef& column, ByteSpan reference) {
         if (!owned.contains(row.page)) corrupt(row.page, "a long value is on no page of its column");
         const MutablePage page = pager_.modify(row.page);
         delete_row(page.bytes(), row.page, row.slot);
+        if (owners_) owners_->release(row.page);
         if (DataPage(page.bytes(), row.page).all_deleted()) {
             owned.remove(row.page);
             free_pages.remove(row.page);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "jet/bytes.h"
+#include "jet/chain_owners.h"
 #include "jet/table_def.h"
 #include "jet/usage_map.h"
 
@@ -12,10 +13,13 @@ namespace jet {
 
 class LongValues {
 public:
-    LongValues(Pager& pager, PageAllocator& allocator) : pager_(pager), allocator_(allocator) {}
+    // `owners`, where given, is kept of the chains read for a value that is named.
+    LongValues(Pager& pager, PageAllocator& allocator, ChainOwners* owners = nullptr)
+        : pager_(pager), allocator_(allocator), owners_(owners) {}
 
-    // All bytes behind a stored reference. An empty field reads as an empty value.
-    ByteVector read(ByteSpan reference) const;
+    // All bytes behind a stored reference. An empty field reads as an empty value. 3049 for a chain that is broken,
+    // or whose pages belong to another value than `value`.
+    ByteVector read(ByteSpan reference, const ValueId* value = nullptr) const;
     // Says that they will soon be read.
     void prefetch(ByteSpan reference) const;
     // The bytes themselves where they stand behind the reference; none for a value on pages of its own.
@@ -35,6 +39,7 @@ private:
 
     Pager& pager_;
     PageAllocator& allocator_;
+    ChainOwners* owners_;
 };
 
 }  // namespace jet

@@ -3,6 +3,7 @@
 #include "jet/properties.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "jet/jet4.h"
 
@@ -44,7 +45,11 @@ private:
     ByteSpan bytes_;
 };
 
-PropertyBlock parse_block(std::uint16_t type, BlobReader reader, const std::vector<std::u16string>& names) {
+// Blocks that a table of the most columns can have, and some of columns that are gone.
+constexpr std::size_t kMaxBlocks = 2 * jet4::kMaxColumns;
+constexpr std::size_t kMaxNames = 0x10000;  // a value has two bytes to name one
+
+PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& set) {
     PropertyBlock block;
     block.type = type;
     const std::uint32_t header_bytes = reader.take_u32();
@@ -55,14 +60,13 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, const std::vect
         const std::uint16_t length = reader.take_u16();
         property.ddl = reader.take_u8();
         property.type = static_cast<ColumnType>(reader.take_u8());
-        const std::uint16_t name = reader.take_u16();
-        const std::uint16_t data_bytes = reader.take_u16();
-        if (length != format::kValueHeader + data_bytes) damaged("hold a value of a wrong length");
-        if (name >= names.size()) damaged("hold a value without a name");
-        property.name = names[name];
-        const ByteSpan data = reader.take(data_bytes);
-        property.data.assign(data.begin(), data.end());
-        block.properties.push_back(std::move(property));
+        property.name = reader.take_u16();
+        property.data_bytes = reader.take_u16();
+        if (length != format::kValueHeader + property.data_bytes) damaged("hold a value of a wrong length");
+        if (property.name >= set.names.size()) damaged("hold a value without a name");
+        property.data_at = static_cast<std::uint32_t>(set.data.size());
+        append_bytes(set.data, reader.take(property.data_bytes));
+        block.properties.push_back(property);
     }
     return block;
 }
@@ -78,41 +82,71 @@ void append_block(ByteVector& to, std::uint16_t type, ByteSpan body) {
     append_bytes(to, body);
 }
 
-// `Set` is PropertySet, const or not; so is the property found.
-template <class Set>
-auto* find_property(Set& set, std::u16string_view column, std::u16string_view name) {
-    decltype(&set.blocks[0].properties[0]) found = nullptr;
-    for (auto& block : set.blocks) {
-        if (block.type != format::kColumnBlock || !same_name(block.owner, column)) continue;
-        for (auto& property : block.properties) {
-            if (!found && same_name(property.name, name)) found = &property;
-        }
-    }
-    return found;
+// Which of the names are `wanted`, in any case.
+std::vector<bool> names_like(const std::vector<std::u16string>& names, std::u16string_view wanted) {
+    std::vector<bool> like(names.size());
+    for (std::size_t i = 0; i < names.size(); ++i) like[i] = same_name(names[i], wanted);
+    return like;
+}
+
+bool is_true(ByteSpan data) {
+    return std::any_of(data.begin(), data.end(), [](std::uint8_t byte) { return byte != 0; });
 }
 
 }  // namespace
 
+void PropertySet::set_data(Property& property, ByteSpan bytes) {
+    property.data_at = static_cast<std::uint32_t>(data.size());
+    property.data_bytes = static_cast<std::uint16_t>(bytes.size());
+    append_bytes(data, bytes);
+}
+
+void PropertySet::visit_column_flags(std::u16string_view property,
+                                     const std::function<void(std::u16string_view column, bool value)>& visit) const {
+    const std::vector<bool> wanted = names_like(names, property);
+    for (const PropertyBlock& block : blocks) {
+        if (block.type != format::kColumnBlock) continue;
+        const auto found = std::find_if(block.properties.begin(), block.properties.end(),
+                                        [&](const Property& candidate) { return wanted[candidate.name]; });
+        if (found != block.properties.end()) visit(block.owner, is_true(data_of(*found)));
+    }
+}
+
 bool PropertySet::column_flag(std::u16string_view column, std::u16string_view property, bool absent) const {
-    const Property* found = find_property(*this, column, property);
-    if (!found) return absent;
-    return std::any_of(found->data.begin(), found->data.end(), [](std::uint8_t byte) { return byte != 0; });
+    std::optional<bool> flag;
+    visit_column_flags(property, [&](std::u16string_view owner, bool value) {
+        if (!flag && same_name(owner, column)) flag = value;
+    });
+    return flag.value_or(absent);
 }
 
 void PropertySet::set_column_flag(std::u16string_view column, std::u16string_view property, bool value) {
-    const ByteVector data{static_cast<std::uint8_t>(value ? 1 : 0)};
-    if (Property* found = find_property(*this, column, property)) {
-        found->data = data;
-        return;
+    const std::uint8_t stored[] = {static_cast<std::uint8_t>(value ? 1 : 0)};
+    const std::vector<bool> wanted = names_like(names, property);
+    PropertyBlock* own_block = nullptr;
+    for (PropertyBlock& block : blocks) {
+        if (block.type != format::kColumnBlock || !same_name(block.owner, column)) continue;
+        if (!own_block) own_block = &block;
+        for (Property& candidate : block.properties) {
+            if (!wanted[candidate.name]) continue;
+            set_data(candidate, stored);
+            return;
+        }
     }
-    const auto is_columns_block = [&](const PropertyBlock& block) {
-        return block.type == format::kColumnBlock && same_name(block.owner, column);
-    };
-    auto block = std::find_if(blocks.begin(), blocks.end(), is_columns_block);
-    if (block == blocks.end()) {
-        block = blocks.insert(blocks.end(), {format::kColumnBlock, std::u16string(column), {}});
+    if (!own_block) {
+        blocks.push_back({format::kColumnBlock, std::u16string(column), {}});
+        own_block = &blocks.back();
     }
-    block->properties.push_back({std::u16string(property), 1, ColumnType::kBoolean, data});
+    auto name = std::find(names.begin(), names.end(), property);
+    if (name == names.end()) {
+        if (names.size() == kMaxNames) damaged("have no room for another name");
+        name = names.insert(names.end(), std::u16string(property));
+    }
+    Property added;
+    added.name = static_cast<std::uint16_t>(name - names.begin());
+    added.ddl = 1;
+    set_data(added, stored);
+    own_block->properties.push_back(added);
 }
 
 void PropertySet::remove_column(std::u16string_view column) {
@@ -135,9 +169,13 @@ PropertySet parse_properties(ByteSpan blob) {
         if (type == format::kNameBlock) {
             if (named) damaged("have two lists of names");
             named = true;
-            while (!body.at_end()) set.names.push_back(body.take_name());
+            while (!body.at_end()) {
+                if (set.names.size() == kMaxNames) damaged("have too many names");
+                set.names.push_back(body.take_name());
+            }
         } else if (type == format::kObjectBlock || type == format::kColumnBlock) {
-            set.blocks.push_back(parse_block(type, body, set.names));
+            if (set.blocks.size() == kMaxBlocks) damaged("belong to more columns than a table can have");
+            set.blocks.push_back(parse_block(type, body, set));
         } else {
             damaged("hold a block of an unknown kind");
         }
@@ -147,26 +185,18 @@ PropertySet parse_properties(ByteSpan blob) {
 
 ByteVector build_properties(const PropertySet& set) {
     if (set.names.empty() && set.blocks.empty()) return {};
-    std::vector<std::u16string> names = set.names;
-    const auto number_of = [&](const std::u16string& name) {
-        const auto found = std::find(names.begin(), names.end(), name);
-        const auto number = static_cast<std::uint16_t>(found - names.begin());
-        if (found == names.end()) names.push_back(name);
-        return number;
-    };
-
     ByteVector values;
     for (const PropertyBlock& block : set.blocks) {
         ByteVector body;
         append_u32(body, static_cast<std::uint32_t>(format::kOwnerHeader + 2 * block.owner.size()));
         append_name(body, block.owner);
         for (const Property& property : block.properties) {
-            append_u16(body, static_cast<std::uint16_t>(format::kValueHeader + property.data.size()));
+            append_u16(body, static_cast<std::uint16_t>(format::kValueHeader + property.data_bytes));
             append_u8(body, property.ddl);
             append_u8(body, static_cast<std::uint8_t>(property.type));
-            append_u16(body, number_of(property.name));
-            append_u16(body, static_cast<std::uint16_t>(property.data.size()));
-            append_bytes(body, property.data);
+            append_u16(body, property.name);
+            append_u16(body, property.data_bytes);
+            append_bytes(body, set.data_of(property));
         }
         append_block(values, block.type, body);
     }
@@ -174,7 +204,7 @@ ByteVector build_properties(const PropertySet& set) {
     ByteVector blob;
     append_u32(blob, format::kMagicValue);
     ByteVector name_list;
-    for (const std::u16string& name : names) append_name(name_list, name);
+    for (const std::u16string& name : set.names) append_name(name_list, name);
     append_block(blob, format::kNameBlock, name_list);
     append_bytes(blob, values);
     return blob;

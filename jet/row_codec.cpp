@@ -18,6 +18,7 @@ std::size_t mask_bytes(std::size_t columns) { return (columns + 7) / 8; }
 RowReader::RowReader(ByteSpan row, const TableDef& def) : row_(row), table_page_(def.page) {
     column_count_ = load_u16(row, 0);
     const std::size_t mask = mask_bytes(column_count_);
+    if (column_count_ > def.max_columns) corrupt(def.page, "a row has more columns than its table ever had");
     if (kCountBytes + mask > row.size()) corrupt(def.page, "a row of the table is shorter than its null mask");
     mask_ = row.subspan(row.size() - mask);
 }

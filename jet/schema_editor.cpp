@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jet/data_page.h"
+#include "jet/definition_pages.h"
 #include "jet/long_value.h"
 #include "os/system.h"
 
@@ -11,8 +12,6 @@ namespace jet {
 namespace tdef = jet4::tdef;
 
 namespace {
-
-constexpr std::size_t kContinuationBytes = jet4::kPageSize - tdef::kPageHeader;
 
 void check_name(std::u16string_view name, int number, const char* what) {
     const auto forbidden = [](char16_t c) {
@@ -94,69 +93,34 @@ void describe(PropertySet& properties, const ColumnDef& column) {
 
 }  // namespace
 
-ByteVector read_definition(Pager& pager, PageNumber first) {
-    ByteVector bytes;
-    std::uint32_t visited = 0;
-    for (PageNumber page_no = first; page_no != 0; ++visited) {
-        if (visited > pager.page_count()) corrupt(first, "the pages of a table definition go in a circle");
-        const Page page = pager.read(page_no);
-        if (page.bytes()[0] != jet4::kTableDefPage) corrupt(page_no, "a page of a table definition was expected");
-        append_bytes(bytes, page.bytes().subspan(visited == 0 ? 0 : tdef::kPageHeader));
-        if (visited == 0) {
-            const std::uint32_t length = load_u32(bytes, tdef::kLength);
-            if (length > std::uint64_t{pager.page_count()} * jet4::kPageSize)
-                corrupt(first, "a table definition is longer than the file");
-        }
-        page_no = bytes.size() < load_u32(bytes, tdef::kLength) ? load_u32(page.bytes(), tdef::kNext) : 0;
-    }
-    const std::uint32_t length = load_u32(bytes, tdef::kLength);
-    if (length < tdef::kFixedHeader || length > bytes.size()) corrupt(first, "a table definition is cut short");
-    bytes.resize(length);
-    return bytes;
-}
-
-// Writes the definition over the chain that begins at def.page, which grows or shrinks as needed.
+// Writes the definition over the chain that begins at def.page, which grows or shrinks as needed. Only pages that the
+// present definition has been read from are used again.
 void SchemaEditor::store_definition(const TableDef& def) {
     Pager& pager = database_.pager();
+    PageAllocator& allocator = database_.allocator();
+    std::vector<PageNumber> pages{def.page};
+    if (pager.read(def.page).bytes()[0] == jet4::kTableDefPage) pages = read_definition(pager, def.page).pages;
     const ByteVector bytes = build_table_def(def);
-    PageNumber page_no = def.page;
     std::size_t at = 0;
-    while (true) {
-        const bool first = at == 0;
-        const MutablePage page = pager.modify(page_no);
-        PageNumber next = page.bytes()[0] == jet4::kTableDefPage ? load_u32(page.bytes(), tdef::kNext) : 0;
+    for (std::size_t i = 0; at < bytes.size(); ++i) {
+        const std::size_t head = i == 0 ? 0 : tdef::kPageHeader;
+        const std::size_t count = std::min(bytes.size() - at, jet4::kPageSize - head);
+        const bool is_last = at + count == bytes.size();
+        if (!is_last && i + 1 == pages.size()) pages.push_back(allocator.allocate().number());
+        const MutablePage page = pager.modify(pages[i]);
         std::fill(page.bytes().begin(), page.bytes().end(), std::uint8_t{0});
-        const std::size_t head = first ? 0 : tdef::kPageHeader;
-        const std::size_t count = std::min(bytes.size() - at, first ? jet4::kPageSize : kContinuationBytes);
         store_bytes(page.bytes(), head, ByteSpan(bytes).subspan(at, count));
-        at += count;
         page.bytes()[0] = jet4::kTableDefPage;
         page.bytes()[jet4::kPageKindMark] = 1;
         const std::size_t unused = jet4::kPageSize - head - count;
         store_u16(page.bytes(), tdef::kFree,
                   static_cast<std::uint16_t>(unused > tdef::kPageHeader ? unused - tdef::kPageHeader : 0));
-        if (at < bytes.size()) {
-            if (next == 0) {
-                const MutablePage fresh = database_.allocator().allocate();
-                next = fresh.number();
-            }
-            store_u32(page.bytes(), tdef::kNext, next);
-            page_no = next;
-            continue;
-        }
-        store_u32(page.bytes(), tdef::kNext, 0);
-        for (std::uint32_t freed = 0; next != 0; ++freed) {
-            if (freed > pager.page_count()) corrupt(def.page, "the pages of a table definition go in a circle");
-            const PageNumber unused_page = next;
-            {
-                const Page page_behind = pager.read(unused_page);
-                if (page_behind.bytes()[0] != jet4::kTableDefPage) break;
-                next = load_u32(page_behind.bytes(), tdef::kNext);
-            }
-            database_.allocator().free(unused_page);
-        }
-        return;
+        store_u32(page.bytes(), tdef::kNext, is_last ? 0 : pages[i + 1]);
+        at += count;
+        if (!is_last) continue;
+        for (std::size_t spare = i + 1; spare < pages.size(); ++spare) allocator.free(pages[spare]);
     }
+    database_.forget_definition_pages();
 }
 
 void SchemaEditor::create_table(std::u16string_view name, std::span<const NewColumn> columns) {
@@ -269,6 +233,7 @@ void SchemaEditor::delete_column(Table& table, std::u16string_view name) {
             }
             database_.allocator().free(*page);
         }
+        database_.chain_owners().forget();
         owned.destroy();
         UsageMap(database_.pager(), database_.allocator(), column.free_map).destroy();
     }

@@ -28,7 +28,4 @@ private:
     const FileHeader& header_;
 };
 
-// The logical definition on `page`: its pages joined. 3049 when the chain is broken.
-ByteVector read_definition(Pager& pager, PageNumber page);
-
 }  // namespace jet

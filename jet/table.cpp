@@ -38,8 +38,8 @@ void RowView::value(std::size_t position, Value& into) const {
         if (!stored) {
             into = Null{};
         } else if (column.is_long()) {
-            const LongValues long_values(table_->database().pager(), table_->database().allocator());
-            decode_value(long_values.read(*stored), column, into);
+            const ValueId id{table_->def().page, row_, column.number};
+            decode_value(table_->long_values().read(*stored, &id), column, into);
         } else {
             decode_value(*stored, column, into);
         }
@@ -77,7 +77,7 @@ std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
 bool RowView::is_null(std::size_t position) const { return !stored(position).has_value(); }
 
 void RowView::prefetch_long_values() const {
-    const LongValues long_values(table_->database().pager(), table_->database().allocator());
+    const LongValues long_values = table_->long_values();
     try {
         for (const ColumnDef& column : table_->def().columns) {
             if (!column.is_long()) continue;
@@ -87,6 +87,8 @@ void RowView::prefetch_long_values() const {
         // What is damaged concerns only who reads it.
     }
 }
+
+LongValues Table::long_values() const { return {database_.pager(), database_.allocator(), &database_.chain_owners()}; }
 
 Table::Table(Database& database, TableDef def)
     : database_(database),
@@ -309,12 +311,12 @@ void Table::store_counts() {
 
 ByteVector Table::encode_fitting(std::vector<StoredValue>& stored) {
     ByteVector row = encode_row(def_, stored);
-    LongValues long_values(database_.pager(), database_.allocator());
+    LongValues values_on_pages = long_values();
     // A row that is too long gives its inline long values away, one by one.
     for (std::size_t i = 0; i < stored.size() && row.size() > jet4::data::kMaxRow; ++i) {
         const ColumnDef& column = def_.columns[i];
         if (!column.is_long() || !stored[i] || stored[i]->size() <= jet4::long_value::kReference) continue;
-        stored[i] = long_values.write(column, long_values.read(*stored[i]), false);
+        stored[i] = values_on_pages.write(column, values_on_pages.read(*stored[i]), false);
         row = encode_row(def_, stored);
     }
     if (row.size() > jet4::data::kMaxRow) {
@@ -495,7 +497,7 @@ RowId Table::insert(std::vector<Value> values) {
     const MapKeys new_map_keys = map_keys([&](std::size_t position) -> const Value& { return values[position]; });
 
     Transaction transaction(database_.pager());
-    LongValues long_values(database_.pager(), database_.allocator());
+    LongValues values_on_pages = long_values();
     std::vector<StoredValue> stored(values.size());
     for (std::size_t i = 0; i < values.size(); ++i) {
         const ColumnDef& column = def_.columns[i];
@@ -503,7 +505,7 @@ RowId Table::insert(std::vector<Value> values) {
         if (column.is_long()) {
             const auto* text = std::get_if<std::u16string>(&values[i]);
             stored[i] =
-                long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(values[i]));
+                values_on_pages.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(values[i]));
         } else {
             stored[i] = encode_value(values[i], column);
         }
@@ -557,7 +559,7 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
     });
 
     Transaction transaction(database_.pager());
-    LongValues long_values(database_.pager(), database_.allocator());
+    LongValues values_on_pages = long_values();
     std::vector<std::pair<std::size_t, ByteVector>> replaced;  // long values to give back
     for (const auto& [position, value] : new_values) {
         const ColumnDef& column = def_.columns[position];
@@ -567,13 +569,13 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
         if (column.is_long()) {
             const auto* text = std::get_if<std::u16string>(&value);
             stored[position] =
-                long_values.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
+                values_on_pages.write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
         } else {
             stored[position] = encode_value(value, column);
         }
     }
     move_row(*place, encode_fitting(stored));
-    for (const auto& [position, reference] : replaced) long_values.release(def_.columns[position], reference);
+    for (const auto& [position, reference] : replaced) values_on_pages.release(def_.columns[position], reference);
     if (!def_.real_indexes.empty()) {
         const std::vector<ByteVector> keys = index_keys(values);
         for (std::size_t i = 0; i < keys.size(); ++i) change_index(i, entry_of(old_keys[i]), entry_of(keys[i]), row);
@@ -599,10 +601,10 @@ void Table::erase(RowId row) {
         const std::vector<ByteVector> keys = index_keys(key_values(old));
         for (std::size_t i = 0; i < keys.size(); ++i) change_index(i, entry_of(keys[i]), nullptr, row);
     }
-    LongValues long_values(database_.pager(), database_.allocator());
+    LongValues values_on_pages = long_values();
     for (const ColumnDef& column : def_.columns) {
         if (!column.is_long()) continue;
-        if (const auto reference = reader.stored(column)) long_values.release(column, *reference);
+        if (const auto reference = reader.stored(column)) values_on_pages.release(column, *reference);
     }
     // A moved row goes with every slot its pointers lead through.
     for (RowId slot = place->home; !(slot == place->body);) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "jet/column_map.h"
+#include "jet/long_value.h"
 #include "jet/pager.h"
 #include "jet/row_codec.h"
 #include "jet/table_def.h"
@@ -135,6 +136,7 @@ private:
     using MapKeys = std::vector<std::optional<std::uint64_t>>;
 
     void refresh() const;
+    LongValues long_values() const;
     void require_writable() const;
     std::optional<Place> locate(RowId row) const;
     bool is_own_page(const Page& page) const;

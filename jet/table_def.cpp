@@ -1,13 +1,17 @@
 // The two codecs of a table definition. Both work on the logical definition (the chain of pages joined);
 // cutting it into pages is the schema editor's part.
 //
-// Whatever parse_table_def lets through keeps these promises to the code above it: column numbers are
-// unique and below max_columns, the variable indexes of variable columns are unique and below
-// variable_columns, fixed columns lie inside a page, long values are variable, and every index names
-// existing columns and existing trees.
+// Whatever parse_table_def lets through keeps these promises to the code above it:
+//  - no more columns, indexes and names of indexes than the format allows, and no longer names;
+//  - column numbers are unique and below max_columns, the variable indexes of variable columns are unique and below
+//    variable_columns, fixed columns lie inside a page and share no byte, long values are variable;
+//  - every index names existing columns, every name of an index an existing one;
+//  - every map has a row of its own, and every index a root of its own.
+// Whether a map or a root is what its address says is seen where it is loaded (usage_map.cpp, index_page.cpp).
 #include "jet/table_def.h"
 
 #include <algorithm>
+#include <bitset>
 #include <set>
 
 namespace jet {
@@ -32,6 +36,7 @@ public:
     std::u16string take_name() {
         const std::size_t name_bytes = take_u16();
         if (name_bytes % 2 != 0) damaged("a name in the table definition has half a character");
+        if (name_bytes > 2 * jet4::kMaxNameCharacters) damaged("a name in the table definition is too long");
         const ByteSpan text = take(name_bytes);
         std::u16string name(name_bytes / 2, u'\0');
         for (std::size_t i = 0; i < name.size(); ++i) name[i] = static_cast<char16_t>(load_u16(text, 2 * i));
@@ -206,6 +211,42 @@ void check_indexes(const TableDef& def, const DefReader& reader) {
     }
 }
 
+void check_fixed_area(const TableDef& def, const DefReader& reader) {
+    std::bitset<jet4::kPageSize> taken;
+    for (const ColumnDef& column : def.columns) {
+        if (!column.is_fixed() || column.type == ColumnType::kBoolean) continue;
+        for (std::size_t i = 0; i < column.length_bytes; ++i) {
+            if (taken.test(column.fixed_offset + i)) reader.damaged("two columns share bytes of the row");
+            taken.set(column.fixed_offset + i);
+        }
+    }
+}
+
+// A map or a tree that served two purposes would be changed for the one behind the back of the other.
+void check_owned_structures(const TableDef& def, const DefReader& reader) {
+    std::set<RowId> maps;
+    const auto add = [&](RowId map) {
+        if (map.is_null()) return;
+        if (map.page == jet4::kHeaderPage || map.page >= jet4::kMaxPages) reader.damaged("a map lies outside the file");
+        if (map.page == jet4::kGlobalMapPage && map.slot < 2) reader.damaged("a map is one of the file itself");
+        if (!maps.insert(map).second) reader.damaged("two maps of the table are one");
+    };
+    add(def.owned_map);
+    add(def.free_map);
+    for (const ColumnDef& column : def.columns) {
+        add(column.owned_map);
+        add(column.free_map);
+    }
+    std::set<PageNumber> roots;
+    for (const RealIndex& index : def.real_indexes) {
+        add(index.map);
+        if (index.root <= jet4::kRelationshipsPage || index.root >= jet4::kMaxPages) {
+            reader.damaged("the root of an index cannot be where it says");
+        }
+        if (!roots.insert(index.root).second) reader.damaged("two indexes have one root");
+    }
+}
+
 // The list of long value maps, up to and including its end mark.
 void parse_long_value_maps(TableDef& def, DefReader& reader) {
     std::set<std::uint16_t> seen;
@@ -257,6 +298,14 @@ TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
     def.owned_map = RowId::unpack(load_u32(header, tdef::kOwnedMap));
     def.free_map = RowId::unpack(load_u32(header, tdef::kFreeMap));
 
+    if (def.max_columns > jet4::kMaxColumns || column_count > jet4::kMaxColumns ||
+        def.variable_columns > jet4::kMaxColumns) {
+        reader.damaged("the table has more columns than it can have");
+    }
+    if (real_count > jet4::kMaxIndexes || logical_count > jet4::kMaxLogicalIndexes) {
+        reader.damaged("the table has more indexes than it can have");
+    }
+
     reader.require_records(real_count, tdef::kIndexStatistics);
     std::vector<std::uint32_t> distinct_keys(real_count);
     for (std::uint32_t& count : distinct_keys) {
@@ -285,7 +334,9 @@ TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
 
     check_columns(def, reader);
     check_indexes(def, reader);
+    check_fixed_area(def, reader);
     parse_long_value_maps(def, reader);
+    check_owned_structures(def, reader);
     if (reader.remaining() != 0) reader.damaged("the table definition continues after its end");
 
     std::sort(def.columns.begin(), def.columns.end(), [](const ColumnDef& a, const ColumnDef& b) {

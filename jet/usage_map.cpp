@@ -32,38 +32,64 @@ std::optional<std::size_t> next_bit(ByteSpan bitmap, std::size_t from) {
     return std::nullopt;
 }
 
-bool test_bit(ByteSpan bitmap, std::size_t bit) { return (bitmap[bit / 8] >> (bit % 8) & 1) != 0; }
+bool test_bit(ByteSpan bitmap, std::size_t bit) { return (load_u8(bitmap, bit / 8) >> (bit % 8) & 1) != 0; }
 void set_bit(MutableByteSpan bitmap, std::size_t bit, bool on) {
+    check_range(bitmap, bit / 8, 1);
     const auto mask = static_cast<std::uint8_t>(1 << (bit % 8));
     bitmap[bit / 8] = static_cast<std::uint8_t>(on ? bitmap[bit / 8] | mask : bitmap[bit / 8] & ~mask);
 }
 
-// A map row, taken apart.
+// A map row, taken apart: the one place where a map is loaded, and where all its numbers are checked.
+//  - The row is a live one on a page of usage maps, and holds the head of a map of a known kind.
+//  - A window begins inside the largest file, so that no page number in it wraps around.
+//  - Bitmap pages lie inside the largest file, behind its fixed pages, and none stands for two blocks. That they are
+//    bitmap pages of this file is seen when they are read (bitmap_of).
 struct MapRow {
     ByteSpan bytes;
     bool reference = false;
     PageNumber start = 0;  // inline only
     ByteSpan bitmap;       // inline only
 
-    MapRow(ByteSpan row, PageNumber page_no) : bytes(row) {
-        if (row.size() < usage::kBitmap) corrupt(page_no, "a usage map is shorter than its head");
-        if (row[0] > usage::kReference) corrupt(page_no, "a usage map is of an unknown kind");
-        reference = row[0] == usage::kReference;
-        if (!reference) {
-            start = load_u32(row, usage::kStart);
-            bitmap = row.subspan(usage::kBitmap);
+    MapRow(ByteSpan page, RowId row) : bytes(live_row(page, row)) {
+        if (bytes.size() < usage::kBitmap) corrupt(row.page, "a usage map is shorter than its head");
+        if (bytes[0] > usage::kReference) corrupt(row.page, "a usage map is of an unknown kind");
+        reference = bytes[0] == usage::kReference;
+        if (reference) {
+            check_pointers(row.page);
+            return;
         }
+        start = load_u32(bytes, usage::kStart);
+        if (start >= jet4::kMaxPages) corrupt(row.page, "a usage map begins behind the largest file");
+        bitmap = bytes.subspan(usage::kBitmap);
     }
-    std::size_t pointers() const { return (bytes.size() - 1) / 4; }
+    // What lies behind the last block of the largest file is nobody's.
+    std::size_t pointers() const { return std::min<std::size_t>((bytes.size() - 1) / 4, usage::kMaxBitmaps); }
     PageNumber pointer(std::size_t k) const { return load_u32(bytes, 1 + 4 * k); }
     bool covers(PageNumber page_no) const { return page_no >= start && page_no - start < 8 * bitmap.size(); }
+
+private:
+    static ByteSpan live_row(ByteSpan page, RowId row) {
+        const PageNumber owner = row.page == jet4::kGlobalMapPage ? row.page : jet4::data::kUsageMapOwner;
+        if (!DataPage::belongs_to(page, owner)) corrupt(row.page, "a usage map is on a page that holds none");
+        const DataPage data(page, row.page);
+        const Slot slot = data.slot(row.slot);
+        if (!slot.is_live()) corrupt(row.page, "a usage map is not a live row");
+        return data.row(slot);
+    }
+    void check_pointers(PageNumber page_no) const {
+        for (std::size_t k = 0; k < pointers(); ++k) {
+            if (pointer(k) == 0) continue;
+            if (pointer(k) <= jet4::kRelationshipsPage || pointer(k) >= jet4::kMaxPages) {
+                corrupt(page_no, "the bits of a usage map cannot be where it says");
+            }
+            for (std::size_t before = 0; before < k; ++before) {
+                if (pointer(before) == pointer(k)) corrupt(page_no, "a usage map names a page of bits twice");
+            }
+        }
+    }
 };
 
-ByteSpan map_bytes(const Page& page, RowId row) {
-    const DataPage data(page.bytes(), row.page);
-    return data.row(data.slot(row.slot));
-}
-
+// The bytes of a map row that has been loaded.
 MutableByteSpan map_bytes(const MutablePage& page, RowId row) {
     const Slot slot = DataPage(page.bytes(), row.page).slot(row.slot);
     return page.bytes().subspan(slot.offset, slot.length);
@@ -76,7 +102,7 @@ ByteSpan bitmap_of(const Page& page) {
 
 bool map_contains(Pager& pager, RowId row, PageNumber page_no) {
     const Page page = pager.read(row.page);
-    const MapRow map(map_bytes(page, row), row.page);
+    const MapRow map(page.bytes(), row);
     if (!map.reference) return map.covers(page_no) && test_bit(map.bitmap, page_no - map.start);
     const std::size_t k = page_no / usage::kPagesPerBitmap;
     if (k >= map.pointers() || map.pointer(k) == 0) return false;
@@ -85,7 +111,7 @@ bool map_contains(Pager& pager, RowId row, PageNumber page_no) {
 
 std::optional<PageNumber> map_next(Pager& pager, RowId row, PageNumber from) {
     const Page page = pager.read(row.page);
-    const MapRow map(map_bytes(page, row), row.page);
+    const MapRow map(page.bytes(), row);
     if (!map.reference) {
         const auto bit = next_bit(map.bitmap, from > map.start ? from - map.start : 0);
         if (!bit || std::uint64_t{*bit} + map.start >= jet4::kMaxPages) return std::nullopt;
@@ -107,9 +133,11 @@ std::vector<PageNumber> map_bitmap_pages(Pager& pager, RowId row) {
     std::vector<PageNumber> pages;
     if (row.is_null()) return pages;
     const Page page = pager.read(row.page);
-    const MapRow map(map_bytes(page, row), row.page);
+    const MapRow map(page.bytes(), row);
     for (std::size_t k = 0; map.reference && k < map.pointers(); ++k) {
-        if (map.pointer(k) != 0) pages.push_back(map.pointer(k));
+        if (map.pointer(k) == 0) continue;
+        bitmap_of(pager.read(map.pointer(k)));
+        pages.push_back(map.pointer(k));
     }
     return pages;
 }
@@ -135,7 +163,7 @@ std::vector<PageNumber> UsageMap::bitmap_pages() const { return map_bitmap_pages
 void UsageMap::remove(PageNumber page_no) {
     if (!contains(page_no)) return;
     const Page page = pager_->read(row_.page);
-    const MapRow map(map_bytes(page, row_), row_.page);
+    const MapRow map(page.bytes(), row_);
     if (map.reference) {
         const MutablePage bitmap = pager_->modify(map.pointer(page_no / usage::kPagesPerBitmap));
         set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, false);
@@ -152,7 +180,7 @@ void UsageMap::add(PageNumber page_no) {
     {
         // Where the map's bitmap page is there already, it alone changes.
         const Page page = pager_->read(row_.page);
-        const MapRow map(map_bytes(page, row_), row_.page);
+        const MapRow map(page.bytes(), row_);
         if (map.reference && k < map.pointers() && map.pointer(k) != 0) {
             const MutablePage bitmap = pager_->modify(map.pointer(k));
             bitmap_of(bitmap);
@@ -161,8 +189,8 @@ void UsageMap::add(PageNumber page_no) {
         }
     }
     const MutablePage page = pager_->modify(row_.page);
+    const MapRow map(page.bytes(), row_);
     const MutableByteSpan row = map_bytes(page, row_);
-    const MapRow map(row, row_.page);
     if (!map.reference) {
         if (map.covers(page_no)) {
             set_bit(row.subspan(usage::kBitmap), page_no - map.start, true);
@@ -172,6 +200,9 @@ void UsageMap::add(PageNumber page_no) {
         std::vector<PageNumber> members;
         for (auto bit = next_bit(map.bitmap, 0); bit; bit = next_bit(map.bitmap, *bit + 1)) {
             members.push_back(map.start + static_cast<PageNumber>(*bit));
+        }
+        if (!members.empty() && members.back() >= jet4::kMaxPages) {
+            corrupt(row_.page, "a usage map names a page behind the largest file");
         }
         members.insert(std::upper_bound(members.begin(), members.end(), page_no), page_no);
         const PageNumber start = members.front() & ~7u;
@@ -212,11 +243,39 @@ bool PageAllocator::is_free(PageNumber page_no) const {
 
 std::vector<PageNumber> PageAllocator::bitmap_pages() const { return map_bitmap_pages(pager_, kGlobalMapRow); }
 
+// What a page marked free shows of being in use all the same: handed out, it would lose what stands on it.
+void PageAllocator::check_unused(PageNumber page_no) const {
+    if (page_no <= jet4::kRelationshipsPage) corrupt(page_no, "a page of the catalogue is marked free");
+    const Page page = pager_.read(page_no);
+    if (page.bytes()[0] == jet4::kUsageBitmapPage) {
+        const std::vector<PageNumber> bitmaps = bitmap_pages();
+        if (std::find(bitmaps.begin(), bitmaps.end(), page_no) != bitmaps.end()) {
+            corrupt(page_no, "a page of the map of free pages is marked free");
+        }
+    }
+    if (page.bytes()[0] != jet4::kDataPage) return;
+    // Rows of a table: the table's own map says whether they are still its. Most freed pages have none.
+    const PageNumber owner = load_u32(page.bytes(), jet4::data::kOwner);
+    if (owner < jet4::kObjectsPage || owner >= pager_.page_count()) return;
+    bool in_use = false;
+    try {
+        if (DataPage(page.bytes(), page_no).all_deleted()) return;
+        const Page definition = pager_.read(owner);
+        if (definition.bytes()[0] != jet4::kTableDefPage) return;
+        const RowId map = RowId::unpack(load_u32(definition.bytes(), jet4::tdef::kOwnedMap));
+        in_use = map_contains(pager_, map, page_no);
+    } catch (const Error& error) {
+        // What a free page holds need not make sense.
+        if (error.number() != errors::kDamaged) throw;
+    }
+    if (in_use) corrupt(page_no, "the page holds rows of a table and is marked free");
+}
+
 MutablePage PageAllocator::allocate() {
     const auto lowest =
         map_next(pager_, kGlobalMapRow, std::max<PageNumber>(lowest_free_hint_, jet4::kGlobalMapPage + 1));
     if (lowest && *lowest < pager_.page_count()) {
-        if (*lowest <= jet4::kRelationshipsPage) corrupt(*lowest, "a page of the catalogue is marked free");
+        check_unused(*lowest);
         mark_used(*lowest);
         lowest_free_hint_ = *lowest + 1;
         MutablePage page = pager_.modify(*lowest);
@@ -231,8 +290,8 @@ MutablePage PageAllocator::allocate() {
 
 void PageAllocator::mark_used(PageNumber page_no) {
     const MutablePage page = pager_.modify(jet4::kGlobalMapPage);
+    const MapRow map(page.bytes(), kGlobalMapRow);
     const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
-    const MapRow map(row, jet4::kGlobalMapPage);
     if (!map.reference) {
         if (map.covers(page_no)) {
             set_bit(row.subspan(usage::kBitmap), page_no - map.start, false);
@@ -271,8 +330,8 @@ void PageAllocator::free(PageNumber page_no) {
         corrupt(page_no, "a page was to be freed that cannot be free");
     }
     const MutablePage page = pager_.modify(jet4::kGlobalMapPage);
+    const MapRow map(page.bytes(), kGlobalMapRow);
     const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
-    const MapRow map(row, jet4::kGlobalMapPage);
     lowest_free_hint_ = std::min(lowest_free_hint_, page_no);
     if (!map.reference) {
         if (map.covers(page_no)) set_bit(row.subspan(usage::kBitmap), page_no - map.start, true);

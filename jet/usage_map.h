@@ -59,6 +59,7 @@ public:
     RowId create_map(PageNumber* page_no, PageNumber member = 0);
 
 private:
+    void check_unused(PageNumber page_no) const;
     void mark_used(PageNumber page_no);
     Pager& pager_;
     PageNumber lowest_free_hint_ = 0;

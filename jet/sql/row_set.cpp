@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <numeric>
 
+#include "jet/database.h"
 #include "jet/sql/candidates.h"
 #include "jet/sql/scalar.h"
 
@@ -120,9 +121,17 @@ void RowSet::put_in_order() {
     const std::vector<OrderKey>& order = query_.order();
     std::vector<Value> keys;
     keys.reserve(rows_.size() * order.size());
+    // Each stands somewhere in the file, a character in a byte at least; rows that share their bytes are damage.
+    std::size_t room = order.size() * query_.table().database().pager().page_count() * jet4::kPageSize;
     for (const RowId row : rows_) {
         const bool exists = query_.table().read(row, row_);
-        for (const OrderKey& key : order) keys.push_back(exists ? row_.value(key.position) : Value());
+        for (const OrderKey& key : order) {
+            keys.push_back(exists ? row_.value(key.position) : Value());
+            const auto* text = std::get_if<std::u16string>(&keys.back());
+            if (text && (room -= std::min(room, text->size())) == 0) {
+                corrupt(query_.table().def().page, "the rows of a table hold more text than the file");
+            }
+        }
     }
     std::vector<std::size_t> places(rows_.size());
     std::iota(places.begin(), places.end(), std::size_t{0});

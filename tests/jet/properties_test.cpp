@@ -67,7 +67,7 @@ TEST(Properties, parse_column_blocks_gives_flags) {
     EXPECT_EQ(set.blocks[1].owner, u"Name");
     EXPECT_EQ(set.blocks[1].type, jet4::properties::kColumnBlock);
     EXPECT_EQ(set.blocks[1].properties.size(), 3u);
-    EXPECT_EQ(set.blocks[1].properties[2].name, u"UnicodeCompression");
+    EXPECT_EQ(set.name_of(set.blocks[1].properties[2]), u"UnicodeCompression");
     EXPECT_EQ(set.blocks[1].properties[2].ddl, 1);
     EXPECT_FALSE(set.column_flag(u"Name", u"AllowZeroLength", true));
     EXPECT_TRUE(set.column_flag(u"memo", u"allowzerolength", false));
@@ -82,10 +82,10 @@ TEST(Properties, parse_object_block_gives_texts) {
     ASSERT_EQ(set.blocks.size(), 1u);
     EXPECT_EQ(set.blocks[0].type, jet4::properties::kObjectBlock);
     ASSERT_EQ(set.blocks[0].properties.size(), 3u);
-    EXPECT_EQ(set.blocks[0].properties[0].name, u"Title");
+    EXPECT_EQ(set.name_of(set.blocks[0].properties[0]), u"Title");
     EXPECT_EQ(set.blocks[0].properties[0].type, ColumnType::kText);
     EXPECT_EQ(set.blocks[0].properties[0].ddl, 0);
-    EXPECT_EQ(set.blocks[0].properties[2].data.size(), 42u);
+    EXPECT_EQ(set.data_of(set.blocks[0].properties[2]).size(), 42u);
 }
 
 TEST(Properties, build_after_parse_gives_same_bytes) {
@@ -143,9 +143,9 @@ TEST(Properties, remove_column_leaves_the_others) {
 
 TEST(Properties, column_flag_takes_any_nonzero_byte_for_true) {
     PropertySet set = parse_properties(kThreeColumns);
-    set.blocks[1].properties[0].data = {0, 0, 0, 0};
+    set.set_data(set.blocks[1].properties[0], ByteVector{0, 0, 0, 0});
     EXPECT_FALSE(set.column_flag(u"Name", u"Required", true));
-    set.blocks[1].properties[0].data = {0, 0, 0, 0xFF};
+    set.set_data(set.blocks[1].properties[0], ByteVector{0, 0, 0, 0xFF});
     EXPECT_TRUE(set.column_flag(u"Name", u"Required", false));
 }
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iterator>
 #include <random>
 #include <set>
@@ -171,6 +172,83 @@ TEST(TableDef, parse_impossible_counts_is_damage) {
     EXPECT_EQ(error_with(tdef::kLength, {0xFF, 0xFF, 0xFF, 0x7F}), errors::kDamaged);
     EXPECT_EQ(error_with(tdef::kMagic, {0x58}), errors::kDamaged);
     EXPECT_EQ(error_with(0, {jet4::kDataPage}), errors::kDamaged);
+}
+
+// A definition with as many parts as asked for, none of them doubled.
+TableDef definition_of(std::size_t columns, std::size_t indexes, std::size_t names) {
+    TableDef def;
+    def.page = 20;
+    def.max_columns = static_cast<std::uint16_t>(columns);
+    for (std::size_t i = 0; i < columns; ++i) {
+        ColumnDef column;
+        column.number = column.ordinal = static_cast<std::uint16_t>(i);
+        column.flags = tdef::kFlagFixed;
+        column.fixed_offset = static_cast<std::uint16_t>(4 * i);
+        column.length_bytes = 4;
+        column.name = std::u16string(8, static_cast<char16_t>(u'a' + i));
+        def.columns.push_back(column);
+    }
+    for (std::size_t i = 0; i < indexes; ++i) {
+        RealIndex index;
+        index.columns.push_back({0, true});
+        index.root = static_cast<PageNumber>(100 + i);
+        def.real_indexes.push_back(index);
+    }
+    def.logical_indexes.resize(names);
+    return def;
+}
+
+int error_of(const TableDef& def) { return error_of(build_table_def(def)); }
+
+TEST(TableDef, as_much_as_the_format_allows_is_read_and_no_more) {
+    EXPECT_EQ(0, error_of(definition_of(255, 32, 255)));
+    EXPECT_EQ(errors::kDamaged, error_of(definition_of(256, 1, 1)));
+    EXPECT_EQ(errors::kDamaged, error_of(definition_of(1, 33, 1)));
+    EXPECT_EQ(errors::kDamaged, error_of(definition_of(1, 1, 256)));
+    TableDef def = definition_of(2, 1, 1);
+    def.variable_columns = 256;
+    EXPECT_EQ(errors::kDamaged, error_of(def));
+    def = definition_of(2, 1, 1);
+    def.columns[0].name = std::u16string(64, u'x');
+    EXPECT_EQ(0, error_of(def));
+    def.columns[0].name += u'x';
+    EXPECT_EQ(errors::kDamaged, error_of(def));
+    def = definition_of(2, 1, 1);
+    def.logical_indexes[0].name = std::u16string(65, u'x');
+    EXPECT_EQ(errors::kDamaged, error_of(def));
+}
+
+TEST(TableDef, what_serves_two_purposes_is_damage) {
+    const std::function<void(TableDef&)> cases[] = {
+        [](TableDef& def) { def.columns[1].fixed_offset = 3; },
+        [](TableDef& def) {
+            def.owned_map = def.free_map = {9, 1};
+        },
+        [](TableDef& def) {
+            def.real_indexes[0].map = def.free_map = {9, 1};
+        },
+        [](TableDef& def) {
+            def.real_indexes[0].map = def.real_indexes[1].map = {9, 1};
+        },
+        [](TableDef& def) { def.real_indexes[0].root = def.real_indexes[1].root; },
+        [](TableDef& def) { def.real_indexes[0].root = jet4::kObjectsPage; },
+        [](TableDef& def) { def.real_indexes[0].root = jet4::kMaxPages; },
+        [](TableDef& def) {
+            def.owned_map = {jet4::kGlobalMapPage, 0};
+        },
+        [](TableDef& def) {
+            def.free_map = {jet4::kGlobalMapPage, 1};
+        },
+        [](TableDef& def) {
+            def.free_map = {jet4::kMaxPages, 1};
+        },
+    };
+    ASSERT_EQ(0, error_of(definition_of(2, 2, 2)));
+    for (std::size_t i = 0; i < std::size(cases); ++i) {
+        TableDef def = definition_of(2, 2, 2);
+        cases[i](def);
+        EXPECT_EQ(errors::kDamaged, error_of(def)) << i;
+    }
 }
 
 TEST(TableDef, parse_inconsistent_columns_is_damage) {

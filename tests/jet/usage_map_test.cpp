@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <set>
 
 #include "jet/data_page.h"
@@ -188,18 +189,73 @@ TEST_F(UsageMapTest, map_that_is_not_there_is_empty_and_takes_nothing) {
     EXPECT_EQ(error_number([&] { map.add(5); }), errors::kDamaged);
 }
 
-TEST_F(UsageMapTest, window_behind_the_largest_page_holds_no_page) {
+// Numbers of a map that no file can have: whatever is asked of the map is damage, and nothing is written.
+TEST_F(UsageMapTest, impossible_map_is_damage_in_every_use) {
+    struct Case {
+        const char* name;
+        std::function<void(MutableByteSpan page, std::size_t row)> make;
+    };
+    const Case cases[] = {
+        {"window that wraps around",
+         [](MutableByteSpan page, std::size_t row) {
+             store_u32(page, row + usage::kStart, 0xFFFFFFF8);
+             page[row + usage::kBitmap + 2] = 0xFF;
+         }},
+        {"window behind the largest file",
+         [](MutableByteSpan page, std::size_t row) { store_u32(page, row + usage::kStart, jet4::kMaxPages); }},
+        {"unknown kind", [](MutableByteSpan page, std::size_t row) { page[row] = 2; }},
+        {"bits on the header", [](MutableByteSpan page, std::size_t row) { page[row] = page[row + 2] = 1; }},
+        {"bits on the catalogue",
+         [](MutableByteSpan page, std::size_t row) { page[row] = 1, page[row + 1] = jet4::kObjectsPage; }},
+        {"bits behind the largest file",
+         [](MutableByteSpan page, std::size_t row) { page[row] = 1, store_u32(page, row + 1, jet4::kMaxPages); }},
+        {"bits twice", [](MutableByteSpan page, std::size_t row) { page[row] = 1, page[row + 1] = page[row + 5] = 7; }},
+        {"row of a table", [](MutableByteSpan page, std::size_t) { store_u32(page, jet4::data::kOwner, 3); }},
+        {"deleted row",
+         [](MutableByteSpan page, std::size_t row) {
+             store_u16(page, jet4::data::kSlots, static_cast<std::uint16_t>(row | jet4::data::kDeletedFlags));
+         }},
+        {"page of another kind", [](MutableByteSpan page, std::size_t) { page[0] = jet4::kIndexLeafPage; }},
+    };
+    start();
+    extend_to(30);
+    UsageMap map = new_map();
+    ASSERT_EQ(0, map.row().slot);
+    for (const Case& damage : cases) {
+        SCOPED_TRACE(damage.name);
+        Transaction transaction(*pager_);
+        {
+            const MutablePage page = pager_->modify(map.row().page);
+            damage.make(page.bytes(), DataPage(page.bytes(), map.row().page).slot(0).offset);
+        }
+        const auto content = [&] {
+            const ByteSpan bytes = pager_->read(map.row().page).bytes();
+            return ByteVector(bytes.begin(), bytes.end());
+        };
+        const ByteVector before = content();
+        EXPECT_EQ(errors::kDamaged, error_number([&] { map.next(0); }));
+        EXPECT_EQ(errors::kDamaged, error_number([&] { map.contains(8); }));
+        EXPECT_EQ(errors::kDamaged, error_number([&] { map.add(25); }));
+        EXPECT_EQ(errors::kDamaged, error_number([&] { map.remove(25); }));
+        EXPECT_EQ(errors::kDamaged, error_number([&] { map.bitmap_pages(); }));
+        EXPECT_EQ(errors::kDamaged, error_number([&] { UsageMap(map).destroy(); }));
+        EXPECT_EQ(before, content());
+    }
+}
+
+TEST_F(UsageMapTest, last_window_of_the_largest_file_holds_its_pages_and_no_more) {
     start();
     UsageMap map = new_map();
     {
         const MutablePage page = pager_->modify(map.row().page);
         const Slot slot = DataPage(page.bytes(), map.row().page).slot(map.row().slot);
-        store_u32(page.bytes(), slot.offset + usage::kStart, 0xFFFFFFF8);
-        page.bytes()[slot.offset + usage::kBitmap + 2] = 0xFF;  // would be page 8 after an overflow
+        store_u32(page.bytes(), slot.offset + usage::kStart, jet4::kMaxPages - 8);
+        page.bytes()[slot.offset + usage::kBitmap] = 0x80;
+        page.bytes()[slot.offset + usage::kBitmap + 1] = 0x01;
     }
-    EXPECT_FALSE(map.next(0));
-    EXPECT_FALSE(map.next(9));
-    EXPECT_FALSE(map.contains(8));
+    EXPECT_EQ(jet4::kMaxPages - 1, map.next(0));
+    EXPECT_FALSE(map.next(jet4::kMaxPages));
+    EXPECT_EQ(errors::kDamaged, error_number([&] { map.add(20); }));  // one of its members cannot be
 }
 
 TEST_F(UsageMapTest, freed_pages_come_back_lowest_first_and_zeroed) {

@@ -15,7 +15,7 @@ public:
     explicit Reader(std::u16string_view text) : text_(text) {}
 
     void skip_blanks() {
-        while (at_ < text_.size() && (text_[at_] == u' ' || text_[at_] == u'\t')) ++at_;
+        while (at_ < text_.size() && is_blank(text_[at_])) ++at_;
     }
 
     // The number and how many digits it had; no digits: none.
@@ -23,7 +23,7 @@ public:
         skip_blanks();
         int value = 0;
         int digits = 0;
-        while (at_ < text_.size() && text_[at_] >= u'0' && text_[at_] <= u'9') {
+        while (at_ < text_.size() && is_digit(text_[at_])) {
             if (++digits > kMaxDigits) return std::nullopt;
             value = value * 10 + (text_[at_++] - u'0');
         }
@@ -31,14 +31,15 @@ public:
         return std::pair(value, digits);
     }
 
-    // NUL when there is none.
-    char16_t separator() {
-        skip_blanks();
-        if (at_ == text_.size()) return 0;
-        const char16_t c = text_[at_];
-        if (c != u'/' && c != u'-' && c != u'.') return 0;
-        ++at_;
-        return c;
+    // What stands before the next digit, without blanks around it; none when nothing does, not even a blank.
+    std::optional<std::u16string_view> separator() {
+        const std::size_t begin = at_;
+        while (at_ < text_.size() && !is_digit(text_[at_])) ++at_;
+        if (at_ == begin) return std::nullopt;
+        std::u16string_view found = text_.substr(begin, at_ - begin);
+        while (!found.empty() && is_blank(found.front())) found.remove_prefix(1);
+        while (!found.empty() && is_blank(found.back())) found.remove_suffix(1);
+        return found;
     }
 
     bool at_end() {
@@ -47,6 +48,9 @@ public:
     }
 
 private:
+    static bool is_blank(char16_t c) { return c == u' ' || c == u'\t'; }
+    static bool is_digit(char16_t c) { return c >= u'0' && c <= u'9'; }
+
     std::u16string_view text_;
     std::size_t at_ = 0;
 };
@@ -65,11 +69,11 @@ std::optional<double> day_serial(int year, int month, int day) {
 std::optional<Date> parse_date_literal(std::u16string_view text) {
     Reader reader(text);
     const auto first = reader.number();
-    const char16_t separator = reader.separator();
+    const auto separator = reader.separator();
     const auto second = reader.number();
-    const char16_t other_separator = reader.separator();
+    const auto other_separator = reader.separator();
     const auto third = reader.number();
-    if (!first || !second || !third || separator == 0 || separator != other_separator || !reader.at_end()) {
+    if (!first || !second || !third || !separator || separator != other_separator || !reader.at_end()) {
         return std::nullopt;
     }
     const bool year_first = first->second > 2;

@@ -168,14 +168,18 @@ private:
     }
 
     bool scan_date() {
+        // The separator between the numbers may hold the sign that ends the literal.
         const std::size_t begin = at_;
-        const std::size_t end = text_.find(u'#', begin + 1);
-        if (end == std::u16string_view::npos) return stop_as(TokenKind::kBad, begin);
-        const auto date = parse_date_literal(text_.substr(begin + 1, end - begin - 1));
-        if (!date) return stop_as(TokenKind::kBad, begin);
-        at_ = end + 1;
-        add_literal(TokenKind::kDate, begin, *date);
-        return true;
+        for (std::size_t end = begin; end - begin <= kMaxDateLiteral;) {
+            end = text_.find(u'#', end + 1);
+            if (end == std::u16string_view::npos) break;
+            const auto date = parse_date_literal(text_.substr(begin + 1, end - begin - 1));
+            if (!date) continue;
+            at_ = end + 1;
+            add_literal(TokenKind::kDate, begin, *date);
+            return true;
+        }
+        return stop_as(TokenKind::kBad, begin);
     }
 
     void take_digits(std::string& to) {

@@ -29,6 +29,38 @@ TEST(DateLiteral, separators_are_equal_and_may_have_blanks) {
     }
 }
 
+// Whatever the system's date separator is, as hosts put it between the numbers.
+TEST(DateLiteral, every_separator_of_a_system_is_taken) {
+    const std::u16string separators[] = {u". ",
+                                         u", ",
+                                         u" ",
+                                         u"  ",
+                                         u",",
+                                         u"a",
+                                         u"de",
+                                         u"\u5E74",
+                                         u"\u200F/",
+                                         u"\u200E-",
+                                         u"\u060C\u00A0",
+                                         u"\u00A0",
+                                         u":",
+                                         u"'",
+                                         u"\"",
+                                         u"]",
+                                         u"[",
+                                         u"+",
+                                         u"#",
+                                         u"\uFFFD",
+                                         u"\t",
+                                         u" - ",
+                                         u"//",
+                                         std::u16string(99, u'x')};
+    for (const std::u16string& separator : separators) {
+        const std::u16string text = u"03" + separator + u"01" + separator + u"2005";
+        EXPECT_EQ(38412, serial(text)) << jet::to_utf8(text);
+    }
+}
+
 TEST(DateLiteral, impossible_month_is_exchanged_with_the_day) {
     EXPECT_EQ(serial(u"12/25/2005"), serial(u"25/12/2005"));
     EXPECT_FALSE(valid(u"25/13/2005"));
@@ -63,8 +95,8 @@ TEST(DateLiteral, days_that_do_not_exist_are_refused) {
 }
 
 TEST(DateLiteral, other_texts_are_refused) {
-    for (const auto* text : {u"", u" ", u"3/1", u"3/1/2005/7", u"3 1 2005", u"3/1-2005", u"x", u"3/1/2005x",
-                             u"/3/1/2005", u"3//1/2005", u"-3/1/2005", u"1 Mar 2005", u"03012005"}) {
+    for (const auto* text : {u"", u" ", u"3/1", u"3/1/2005/7", u"3/1-2005", u"x", u"3/1/2005x", u"/3/1/2005",
+                             u"3//1/2005", u"-3/1/2005", u"1 Mar 2005", u"03012005", u"3 1/2005"}) {
         EXPECT_FALSE(valid(text));
     }
 }

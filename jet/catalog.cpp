@@ -94,6 +94,10 @@ const Catalog::Known& Catalog::known() const {
     };
     std::stable_sort(found.by_id.begin(), found.by_id.end(), by_id);
     std::stable_sort(found.by_name.begin(), found.by_name.end(), by_name);
+    const auto twice = std::adjacent_find(
+        found.by_id.begin(), found.by_id.end(),
+        [&](std::uint32_t a, std::uint32_t b) { return objects[a].entry.id == objects[b].entry.id; });
+    if (twice != found.by_id.end()) corrupt(objects[*twice].row.page, "two objects of the catalogue are one");
     known_ = std::move(found);
     return *known_;
 }

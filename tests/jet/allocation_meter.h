@@ -1,4 +1,5 @@
-// What the program asks of operator new: the largest piece since the last reset, and a request that is refused.
+// What the program asks of operator new: the largest piece since the last reset, the most that was held at one time,
+// and a request that is refused.
 #pragma once
 
 #include <cstddef>
@@ -7,6 +8,10 @@ namespace jet {
 
 void reset_largest_allocation();
 std::size_t largest_allocation();  // bytes
+
+// The most bytes held at one time since reset_peak_allocation(), beyond what was held then.
+void reset_peak_allocation();
+std::size_t peak_allocation();
 
 // While it lives, the request after `granted` others of this thread is refused with std::bad_alloc, once.
 class RefusedAllocation {

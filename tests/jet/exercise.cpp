@@ -140,7 +140,7 @@ ByteVector make_rich_file() {
     return disk.content(kPath);
 }
 
-std::size_t read_everything(Database& database) {
+std::size_t read_rows(Database& database) {
     std::size_t read = 0;
     for (PageNumber page = jet4::kObjectsPage; page <= jet4::kRelationshipsPage; ++page) {
         attempt([&] {
@@ -152,6 +152,11 @@ std::size_t read_everything(Database& database) {
             if (const Table* table = database.find_table(name)) read += read_table(*table);
         });
     }
+    return read;
+}
+
+std::size_t read_everything(Database& database) {
+    const std::size_t read = read_rows(database);
     check_structure(database);
     return read;
 }

@@ -1,0 +1,145 @@
+#include "fuzz/base_files.h"
+
+#include <string>
+
+#include "jet/data_page.h"
+#include "jet/database.h"
+#include "jet/index.h"
+#include "tests/jet/sparse_file_system.h"
+#include "tests/support/fault_file_system.h"
+
+namespace kvdb_fuzz {
+
+using namespace jet;
+using enum ColumnType;
+
+namespace {
+
+constexpr char kPath[] = "base.mdb";
+
+NewColumn made(std::u16string name, ColumnType type, bool autonumber = false) {
+    NewColumn column;
+    column.name = std::move(name);
+    column.type = type;
+    column.allow_zero_length = true;
+    column.autonumber = autonumber;
+    return column;
+}
+
+// Gives a table an index, as another writer would have: the engine itself makes none for tables of the user.
+void add_index(Database& database, std::u16string_view table_name, std::vector<KeyColumn> columns) {
+    TableDef def = database.find_table(table_name)->def();
+    Transaction transaction(database.pager());
+    const MutablePage root = database.allocator().allocate();
+    Index::format_root(root, def.page);
+    RealIndex index;
+    index.columns = std::move(columns);
+    index.root = root.number();
+    PageNumber maps = def.owned_map.page;
+    index.map = database.allocator().create_map(&maps, root.number());
+    def.real_indexes.push_back(index);
+    LogicalIndex name;
+    name.name = u"Order";
+    def.logical_indexes.push_back(name);
+    const ByteVector bytes = build_table_def(def);
+    const MutablePage page = database.pager().modify(def.page);
+    store_bytes(page.bytes(), 0, bytes);
+    store_u16(page.bytes(), jet4::tdef::kFree,
+              static_cast<std::uint16_t>(jet4::kPageSize - bytes.size() - jet4::tdef::kPageHeader));
+    transaction.commit();
+}
+
+void fill(Table& table, std::int32_t count) {
+    std::vector<RowId> rows;
+    for (std::int32_t i = 0; i < count; ++i) {
+        const std::size_t length = i % 7 == 5 ? 5000 : i % 3 == 1 ? 90 : static_cast<std::size_t>(i);
+        std::vector<Value> values(table.def().columns.size());
+        for (std::size_t at = 0; at < values.size(); ++at) {
+            switch (table.def().columns[at].type) {
+                case kBoolean: values[at] = i % 2 == 0; break;
+                case kByte: values[at] = static_cast<std::uint8_t>(i); break;
+                case kInteger: values[at] = static_cast<std::int16_t>(i); break;
+                case kLong:
+                    if (!table.def().columns[at].is_autonumber()) values[at] = i * 3 % 11;
+                    break;
+                case kCurrency: values[at] = Currency{i * 1000}; break;
+                case kSingle: values[at] = static_cast<float>(i); break;
+                case kDouble: values[at] = i / 3.0; break;
+                case kDate: values[at] = Date{38000.0 + i}; break;
+                case kText: values[at] = std::u16string(static_cast<std::size_t>(i) * 9 % 60, u't'); break;
+                case kMemo: values[at] = std::u16string(length, u'm'); break;
+                case kOle: values[at] = ByteVector(length, static_cast<std::uint8_t>(i)); break;
+                default: break;
+            }
+        }
+        rows.push_back(table.insert(std::move(values)));
+    }
+    const auto text = table.def().find_column(u"Title");
+    for (std::size_t i = 0; text && i < rows.size(); i += 4) {
+        const ColumnChange change{*text, std::u16string(250, u'w')};
+        table.update(rows[i], {&change, 1});
+    }
+    for (std::size_t i = 1; i < rows.size(); i += 5) table.erase(rows[i]);
+}
+
+template <class Work>
+ByteVector file_after(Work&& work) {
+    testing_support::FaultFileSystem disk;
+    const testing_support::UseFileSystem use(disk);
+    CreateOptions options;
+    options.creation_date = 42329.5;
+    auto database = Database::create(kPath, options);
+    work(*database);
+    database->close();
+    return disk.content(kPath);
+}
+
+ByteVector file_of_every_kind() {
+    return file_after([](Database& database) {
+        const NewColumn columns[] = {made(u"Id", kLong, true), made(u"Flag", kBoolean),   made(u"Small", kByte),
+                                     made(u"Short", kInteger), made(u"Price", kCurrency), made(u"Single", kSingle),
+                                     made(u"Double", kDouble), made(u"Day", kDate),       made(u"Title", kText),
+                                     made(u"Notes", kMemo),    made(u"Picture", kOle),    made(u"Count", kLong)};
+        database.create_table(u"Rich", columns);
+        database.delete_column(u"Rich", u"Double");
+        database.add_column(u"Rich", made(u"Later", kText));
+        const NewColumn plain[] = {made(u"Number", kLong), made(u"Done", kBoolean), made(u"Title", kText)};
+        database.create_table(u"Plain", plain);
+        add_index(database, u"Plain", {{0, true}, {2, false}});
+        database.close();
+        const auto again = Database::open(kPath, {});
+        fill(*again->find_table(u"Rich"), 14);
+        fill(*again->find_table(u"Plain"), 30);
+        again->close();
+    });
+}
+
+ByteVector file_of_large_structures() {
+    return file_after([](Database& database) {
+        std::vector<NewColumn> many;
+        for (std::size_t i = 0; i < 60; ++i) {
+            many.push_back(made(from_utf8(std::to_string(i)) + u" a column of a long name", i % 3 ? kLong : kText));
+        }
+        database.create_table(u"Wide", many);
+        const NewColumn one[] = {made(u"Id", kLong)};
+        for (int i = 0; i < 30; ++i)
+            database.create_table(std::u16string(60, u'n') + from_utf8(std::to_string(i)), one);
+        const Table& wide = *database.find_table(u"Wide");
+        Transaction transaction(database.pager());
+        UsageMap map(database.pager(), database.allocator(), wide.def().free_map);
+        map.add(600);  // too far for a window: the map goes over to bitmap pages
+        map.remove(600);
+        transaction.commit();
+        fill(*database.find_table(u"Wide"), 6);
+    });
+}
+
+}  // namespace
+
+const std::vector<ByteVector>& base_files() {
+    static const std::vector<ByteVector> files = {file_of_every_kind(), file_of_large_structures(),
+                                                  file_after([](Database&) {})};
+    return files;
+}
+
+}  // namespace kvdb_fuzz

@@ -1,0 +1,16 @@
+// Sound files, small ones, for the mutator to start from.
+#pragma once
+
+#include <vector>
+
+#include "jet/bytes.h"
+
+namespace kvdb_fuzz {
+
+// Made once, the same in every run:
+//  - every kind of column, long values of every form, moved and deleted rows, an index of two columns over a table;
+//  - maps that have gone over to bitmap pages, an index with a node above its leaves, a definition of two pages;
+//  - a new file with nothing in it.
+const std::vector<jet::ByteVector>& base_files();
+
+}  // namespace kvdb_fuzz

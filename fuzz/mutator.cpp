@@ -1,0 +1,215 @@
+#include "fuzz/mutator.h"
+
+#include <algorithm>
+#include <random>
+
+#include "fuzz/base_files.h"
+#include "fuzz/page_fields.h"
+#include "jet/database.h"
+#include "jet/rc4.h"
+#include "tests/support/fault_file_system.h"
+
+namespace kvdb_fuzz {
+
+using namespace jet;
+
+namespace {
+
+constexpr char kPath[] = "mutated.mdb";
+
+class Chance {
+public:
+    explicit Chance(std::uint64_t seed) : engine_(seed * 0x9E3779B97F4A7C15 + 1) {}
+    std::uint32_t below(std::size_t bound) { return static_cast<std::uint32_t>(engine_() % bound); }
+    bool one_in(std::size_t n) { return below(n) == 0; }
+    std::uint32_t bits() { return static_cast<std::uint32_t>(engine_()); }
+
+private:
+    std::mt19937_64 engine_;
+};
+
+// A number that may mean something in a field of `bytes` bytes that holds `now`.
+std::uint32_t meaningful(Chance& chance, const Field& field, std::uint32_t now, std::uint32_t page_count) {
+    const std::uint32_t page = chance.below(page_count);
+    switch (chance.below(field.meaning == Meaning::kNumber ? 5 : 9)) {
+        case 0: return now + (chance.one_in(2) ? 1 : -1u);
+        case 1: return now ^ 1u << chance.below(8 * field.bytes);
+        case 2: {
+            constexpr std::uint32_t kValues[] = {0,      1,      2,          5,          8,          0x20,
+                                                 0x40,   0x7F,   0x80,       0xFF,       0x100,      0x0FFF,
+                                                 0x1000, 0x1FFF, 0x2000,     0x4000,     0x7FFF,     0x8000,
+                                                 0xC000, 0xFFFF, 0x7FFFFFFF, 0x80000000, 0xFFFFFFF8, 0xFFFFFFFF};
+            return kValues[chance.below(std::size(kValues))];
+        }
+        case 3: return chance.bits();
+        case 4: return chance.below(300);
+        case 5: {
+            const std::uint32_t edges[] = {page_count, page_count - 1, page_count + 1, 524287, 524288, 0xFFFFF8};
+            const std::uint32_t edge = edges[chance.below(std::size(edges))];
+            return field.meaning == Meaning::kRow ? edge << 8 | chance.below(3) : edge;
+        }
+        default: break;
+    }
+    if (field.meaning == Meaning::kRow) return page << 8 | chance.below(6);
+    return page;
+}
+
+void store(MutableByteSpan page, const Field& field, std::uint32_t value) {
+    for (std::size_t i = 0; i < field.bytes; ++i) {
+        const std::size_t shift = field.big_endian ? field.bytes - 1 - i : i;
+        page[field.at + i] = static_cast<std::uint8_t>(value >> (8 * shift));
+    }
+}
+
+std::uint32_t load(ByteSpan page, const Field& field) {
+    std::uint32_t value = 0;
+    for (std::size_t i = 0; i < field.bytes; ++i) {
+        const std::size_t shift = field.big_endian ? field.bytes - 1 - i : i;
+        value |= std::uint32_t{page[field.at + i]} << (8 * shift);
+    }
+    return value;
+}
+
+class Mutation {
+public:
+    Mutation(ByteVector& file, Chance& chance, std::vector<std::string>& steps)
+        : file_(file), chance_(chance), steps_(steps) {}
+
+    void step() {
+        if (file_.size() < jet4::kPageSize) return;
+        if (chance_.one_in(12)) {
+            change_pages();
+        } else {
+            change_field();
+        }
+    }
+
+private:
+    std::uint32_t page_count() const { return static_cast<std::uint32_t>(file_.size() / jet4::kPageSize); }
+    MutableByteSpan page(PageNumber page_no) {
+        return MutableByteSpan(file_).subspan(page_no * jet4::kPageSize, jet4::kPageSize);
+    }
+
+    void change_field() {
+        // The header and the first map are found by chance seldom, and matter to all.
+        const PageNumber page_no = chance_.one_in(16) ? chance_.below(2) : chance_.below(page_count());
+        const MutableByteSpan bytes = page(page_no);
+        if (page_no == 0) mask_header(bytes);
+        const std::vector<Field> fields = fields_of(bytes, page_no);
+        if (!fields.empty()) {
+            const Field& field = fields[chance_.below(fields.size())];
+            const std::uint32_t now = load(bytes, field);
+            const std::uint32_t value = meaningful(chance_, field, now, page_count());
+            store(bytes, field, value);
+            steps_.push_back("page " + std::to_string(page_no) + ": " + field.name + " at " + std::to_string(field.at) +
+                             ": " + std::to_string(now) + " becomes " + std::to_string(value));
+        }
+        if (page_no == 0) mask_header(bytes);
+    }
+
+    static void mask_header(MutableByteSpan bytes) {
+        constexpr std::uint8_t kKey[] = {0xC7, 0xDA, 0x39, 0x6B};
+        Rc4(kKey).apply(bytes.subspan(jet4::header::kMasked, jet4::header::kMaskedBytes));
+    }
+
+    void change_pages() {
+        const PageNumber one = chance_.below(page_count());
+        const PageNumber other = chance_.below(page_count());
+        const std::string where = " page " + std::to_string(one);
+        switch (chance_.below(6)) {
+            case 0: {
+                const ByteVector copy(page(other).begin(), page(other).end());
+                store_bytes(page(one), 0, copy);
+                steps_.push_back("copy page " + std::to_string(other) + " over" + where);
+                break;
+            }
+            case 1:
+                std::swap_ranges(page(one).begin(), page(one).end(), page(other).begin());
+                steps_.push_back("exchange page " + std::to_string(other) + " and" + where);
+                break;
+            case 2:
+                std::fill(page(one).begin(), page(one).end(), std::uint8_t{0});
+                steps_.push_back("zero" + where);
+                break;
+            case 3:
+                page(one)[0] = static_cast<std::uint8_t>(chance_.below(10));
+                steps_.push_back("another kind for" + where);
+                break;
+            case 4:
+                if (one < 6) break;
+                file_.resize(one * jet4::kPageSize + (chance_.one_in(4) ? chance_.below(jet4::kPageSize) : 0));
+                steps_.push_back("cut off at" + where);
+                break;
+            default:
+                file_.resize((page_count() + chance_.below(4)) * jet4::kPageSize);
+                steps_.push_back("grow the file");
+        }
+    }
+
+    ByteVector& file_;
+    Chance& chance_;
+    std::vector<std::string>& steps_;
+};
+
+// The engine itself writes the journal: a commit whose pages are those of `changed`, taken before it is carried out.
+MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& chance) {
+    testing_support::FaultFileSystem disk;
+    const testing_support::UseFileSystem use(disk);
+    disk.set_content(kPath, base);
+    OpenOptions options;
+    options.pager.sync_interval = std::chrono::hours(24);
+    const auto database = Database::open(kPath, options);
+    Pager& pager = database->pager();
+    const auto commit_page = [&](PageNumber page_no, ByteSpan bytes) {
+        while (pager.page_count() <= page_no) pager.extend();
+        store_bytes(pager.modify(page_no).bytes(), 0, bytes);
+    };
+    {
+        // The first commit is synced and written at once.
+        Transaction transaction(pager);
+        const Page page = pager.read(jet4::kObjectsPage);
+        commit_page(jet4::kObjectsPage, ByteVector(page.bytes().begin(), page.bytes().end()));
+        transaction.commit();
+    }
+    {
+        Transaction transaction(pager);
+        const std::size_t pages = changed.database.size() / jet4::kPageSize;
+        for (std::size_t i = 0; i < pages; ++i) {
+            const ByteSpan bytes = ByteSpan(changed.database).subspan(i * jet4::kPageSize, jet4::kPageSize);
+            const bool same =
+                (i + 1) * jet4::kPageSize <= base.size() &&
+                std::equal(bytes.begin(), bytes.end(), base.begin() + static_cast<std::ptrdiff_t>(i * jet4::kPageSize));
+            if (!same) commit_page(static_cast<PageNumber>(i), bytes);
+        }
+        transaction.commit();
+    }
+    changed.database = disk.content(kPath);
+    const std::string journal = std::string(kPath) + "-journal";
+    if (disk.exists(journal)) changed.journal = disk.content(journal);
+    changed.steps.push_back("all of it in a journal");
+    if (!changed.journal.empty() && chance.one_in(3)) {
+        const std::uint32_t at = chance.below(std::min<std::size_t>(changed.journal.size(), 128));
+        changed.journal[at] ^= static_cast<std::uint8_t>(1u << chance.below(8));
+        changed.steps.push_back("a bit of the journal at " + std::to_string(at));
+    } else if (!changed.journal.empty() && chance.one_in(4)) {
+        changed.journal.resize(chance.below(changed.journal.size()));
+        changed.steps.push_back("the journal cut off");
+    }
+    return changed;
+}
+
+}  // namespace
+
+MutatedFiles mutate(std::uint64_t seed) {
+    Chance chance(seed);
+    const std::vector<ByteVector>& bases = base_files();
+    const std::uint32_t choice = chance.below(8);
+    const ByteVector& base = bases[choice < 5 ? 0 : choice < 7 ? 1 : 2];
+    MutatedFiles files;
+    files.database = base;
+    Mutation mutation(files.database, chance, files.steps);
+    for (std::uint32_t i = 1 + chance.below(chance.one_in(2) ? 2 : 6); i > 0; --i) mutation.step();
+    return chance.one_in(8) ? with_journal(base, std::move(files), chance) : files;
+}
+
+}  // namespace kvdb_fuzz

@@ -1,5 +1,6 @@
 #include "afx/dao_error.h"
 
+#include <algorithm>
 #include <exception>
 #include <new>
 #include <string>
@@ -14,9 +15,21 @@ namespace {
 constexpr char kSource[] = "KVDB";
 constexpr std::uint32_t kEngineCodes = 0x800A0000u;
 
+constinit thread_local LastError last;
+
+void remember(int number, std::string_view text) noexcept {
+    std::size_t length = std::min(text.size(), sizeof last.text - 1);
+    // Not in the middle of a character.
+    while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
+    last.number = number;
+    std::copy_n(text.begin(), length, last.text);
+    last.text[length] = 0;
+}
+
 }  // namespace
 
 void throw_dao(int number, std::string_view text) {
+    remember(number, text);
     // NOLINTNEXTLINE: the framework throws by pointer, and Delete() ends the object
     throw new CDaoException(number, os::narrow(jet::from_utf8(text)).c_str(), kSource);
 }
@@ -39,6 +52,10 @@ void rethrow_as_dao() {
         throw_dao(jet::errors::kReserved, "Internal error.");
     }
 }
+
+const LastError& last_error() noexcept { return last; }
+
+void clear_last_error() noexcept { remember(0, {}); }
 
 int number_of(SCODE scode) noexcept {
     const auto bits = static_cast<std::uint32_t>(scode);

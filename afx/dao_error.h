@@ -26,6 +26,16 @@ decltype(auto) translated(Work&& work) {
     }
 }
 
+// The error that left a data-access call last on this thread; number 0 where there was none. Those above answer with
+// a result code that does not tell; a program that contains the component can ask here. The text is UTF-8, cut where
+// it is too long, so that keeping it needs no memory.
+struct LastError {
+    int number = 0;
+    char text[512] = "";
+};
+const LastError& last_error() noexcept;
+void clear_last_error() noexcept;
+
 // The number of an engine error inside a result code; 3001 for any other failure.
 int number_of(SCODE scode) noexcept;
 

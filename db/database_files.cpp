@@ -10,7 +10,7 @@
 namespace db {
 namespace {
 
-std::string& test_folder() {
+std::string& given_folder() {
     static std::string folder;
     return folder;
 }
@@ -59,7 +59,7 @@ SCODE scode_of(os::FileFault fault) {
     return static_cast<SCODE>(kEngine + number());
 }
 
-std::string database_folder() { return test_folder().empty() ? os::folder_of(os::module_path()) : test_folder(); }
+std::string database_folder() { return given_folder().empty() ? os::folder_of(os::module_path()) : given_folder(); }
 
 std::string file_path(DatabaseFile file) { return os::join_path(database_folder(), facts(file).name); }
 
@@ -77,6 +77,6 @@ std::string connect_text(DatabaseFile file) { return connect_text(password(file)
 
 std::string locale_text(DatabaseFile file) { return dbLangGeneral + connect_text(file); }
 
-void set_database_folder_for_test(std::string_view folder) { test_folder() = folder; }
+void set_database_folder(std::string_view folder) { given_folder() = folder; }
 
 }  // namespace db

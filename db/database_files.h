@@ -15,7 +15,7 @@ SCODE scode_of(os::FileFault fault);
 enum class DatabaseFile { kMain, kInvoice };
 
 // The folder of the component's own module, without a separator at its end, as os/file.h takes paths; never cut. Worked
-// out anew at every call.
+// out anew at every call. set_database_folder puts another in its place.
 std::string database_folder();
 // The file in that folder.
 std::string file_path(DatabaseFile file);
@@ -41,7 +41,8 @@ std::string connect_text(DatabaseFile file);
 // The same behind the language of a new file, for CDaoDatabase::Create.
 std::string locale_text(DatabaseFile file);
 
-// Makes tests work in a folder of their own; "" puts the module's folder back.
-void set_database_folder_for_test(std::string_view folder);
+// For a program that contains the component (the command-line tool, tests): the files are in this folder; "" puts
+// the module's folder back. Not while a database is open.
+void set_database_folder(std::string_view folder);
 
 }  // namespace db

@@ -18,17 +18,22 @@ CDaoDatabase invoice_database;
 
 constexpr LONG kWrongPassword = 3031;
 
+Opening opening = Opening::kMakeAndUpgrade;
+
+bool makes_and_upgrades() { return opening == Opening::kMakeAndUpgrade; }
+
 // The oldest studio files still carry the former password.
 void open_file(CDaoDatabase& database, DatabaseFile file) {
     const std::string path = file_path(file);
     const char* const former = former_password(file);
+    const BOOL read_only = opening == Opening::kReadOnly;
     try {
-        return database.Open(path.c_str(), TRUE, FALSE, connect_text(file).c_str());
+        return database.Open(path.c_str(), TRUE, read_only, connect_text(file).c_str());
     } catch (CDaoException* e) {
         if (former == nullptr || e->m_pErrorInfo->m_lErrorCode != kWrongPassword) throw;
         e->Delete();
     }
-    database.Open(path.c_str(), TRUE, FALSE, connect_text(former).c_str());
+    database.Open(path.c_str(), TRUE, read_only, connect_text(former).c_str());
 }
 
 void close_quietly(CDaoDatabase& database) {
@@ -44,7 +49,7 @@ CDaoDatabase& obtain(CDaoDatabase& database, DatabaseFile file, bool reopen) {
     const bool is_main = file == DatabaseFile::kMain;
     const auto kept = os::file_system().keep_lock(file_path(file));
     if (reopen) close(is_main ? kCloseMainOnly : kCloseInvoiceOnly);
-    if (file_exists(file)) {
+    if (!makes_and_upgrades() || file_exists(file)) {
         open_file(database, file);
     } else if (is_main) {
         create_main_file(database);
@@ -75,6 +80,8 @@ LONG integer_field(CDaoRecordset& rows, const char* name) { return value_to_inte
 
 }  // namespace
 
+void set_opening(Opening wanted) { opening = wanted; }
+
 CDaoDatabase& obtain_main(bool reopen) { return obtain(main_database, DatabaseFile::kMain, reopen); }
 
 CDaoDatabase& obtain_invoice(bool reopen) { return obtain(invoice_database, DatabaseFile::kInvoice, reopen); }
@@ -86,7 +93,7 @@ HRESULT attach(GateDatabases& databases) {
 }
 
 HRESULT open(GateDatabases& databases) {
-    if (const HRESULT attached = attach(databases); attached != S_OK) return attached;
+    if (const HRESULT attached = attach(databases); attached != S_OK || !makes_and_upgrades()) return attached;
 
     // Nobody else gets in between the closing and the opening: of two hosts that come at the same moment, one would
     // have the one file then, the second the other, and neither both.

@@ -3,8 +3,8 @@
 // Invariants
 //  1. There is one main and one invoice database object per process. Every gate that has attached points at
 //     both; opening or closing them through one gate does so for all.
-//  2. A missing file is made, never an error. A file that cannot be opened raises CDaoException* out of
-//     attach and open; nothing else here lets an exception out.
+//  2. A missing file is made, never an error, unless set_opening says otherwise. A file that cannot be opened
+//     raises CDaoException* out of attach and open; nothing else here lets an exception out.
 #pragma once
 
 #include <kvdb/records.h>
@@ -26,6 +26,15 @@ enum CloseFlags : unsigned {
     kCloseInvoiceOnly = 16,
     kCloseMainOnly = 32,
 };
+
+// What opening may do to the files. Hosts get kMakeAndUpgrade; a program that contains the component says otherwise
+// while no database is open.
+enum class Opening {
+    kMakeAndUpgrade,  // a missing file is made, an older or newer one brought to the current version
+    kAsTheyAre,       // for changes of rows; a missing file is an error, and a file keeps its version
+    kReadOnly,        // the same, and nothing is opened for writing
+};
+void set_opening(Opening opening);
 
 // Opens or makes whichever file is not open and points the gate at both databases. S_OK.
 HRESULT attach(GateDatabases& databases);

@@ -125,12 +125,15 @@ constexpr UpgradeStep kInvoiceUpgrade[] = {
     {kEveryVersion, "set the version to 210000", kStop, mark_as_current},
 };
 
+UpgradeObserver* upgrade_observer = nullptr;
+
 // Each step, or two that belong together, is one transaction. What a failed one had done is kept.
 int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version) {
     CDaoWorkspace& workspace = *database.m_pWorkspace;
     bool in_transaction = false;
     for (const UpgradeStep& step : steps) {
         if (!step.applies_to(version)) continue;
+        if (upgrade_observer != nullptr) upgrade_observer->begins(step);
         int done = -1;
         const int committed = guarded([&] {
             if (!in_transaction) workspace.BeginTrans();
@@ -140,7 +143,9 @@ int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version
             in_transaction = false;
             workspace.CommitTrans();
         });
-        if ((done != 0 || committed != 0) && step.on_failure == kStop) return -1;
+        if (done == 0 && committed == 0) continue;
+        if (upgrade_observer != nullptr) upgrade_observer->failed(step);
+        if (step.on_failure == kStop) return -1;
     }
     return 1;
 }
@@ -162,6 +167,8 @@ LONG stored_version(CDaoDatabase& database) {
 std::span<const UpgradeStep> studio_upgrade() { return kStudioUpgrade; }
 
 std::span<const UpgradeStep> invoice_upgrade() { return kInvoiceUpgrade; }
+
+void set_upgrade_observer(UpgradeObserver* observer) { upgrade_observer = observer; }
 
 int upgrade_main_file(CDaoDatabase& database) {
     LONG version = 0;

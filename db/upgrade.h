@@ -34,6 +34,16 @@ struct UpgradeStep {
 std::span<const UpgradeStep> studio_upgrade();
 std::span<const UpgradeStep> invoice_upgrade();
 
+// For a program that contains the component: told of every step that runs; null: nobody is.
+class UpgradeObserver {
+public:
+    virtual ~UpgradeObserver() = default;
+    virtual void begins(const UpgradeStep& step) = 0;
+    // It did not do all it was to do.
+    virtual void failed(const UpgradeStep& step) = 0;
+};
+void set_upgrade_observer(UpgradeObserver* observer);
+
 // 0: nothing was to be done; 1: the upgrade ran through; -1: it stopped at a step that failed. Nothing is
 // thrown, and the database stays open.
 int upgrade_main_file(CDaoDatabase& database);

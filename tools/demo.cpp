@@ -1,13 +1,14 @@
 // The demonstration: a studio from nothing, a day's work on it through the gates, and what was left on the disk.
-#include <cstdio>
 #include <filesystem>
 
 #include "jet/check.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/open_file.h"
+#include "tools/output.h"
+#include "tools/studio_files.h"
 #include "tools/gate_table.h"
 #include "tools/member_text.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -250,8 +251,7 @@ void show(Studio& studio, const char* title, const char* table_name, const Assig
           std::size_t count) {
     const GateTable& table = gate_table(table_name);
     const std::vector<Row> rows = table.list(studio, filter);
-    std::printf("%s\n", title);
-    std::fflush(stdout);
+    output().print("%s\n", title);
     print_aligned(columns, chosen(table.columns(), rows, columns));
     if (rows.size() != count) throw CommandError(std::string("the rows of ") + table_name + " did not come back");
 }
@@ -285,19 +285,16 @@ void show_summary(Studio& studio, const Keys& keys) {
          {"Date", "ServiceName", "Quantity"}, 1);
     InvoiceDef defaults;
     require(studio.open().GetInvoiceDef(address_of(defaults)), "GetInvoiceDef");
-    std::printf("New invoices come from %s, number %d is the last one used, tax %g\n",
+    output().print("New invoices come from %s, number %d is the last one used, tax %g\n",
                 to_utf8(defaults.StudioName).c_str(), static_cast<int>(defaults.LastUsedCounter),
                 static_cast<double>(defaults.Tax));
 }
 
-void show_files(const Studio& studio) {
-    for (const std::string& file : {studio.main_file(), studio.invoice_file()}) {
-        jet::OpenOptions options;
-        options.read_only = true;
-        options.ignore_password = true;
-        const auto database = jet::Database::open(to_system_path(file), options);
+void show_files(const StudioFiles& files) {
+    for (const std::string& file : {files.studio.path(), files.invoices.path()}) {
+        const auto database = open_to_read(file);
         const std::size_t violations = jet::check_structure(*database).size();
-        std::printf("  %s: %ju bytes, %zu tables, structural check: %s\n", file.c_str(),
+        output().print("  %s: %ju bytes, %zu tables, structural check: %s\n", file.c_str(),
                     static_cast<std::uintmax_t>(fs::file_size(file)), database->table_names().size(),
                     violations == 0 ? "sound" : "NOT SOUND");
         if (violations != 0) throw CommandError(file + " is not sound");
@@ -318,25 +315,26 @@ int run_demo(const Words& words) {
         fs::create_directories(folder, error);
         if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
     }
-    Studio studio(folder, Studio::Purpose::kMake);
-    if (studio.is_there()) {
+    const StudioFiles files(folder);
+    if (files.any()) {
         throw CommandError("there is a studio in " + folder + " already; the demonstration wants a folder without one");
     }
-    std::printf("A new studio in %s\n", folder.c_str());
+    Studio studio(folder, Studio::Purpose::kUpgrade);
+    output().print("A new studio in %s\n", folder.c_str());
     LONG version = 0;
     require(studio.open().GetDBVer(&version), "GetDBVer");
-    std::printf("OpenDB made both files; schema version %d. A day's work, closed, and opened again:\n\n",
+    output().print("OpenDB made both files; schema version %d. A day's work, closed, and opened again:\n\n",
                 static_cast<int>(version));
     const Keys keys = Day(studio).work();
     studio.close();
     show_summary(studio, keys);
     studio.close();
-    std::printf("\nFiles, readable by any Jet tool:\n");
-    show_files(studio);
-    std::printf(
+    output().print("\nFiles, readable by any Jet tool:\n");
+    show_files(files);
+    output().print(
         "\nTry: kvdb projects %s --client %s\n     kvdb list %s Tracks --filter SongID=%s\n     kvdb schema %s "
         "Projects\n",
-        folder.c_str(), keys.singer.c_str(), folder.c_str(), keys.song.c_str(), studio.main_file().c_str());
+        folder.c_str(), keys.singer.c_str(), folder.c_str(), keys.song.c_str(), files.studio.path().c_str());
     return 0;
 }
 

@@ -1,22 +1,21 @@
 // Commands that look at one file with the engine alone: tables, schema, rows, check.
-#include <cstdio>
 #include <memory>
 
 #include "jet/check.h"
 #include "jet/database.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/open_file.h"
+#include "tools/output.h"
 #include "tools/row_printer.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {
 
 std::unique_ptr<jet::Database> open(const std::string& path, const Arguments& arguments) {
     jet::OpenOptions options;
-    options.read_only = true;
     options.password = jet::from_utf8(arguments.value("--password").value_or(""));
-    return jet::Database::open(to_system_path(path), options);
+    return open_to_read(path, options);
 }
 
 jet::Table& find_table(jet::Database& database, const std::string& name) {
@@ -49,24 +48,24 @@ std::string type_text(const jet::ColumnDef& column) {
 }
 
 void print_schema(const jet::TableDef& def) {
-    std::printf("%s (%u rows)\n", jet::to_utf8(def.name).c_str(), def.row_count);
+    output().print("%s (%u rows)\n", jet::to_utf8(def.name).c_str(), def.row_count);
     for (const jet::ColumnDef& column : def.columns) {
         std::string notes;
         const bool is_text = column.type == jet::ColumnType::kText || column.type == jet::ColumnType::kMemo;
         if (is_text && !column.allow_zero_length) notes += ", no zero length";
         if (column.required) notes += ", required";
-        std::printf("  %-24s %s%s\n", jet::to_utf8(column.name).c_str(), type_text(column).c_str(), notes.c_str());
+        output().print("  %-24s %s%s\n", jet::to_utf8(column.name).c_str(), type_text(column).c_str(), notes.c_str());
     }
     for (const jet::LogicalIndex& index : def.logical_indexes) {
-        std::printf("  index %s%s:", jet::to_utf8(index.name).c_str(), index.type == 1 ? " (primary key)" : "");
+        output().print("  index %s%s:", jet::to_utf8(index.name).c_str(), index.type == 1 ? " (primary key)" : "");
         if (index.real_index < def.real_indexes.size()) {
             for (const jet::KeyColumn& key : def.real_indexes[index.real_index].columns) {
                 const auto position = def.column_by_number(key.column_number);
-                std::printf(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?",
+                output().print(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?",
                             key.ascending ? "" : " desc");
             }
         }
-        std::printf("\n");
+        output().print("\n");
     }
 }
 
@@ -86,7 +85,7 @@ int run_tables(const Words& words) {
     const auto database = open(arguments.expect(1, 1, "tables FILE [--system] [--password TEXT]")[0], arguments);
     for (const jet::CatalogEntry& entry : database->catalog()) {
         if (entry.is_system() && !arguments.has("--system")) continue;
-        if (entry.type == 1) std::printf("%s\n", jet::to_utf8(entry.name).c_str());
+        if (entry.type == 1) output().print("%s\n", jet::to_utf8(entry.name).c_str());
     }
     return 0;
 }
@@ -130,10 +129,10 @@ int run_check(const Words& words) {
     const std::vector<jet::Violation> violations = jet::check_structure(*database);
     for (const jet::Violation& violation : violations) {
         const std::string row = violation.row < 0 ? "" : ", row " + std::to_string(violation.row);
-        std::printf("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(),
+        output().print("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(),
                     violation.detail.c_str());
     }
-    std::printf("%s: %zu violation%s\n", positional[0].c_str(), violations.size(), violations.size() == 1 ? "" : "s");
+    output().print("%s: %zu violation%s\n", positional[0].c_str(), violations.size(), violations.size() == 1 ? "" : "s");
     return violations.empty() ? 0 : 1;
 }
 

@@ -1,10 +1,11 @@
 // kvdb: the command-line tool. Exit codes: 0 done, 1 failed, 2 not understood; errors are one line on stderr.
 #include <cstdio>
-#include <cstring>
 #include <exception>
+#include <string>
 
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/output.h"
 #include "tools/words.h"
 
 namespace {
@@ -41,23 +42,25 @@ constexpr Command kCommands[] = {
 };
 
 void print_help() {
-    std::printf("kvdb: the database component of a recording studio, and a reader of its Jet files\n\n");
-    for (const Command& command : kCommands) std::printf("  kvdb %s\n      %s\n", command.usage, command.effect);
-    std::printf(
-        "\nStudio commands work on the folder that holds sldb.mdb and kvinvdb.mdb; the others read one file\n"
-        "and never write. Exit codes: 0 done, 1 failed, 2 not understood.\n");
+    tools::Output& out = tools::output();
+    out.print("kvdb: the database component of a recording studio, and a reader of its Jet files\n\n");
+    for (const Command& command : kCommands) out.print("  kvdb %s\n      %s\n", command.usage, command.effect);
+    out.print(
+        "\nStudio commands work on the folder that holds sldb.mdb and kvinvdb.mdb; the others read one file. Only\n"
+        "demo, upgrade, add, set and delete write, and only upgrade changes the version of a studio; info, projects,\n"
+        "list, show and those that read one file open nothing for writing. The tool loads nothing from a studio's\n"
+        "folder and leaves nothing there but the studio, and the copies of upgrade.\n"
+        "Exit codes: 0 done, 1 failed, 2 not understood. Output that cannot be written is a failure; a pipe whose\n"
+        "reader has gone ends the command quietly, with 1.\n");
 }
 
-int fail(int code, const char* text) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "kvdb: %s\n", text);
+int fail(int code, const std::string& text) {
+    tools::output().flush();
+    std::fprintf(stderr, "kvdb: %s\n", text.c_str());
     return code;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-    const tools::Words words = tools::command_line_words(argc, argv);
+int run(const tools::Words& words) {
     if (words.empty()) return fail(2, "no command; kvdb --help lists them");
     if (words[0] == "--help" || words[0] == "help") {
         print_help();
@@ -69,7 +72,7 @@ int main(int argc, char** argv) {
         for (const std::string& word : rest) {
             if (word == "--") break;
             if (word == "--help") {
-                std::printf("kvdb %s\n  %s\n", command.usage, command.effect);
+                tools::output().print("kvdb %s\n  %s\n", command.usage, command.effect);
                 return 0;
             }
         }
@@ -81,5 +84,17 @@ int main(int argc, char** argv) {
             return fail(1, error.what());
         }
     }
-    return fail(2, ("unknown command '" + words[0] + "'; kvdb --help lists them").c_str());
+    return fail(2, "unknown command '" + words[0] + "'; kvdb --help lists them");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    tools::open_standard_streams();
+    const int code = run(tools::command_line_words(argc, argv));
+    tools::Output& out = tools::output();
+    out.finish();
+    if (!out.is_lost()) return code;
+    const int failed = code != 0 ? code : 1;
+    return out.reader_has_gone() ? failed : fail(failed, "the output is not complete: " + out.reason());
 }

@@ -1,9 +1,9 @@
 // Commands on the records of a table, through the gates: list, show, add, set, delete; and projects, a list for
 // people.
-#include <cstdio>
 
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/output.h"
 #include "tools/gate_table.h"
 #include "tools/member_text.h"
 
@@ -35,7 +35,7 @@ int run_list(const Words& words) {
     for (const Assignment& more : assignments_of(positional, 2)) filter.push_back(more);
     const RowFormat format = row_format(arguments);
     const GateTable& table = gate_table(positional[1]);
-    Studio studio(positional[0]);
+    Studio studio(positional[0], Studio::Purpose::kRead);
     const std::vector<Row> rows = table.list(studio, filter);
     RowPrinter printer(format, table.columns());
     for (const Row& row : rows) printer.print(row);
@@ -48,7 +48,7 @@ int run_show(const Words& words) {
     const auto& positional = arguments.expect(3, 3, "show FOLDER TABLE KEY [--json|--csv]");
     const RowFormat format = row_format(arguments);
     const GateTable& table = gate_table(positional[1]);
-    Studio studio(positional[0]);
+    Studio studio(positional[0], Studio::Purpose::kRead);
     print_record(format, table.columns(), table.show(studio, positional[2]));
     return 0;
 }
@@ -58,8 +58,8 @@ int run_add(const Words& words) {
     const auto& positional = arguments.expect(3, kAnyNumber, "add FOLDER TABLE member=value ...");
     const Assignments members = assignments_of(positional, 2);
     const GateTable& table = gate_table(positional[1]);
-    Studio studio(positional[0]);
-    std::printf("%s\n", table.add(studio, members).c_str());
+    Studio studio(positional[0], Studio::Purpose::kChange);
+    output().print("%s\n", table.add(studio, members).c_str());
     return 0;
 }
 
@@ -68,7 +68,7 @@ int run_set(const Words& words) {
     const auto& positional = arguments.expect(4, kAnyNumber, "set FOLDER TABLE KEY member=value ...");
     const Assignments members = assignments_of(positional, 3);
     const GateTable& table = gate_table(positional[1]);
-    Studio studio(positional[0]);
+    Studio studio(positional[0], Studio::Purpose::kChange);
     table.set(studio, positional[2], members);
     return 0;
 }
@@ -77,7 +77,7 @@ int run_delete(const Words& words) {
     const Arguments arguments(words, {}, {});
     const auto& positional = arguments.expect(3, 3, "delete FOLDER TABLE KEY");
     const GateTable& table = gate_table(positional[1]);
-    Studio studio(positional[0]);
+    Studio studio(positional[0], Studio::Purpose::kChange);
     table.remove(studio, positional[2]);
     return 0;
 }
@@ -89,7 +89,7 @@ int run_projects(const Words& words) {
     if (arguments.number("--client")) filter.push_back({"ClientID", *arguments.value("--client")});
     if (arguments.value("--type")) filter.push_back({"Type", *arguments.value("--type")});
     const GateTable& table = gate_table("Projects");
-    Studio studio(positional[0]);
+    Studio studio(positional[0], Studio::Purpose::kRead);
     const std::vector<Row> rows = table.list(studio, filter);
     if (arguments.has("--json")) {
         RowPrinter printer(RowFormat::kJson, table.columns());
@@ -98,7 +98,7 @@ int run_projects(const Words& words) {
     } else {
         const Names names{"ProjID", "Name", "Client", "Type", "ProjCreateDate", "DiscountVal"};
         print_aligned(names, chosen(table.columns(), rows, names));
-        std::printf("%zu project%s\n", rows.size(), rows.size() == 1 ? "" : "s");
+        output().print("%zu project%s\n", rows.size(), rows.size() == 1 ? "" : "s");
     }
     return 0;
 }

@@ -1,8 +1,8 @@
 #include "tools/row_printer.h"
 
 #include <algorithm>
-#include <iostream>
 
+#include "tools/output.h"
 #include "tools/value_text.h"
 
 namespace tools {
@@ -19,12 +19,14 @@ std::string json_object(const Names& names, const Row& row) {
 // The cells between separators, as a line.
 template <class Cells, class Text>
 void print_line(const Cells& cells, const char* between, const char* end, Text&& text) {
+    std::string line;
     const char* before = "";
     for (const auto& cell : cells) {
-        std::cout << before << text(cell);
+        line += before;
+        line += text(cell);
         before = between;
     }
-    std::cout << end;
+    output().write(line += end);
 }
 
 std::size_t width_of(const std::string& utf8) {
@@ -43,7 +45,7 @@ RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(
     switch (format_) {
         case RowFormat::kPlain: print_line(names_, "\t", "\n", [](const std::string& name) { return name; }); break;
         case RowFormat::kCsv: print_line(names_, ",", "\r\n", csv_quoted); break;
-        case RowFormat::kJson: std::cout << "["; break;
+        case RowFormat::kJson: output().write("["); break;
     }
 }
 
@@ -51,25 +53,23 @@ void RowPrinter::print(const Row& row) {
     switch (format_) {
         case RowFormat::kPlain: print_line(row, "\t", "\n", plain_text); break;
         case RowFormat::kCsv: print_line(row, ",", "\r\n", csv_field); break;
-        case RowFormat::kJson: std::cout << (any_ ? ",\n  " : "\n  ") << json_object(names_, row); break;
+        case RowFormat::kJson: output().write((any_ ? ",\n  " : "\n  ") + json_object(names_, row)); break;
     }
     any_ = true;
 }
 
 void RowPrinter::finish() {
-    if (format_ == RowFormat::kJson) std::cout << "\n]\n";
-    std::cout.flush();
+    if (format_ == RowFormat::kJson) output().write("\n]\n");
 }
 
 void print_record(RowFormat format, const Names& names, const Row& row) {
     if (format == RowFormat::kCsv) {
         RowPrinter(format, names).print(row);
     } else if (format == RowFormat::kJson) {
-        std::cout << json_object(names, row) << "\n";
+        output().write(json_object(names, row) + "\n");
     } else {
-        for (std::size_t i = 0; i < names.size(); ++i) std::cout << names[i] << ": " << plain_text(row[i]) << "\n";
+        for (std::size_t i = 0; i < names.size(); ++i) output().write(names[i] + ": " + plain_text(row[i]) + "\n");
     }
-    std::cout.flush();
 }
 
 std::vector<Row> chosen(const Names& columns, const std::vector<Row>& rows, const Names& wanted) {
@@ -95,9 +95,8 @@ void print_aligned(const Names& names, const std::vector<Row>& rows) {
         std::string text;
         for (std::size_t i = 0; i < line.size(); ++i) text += "  " + padded(line[i], widths[i]);
         text.erase(text.find_last_not_of(' ') + 1);
-        std::cout << text << "\n";
+        output().write(text + "\n");
     }
-    std::cout.flush();
 }
 
 }  // namespace tools

@@ -1,52 +1,39 @@
-// A studio folder and the component in it, as a host has them: the library is loaded from the folder,
-// because its own place is where it keeps its files.
+// A studio folder and the component on it. The tool contains the component, tells it the folder, and goes through the
+// class factory like any host: nothing is loaded from the folder, and nothing but the studio is put there.
 #pragma once
 
 #include <kvdb/kvdb.h>
 
-#include <memory>
 #include <string>
 #include <type_traits>
 
 namespace tools {
 
+// One at a time: the component has one folder.
 class Studio {
 public:
     enum class Purpose {
-        kUse,   // the studio must be there already, and a library that was copied is taken away again
-        kMake,  // the files are made where they are missing, and the library stays
+        kRead,     // both files must be there and of the current version; nothing is opened for writing
+        kChange,   // the same, but rows may be changed
+        kUpgrade,  // the files are made where they are missing and brought up to date, as for any host
     };
 
-    // Nothing is touched before one of the gates is wanted; then the library in the folder is loaded or, where
-    // none lies there, one copied from beside the tool. CommandError when there is no such folder or library.
-    explicit Studio(const std::string& folder, Purpose purpose = Purpose::kUse);
+    // Nothing is touched before one of the gates is wanted.
+    explicit Studio(const std::string& folder, Purpose purpose);
     ~Studio();
     Studio(const Studio&) = delete;
     Studio& operator=(const Studio&) = delete;
 
-    bool is_there();
-    // The gates, made by the class factory at first use, with both databases open. CommandError when there is no
-    // studio, and with the engine's text when the databases cannot be opened.
+    // The gates, made by the class factory at first use, with both databases open. CommandError when there is no such
+    // folder, no studio that serves the purpose, and with the engine's text when the databases cannot be opened.
     IDBgate1& open();
     IDBGate3& open_gear();
     // Closes both databases; the above open them again.
     void close();
 
-    std::string main_file() const;
-    std::string invoice_file() const;
-    std::string library_file() const;
-
 private:
-    struct Module;
-
-    void load();
-    IDBgate1& gate();
-    void require_studio();
-
     std::string folder_;
     Purpose purpose_;
-    bool remove_library_ = false;
-    std::unique_ptr<Module> module_;
     IDBgate1* gate_ = nullptr;
     IDBGate3* gear_ = nullptr;
     bool is_open_ = false;

@@ -1,31 +1,22 @@
 #include "tools/studio_files.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
-#include <memory>
-#include <span>
 
-#include "afx/ole_date_time.h"
-#include "db/schema.h"
-#include "jet/database.h"
+#include "db/content.h"
 #include "os/file.h"
 #include "os/system.h"
 #include "tools/arguments.h"
+#include "tools/open_file.h"
 #include "tools/words.h"
 
 namespace tools {
 namespace {
 
-constexpr std::size_t kCopyBytes = 1u << 20;
-constexpr char kJournalSuffix[] = "-journal";
+namespace fs = std::filesystem;
 
-// The password is the component's own affair.
-std::unique_ptr<jet::Database> open(const std::string& path) {
-    jet::OpenOptions options;
-    options.read_only = true;
-    options.ignore_password = true;
-    return jet::Database::open(path, options);
-}
+constexpr std::size_t kMostMissing = 12;
 
 std::int32_t number_of(const jet::Value& value) {
     if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
@@ -44,59 +35,68 @@ std::optional<std::int32_t> header_value(jet::Database& database, const char* co
     return position ? number_of(row.value(*position)) : 0;
 }
 
-void copy_content(os::File& from, const std::string& to) {
-    auto copy = os::file_system().open(to, os::OpenMode::kCreateExclusive);
-    try {
-        std::vector<std::uint8_t> buffer(kCopyBytes);
-        for (std::uint64_t at = 0;;) {
-            const std::size_t got = from.read(at, buffer);
-            if (got == 0) break;
-            copy->write(at, std::span(buffer).first(got));
-            at += got;
-        }
-        copy->sync();
-    } catch (...) {
-        copy.reset();
-        os::file_system().remove(to);
-        throw;
+std::string full_path(const std::string& folder) {
+    std::error_code error;
+    const fs::file_status status = fs::status(folder, error);
+    if (status.type() == fs::file_type::not_found) throw CommandError("there is no folder " + folder);
+    if (status.type() == fs::file_type::none) throw CommandError("cannot look at " + folder + ": " + error.message());
+    if (!fs::is_directory(status)) {
+        throw CommandError(folder + " is no folder; wanted is the one that holds sldb.mdb and kvinvdb.mdb");
     }
+    fs::path path = fs::absolute(folder).lexically_normal();
+    if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();  // a separator at its end
+    return path.string();
 }
 
-std::string in_folder(const std::string& folder, const char* name) {
-    std::error_code error;
-    if (!std::filesystem::is_directory(folder, error)) throw CommandError("there is no folder " + folder);
-    return os::join_path(std::filesystem::absolute(folder).lexically_normal().string(), name);
+void require_current_version(const StudioFile& file, const std::string& folder) {
+    const std::optional<std::int32_t> version = file.version();
+    if (version == db::kCurrentVersion) return;
+    const std::string current = std::to_string(db::kCurrentVersion);
+    std::string text = file.path() + " is of version " + file.version_text() + ", and this program works on " + current;
+    if (!version) {
+        text = file.path() + " has no version, for its table DBHeader has no row; kvdb rows reads its tables one by one";
+    } else if (file.is_newer()) {
+        text += ": use a newer kvdb, or lower the version for good with kvdb upgrade --lower " + folder;
+    } else {
+        text += ": bring it up to date with kvdb upgrade " + folder;
+    }
+    throw CommandError(text);
 }
 
 }  // namespace
 
 StudioFile::StudioFile(const std::string& folder, const char* name, std::span<const db::UpgradeStep> upgrade,
                        std::span<const db::TableSchema> schema)
-    : path_(in_folder(folder, name)),
-      system_path_(to_system_path(path_)),
-      name_(name),
-      upgrade_(upgrade),
-      schema_(schema) {}
+    : path_(os::join_path(folder, name)), name_(name), upgrade_(upgrade), schema_(schema) {}
 
-bool StudioFile::exists() const { return os::file_system().exists(system_path_); }
+bool StudioFile::exists() const { return os::file_system().exists(to_system_path(path_)); }
 
-std::optional<std::int32_t> StudioFile::version() const { return header_value(*open(system_path_), "DBversion"); }
+std::optional<std::int32_t> StudioFile::version() const { return header_value(*open_to_read(path_), "DBversion"); }
+
+std::string StudioFile::version_text() const {
+    const auto stored = version();
+    return stored ? std::to_string(*stored) : "unknown (no header row)";
+}
+
+bool StudioFile::is_newer() const { return version().value_or(0) > db::kCurrentVersion; }
 
 std::int32_t StudioFile::header(const char* column) const {
-    return header_value(*open(system_path_), column).value_or(0);
+    return header_value(*open_to_read(path_), column).value_or(0);
 }
 
 std::vector<std::pair<std::string, std::uint32_t>> StudioFile::row_counts() const {
-    const auto database = open(system_path_);
+    const auto database = open_to_read(path_);
     std::vector<std::pair<std::string, std::uint32_t>> counts;
     for (const std::u16string& name : database->table_names()) {
-        counts.emplace_back(jet::to_utf8(name), database->find_table(name)->def().row_count);
+        if (const jet::Table* const table = database->find_table(name)) {
+            counts.emplace_back(jet::to_utf8(name), table->def().row_count);
+        }
     }
     return counts;
 }
 
 std::vector<std::string> StudioFile::missing() const {
-    const auto database = open(system_path_);
+    const auto database = open_to_read(path_);
     std::vector<std::string> missing;
     std::vector<std::string> fields;
     for (const db::TableSchema& table : schema_) {
@@ -114,6 +114,15 @@ std::vector<std::string> StudioFile::missing() const {
     return missing;
 }
 
+std::string StudioFile::missing_text() const {
+    if (version() != db::kCurrentVersion) return {};
+    const std::vector<std::string> names = missing();
+    std::string text;
+    for (std::size_t i = 0; i < std::min(names.size(), kMostMissing); ++i) text += (i == 0 ? "" : ", ") + names[i];
+    if (names.size() > kMostMissing) text += " and " + std::to_string(names.size() - kMostMissing) + " more";
+    return text;
+}
+
 std::vector<const char*> StudioFile::upgrade_plan() const {
     std::vector<const char*> plan;
     const std::optional<std::int32_t> stored = version();
@@ -124,26 +133,30 @@ std::vector<const char*> StudioFile::upgrade_plan() const {
     return plan;
 }
 
-std::string StudioFile::make_dated_copy() const {
-    os::FileSystem& files = os::file_system();
-    const auto locked = files.open(system_path_, os::OpenMode::kExclusive);
-    const std::size_t ending = system_path_.rfind('.');
-    const std::string dated =
-        system_path_.substr(0, ending) + "-" + std::string(COleDateTime::GetCurrentTime().Format("%Y-%m-%d"));
-    std::string copy = dated + system_path_.substr(ending);
-    for (int n = 2; files.exists(copy); ++n) copy = dated + "-" + std::to_string(n) + system_path_.substr(ending);
-    if (files.exists(system_path_ + kJournalSuffix)) {
-        copy_content(*files.open(system_path_ + kJournalSuffix, os::OpenMode::kReadOnly), copy + kJournalSuffix);
-    }
-    copy_content(*locked, copy);
-    files.sync_folder_of(copy);
-    return from_system_path(copy);
+bool StudioFile::has(const db::UpgradeStep& step) const {
+    return std::any_of(upgrade_.begin(), upgrade_.end(), [&](const db::UpgradeStep& own) { return &own == &step; });
 }
 
 StudioFiles::StudioFiles(const std::string& folder)
-    : studio(folder, "sldb.mdb", db::studio_upgrade(), db::studio_tables()),
-      invoices(folder, "kvinvdb.mdb", db::invoice_upgrade(), db::invoice_tables()) {
-    if (!studio.exists()) throw CommandError("there is no studio in " + folder);
+    : folder_(full_path(folder)),
+      studio(folder_, "sldb.mdb", db::studio_upgrade(), db::studio_tables()),
+      invoices(folder_, "kvinvdb.mdb", db::invoice_upgrade(), db::invoice_tables()) {}
+
+void StudioFiles::require_studio() const {
+    if (studio.exists()) return;
+    throw CommandError("there is no studio in " + folder_ + ": sldb.mdb is not there; kvdb demo makes a new one");
+}
+
+void StudioFiles::require_current() const {
+    require_studio();
+    if (!invoices.exists()) {
+        throw CommandError("the studio in " + folder_ +
+                           " is not whole: kvinvdb.mdb is not there; put it back, or have an empty one made with kvdb "
+                           "upgrade " +
+                           folder_);
+    }
+    require_current_version(studio, folder_);
+    require_current_version(invoices, folder_);
 }
 
 }  // namespace tools

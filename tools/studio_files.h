@@ -1,6 +1,7 @@
-// The two files of a studio, looked at below the gates: opening through a gate would upgrade older ones.
+// The two files of a studio, looked at below the gates: nothing is written, whatever their versions.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -24,31 +25,46 @@ public:
 
     // Of the file as it is now; none where it has no header row.
     std::optional<std::int32_t> version() const;
+    // The same in words.
+    std::string version_text() const;
+    bool is_newer() const;
     // The number of the header's column; 0 where there is none.
     std::int32_t header(const char* column) const;
     // By table, in the order of the file.
     std::vector<std::pair<std::string, std::uint32_t>> row_counts() const;
-    // Tables ("Stock"), then fields ("Stock.Cost") of the current version that the file has not.
-    std::vector<std::string> missing() const;
-    // What the next opening would do; empty where that is nothing.
+    // What a file of the current version lacks, after an upgrade that stopped or left something out: tables ("Stock"),
+    // then fields ("Stock.Cost"); "" for nothing.
+    std::string missing_text() const;
+    // What the next opening by a host would do; empty where that is nothing.
     std::vector<const char*> upgrade_plan() const;
-
-    // Copies the file, with a journal that lies beside it, under a name with today's date; the file is locked
-    // meanwhile. Returns the copy's path. Throws os::FileError.
-    std::string make_dated_copy() const;
+    // Whether the step is one of this file's.
+    bool has(const db::UpgradeStep& step) const;
 
 private:
+    std::vector<std::string> missing() const;
+
     std::string path_;
-    std::string system_path_;  // for the engine
     const char* name_;
     std::span<const db::UpgradeStep> upgrade_;
     std::span<const db::TableSchema> schema_;
 };
 
-struct StudioFiles {
-    // CommandError when there is no such folder, or no studio in it.
+class StudioFiles {
+public:
+    // CommandError when there is no such folder.
     explicit StudioFiles(const std::string& folder);
 
+    const std::string& folder() const { return folder_; }
+    bool any() const { return studio.exists() || invoices.exists(); }
+    // CommandError when the studio file is not there.
+    void require_studio() const;
+    // CommandError when one of the files is not there or not of the current version.
+    void require_current() const;
+
+private:
+    std::string folder_;
+
+public:
     StudioFile studio;
     StudioFile invoices;
 };

@@ -22,10 +22,10 @@ constexpr DWORD kAMoment = 300;
 
 class HeldFiles : public FolderTest {
 protected:
-    HeldFiles() { db::set_database_folder_for_test(folder_.string()); }
+    HeldFiles() { db::set_database_folder(folder_.string()); }
     ~HeldFiles() override {
         db::close(db::kCloseAll);
-        db::set_database_folder_for_test("");
+        db::set_database_folder("");
     }
 
     // The studio as a killed host has left it, whose last colour is `color`: the journal holds it, the file does not.
@@ -142,7 +142,7 @@ TEST_F(HeldFiles, folder_with_a_name_beyond_the_code_page_is_the_studio_itself) 
     const std::filesystem::path folder = std::filesystem::path(folder_) / L"Micha\x0142 \x30B9\x30BF";
     std::filesystem::create_directory(folder);
     const std::u8string utf8 = folder.u8string();
-    db::set_database_folder_for_test(std::string(utf8.begin(), utf8.end()));
+    db::set_database_folder(std::string(utf8.begin(), utf8.end()));
     EXPECT_EQ(error_of([&] { db::open(gate_); }), 0);
     set_color(1);
     EXPECT_TRUE(std::filesystem::exists(folder / L"sldb.mdb"));

@@ -26,10 +26,10 @@ namespace {
 
 class Session : public FolderTest {
 protected:
-    Session() { db::set_database_folder_for_test(folder_.string()); }
+    Session() { db::set_database_folder(folder_.string()); }
     ~Session() override {
         db::close(db::kCloseAll);
-        db::set_database_folder_for_test("");
+        db::set_database_folder("");
     }
 
     int row_count(CDaoDatabase* database, const char* table) {
@@ -305,12 +305,12 @@ TEST_F(Session, link_that_leads_nowhere_is_an_error_and_never_replaced) {
 
 TEST_F(Session, file_behind_a_link_is_the_database_and_its_journal_lies_beside_it) {
     std::filesystem::create_directory(path("far"));
-    db::set_database_folder_for_test(path("far"));
+    db::set_database_folder(path("far"));
     db::attach(gate_);
     db::close(db::kCloseAll);
     std::filesystem::rename(path("far/kvinvdb.mdb"), path("kvinvdb.mdb"));
     std::filesystem::create_symlink("far/sldb.mdb", path("sldb.mdb"));
-    db::set_database_folder_for_test(folder_.string());
+    db::set_database_folder(folder_.string());
     EXPECT_EQ(db::open(gate_), S_OK);
     const HeadInfo head{0, 7, 8};
     EXPECT_EQ(db::set_head(gate_, &head), S_OK);
@@ -402,12 +402,12 @@ TEST_F(Session, folder_of_any_length_that_the_system_takes_works_and_a_longer_on
 #else
     std::filesystem::create_directories(deep);
 #endif
-    db::set_database_folder_for_test(deep);
+    db::set_database_folder(deep);
     EXPECT_EQ(db::open(gate_), S_OK);
     EXPECT_TRUE(db::main_file_exists());
     db::close(db::kCloseAll);
     EXPECT_EQ(files(), 1u) << "nothing appears anywhere else";
-    db::set_database_folder_for_test(folder_.string() + "/" + std::string(40000, 'n'));
+    db::set_database_folder(folder_.string() + "/" + std::string(40000, 'n'));
     EXPECT_NE(error_of([&] { db::open(gate_); }), 0);
     EXPECT_EQ(files(), 1u);
 }
@@ -467,7 +467,7 @@ TEST_F(Session, file_whose_presence_cannot_be_told_is_an_error_and_never_replace
 }
 
 TEST_F(Session, missing_folder_raises) {
-    db::set_database_folder_for_test(path("nowhere"));
+    db::set_database_folder(path("nowhere"));
     EXPECT_EQ(error_of([&] { db::attach(gate_); }), 3044);
     EXPECT_FALSE(db::main_file_exists());
 }
@@ -501,11 +501,11 @@ TEST(DatabaseFolder, is_the_module_folder_without_separator) {
 }
 
 TEST(DatabaseFolder, is_worked_out_at_every_use_and_never_cut) {
-    db::set_database_folder_for_test("/first");
+    db::set_database_folder("/first");
     EXPECT_EQ(db::database_folder(), "/first");
-    db::set_database_folder_for_test(std::string(400, 'x'));
+    db::set_database_folder(std::string(400, 'x'));
     EXPECT_EQ(db::database_folder().size(), 400u);
-    db::set_database_folder_for_test("");
+    db::set_database_folder("");
     EXPECT_EQ(db::database_folder(), os::folder_of(os::module_path()));
 }
 

@@ -45,10 +45,10 @@ class UpgradeDisk : public ::testing::Test {
 protected:
     UpgradeDisk() {
         os::set_date_format_for_test("/", os::DateOrder::kMonthDayYear);
-        db::set_database_folder_for_test(kFolder);
+        db::set_database_folder(kFolder);
     }
     ~UpgradeDisk() override {
-        db::set_database_folder_for_test("");
+        db::set_database_folder("");
         os::set_date_format_for_test("", os::DateOrder::kMonthDayYear);
     }
 

@@ -1,0 +1,255 @@
+#include "tools/file_copies.h"
+
+#ifndef _WIN32
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "afx/ole_date_time.h"
+#include "jet/database.h"
+#include "os/file.h"
+#include "tools/arguments.h"
+#include "tools/open_file.h"
+#include "tools/words.h"
+
+namespace tools {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kShareBytes = 1u << 20;
+constexpr char kUnfinished[] = "-unfinished";
+
+std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode mode) {
+    try {
+        return os::file_system().open(to_system_path(path), mode);
+    } catch (const os::FileError& error) {
+        if (error.fault() == os::FileFault::kLocked) throw CommandError(in_use_text(path));
+        throw;
+    }
+}
+
+bool exists(const std::string& path) { return os::file_system().exists(to_system_path(path)); }
+
+// Opens the file as a host does, and closes it: what a crash has left in a journal is in the file then.
+void write_journal_back(const std::string& path) {
+    jet::OpenOptions options;
+    options.ignore_password = true;
+    try {
+        jet::Database::open(to_system_path(path), options)->close();
+    } catch (const jet::Error& error) {
+        if (is_in_use(error.number())) throw CommandError(in_use_text(path));
+        throw;
+    }
+}
+
+// The file without a journal, locked.
+std::unique_ptr<os::File> lock_whole_file(const std::string& path) {
+    write_journal_back(path);
+    auto file = open_system_file(path, os::OpenMode::kExclusive);
+    if (exists(fs::canonical(path).string() + "-journal")) throw CommandError(in_use_text(path));
+    return file;
+}
+
+// Gives the bytes in shares to `visit`, until it returns false.
+template <class Visit>
+void for_each_share(os::File& file, Visit&& visit) {
+    std::vector<std::uint8_t> buffer(kShareBytes);
+    for (std::uint64_t at = 0;;) {
+        const std::size_t got = file.read(at, buffer);
+        if (got == 0 || !visit(at, std::span<const std::uint8_t>(buffer).first(got))) return;
+        at += got;
+    }
+}
+
+bool are_equal(os::File& a, os::File& b) {
+    if (a.size() != b.size()) return false;
+    bool equal = true;
+    std::vector<std::uint8_t> other(kShareBytes);
+    for_each_share(a, [&](std::uint64_t at, std::span<const std::uint8_t> bytes) {
+        const std::size_t got = b.read(at, std::span(other).first(bytes.size()));
+        return equal = std::equal(bytes.begin(), bytes.end(), other.begin(), other.begin() + static_cast<long>(got));
+    });
+    return equal;
+}
+
+#ifdef _WIN32
+
+void take_attributes(const std::string& from, const std::string& to) {
+    fs::last_write_time(to, fs::last_write_time(from));
+}
+
+#else
+
+// Through one descriptor, so that it is one file whatever happens to the name meanwhile.
+void take_attributes(const std::string& from, const std::string& to) {
+    struct stat wanted {};
+    struct stat made {};
+    const int fd = ::open(to.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (fd == -1) throw CommandError("cannot open " + to);
+    bool done = ::stat(from.c_str(), &wanted) == 0 && ::fstat(fd, &made) == 0 && S_ISREG(made.st_mode) &&
+                made.st_nlink == 1;
+    if (done) {
+        mode_t mode = wanted.st_mode & 0777;
+        const bool has_owner = ::fchown(fd, wanted.st_uid, wanted.st_gid) == 0;
+        // Another group is not to read more than everybody could.
+        if (!has_owner && ::fchown(fd, static_cast<uid_t>(-1), wanted.st_gid) != 0) {
+            mode = (mode & 0707) | ((mode & 0007) << 3);
+        }
+        const struct timespec times[] = {wanted.st_atim, wanted.st_mtim};
+        done = ::fchmod(fd, mode) == 0 && ::futimens(fd, times) == 0;
+    }
+    ::close(fd);
+    if (!done) throw CommandError("cannot give " + to + " the mode and times of " + from);
+}
+
+#endif
+
+void remove_quietly(const std::string& path) {
+    try {
+        os::file_system().remove(to_system_path(path));
+    } catch (const os::FileError&) {
+        // It is in nobody's way: the next copy of that name removes it.
+    }
+}
+
+// What an interrupted copy has left is made anew; one that is being made belongs to somebody else.
+std::unique_ptr<os::File> create_unfinished(const std::string& path) {
+    if (exists(path)) {
+        open_system_file(path, os::OpenMode::kExclusive);
+        os::file_system().remove(to_system_path(path));
+    }
+    return open_system_file(path, os::OpenMode::kCreateExclusive);
+}
+
+// Writes `from` to a new file of the name, with the attributes of the file at `like`, compares both, and leaves it on
+// the disk.
+void write_unfinished(os::File& from, const std::string& like, const std::string& unfinished) {
+    std::unique_ptr<os::File> file = create_unfinished(unfinished);
+    try {
+#ifndef _WIN32
+        ::chmod(unfinished.c_str(), 0600);  // nobody reads it before it has the mode of the file
+#endif
+        for_each_share(from, [&](std::uint64_t at, std::span<const std::uint8_t> bytes) {
+            file->write(at, bytes);
+            return true;
+        });
+        file->sync();
+        if (!are_equal(from, *file)) throw CommandError(unfinished + " is not what was written to it");
+        file.reset();
+        take_attributes(like, unfinished);
+    } catch (...) {
+        file.reset();
+        remove_quietly(unfinished);
+        throw;
+    }
+}
+
+// Gives the file its name, unless the name is in use; whether it did.
+bool publish(const std::string& unfinished, const std::string& name) {
+    std::error_code error;
+    fs::create_hard_link(unfinished, name, error);
+    if (error == std::errc::file_exists) return false;
+    if (!error) {
+        os::file_system().remove(to_system_path(unfinished));
+        return true;
+    }
+    // A file system without such links.
+    if (exists(name)) return false;
+    os::file_system().rename(to_system_path(unfinished), to_system_path(name));
+    return true;
+}
+
+// "sldb-2026-03-05.mdb", "sldb-2026-03-05-2.mdb" and so on.
+struct CopyName {
+    explicit CopyName(const fs::path& path)
+        : folder(path.parent_path()), stem(path.stem().string() + "-"), ending(path.extension().string()) {}
+
+    fs::path dated(int n) const {
+        const std::string date(COleDateTime::GetCurrentTime().Format("%Y-%m-%d").GetString());
+        return folder / (stem + date + (n == 1 ? "" : "-" + std::to_string(n)) + ending);
+    }
+    bool is_one(const std::string& name) const {
+        constexpr std::string_view kDate = "9999-99-99";
+        if (!name.starts_with(stem) || !name.ends_with(ending)) return false;
+        const std::string_view middle = std::string_view(name).substr(stem.size()).substr(
+            0, name.size() - std::min(name.size(), stem.size() + ending.size()));
+        if (middle.size() < kDate.size()) return false;
+        for (std::size_t i = 0; i < middle.size(); ++i) {
+            const bool is_digit = middle[i] >= '0' && middle[i] <= '9';
+            const bool wants_digit = i < kDate.size() ? kDate[i] == '9' : i > kDate.size();
+            if (wants_digit ? !is_digit : middle[i] != '-') return false;
+        }
+        return true;
+    }
+
+    fs::path folder;
+    std::string stem;
+    std::string ending;
+};
+
+std::string find_equal_copy(os::File& file, const CopyName& name) {
+    std::vector<std::string> found;
+    for (const fs::directory_entry& entry : fs::directory_iterator(name.folder)) {
+        if (entry.is_regular_file() && name.is_one(entry.path().filename().string())) {
+            found.push_back(entry.path().string());
+        }
+    }
+    std::sort(found.begin(), found.end());
+    for (const std::string& copy : found) {
+        if (are_equal(*open_system_file(copy, os::OpenMode::kReadOnly), file)) return copy;
+    }
+    return {};
+}
+
+}  // namespace
+
+DatedCopy dated_copy(const std::string& path) {
+    const std::unique_ptr<os::File> file = lock_whole_file(path);
+    const CopyName name(path);
+    if (const std::string equal = find_equal_copy(*file, name); !equal.empty()) return {equal, false};
+    for (int n = 1;; ++n) {
+        const std::string copy = name.dated(n).string();
+        if (exists(copy)) continue;
+        const std::string unfinished = copy + kUnfinished;
+        write_unfinished(*file, path, unfinished);
+        if (!publish(unfinished, copy)) {
+            remove_quietly(unfinished);
+            continue;
+        }
+        os::file_system().sync_folder_of(to_system_path(copy));
+        return {copy, true};
+    }
+}
+
+void take_back(const std::string& copy, const std::string& path) {
+    // The file that a link leads to, not the link.
+    const std::string target = fs::canonical(path).string();
+    const std::string unfinished = target + kUnfinished;
+    write_unfinished(*open_system_file(copy, os::OpenMode::kReadOnly), copy, unfinished);
+    try {
+        // A journal that stayed would be written into the file of old.
+        lock_whole_file(target);
+        os::file_system().rename(to_system_path(unfinished), to_system_path(target));
+    } catch (...) {
+        remove_quietly(unfinished);
+        throw;
+    }
+    os::file_system().sync_folder_of(to_system_path(target));
+}
+
+void remove_closed(const std::string& path) {
+    lock_whole_file(path);
+    os::file_system().remove(to_system_path(path));
+    os::file_system().sync_folder_of(to_system_path(path));
+}
+
+}  // namespace tools

@@ -1,0 +1,176 @@
+// upgrade: opens a studio as a host does, behind copies of both files, and takes them back when that fails.
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "afx/dao_error.h"
+#include "db/content.h"
+#include "os/file.h"
+#include "tools/arguments.h"
+#include "tools/commands.h"
+#include "tools/file_copies.h"
+#include "tools/output.h"
+#include "tools/studio.h"
+#include "tools/studio_files.h"
+#include "tools/words.h"
+
+namespace tools {
+namespace {
+
+using RowCounts = std::vector<std::pair<std::string, std::uint32_t>>;
+
+// A file as it was before the upgrade, and where that is kept.
+struct Before {
+    explicit Before(const StudioFile& now)
+        : file(now), is_there(now.exists()), version(is_there ? now.version_text() : "no file") {
+        if (is_there) counts = now.row_counts();
+    }
+    bool is_current() const { return is_there && file.version() == db::kCurrentVersion; }
+
+    const StudioFile& file;
+    bool is_there;
+    std::string version;
+    RowCounts counts;
+    DatedCopy copy = {};
+};
+
+std::string count_text(const RowCounts& counts, const std::string& table) {
+    for (const auto& [name, rows] : counts) {
+        if (name == table) return std::to_string(rows);
+    }
+    return "-";
+}
+
+void print_change(const Before& before) {
+    output().print("%s: version %s, now %s\n", before.file.name(), before.version.c_str(),
+                   before.file.version_text().c_str());
+    output().print("  %-24s %8s %8s\n", "rows", "before", "now");
+    for (const auto& [table, rows] : before.file.row_counts()) {
+        output().print("  %-24s %8s %8u\n", table.c_str(), count_text(before.counts, table).c_str(), rows);
+    }
+}
+
+// The steps that failed, with the engine's reason.
+class Failures : public db::UpgradeObserver {
+public:
+    explicit Failures(const StudioFiles& files) : files_(files) { db::set_upgrade_observer(this); }
+    ~Failures() override { db::set_upgrade_observer(nullptr); }
+    Failures(const Failures&) = delete;
+    Failures& operator=(const Failures&) = delete;
+
+    void begins(const db::UpgradeStep&) override { afx::clear_last_error(); }
+    void failed(const db::UpgradeStep& step) override {
+        const StudioFile& file = files_.studio.has(step) ? files_.studio : files_.invoices;
+        add(std::string("in ") + file.name() + " the step \"" + step.effect + "\" failed");
+        if (afx::last_error().number != 0) text_ += std::string(": ") + afx::last_error().text;
+    }
+    void add(const std::string& reason) { text_ += (text_.empty() ? "" : "; ") + reason; }
+
+    const std::string& text() const { return text_; }
+
+private:
+    const StudioFiles& files_;
+    std::string text_;
+};
+
+void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
+    if (!file.exists()) return;
+    if (!file.version()) {
+        throw CommandError(file.path() + " cannot be upgraded: its version is unknown, for its table DBHeader has no row");
+    }
+    if (file.is_newer() && !may_lower) {
+        throw CommandError(file.path() + " is of version " + file.version_text() + ", newer than the " +
+                           std::to_string(db::kCurrentVersion) +
+                           " of this program: use a newer kvdb, or lower it for good with --lower");
+    }
+}
+
+// What keeps the file from being a whole one of the current version; "" for nothing.
+std::string fault_of(const StudioFile& file) {
+    if (!file.exists()) return file.path() + " is not there";
+    if (file.version() != db::kCurrentVersion) return file.path() + " is of version " + file.version_text();
+    const std::string missing = file.missing_text();
+    return missing.empty() ? "" : file.path() + " is incomplete: not there: " + missing;
+}
+
+void upgrade(const std::string& folder, Failures& failures) {
+    try {
+        Studio studio(folder, Studio::Purpose::kUpgrade);
+        studio.open();
+    } catch (const CommandError& error) {
+        failures.add(error.what());
+    }
+}
+
+// What became of the file, in words.
+std::string put_back(const Before& before) {
+    try {
+        if (before.is_there) {
+            take_back(before.copy.path, before.file.path());
+        } else if (before.file.exists()) {
+            remove_closed(before.file.path());
+        }
+        return {};
+    } catch (const std::exception& error) {
+        return std::string(before.file.name()) + " could not be taken back (" + error.what() + ")" +
+               (before.is_there ? "; as it was it is in " + before.copy.path : std::string());
+    }
+}
+
+[[noreturn]] void give_up(const Before& studio, const Before& invoices, const std::string& reasons) {
+    std::string text = "the studio could not be upgraded: " + reasons;
+    std::string trouble;
+    for (const Before* const before : {&studio, &invoices}) {
+        const std::string what = put_back(*before);
+        if (!what.empty()) trouble += "; " + what;
+    }
+    throw CommandError(text + (trouble.empty() ? "; both files are as they were before" : trouble));
+}
+
+}  // namespace
+
+int run_upgrade(const Words& words) {
+    const Arguments arguments(words, {"--no-copy", "--lower"}, {});
+    const StudioFiles files(arguments.expect(1, 1, "upgrade FOLDER [--no-copy] [--lower]")[0]);
+    files.require_studio();
+    for (const StudioFile* const file : {&files.studio, &files.invoices}) {
+        refuse_what_cannot_be_upgraded(*file, arguments.has("--lower"));
+    }
+    Before studio(files.studio);
+    Before invoices(files.invoices);
+    if (studio.is_current() && invoices.is_current()) {
+        output().print("both files are at version %d: nothing to do\n", db::kCurrentVersion);
+        for (const StudioFile* const file : {&files.studio, &files.invoices}) {
+            if (const std::string fault = fault_of(*file); !fault.empty()) throw CommandError(fault);
+        }
+        return 0;
+    }
+    for (Before* const before : {&studio, &invoices}) {
+        if (!before->is_there) continue;
+        before->copy = dated_copy(before->file.path());
+        if (arguments.has("--no-copy")) continue;
+        output().print("copy: %s%s\n", before->copy.path.c_str(), before->copy.is_new ? "" : " (it was there already)");
+    }
+    Failures failures(files);
+    upgrade(files.folder(), failures);
+    std::string faults;
+    for (const StudioFile* const file : {&files.studio, &files.invoices}) {
+        if (const std::string fault = fault_of(*file); !fault.empty()) faults += (faults.empty() ? "" : "; ") + fault;
+    }
+    if (!faults.empty()) {
+        give_up(studio, invoices, failures.text().empty() ? faults : failures.text() + "; " + faults);
+    }
+    for (const Before* const before : {&studio, &invoices}) {
+        print_change(*before);
+        // Without --no-copy it stays.
+        if (arguments.has("--no-copy") && before->copy.is_new) remove_closed(before->copy.path);
+    }
+    if (!failures.text().empty()) {
+        throw CommandError("both files are at version " + std::to_string(db::kCurrentVersion) +
+                           ", but the upgrade went on without something: " + failures.text());
+    }
+    return 0;
+}
+
+}  // namespace tools

@@ -66,10 +66,12 @@ int number_of(SCODE scode) noexcept {
 
 void AfxThrowDaoException(int afx_error, SCODE scode) {
     const int number = afx::number_of(scode);
+    const afx::LastError earlier = afx::last;
     try {
         afx::throw_dao(number, "Data access failed with error " + std::to_string(number) + ".");
     } catch (CDaoException* e) {
         e->m_nAfxDaoError = afx_error;
+        if (earlier.number == number) afx::last = earlier;  // what the engine said before it became a result code
         throw;
     }
 }

@@ -4,11 +4,11 @@
 #include "jet/check.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/gate_table.h"
+#include "tools/member_text.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
 #include "tools/studio_files.h"
-#include "tools/gate_table.h"
-#include "tools/member_text.h"
 
 namespace tools {
 namespace {
@@ -250,7 +250,7 @@ private:
 void show(Studio& studio, const char* title, const char* table_name, const Assignments& filter, const Names& columns,
           std::size_t count) {
     const GateTable& table = gate_table(table_name);
-    const std::vector<Row> rows = table.list(studio, filter);
+    const std::vector<Row> rows = rows_of(table, studio, filter);
     output().print("%s\n", title);
     print_aligned(columns, chosen(table.columns(), rows, columns));
     if (rows.size() != count) throw CommandError(std::string("the rows of ") + table_name + " did not come back");
@@ -286,8 +286,8 @@ void show_summary(Studio& studio, const Keys& keys) {
     InvoiceDef defaults;
     require(studio.open().GetInvoiceDef(address_of(defaults)), "GetInvoiceDef");
     output().print("New invoices come from %s, number %d is the last one used, tax %g\n",
-                to_utf8(defaults.StudioName).c_str(), static_cast<int>(defaults.LastUsedCounter),
-                static_cast<double>(defaults.Tax));
+                   to_utf8(defaults.StudioName).c_str(), static_cast<int>(defaults.LastUsedCounter),
+                   static_cast<double>(defaults.Tax));
 }
 
 void show_files(const StudioFiles& files) {
@@ -295,8 +295,8 @@ void show_files(const StudioFiles& files) {
         const auto database = open_to_read(file);
         const std::size_t violations = jet::check_structure(*database).size();
         output().print("  %s: %ju bytes, %zu tables, structural check: %s\n", file.c_str(),
-                    static_cast<std::uintmax_t>(fs::file_size(file)), database->table_names().size(),
-                    violations == 0 ? "sound" : "NOT SOUND");
+                       static_cast<std::uintmax_t>(fs::file_size(file)), database->table_names().size(),
+                       violations == 0 ? "sound" : "NOT SOUND");
         if (violations != 0) throw CommandError(file + " is not sound");
     }
 }
@@ -324,7 +324,7 @@ int run_demo(const Words& words) {
     LONG version = 0;
     require(studio.open().GetDBVer(&version), "GetDBVer");
     output().print("OpenDB made both files; schema version %d. A day's work, closed, and opened again:\n\n",
-                static_cast<int>(version));
+                   static_cast<int>(version));
     const Keys keys = Day(studio).work();
     studio.close();
     show_summary(studio, keys);

@@ -5,6 +5,7 @@
 #include "jet/database.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/damage.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
 #include "tools/row_printer.h"
@@ -12,9 +13,11 @@
 namespace tools {
 namespace {
 
-std::unique_ptr<jet::Database> open(const std::string& path, const Arguments& arguments) {
+std::unique_ptr<jet::Database> open(const std::string& path, const Arguments& arguments,
+                                    jet::DamageListener on_damage = {}) {
     jet::OpenOptions options;
     options.password = jet::from_utf8(arguments.value("--password").value_or(""));
+    options.on_damage = std::move(on_damage);
     return open_to_read(path, options);
 }
 
@@ -62,19 +65,10 @@ void print_schema(const jet::TableDef& def) {
             for (const jet::KeyColumn& key : def.real_indexes[index.real_index].columns) {
                 const auto position = def.column_by_number(key.column_number);
                 output().print(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?",
-                            key.ascending ? "" : " desc");
+                               key.ascending ? "" : " desc");
             }
         }
         output().print("\n");
-    }
-}
-
-// Calls `visit` with every row in scan order.
-template <class Visitor>
-void for_each_row(const jet::Table& table, Visitor&& visit) {
-    jet::RowView row;
-    for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
-        if (table.read(*id, row)) visit(row);
     }
 }
 
@@ -108,17 +102,20 @@ int run_rows(const Words& words) {
     const Arguments arguments(words, {"--json", "--csv"}, {"--password"});
     const auto& positional = arguments.expect(2, 2, "rows FILE TABLE [--json|--csv] [--password TEXT]");
     const RowFormat format = row_format(arguments);
-    const auto database = open(positional[0], arguments);
+    const auto database = open(positional[0], arguments, damage_teller(positional[0]));
     const jet::Table& table = find_table(*database, positional[1]);
     Names names;
     for (const jet::ColumnDef& column : table.def().columns) names.push_back(jet::to_utf8(column.name));
     RowPrinter printer(format, names);
-    for_each_row(table, [&](const jet::RowView& view) {
+    jet::RowView view;
+    for (auto id = table.next_row({}); id && !output().is_lost(); id = table.next_row(*id)) {
+        if (!table.read(*id, view)) continue;
         Row row;
         for (std::size_t i = 0; i < names.size(); ++i) row.push_back(view.value(i));
         printer.print(row);
-    });
+    }
     printer.finish();
+    require_undamaged();
     return 0;
 }
 
@@ -130,9 +127,10 @@ int run_check(const Words& words) {
     for (const jet::Violation& violation : violations) {
         const std::string row = violation.row < 0 ? "" : ", row " + std::to_string(violation.row);
         output().print("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(),
-                    violation.detail.c_str());
+                       violation.detail.c_str());
     }
-    output().print("%s: %zu violation%s\n", positional[0].c_str(), violations.size(), violations.size() == 1 ? "" : "s");
+    output().print("%s: %zu violation%s\n", positional[0].c_str(), violations.size(),
+                   violations.size() == 1 ? "" : "s");
     return violations.empty() ? 0 : 1;
 }
 

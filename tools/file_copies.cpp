@@ -95,8 +95,8 @@ void take_attributes(const std::string& from, const std::string& to) {
     struct stat made {};
     const int fd = ::open(to.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (fd == -1) throw CommandError("cannot open " + to);
-    bool done = ::stat(from.c_str(), &wanted) == 0 && ::fstat(fd, &made) == 0 && S_ISREG(made.st_mode) &&
-                made.st_nlink == 1;
+    bool done =
+        ::stat(from.c_str(), &wanted) == 0 && ::fstat(fd, &made) == 0 && S_ISREG(made.st_mode) && made.st_nlink == 1;
     if (done) {
         mode_t mode = wanted.st_mode & 0777;
         const bool has_owner = ::fchown(fd, wanted.st_uid, wanted.st_gid) == 0;
@@ -180,8 +180,10 @@ struct CopyName {
     bool is_one(const std::string& name) const {
         constexpr std::string_view kDate = "9999-99-99";
         if (!name.starts_with(stem) || !name.ends_with(ending)) return false;
-        const std::string_view middle = std::string_view(name).substr(stem.size()).substr(
-            0, name.size() - std::min(name.size(), stem.size() + ending.size()));
+        const std::string_view middle =
+            std::string_view(name)
+                .substr(stem.size())
+                .substr(0, name.size() - std::min(name.size(), stem.size() + ending.size()));
         if (middle.size() < kDate.size()) return false;
         for (std::size_t i = 0; i < middle.size(); ++i) {
             const bool is_digit = middle[i] >= '0' && middle[i] <= '9';

@@ -300,6 +300,15 @@ const GateTable& gate_table(const std::string& name) {
     throw UsageError("no records in a table '" + name + "'; there are " + listed(names));
 }
 
+std::vector<Row> rows_of(const GateTable& table, Studio& studio, const Assignments& filter) {
+    std::vector<Row> rows;
+    table.list(studio, filter, [&](const Row& row) {
+        rows.push_back(row);
+        return true;
+    });
+    return rows;
+}
+
 bool is_same_name(const std::string& a, const std::string& b) {
     return jet::same_name(jet::from_utf8(a), jet::from_utf8(b));
 }

@@ -3,10 +3,12 @@
 #include <charconv>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 #include <optional>
 
 #include "os/system.h"
 #include "tools/arguments.h"
+#include "tools/column_limits.h"
 
 namespace tools {
 namespace {
@@ -42,7 +44,7 @@ CString from_utf8(const std::string& text) { return os::narrow(jet::from_utf8(te
 
 LONG parse_number(const std::string& what, const std::string& text) {
     const auto number = number_of<std::int32_t>(text);
-    if (!number) refuse(what, "a whole number", text);
+    if (!number) refuse(what, "a whole number from -2147483648 to 2147483647", text);
     return *number;
 }
 
@@ -70,10 +72,22 @@ void parse(const std::string& name, const std::string& text, CString& member) {
 
 void parse(const std::string& name, const std::string& text, LONG& member) { member = parse_number(name, text); }
 
-void parse(const std::string& name, const std::string& text, float& member) {
-    const auto amount = number_of<float>(text);
-    if (!amount || !std::isfinite(*amount)) refuse(name, "a decimal number", text);
-    member = *amount;
+void parse(const std::string& name, const std::string& text, studio::Conversion conversion, float& member) {
+    const auto wanted = number_of<double>(text);
+    if (!wanted || !std::isfinite(*wanted)) refuse(name, "a decimal number", text);
+    constexpr double kLargest = static_cast<double>(std::numeric_limits<float>::max());
+    const bool is_in_range = std::abs(*wanted) <= kLargest;
+    const float amount = is_in_range ? static_cast<float>(*wanted) : 0;
+    if (!is_in_range || !is_kept(*wanted, amount, conversion)) {
+        std::string range = "a decimal number that it can keep, of about 7 digits";
+        if (conversion != studio::Conversion::kSingle) {
+            range =
+                "an amount that it can keep, of about 7 digits, 4 of them behind the point, from -2147483648 to "
+                "2147483520 and without a fraction below 0";
+        }
+        refuse(name, range.c_str(), text);
+    }
+    member = amount;
 }
 
 void parse(const std::string& name, const std::string& text, studio::Conversion conversion, CTime& member) {

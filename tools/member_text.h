@@ -25,10 +25,11 @@ jet::Value shown(LONG member);
 jet::Value shown(float member);
 jet::Value shown(CTime member, studio::Conversion conversion);
 
-// They set the member, or throw a UsageError that names it.
+// They set the member, or throw a UsageError that names it: for what is no value of its kind, and for one that would
+// come back as another.
 void parse(const std::string& name, const std::string& text, CString& member);
 void parse(const std::string& name, const std::string& text, LONG& member);
-void parse(const std::string& name, const std::string& text, float& member);
+void parse(const std::string& name, const std::string& text, studio::Conversion conversion, float& member);
 void parse(const std::string& name, const std::string& text, studio::Conversion conversion, CTime& member);
 
 // The same for the member that a column declares.
@@ -49,7 +50,7 @@ void parse(const std::string& text, const studio::Column<Record>& column, Record
     } else if (column.time != nullptr) {
         parse(column.name, text, column.conversion, record.*column.time);
     } else {
-        parse(column.name, text, record.*column.amount);
+        parse(column.name, text, column.conversion, record.*column.amount);
     }
 }
 

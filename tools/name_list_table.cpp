@@ -1,40 +1,45 @@
 #include "tools/name_list_table.h"
 
+#include "tools/column_limits.h"
+#include "tools/gate_call.h"
 #include "tools/member_text.h"
 
 namespace tools {
 
-std::vector<CString> NameListTable::names(Studio& studio) const {
+template <class Visit>
+void NameListTable::for_each_name(Studio& studio, Visit&& visit) const {
     IDBgate1& gate = studio.open();
-    std::vector<CString> names;
     char buffer[studio::kListNameSize];
-    for (HRESULT result = (gate.*methods_.first)(buffer); SUCCEEDED(result); result = (gate.*methods_.next)(buffer)) {
-        names.emplace_back(buffer);
-    }
-    return names;
+    bool goes_on = succeeds([&] { return (gate.*methods_.first)(buffer); });
+    while (goes_on && visit(CString(buffer))) goes_on = succeeds([&] { return (gate.*methods_.next)(buffer); });
+    if (!goes_on) require_no_engine_error(name() + " cannot be read");
 }
 
-std::vector<Row> NameListTable::list(Studio& studio, const Assignments& filter) const {
+void NameListTable::list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const {
     if (!filter.empty()) throw UsageError(name() + " is a list of names and has no filter");
-    std::vector<Row> rows;
-    for (const CString& entry : names(studio)) rows.push_back({shown(entry)});
-    return rows;
+    for_each_name(studio, [&](const CString& entry) { return visit({shown(entry)}); });
 }
 
 CString NameListTable::find(Studio& studio, const std::string& key) const {
     CString wanted;
     parse(column(), key, wanted);
-    for (const CString& entry : names(studio)) {
-        if (entry.CompareNoCase(wanted) == 0) return entry;
-    }
-    throw CommandError("there is no '" + key + "' in " + name());
+    CString found;
+    bool is_found = false;
+    for_each_name(studio, [&](const CString& entry) {
+        is_found = entry.CompareNoCase(wanted) == 0;
+        if (is_found) found = entry;
+        return !is_found;
+    });
+    if (!is_found) throw CommandError("there is no '" + key + "' in " + name());
+    return found;
 }
 
 Row NameListTable::show(Studio& studio, const std::string& key) const { return {shown(find(studio, key))}; }
 
-HRESULT NameListTable::call(NameListMethods::Method method, Studio& studio, const CString& text) const {
+bool NameListTable::call(NameListMethods::Method method, Studio& studio, const CString& text) const {
     std::string buffer = text.GetString();
-    return (studio.open().*method)(buffer.data());
+    IDBgate1& gate = studio.open();
+    return succeeds([&] { return (gate.*method)(buffer.data()); });
 }
 
 std::string NameListTable::add(Studio& studio, const Assignments& members) const {
@@ -43,8 +48,10 @@ std::string NameListTable::add(Studio& studio, const Assignments& members) const
     }
     CString text;
     parse(column(), members[0].value, text);
-    if (FAILED(call(methods_.add, studio, text)))
-        throw CommandError("'" + members[0].value + "' could not be added to " + name());
+    require_fits(name(), column(), text);
+    if (!call(methods_.add, studio, text)) {
+        throw CommandError("'" + members[0].value + "' could not be added to " + name() + engine_reason());
+    }
     return members[0].value;
 }
 
@@ -53,8 +60,8 @@ void NameListTable::set(Studio&, const std::string&, const Assignments&) const {
 }
 
 void NameListTable::remove(Studio& studio, const std::string& key) const {
-    if (FAILED(call(methods_.remove, studio, find(studio, key)))) {
-        throw CommandError("'" + key + "' could not be deleted from " + name());
+    if (!call(methods_.remove, studio, find(studio, key))) {
+        throw CommandError("'" + key + "' could not be deleted from " + name() + engine_reason());
     }
 }
 

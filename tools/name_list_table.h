@@ -22,7 +22,7 @@ public:
 
     std::string name() const override { return mapping_.table; }
     Names columns() const override { return {column()}; }
-    std::vector<Row> list(Studio& studio, const Assignments& filter) const override;
+    void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const override;
     Row show(Studio& studio, const std::string& key) const override;
     std::string add(Studio& studio, const Assignments& members) const override;
     // A list's names are added and deleted, never changed: always a UsageError.
@@ -31,11 +31,13 @@ public:
 
 private:
     const char* column() const { return mapping_.read.front().name; }
-    std::vector<CString> names(Studio& studio) const;
+    // Calls `visit` with each name until it returns false.
+    template <class Visit>
+    void for_each_name(Studio& studio, Visit&& visit) const;
     // The name as the list has it.
     CString find(Studio& studio, const std::string& key) const;
     // Gives a copy of the name to the method, whose parameter is no constant.
-    HRESULT call(NameListMethods::Method method, Studio& studio, const CString& text) const;
+    bool call(NameListMethods::Method method, Studio& studio, const CString& text) const;
 
     const studio::TableMapping<studio::ListName>& mapping_;
     const NameListMethods methods_;

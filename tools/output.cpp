@@ -4,8 +4,8 @@
 #ifdef _WIN32
 #include <io.h>
 #else
-#include <csignal>
 #include <unistd.h>
+#include <csignal>
 #endif
 
 #include <algorithm>

@@ -3,9 +3,10 @@
 
 #include "tools/arguments.h"
 #include "tools/commands.h"
-#include "tools/output.h"
+#include "tools/damage.h"
 #include "tools/gate_table.h"
 #include "tools/member_text.h"
+#include "tools/output.h"
 
 namespace tools {
 namespace {
@@ -22,6 +23,23 @@ Assignments assignments_of(const std::vector<std::string>& words, std::size_t fr
     return assignments;
 }
 
+// Prints what `rows` gives to its argument. What came before a failure is printed as a whole.
+template <class Rows>
+void print_rows(RowPrinter& printer, Rows&& rows) {
+    bool any = false;
+    try {
+        rows([&](const Row& row) {
+            any = true;
+            printer.print(row);
+            return !output().is_lost();
+        });
+    } catch (const std::exception&) {
+        if (any) printer.finish();
+        throw;
+    }
+    printer.finish();
+}
+
 constexpr std::size_t kAnyNumber = static_cast<std::size_t>(-1);
 
 }  // namespace
@@ -36,10 +54,10 @@ int run_list(const Words& words) {
     const RowFormat format = row_format(arguments);
     const GateTable& table = gate_table(positional[1]);
     Studio studio(positional[0], Studio::Purpose::kRead);
-    const std::vector<Row> rows = table.list(studio, filter);
+    tell_damage_of_gates();
     RowPrinter printer(format, table.columns());
-    for (const Row& row : rows) printer.print(row);
-    printer.finish();
+    print_rows(printer, [&](const RowVisitor& print) { table.list(studio, filter, print); });
+    require_undamaged();
     return 0;
 }
 
@@ -49,7 +67,9 @@ int run_show(const Words& words) {
     const RowFormat format = row_format(arguments);
     const GateTable& table = gate_table(positional[1]);
     Studio studio(positional[0], Studio::Purpose::kRead);
+    tell_damage_of_gates();
     print_record(format, table.columns(), table.show(studio, positional[2]));
+    require_undamaged();
     return 0;
 }
 
@@ -90,16 +110,28 @@ int run_projects(const Words& words) {
     if (arguments.value("--type")) filter.push_back({"Type", *arguments.value("--type")});
     const GateTable& table = gate_table("Projects");
     Studio studio(positional[0], Studio::Purpose::kRead);
-    const std::vector<Row> rows = table.list(studio, filter);
+    tell_damage_of_gates();
     if (arguments.has("--json")) {
         RowPrinter printer(RowFormat::kJson, table.columns());
-        for (const Row& row : rows) printer.print(row);
-        printer.finish();
+        print_rows(printer, [&](const RowVisitor& print) { table.list(studio, filter, print); });
     } else {
+        std::vector<Row> rows;
+        std::string failure;
+        try {
+            table.list(studio, filter, [&](const Row& row) {
+                rows.push_back(row);
+                return true;
+            });
+        } catch (const CommandError& error) {
+            if (rows.empty()) throw;
+            failure = error.what();
+        }
         const Names names{"ProjID", "Name", "Client", "Type", "ProjCreateDate", "DiscountVal"};
         print_aligned(names, chosen(table.columns(), rows, names));
         output().print("%zu project%s\n", rows.size(), rows.size() == 1 ? "" : "s");
+        if (!failure.empty()) throw CommandError(failure);
     }
+    require_undamaged();
     return 0;
 }
 

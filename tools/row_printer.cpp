@@ -41,15 +41,20 @@ RowFormat row_format(const Arguments& arguments) {
     return arguments.has("--json") ? RowFormat::kJson : arguments.has("--csv") ? RowFormat::kCsv : RowFormat::kPlain;
 }
 
-RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(std::move(names)) {
+RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(std::move(names)) {}
+
+void RowPrinter::begin() {
+    if (has_begun_) return;
+    has_begun_ = true;
     switch (format_) {
-        case RowFormat::kPlain: print_line(names_, "\t", "\n", [](const std::string& name) { return name; }); break;
-        case RowFormat::kCsv: print_line(names_, ",", "\r\n", csv_quoted); break;
-        case RowFormat::kJson: output().write("["); break;
+        case RowFormat::kPlain: return print_line(names_, "\t", "\n", [](const std::string& name) { return name; });
+        case RowFormat::kCsv: return print_line(names_, ",", "\r\n", csv_quoted);
+        case RowFormat::kJson: return output().write("[");
     }
 }
 
 void RowPrinter::print(const Row& row) {
+    begin();
     switch (format_) {
         case RowFormat::kPlain: print_line(row, "\t", "\n", plain_text); break;
         case RowFormat::kCsv: print_line(row, ",", "\r\n", csv_field); break;
@@ -59,6 +64,7 @@ void RowPrinter::print(const Row& row) {
 }
 
 void RowPrinter::finish() {
+    begin();
     if (format_ == RowFormat::kJson) output().write("\n]\n");
 }
 

@@ -17,7 +17,8 @@ enum class RowFormat { kPlain, kCsv, kJson };
 // What --json and --csv ask for; UsageError for both at once.
 RowFormat row_format(const Arguments& arguments);
 
-// Row after row: plain with tabs between the values, CSV with a line of names, or one JSON array.
+// Row after row: plain with tabs between the values, CSV with a line of names, or one JSON array. Nothing is printed
+// before the first row or the end.
 class RowPrinter {
 public:
     RowPrinter(RowFormat format, Names names);
@@ -26,8 +27,11 @@ public:
     void finish();
 
 private:
+    void begin();
+
     RowFormat format_;
     Names names_;
+    bool has_begun_ = false;
     bool any_ = false;
 };
 

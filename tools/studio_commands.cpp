@@ -15,7 +15,8 @@ void print_plan(const StudioFile& file) {
     if (plan.empty()) {
         output().print("  upgrade: %s\n", file.version() ? "nothing to do" : "not possible");
     } else if (file.is_newer()) {
-        output().print("  upgrade: none, it is newer than this program; the next opening by a host of this version would\n");
+        output().print(
+            "  upgrade: none, it is newer than this program; the next opening by a host of this version would\n");
     } else {
         output().print("  upgrade: the next opening by a host would\n");
     }

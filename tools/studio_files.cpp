@@ -54,7 +54,8 @@ void require_current_version(const StudioFile& file, const std::string& folder) 
     const std::string current = std::to_string(db::kCurrentVersion);
     std::string text = file.path() + " is of version " + file.version_text() + ", and this program works on " + current;
     if (!version) {
-        text = file.path() + " has no version, for its table DBHeader has no row; kvdb rows reads its tables one by one";
+        text =
+            file.path() + " has no version, for its table DBHeader has no row; kvdb rows reads its tables one by one";
     } else if (file.is_newer()) {
         text += ": use a newer kvdb, or lower the version for good with kvdb upgrade --lower " + folder;
     } else {

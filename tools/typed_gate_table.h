@@ -2,6 +2,9 @@
 // works.
 #pragma once
 
+#include "db/schema.h"
+#include "tools/column_limits.h"
+#include "tools/gate_call.h"
 #include "tools/record_filter.h"
 
 namespace tools {
@@ -31,15 +34,14 @@ public:
 
     Names columns() const override { return names_of(shown_columns()); }
 
-    std::vector<Row> list(Studio& studio, const Assignments& filter) const override {
+    void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const override {
         Record record = RecordFilter<Record>(mapping_).record(filter);
         Gate& gate = opened_gate<Gate>(studio);
-        std::vector<Row> rows;
-        for (HRESULT result = (gate.*methods_.first)(address_of(record)); SUCCEEDED(result);
-             result = (gate.*methods_.next)(address_of(record))) {
-            rows.push_back(row_of(record));
+        bool goes_on = succeeds([&] { return (gate.*methods_.first)(address_of(record)); });
+        while (goes_on && visit(row_of(record))) {
+            goes_on = succeeds([&] { return (gate.*methods_.next)(address_of(record)); });
         }
-        return rows;
+        if (!goes_on && !is_left_out(afx::last_error().number)) require_no_engine_error(name() + " cannot be read");
     }
 
     Row show(Studio& studio, const std::string& key) const override { return row_of(find(studio, key)); }
@@ -50,8 +52,11 @@ public:
             if (column.time != nullptr) record.*column.time = CTime(-1);  // no date rather than 1970
         }
         assign(record, members);
+        require_fits(record);
         Gate& gate = opened_gate<Gate>(studio);
-        if (FAILED((gate.*methods_.add)(address_of(record)))) throw CommandError("nothing could be added to " + name());
+        if (!succeeds([&] { return (gate.*methods_.add)(address_of(record)); })) {
+            throw CommandError("nothing could be added to " + name() + engine_reason());
+        }
         // A name that the table holds once is there already: a success of the gate that adds nothing.
         if (record.*mapping_.key.member == 0)
             throw CommandError("there is a row of this name in " + name() + " already");
@@ -63,17 +68,21 @@ public:
         assign(checked, members);
         Record record = find(studio, key);
         assign(record, members);
-        if (FAILED((opened_gate<Gate>(studio).*methods_.update)(address_of(record)))) {
-            throw CommandError("row " + key + " of " + name() + " could not be changed");
+        require_keeps(record, key);
+        Gate& gate = opened_gate<Gate>(studio);
+        if (!succeeds([&] { return (gate.*methods_.update)(address_of(record)); })) {
+            throw CommandError("row " + key + " of " + name() + " could not be changed" + engine_reason());
         }
     }
 
     void remove(Studio& studio, const std::string& key) const override {
         Record record = find(studio, key);
         Gate& gate = opened_gate<Gate>(studio);
-        const HRESULT result = methods_.remove_key != nullptr ? (gate.*methods_.remove_key)(record.*mapping_.key.member)
-                                                              : (gate.*methods_.remove)(address_of(record));
-        if (FAILED(result)) throw CommandError("row " + key + " of " + name() + " could not be deleted");
+        const bool is_deleted = succeeds([&] {
+            return methods_.remove_key != nullptr ? (gate.*methods_.remove_key)(record.*mapping_.key.member)
+                                                  : (gate.*methods_.remove)(address_of(record));
+        });
+        if (!is_deleted) throw CommandError("row " + key + " of " + name() + " could not be deleted" + engine_reason());
     }
 
 private:
@@ -99,10 +108,37 @@ private:
         Record record;
         record.*mapping_.key.member = parse_number("the key of " + name(), key);
         Gate& gate = opened_gate<Gate>(studio);
-        if (record.*mapping_.key.member == 0 || FAILED((gate.*methods_.find)(address_of(record)))) {
-            throw CommandError("there is no row " + key + " in " + name());
+        if (record.*mapping_.key.member != 0) {
+            if (succeeds([&] { return (gate.*methods_.find)(address_of(record)); })) return record;
+            if (!is_left_out(afx::last_error().number)) {
+                require_no_engine_error("row " + key + " of " + name() + " cannot be read");
+            }
         }
-        return record;
+        throw CommandError("there is no row " + key + " in " + name());
+    }
+
+    // Used where a file has it, but part of no new one: a table that is not there has no rows.
+    bool is_left_out(int error_number) const {
+        return error_number == jet::errors::kNoSuchTable && is_same_name(name(), db::engineers_table().name);
+    }
+
+    // What is not given is empty, and at times that is no value of the column either.
+    void require_fits(const Record& record) const {
+        for (const studio::Column<Record>& column : mapping_.write) {
+            if (column.text != nullptr) tools::require_fits(name(), column.name, record.*column.text);
+        }
+    }
+
+    // A change writes all members of the row as they were read. One that does not come through that must not be lost.
+    void require_keeps(const Record& record, const std::string& key) const {
+        require_fits(record);
+        for (const studio::Column<Record>& column : mapping_.write) {
+            if (column.amount == nullptr) continue;
+            const float amount = record.*column.amount;
+            if (is_kept(amount, amount, column.conversion)) continue;
+            throw CommandError("row " + key + " of " + name() + " holds an amount in " + column.name +
+                               " that writing would change; set " + column.name + " as well");
+        }
     }
 
     void assign(Record& record, const Assignments& members) const {

@@ -77,7 +77,8 @@ private:
 void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
     if (!file.exists()) return;
     if (!file.version()) {
-        throw CommandError(file.path() + " cannot be upgraded: its version is unknown, for its table DBHeader has no row");
+        throw CommandError(file.path() +
+                           " cannot be upgraded: its version is unknown, for its table DBHeader has no row");
     }
     if (file.is_newer() && !may_lower) {
         throw CommandError(file.path() + " is of version " + file.version_text() + ", newer than the " +

@@ -1,0 +1,36 @@
+// Calls of a gate's methods. E_FAIL is an end, a key that is not there, or an error of the engine; the component that
+// is part of the tool can be asked which.
+#pragma once
+
+#include <kvdb/com.h>
+
+#include <string>
+
+#include "afx/dao_error.h"
+#include "tools/arguments.h"
+#include "tools/open_file.h"
+
+namespace tools {
+
+// Whether the call succeeded; the engine's error, if it failed for one, is there afterwards.
+template <class Call>
+bool succeeds(Call&& call) {
+    afx::clear_last_error();
+    return SUCCEEDED(call());
+}
+
+// ": " and what the engine said to the last call; "" where it had nothing to say.
+inline std::string engine_reason() {
+    const afx::LastError& error = afx::last_error();
+    if (error.number == 0) return {};
+    std::string text = error.text;
+    while (!text.empty() && text.back() == '.') text.pop_back();
+    return ": " + text;
+}
+
+// To be called after a call that failed where an end or an absent row is no error.
+inline void require_no_engine_error(const std::string& what) {
+    if (afx::last_error().number != 0) throw CommandError(what + engine_reason());
+}
+
+}  // namespace tools

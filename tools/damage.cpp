@@ -13,7 +13,7 @@ std::size_t places = 0;
 
 void tell(const std::string& path, const jet::DamagedPlace& place) {
     ++places;
-    std::fprintf(stderr, "kvdb: %s: not readable: %s\n", path.c_str(), place.what.c_str());
+    std::fprintf(stderr, "kvdb: %s: %s\n", path.c_str(), place.what.c_str());
 }
 
 }  // namespace

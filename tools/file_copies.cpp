@@ -207,7 +207,11 @@ std::string find_equal_copy(os::File& file, const CopyName& name) {
     }
     std::sort(found.begin(), found.end());
     for (const std::string& copy : found) {
-        if (are_equal(*open_system_file(copy, os::OpenMode::kReadOnly), file)) return copy;
+        try {
+            if (are_equal(*os::file_system().open(to_system_path(copy), os::OpenMode::kReadOnly), file)) return copy;
+        } catch (const os::FileError&) {
+            // What cannot be read is no copy to rely on.
+        }
     }
     return {};
 }

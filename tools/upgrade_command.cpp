@@ -1,15 +1,14 @@
 // upgrade: opens a studio as a host does, behind copies of both files, and takes them back when that fails.
-#include <cstdio>
 #include <exception>
 #include <string>
 #include <vector>
 
-#include "afx/dao_error.h"
 #include "db/content.h"
 #include "os/file.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
 #include "tools/file_copies.h"
+#include "tools/gate_call.h"
 #include "tools/output.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
@@ -62,8 +61,7 @@ public:
     void begins(const db::UpgradeStep&) override { afx::clear_last_error(); }
     void failed(const db::UpgradeStep& step) override {
         const StudioFile& file = files_.studio.has(step) ? files_.studio : files_.invoices;
-        add(std::string("in ") + file.name() + " the step \"" + step.effect + "\" failed");
-        if (afx::last_error().number != 0) text_ += std::string(": ") + afx::last_error().text;
+        add(std::string("in ") + file.name() + " the step \"" + step.effect + "\" failed" + engine_reason());
     }
     void add(const std::string& reason) { text_ += (text_.empty() ? "" : "; ") + reason; }
 

@@ -153,12 +153,13 @@ TEST_P(EveryList, what_a_list_cannot_do_is_refused) {
     expect_failure(on("add", list + " Name=a Name=b"), 2, "Name=TEXT");
     expect_failure(on("set", list + " a Name=b"), 2, "not changed");
     expect_failure(on("list", list + " --filter Name=b"), 2, "no filter");
-    expect_failure(on("add", list + " Name="), 1, "could not be added");
+    expect_failure(on("add", list + " Name="), 2, "Name of " + list + " cannot be empty");
     expect_failure(on("add", list + " 'Name=3\" tape'"), 1, "could not be added");
 }
 
 TEST_F(Records, values_that_do_not_parse_are_usage_errors) {
-    expect_failure(on("add", "Songs ProjID=many"), 2, "ProjID takes a whole number, not 'many'");
+    expect_failure(on("add", "Songs ProjID=many"), 2,
+                   "ProjID takes a whole number from -2147483648 to 2147483647, not 'many'");
     expect_failure(on("add", "Songs ProjID=99999999999"), 2, "ProjID");
     expect_failure(on("add", "Projects DiscountVal=1,5"), 2, "DiscountVal takes a decimal number");
     expect_failure(on("add", "Projects DiscountVal=nan"), 2, "DiscountVal");

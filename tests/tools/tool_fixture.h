@@ -10,8 +10,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "os/code_page.h"
 #include "tests/support/temp_folder.h"
@@ -81,20 +83,36 @@ protected:
         return {code, contents(scratch_.file("out")), contents(scratch_.file("err"))};
     }
 #else
-    Outcome run(const std::string& arguments) {
-        const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " >" +
-                                    in_quotes(scratch_.file("out")) + " 2>" + in_quotes(scratch_.file("err"));
+    Outcome run(const std::string& arguments) { return run_with(arguments, ">" + in_quotes(scratch_.file("out"))); }
+    // With what the shell makes of standard output, as in ">/dev/full".
+    Outcome run_with(const std::string& arguments, const std::string& redirection) {
+        std::filesystem::remove(scratch_.file("out"));
+        const std::string command = "LC_ALL=C.UTF-8 " + in_quotes(KVDB_TOOL) + " " + arguments + " 2>" +
+                                    in_quotes(scratch_.file("err")) + " " + redirection;
         const int status = std::system(command.c_str());
         return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, contents(scratch_.file("out")),
                 contents(scratch_.file("err"))};
     }
 #endif
     Outcome demo() { return run("demo " + in_quotes(studio_)); }
+    std::string file(const std::string& name) const { return studio_ + "/" + name; }
+    // What is in the studio's folder, in order.
+    std::vector<std::string> names() const {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(studio_)) {
+            names.push_back(entry.path().filename().string());
+        }
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+    std::string both_files() const { return contents(file("sldb.mdb")) + contents(file("kvinvdb.mdb")); }
     std::string main_file() const { return in_quotes(studio_ + "/sldb.mdb"); }
 
     testing_support::TempFolder scratch_;
     std::string studio_ = scratch_.file("a studio");  // a blank in the name, as users have them
 };
+
+inline const std::vector<std::string> kBothFiles{"kvinvdb.mdb", "sldb.mdb"};
 
 // One line on the error output, which names the trouble.
 inline void expect_failure(const Outcome& outcome, int code, const std::string& text) {

@@ -14,8 +14,18 @@ TEST_F(Tool, demo_makes_a_studio_and_shows_what_it_did) {
         EXPECT_NE(outcome.out.find(text), std::string::npos) << text;
     }
     EXPECT_NE(outcome.out.find("34 tables, structural check: sound"), std::string::npos);
-    EXPECT_TRUE(std::filesystem::exists(studio_ + "/sldb.mdb"));
-    EXPECT_TRUE(std::filesystem::exists(studio_ + "/kvinvdb.mdb"));
+    EXPECT_EQ(names(), kBothFiles);  // and nothing else
+}
+
+TEST_F(Tool, demo_refuses_a_folder_that_holds_one_of_the_files) {
+    demo();
+    for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+        const std::string folder = scratch_.file(std::string("only ") + name);
+        std::filesystem::create_directory(folder);
+        std::filesystem::copy_file(file(name), folder + "/" + name);
+        expect_failure(run("demo " + in_quotes(folder)), 1, "already");
+        EXPECT_EQ(contents(folder + "/" + name), contents(file(name)));
+    }
 }
 
 TEST_F(Tool, demo_refuses_a_folder_that_holds_a_studio) {
@@ -38,6 +48,27 @@ TEST_F(Tool, info_on_a_folder_without_studio_fails_and_makes_nothing) {
     expect_failure(run("info " + in_quotes(studio_)), 1, "no studio");
     EXPECT_TRUE(std::filesystem::is_empty(studio_));
     expect_failure(run("info " + in_quotes(studio_ + "/nowhere")), 1, "no folder");
+}
+
+TEST_F(Tool, file_in_place_of_the_folder_is_told) {
+    demo();
+    for (const std::string command : {"info ", "projects ", "upgrade "}) {
+        expect_failure(run(command + main_file()), 1, "sldb.mdb is no folder");
+    }
+}
+
+TEST_F(Tool, missing_file_is_an_error_and_is_not_made) {
+    demo();
+    std::filesystem::remove(file("kvinvdb.mdb"));
+    for (const std::string command : {"projects", "list", "show", "add", "set", "delete"}) {
+        const std::string rest = command == "projects" ? ""
+                                 : command == "list"   ? " Projects"
+                                 : command == "add"    ? " Projects Name=x"
+                                 : command == "set"    ? " Projects 1 Name=x"
+                                                       : " Projects 1";
+        expect_failure(run(command + " " + in_quotes(studio_) + rest), 1, "kvinvdb.mdb is not there");
+    }
+    EXPECT_EQ(names(), std::vector<std::string>{"sldb.mdb"});
 }
 
 TEST_F(Tool, projects_filters_and_prints_json) {

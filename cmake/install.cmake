@@ -5,22 +5,23 @@ include(CMakePackageConfigHelpers)
 # Always P/lib, never a multi-architecture folder: hosts load the library by its path.
 set(KVDB_INSTALL_LIBDIR lib)
 
-target_include_directories(kvdb INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
-target_compile_features(kvdb INTERFACE cxx_std_17)
-
+# Nobody links the library, so there is nothing to link it by.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kvdb DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
-install(TARGETS kvdb EXPORT kvdb
+install(TARGETS kvdb
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-    LIBRARY DESTINATION ${KVDB_INSTALL_LIBDIR}
-    ARCHIVE DESTINATION ${KVDB_INSTALL_LIBDIR})
+    LIBRARY DESTINATION ${KVDB_INSTALL_LIBDIR})
 if(TARGET kvdb_tool)
     install(TARGETS kvdb_tool RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 endif()
 
 set(kvdb_package_dir ${KVDB_INSTALL_LIBDIR}/cmake/kvdb)
-install(EXPORT kvdb NAMESPACE kvdb:: DESTINATION ${kvdb_package_dir} FILE kvdb-targets.cmake)
+if(WIN32)
+    set(kvdb_installed_library ${CMAKE_INSTALL_BINDIR}/kvdb.dll)
+else()
+    set(kvdb_installed_library ${KVDB_INSTALL_LIBDIR}/libkvdb.so)
+endif()
 configure_package_config_file(${PROJECT_SOURCE_DIR}/cmake/kvdb-config.cmake.in ${PROJECT_BINARY_DIR}/kvdb-config.cmake
-    INSTALL_DESTINATION ${kvdb_package_dir})
+    INSTALL_DESTINATION ${kvdb_package_dir} PATH_VARS kvdb_installed_library CMAKE_INSTALL_INCLUDEDIR)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/kvdb-config-version.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/kvdb-config.cmake ${PROJECT_BINARY_DIR}/kvdb-config-version.cmake
     DESTINATION ${kvdb_package_dir})

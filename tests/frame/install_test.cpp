@@ -20,6 +20,10 @@ protected:
     std::string prefix() const { return folder_.file("prefix"); }
     std::string file(const std::string& name) const { return folder_.file(name); }
 
+    // A host that was linked with the library needs it at its start, and finds the installed one.
+    static bool names_the_library(const std::string& host) {
+        return run("readelf -d '" + host + "' | grep -E 'kvdb|R(UN)?PATH'") == 0;
+    }
     static int run(const std::string& command) { return std::system((command + " >/dev/null").c_str()); }
 
 private:
@@ -56,6 +60,7 @@ TEST_F(InstallSlow, host_finds_the_cmake_package) {
               0);
     ASSERT_EQ(run("'" KVDB_CMAKE "' --build '" + file("host") + "'"), 0);
     EXPECT_EQ(run("'" + file("host/host") + "'"), 0);
+    EXPECT_FALSE(names_the_library(file("host/host")));
 }
 
 TEST_F(InstallSlow, host_finds_the_pkg_config_package) {
@@ -66,4 +71,5 @@ TEST_F(InstallSlow, host_finds_the_pkg_config_package) {
                   "/host.cpp' \\$(pkg-config --cflags --libs kvdb) -ldl\""),
               0);
     EXPECT_EQ(run(with_path + "sh -c \"'" + file("pc_host") + "' \\$(pkg-config --variable=library kvdb)\""), 0);
+    EXPECT_FALSE(names_the_library(file("pc_host")));
 }

@@ -9,6 +9,8 @@
 #endif
 
 int main(int argc, char** argv) {
+    // By its name alone it is not to be found: the folder where it is installed is nobody's studio.
+    if (dlopen("libkvdb.so", RTLD_NOW) != nullptr) return 5;
     void* const library = dlopen(argc > 1 ? argv[1] : LIBRARY, RTLD_NOW);
     if (library == nullptr) return std::puts(dlerror()), 1;
     const auto get_class_object = reinterpret_cast<LPFNGETCLASSOBJECT>(dlsym(library, "DllGetClassObject"));

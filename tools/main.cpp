@@ -23,9 +23,12 @@ constexpr Command kCommands[] = {
     {"info", "info FOLDER",
      "version, files, tables and rows of the studio in FOLDER, and what an upgrade would do; changes nothing",
      tools::run_info},
-    {"upgrade", "upgrade FOLDER [--no-copy]",
-     "open the studio in FOLDER, which brings older files up to date, behind a dated copy of both; show versions and "
-     "rows before and after",
+    {"upgrade", "upgrade FOLDER [--no-copy] [--lower]",
+     "bring the studio in FOLDER up to date as a host's opening does, behind dated copies of both files; show "
+     "versions\n"
+     "      and rows before and after. Where a step stops, both files are taken back from the copies. --no-copy "
+     "removes\n"
+     "      the copies when all is done; --lower takes a newer studio down to this version, for good",
      tools::run_upgrade},
     {"projects", "projects FOLDER [--client N] [--type T] [--json]", "list projects through the gate",
      tools::run_projects},

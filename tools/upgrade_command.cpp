@@ -25,7 +25,8 @@ struct Before {
         : file(now), is_there(now.exists()), version(is_there ? now.version_text() : "no file") {
         if (is_there) counts = now.row_counts();
     }
-    bool is_current() const { return is_there && file.version() == db::kCurrentVersion; }
+    // Now.
+    bool is_current() const { return file.exists() && file.version() == db::kCurrentVersion; }
 
     const StudioFile& file;
     bool is_there;
@@ -62,14 +63,23 @@ public:
     void failed(const db::UpgradeStep& step) override {
         const StudioFile& file = files_.studio.has(step) ? files_.studio : files_.invoices;
         add(std::string("in ") + file.name() + " the step \"" + step.effect + "\" failed" + engine_reason());
+        has_stopped_ = has_stopped_ || step.on_failure == db::UpgradeStep::OnFailure::kStop;
+    }
+    void could_not_open(const std::string& reason) {
+        add(reason);
+        has_stopped_ = true;
     }
     void add(const std::string& reason) { text_ += (text_.empty() ? "" : "; ") + reason; }
 
+    // All of them; "" for none.
     const std::string& text() const { return text_; }
+    // Steps behind one of them were not tried.
+    bool has_stopped() const { return has_stopped_; }
 
 private:
     const StudioFiles& files_;
     std::string text_;
+    bool has_stopped_ = false;
 };
 
 void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
@@ -85,7 +95,7 @@ void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
     }
 }
 
-// What keeps the file from being a whole one of the current version; "" for nothing.
+// Why the file is no whole one of the current version; "" for one that is.
 std::string fault_of(const StudioFile& file) {
     if (!file.exists()) return file.path() + " is not there";
     if (file.version() != db::kCurrentVersion) return file.path() + " is of version " + file.version_text();
@@ -98,7 +108,7 @@ void upgrade(const std::string& folder, Failures& failures) {
         Studio studio(folder, Studio::Purpose::kUpgrade);
         studio.open();
     } catch (const CommandError& error) {
-        failures.add(error.what());
+        failures.could_not_open(error.what());
     }
 }
 
@@ -153,21 +163,19 @@ int run_upgrade(const Words& words) {
     }
     Failures failures(files);
     upgrade(files.folder(), failures);
-    std::string faults;
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
-        if (const std::string fault = fault_of(*file); !fault.empty()) faults += (faults.empty() ? "" : "; ") + fault;
+        if (const std::string fault = fault_of(*file); !fault.empty()) failures.add(fault);
     }
-    if (!faults.empty()) {
-        give_up(studio, invoices, failures.text().empty() ? faults : failures.text() + "; " + faults);
+    if (failures.has_stopped() || !studio.is_current() || !invoices.is_current()) {
+        give_up(studio, invoices, failures.text());
     }
-    for (const Before* const before : {&studio, &invoices}) {
-        print_change(*before);
-        // Without --no-copy it stays.
-        if (arguments.has("--no-copy") && before->copy.is_new) remove_closed(before->copy.path);
-    }
+    for (const Before* const before : {&studio, &invoices}) print_change(*before);
     if (!failures.text().empty()) {
         throw CommandError("both files are at version " + std::to_string(db::kCurrentVersion) +
-                           ", but the upgrade went on without something: " + failures.text());
+                           ", but not all was done: " + failures.text() + "; the copies hold them as they were");
+    }
+    for (const Before* const before : {&studio, &invoices}) {
+        if (arguments.has("--no-copy") && before->copy.is_new) remove_closed(before->copy.path);
     }
     return 0;
 }

@@ -3,6 +3,7 @@
 #include <fstream>
 #include <memory>
 
+#include "afx/dao_error.h"
 #include "tests/afx/dao_test_support.h"
 
 namespace {
@@ -23,6 +24,30 @@ TEST_F(DaoDatabase, create_leaves_the_object_open_and_ready) {
     table.Create("T");
     table.CreateField("A", dbLong, 4);
     EXPECT_EQ(error_of([&] { table.Append(); }), 0);
+}
+
+TEST_F(DaoDatabase, last_error_is_kept_for_who_gets_a_result_code_only) {
+    afx::clear_last_error();
+    EXPECT_EQ(afx::last_error().number, 0);
+    EXPECT_STREQ(afx::last_error().text, "");
+    CDaoDatabase database;
+    EXPECT_EQ(error_of([&] { database.Open(path("missing.mdb").c_str()); }), 3024);
+    EXPECT_EQ(afx::last_error().number, 3024);
+    EXPECT_NE(std::string(afx::last_error().text).find("missing.mdb"), std::string::npos);
+
+    // A result code on the way does not take the text away.
+    database.Create(path("new.mdb").c_str());
+    const COleVariant wrong("wrong");
+    EXPECT_EQ(error_of([&] { DAO_CHECK(database.m_pDAODatabase->NewPassword(bstr(wrong), bstr(wrong))); }), 3031);
+    EXPECT_NE(std::string(afx::last_error().text).find("new.mdb"), std::string::npos) << afx::last_error().text;
+}
+
+TEST_F(DaoDatabase, text_of_the_last_error_is_cut_between_characters) {
+    afx::clear_last_error();
+    std::string text(510, 'x');
+    text += "\u00fc\u00fc";
+    EXPECT_EQ(error_of([&] { afx::throw_dao(3001, text); }), 3001);
+    EXPECT_EQ(afx::last_error().text, std::string(510, 'x'));
 }
 
 TEST_F(DaoDatabase, create_adds_a_missing_extension) {

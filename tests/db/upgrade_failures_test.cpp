@@ -3,6 +3,7 @@
 #include <functional>
 #include <vector>
 
+#include "afx/dao_error.h"
 #include "tests/db/upgrade_fixture.h"
 
 namespace {
@@ -236,6 +237,44 @@ TEST_F(UpgradeFailure, table_that_is_there_already_stops_with_the_ones_before_it
         EXPECT_EQ(column(after, "Clients", "Name"), "'Bob' ") << c.table;
         EXPECT_EQ(upgrade_studio(), 0) << c.table;  // it is not tried again
     }
+}
+
+// What an observer of upgrades is told.
+class Told : public db::UpgradeObserver {
+public:
+    Told() { db::set_upgrade_observer(this); }
+    ~Told() override { db::set_upgrade_observer(nullptr); }
+    void begins(const db::UpgradeStep& step) override {
+        begun.push_back(step.effect);
+        afx::clear_last_error();
+    }
+    void failed(const db::UpgradeStep& step) override {
+        failures.push_back(std::string(step.effect) + ": " + std::to_string(afx::last_error().number));
+        reason = afx::last_error().text;
+    }
+
+    std::vector<std::string> begun;
+    std::vector<std::string> failures;
+    std::string reason;
+};
+
+TEST_F(UpgradeFailure, observer_is_told_of_every_step_and_why_one_failed) {
+    Told stopped;
+    upgraded(200010, with_table("Services"), -1);
+    EXPECT_EQ(stopped.failures, std::vector<std::string>{
+                                    "create the tables of contacts, payments, activities, mix files and gear: 3010"});
+    EXPECT_NE(stopped.reason.find("Services"), std::string::npos) << stopped.reason;
+    EXPECT_EQ(stopped.begun.back(), "create the tables of contacts, payments, activities, mix files and gear");
+
+    Told went_on;
+    upgraded(200010, without("Bookings"), 1);
+    ASSERT_FALSE(went_on.failures.empty());
+    EXPECT_NE(went_on.reason.find("Bookings"), std::string::npos) << went_on.reason;
+    EXPECT_EQ(went_on.begun.back(), "write the contact categories");
+
+    Told sound;
+    upgraded(200010, {}, 1);
+    EXPECT_TRUE(sound.failures.empty()) << sound.failures.front();
 }
 
 // ---- The contact model: what fails is left out, the rest is done

@@ -46,8 +46,9 @@ inline std::string windows_arguments(const std::string& arguments) {
     return result;
 }
 
-// Runs `command` with its output in the two files; its exit code, or -1.
-inline int run_program(const std::string& command, const std::string& out, const std::string& errors) {
+// Runs `command` with its output in the two files; its exit code, or -1. The output can be a stream that takes nothing.
+inline int run_program(const std::string& command, const std::string& out, const std::string& errors,
+                       bool output_takes_nothing = false) {
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};
     const auto create = [&](const std::string& path) {
         return CreateFileA(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, 0, nullptr);
@@ -56,6 +57,11 @@ inline int run_program(const std::string& command, const std::string& out, const
     startup.cb = sizeof startup;
     startup.dwFlags = STARTF_USESTDHANDLES;
     startup.hStdOutput = create(out);
+    if (output_takes_nothing) {
+        CloseHandle(startup.hStdOutput);
+        startup.hStdOutput =
+            CreateFileA(out.c_str(), GENERIC_READ, FILE_SHARE_READ, &inherited, OPEN_EXISTING, 0, nullptr);
+    }
     startup.hStdError = create(errors);
     PROCESS_INFORMATION process{};
     std::u16string line = os::detail::utf8_to_utf16(command);
@@ -77,9 +83,9 @@ inline int run_program(const std::string& command, const std::string& out, const
 class Tool : public ::testing::Test {
 protected:
 #ifdef _WIN32
-    Outcome run(const std::string& arguments) {
+    Outcome run(const std::string& arguments, bool output_takes_nothing = false) {
         const int code = run_program("\"" KVDB_TOOL "\" " + windows_arguments(arguments), scratch_.file("out"),
-                                     scratch_.file("err"));
+                                     scratch_.file("err"), output_takes_nothing);
         return {code, contents(scratch_.file("out")), contents(scratch_.file("err"))};
     }
 #else

@@ -206,12 +206,27 @@ TEST_F(OldStudioTool, upgrade_whose_second_file_fails_takes_the_first_one_back) 
     OldFile studio_file(studio(), OldFile::Kind::kStudio, 100006);
     fill_studio(studio_file);
     studio_file.close();
-    Oddities oddities;  // nothing can be added to a table that is not there
-    oddities.without = {"Invoices"};
-    OldFile(invoices(), OldFile::Kind::kInvoice, 100006, oddities).close();
+    Oddities oddities;
+    oddities.without = {"DBHeader.DBversion"};  // nothing takes the new number
+    oddities.header_row = false;
+    OldFile invoice_file(invoices(), OldFile::Kind::kInvoice, 100006, oddities);
+    invoice_file.add("DBHeader", {{"Color1", 7}});
+    invoice_file.close();
     const std::string before = both_files();
-    expect_failure(run("upgrade " + in_quotes(studio_)), 1, "kvinvdb.mdb");
+    expect_failure(run("upgrade " + in_quotes(studio_)), 1, "kvinvdb.mdb is of version 0");
     EXPECT_EQ(both_files(), before);
+}
+
+TEST_F(OldStudioTool, upgrade_that_goes_on_without_something_says_so_and_keeps_the_copies) {
+    Oddities oddities;
+    oddities.without = {"Bookings"};
+    OldFile(studio(), OldFile::Kind::kStudio, 200010, oddities).close();
+    OldFile(invoices(), OldFile::Kind::kInvoice, 200010).close();
+    const Outcome outcome = run("upgrade " + in_quotes(studio_) + " --no-copy");
+    expect_failure(outcome, 1, "in sldb.mdb the step \"convert bookings\" failed: ");
+    expect_failure(outcome, 1, "incomplete: not there: Bookings");
+    expect_line(outcome, "sldb.mdb: version 200010, now 210000");
+    EXPECT_EQ(copies("sldb").size(), 1u);
 }
 
 TEST_F(OldStudioTool, upgrade_that_fails_without_copies_leaves_the_files_and_no_invoices_of_its_own) {

@@ -207,10 +207,10 @@ TEST_F(OldStudioTool, upgrade_whose_second_file_fails_takes_the_first_one_back) 
     fill_studio(studio_file);
     studio_file.close();
     Oddities oddities;
-    oddities.without = {"DBHeader.DBversion"};  // nothing takes the new number
+    oddities.kinds = {{"DBHeader.DBversion", "date"}};  // it takes the new number and makes a day of it
     oddities.header_row = false;
     OldFile invoice_file(invoices(), OldFile::Kind::kInvoice, 100006, oddities);
-    invoice_file.add("DBHeader", {{"Color1", 7}});
+    invoice_file.add("DBHeader", {{"DBversion", day(2005, 3, 5)}});
     invoice_file.close();
     const std::string before = both_files();
     expect_failure(run("upgrade " + in_quotes(studio_)), 1, "kvinvdb.mdb is of version 0");

@@ -86,7 +86,7 @@ std::string narrow(std::u16string_view wide) {
     return detail::system_narrow(wide);
 }
 
-void set_code_page_for_test(CodePage page) { code_page = page; }
+void set_code_page(CodePage page) { code_page = page; }
 
 double detail::ole_date_of(const LocalTime& time) {
     constexpr std::int32_t kDays1899To1970 = 25569;

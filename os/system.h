@@ -40,8 +40,9 @@ std::string narrow(std::u16string_view wide);
 bool narrow_ascii(std::u16string_view wide, char* to);
 
 enum class CodePage { kSystem, kUtf8, kWindows1252 };
-// Makes widen and narrow use another code page; kSystem puts the system's own back.
-void set_code_page_for_test(CodePage page);
+// Makes widen and narrow use another code page; kSystem puts the system's own back. For tests, and for a program that
+// contains the component and whose texts are of one code page whatever the system says.
+void set_code_page(CodePage page);
 
 // The local time as an OLE date: days since 1899-12-30, whole milliseconds.
 double local_time_as_ole_date();

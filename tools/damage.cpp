@@ -4,7 +4,6 @@
 
 #include "afx/damage.h"
 #include "tools/arguments.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -23,8 +22,7 @@ jet::DamageListener damage_teller(const std::string& path) {
 }
 
 void tell_damage_of_gates() {
-    afx::set_damage_listener(
-        [](const std::string& path, const jet::DamagedPlace& place) { tell(from_system_path(path), place); });
+    afx::set_damage_listener([](const std::string& path, const jet::DamagedPlace& place) { tell(path, place); });
 }
 
 void require_undamaged() {

@@ -18,7 +18,6 @@
 #include "os/file.h"
 #include "tools/arguments.h"
 #include "tools/open_file.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -30,21 +29,21 @@ constexpr char kUnfinished[] = "-unfinished";
 
 std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode mode) {
     try {
-        return os::file_system().open(to_system_path(path), mode);
+        return os::file_system().open(path, mode);
     } catch (const os::FileError& error) {
         if (error.fault() == os::FileFault::kLocked) throw CommandError(in_use_text(path));
         throw;
     }
 }
 
-bool exists(const std::string& path) { return os::file_system().exists(to_system_path(path)); }
+bool exists(const std::string& path) { return os::file_system().exists(path); }
 
 // Opens the file as a host does, and closes it: what a crash has left in a journal is in the file then.
 void write_journal_back(const std::string& path) {
     jet::OpenOptions options;
     options.ignore_password = true;
     try {
-        jet::Database::open(to_system_path(path), options)->close();
+        jet::Database::open(path, options)->close();
     } catch (const jet::Error& error) {
         if (is_in_use(error.number())) throw CommandError(in_use_text(path));
         throw;
@@ -115,7 +114,7 @@ void take_attributes(const std::string& from, const std::string& to) {
 
 void remove_quietly(const std::string& path) {
     try {
-        os::file_system().remove(to_system_path(path));
+        os::file_system().remove(path);
     } catch (const os::FileError&) {
         // It is in nobody's way: the next copy of that name removes it.
     }
@@ -125,7 +124,7 @@ void remove_quietly(const std::string& path) {
 std::unique_ptr<os::File> create_unfinished(const std::string& path) {
     if (exists(path)) {
         open_system_file(path, os::OpenMode::kExclusive);
-        os::file_system().remove(to_system_path(path));
+        os::file_system().remove(path);
     }
     return open_system_file(path, os::OpenMode::kCreateExclusive);
 }
@@ -159,12 +158,12 @@ bool publish(const std::string& unfinished, const std::string& name) {
     fs::create_hard_link(unfinished, name, error);
     if (error == std::errc::file_exists) return false;
     if (!error) {
-        os::file_system().remove(to_system_path(unfinished));
+        os::file_system().remove(unfinished);
         return true;
     }
     // A file system without such links.
     if (exists(name)) return false;
-    os::file_system().rename(to_system_path(unfinished), to_system_path(name));
+    os::file_system().rename(unfinished, name);
     return true;
 }
 
@@ -208,7 +207,7 @@ std::string find_equal_copy(os::File& file, const CopyName& name) {
     std::sort(found.begin(), found.end());
     for (const std::string& copy : found) {
         try {
-            if (are_equal(*os::file_system().open(to_system_path(copy), os::OpenMode::kReadOnly), file)) return copy;
+            if (are_equal(*os::file_system().open(copy, os::OpenMode::kReadOnly), file)) return copy;
         } catch (const os::FileError&) {
             // What cannot be read is no copy to rely on.
         }
@@ -231,7 +230,7 @@ DatedCopy dated_copy(const std::string& path) {
             remove_quietly(unfinished);
             continue;
         }
-        os::file_system().sync_folder_of(to_system_path(copy));
+        os::file_system().sync_folder_of(copy);
         return {copy, true};
     }
 }
@@ -244,18 +243,18 @@ void take_back(const std::string& copy, const std::string& path) {
     try {
         // A journal that stayed would be written into the file of old.
         lock_whole_file(target);
-        os::file_system().rename(to_system_path(unfinished), to_system_path(target));
+        os::file_system().rename(unfinished, target);
     } catch (...) {
         remove_quietly(unfinished);
         throw;
     }
-    os::file_system().sync_folder_of(to_system_path(target));
+    os::file_system().sync_folder_of(target);
 }
 
 void remove_closed(const std::string& path) {
     lock_whole_file(path);
-    os::file_system().remove(to_system_path(path));
-    os::file_system().sync_folder_of(to_system_path(path));
+    os::file_system().remove(path);
+    os::file_system().sync_folder_of(path);
 }
 
 }  // namespace tools

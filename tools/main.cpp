@@ -3,6 +3,7 @@
 #include <exception>
 #include <string>
 
+#include "os/system.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
 #include "tools/output.h"
@@ -94,6 +95,8 @@ int run(const tools::Words& words) {
 
 int main(int argc, char** argv) {
     tools::open_standard_streams();
+    // Whatever the environment says: a change writes back the whole row, and no text of it may lose a character.
+    os::set_code_page(os::CodePage::kUtf8);
     const int code = run(tools::command_line_words(argc, argv));
     tools::Output& out = tools::output();
     out.finish();

@@ -66,7 +66,7 @@ jet::Value shown(CTime member, studio::Conversion conversion) {
 
 void parse(const std::string& name, const std::string& text, CString& member) {
     CString narrow = from_utf8(text);
-    if (to_utf8(narrow) != text) refuse(name, "characters of the system's code page", text);
+    if (to_utf8(narrow) != text) refuse(name, "text in UTF-8", text);
     member = narrow;
 }
 

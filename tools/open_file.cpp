@@ -1,7 +1,6 @@
 #include "tools/open_file.h"
 
 #include "tools/arguments.h"
-#include "tools/words.h"
 
 namespace tools {
 
@@ -18,7 +17,7 @@ std::string in_use_text(const std::string& path) {
 std::unique_ptr<jet::Database> open_to_read(const std::string& path, jet::OpenOptions options) {
     options.read_only = true;
     try {
-        return jet::Database::open(to_system_path(path), options);
+        return jet::Database::open(path, options);
     } catch (const jet::Error& error) {
         if (is_in_use(error.number())) throw CommandError(in_use_text(path));
         throw;

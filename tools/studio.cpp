@@ -8,7 +8,6 @@
 #include "tools/member_text.h"
 #include "tools/open_file.h"
 #include "tools/studio_files.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -66,7 +65,7 @@ IDBgate1& Studio::open() {
     if (is_open_) return *gate_;
     const StudioFiles files(folder_);
     if (purpose_ != Purpose::kUpgrade) files.require_current();
-    db::set_database_folder(to_system_path(files.folder()));
+    db::set_database_folder(files.folder());
     db::set_opening(opening_for(purpose_));
     if (gate_ == nullptr) gate_ = make_gate<IDBgate1>(CLSID_DBgate1, IID_IDBgate1);
     open_databases(*gate_, files.folder());

@@ -9,7 +9,6 @@
 #include "os/system.h"
 #include "tools/arguments.h"
 #include "tools/open_file.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {
@@ -70,7 +69,7 @@ StudioFile::StudioFile(const std::string& folder, const char* name, std::span<co
                        std::span<const db::TableSchema> schema)
     : path_(os::join_path(folder, name)), name_(name), upgrade_(upgrade), schema_(schema) {}
 
-bool StudioFile::exists() const { return os::file_system().exists(to_system_path(path_)); }
+bool StudioFile::exists() const { return os::file_system().exists(path_); }
 
 std::optional<std::int32_t> StudioFile::version() const { return header_value(*open_to_read(path_), "DBversion"); }
 

@@ -12,7 +12,6 @@
 #include "tools/output.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
-#include "tools/words.h"
 
 namespace tools {
 namespace {

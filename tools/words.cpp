@@ -11,7 +11,6 @@
 #include <cstdio>
 
 #include "jet/types.h"
-#include "os/system.h"
 
 namespace tools {
 
@@ -28,10 +27,6 @@ std::vector<std::string> command_line_words(int, char**) {
     return words;
 }
 
-std::string to_system_path(const std::string& word) { return os::narrow(jet::from_utf8(word)); }
-
-std::string from_system_path(const std::string& path) { return jet::to_utf8(os::widen(path)); }
-
 }  // namespace tools
 
 #else
@@ -39,10 +34,6 @@ std::string from_system_path(const std::string& path) { return jet::to_utf8(os::
 namespace tools {
 
 std::vector<std::string> command_line_words(int argc, char** argv) { return {argv + 1, argv + argc}; }
-
-std::string to_system_path(const std::string& word) { return word; }
-
-std::string from_system_path(const std::string& path) { return path; }
 
 }  // namespace tools
 

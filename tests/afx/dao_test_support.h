@@ -38,10 +38,10 @@ protected:
                    std::to_string(testing::UnitTest::GetInstance()->random_seed()) + "_" + std::to_string(++count) +
                    "_" + std::to_string(std::filesystem::file_time_type::clock::now().time_since_epoch().count()));
         std::filesystem::create_directories(folder_);
-        os::set_code_page_for_test(os::CodePage::kWindows1252);
+        os::set_code_page(os::CodePage::kWindows1252);
     }
     ~FolderTest() override {
-        os::set_code_page_for_test(os::CodePage::kSystem);
+        os::set_code_page(os::CodePage::kSystem);
         std::error_code ignored;
         std::filesystem::remove_all(folder_, ignored);
     }

@@ -24,12 +24,12 @@ TEST(FieldNames, every_one_of_255_is_found) {
 }
 
 TEST(FieldNames, letters_beyond_ascii_have_cases_too) {
-    os::set_code_page_for_test(os::CodePage::kWindows1252);
+    os::set_code_page(os::CodePage::kWindows1252);
     const afx::FieldNames names({u"Pri\u00E9"});
     EXPECT_EQ(names.find("pri\xE9"), 0u);
     EXPECT_EQ(names.find("PRI\xC9"), 0u);
     EXPECT_EQ(names.find("PRIE"), std::nullopt);
-    os::set_code_page_for_test(os::CodePage::kSystem);
+    os::set_code_page(os::CodePage::kSystem);
 }
 
 TEST(FieldNames, empty_list_finds_nothing) { EXPECT_EQ(afx::FieldNames({}).find("a"), std::nullopt); }

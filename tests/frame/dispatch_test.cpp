@@ -510,7 +510,7 @@ TEST(DispatchText, unwritten_text_is_left_as_it_is) {
 }
 
 TEST(DispatchText, longest_name_fits_in_any_code_page) {
-    os::set_code_page_for_test(os::CodePage::kUtf8);
+    os::set_code_page(os::CodePage::kUtf8);
     Probe probe;
     for (int i = 0; i < 8; ++i) probe.new_text += probe.new_text;  // 1024 bytes
     probe.new_text.resize(1020);
@@ -518,18 +518,18 @@ TEST(DispatchText, longest_name_fits_in_any_code_page) {
     EXPECT_EQ(invoke(probe, kName, {Variant::ref(text)}).result, S_OK);
     EXPECT_EQ(SysStringLen(text), 1020u);
     SysFreeString(text);
-    os::set_code_page_for_test(os::CodePage::kSystem);
+    os::set_code_page(os::CodePage::kSystem);
 }
 
 TEST(DispatchText, characters_travel_in_the_narrow_code_page) {
-    os::set_code_page_for_test(os::CodePage::kWindows1252);
+    os::set_code_page(os::CodePage::kWindows1252);
     Probe probe;
     probe.new_text = "Fl\xF6te";
     Variant inner = Variant::text(u"Caf\u00E9");
     EXPECT_EQ(invoke(probe, kName, {Variant::ref(inner)}).result, S_OK);
     EXPECT_EQ(probe.text, "Caf\xE9");
     EXPECT_EQ(text_of(inner.bstrVal), u"Fl\u00F6te");
-    os::set_code_page_for_test(os::CodePage::kSystem);
+    os::set_code_page(os::CodePage::kSystem);
 }
 
 TEST(DispatchText, other_types_mismatch) {

@@ -11,11 +11,11 @@ using os::CodePage;
 
 class CodePageTest : public testing::Test {
 protected:
-    ~CodePageTest() override { os::set_code_page_for_test(CodePage::kSystem); }
+    ~CodePageTest() override { os::set_code_page(CodePage::kSystem); }
 };
 
 TEST_F(CodePageTest, windows_1252_every_byte_survives_a_round_trip) {
-    os::set_code_page_for_test(CodePage::kWindows1252);
+    os::set_code_page(CodePage::kWindows1252);
     for (int byte = 0; byte < 256; ++byte) {
         const std::string text(1, static_cast<char>(byte));
         EXPECT_EQ(os::widen(text).size(), 1u) << byte;
@@ -24,18 +24,18 @@ TEST_F(CodePageTest, windows_1252_every_byte_survives_a_round_trip) {
 }
 
 TEST_F(CodePageTest, windows_1252_special_bytes_are_the_published_characters) {
-    os::set_code_page_for_test(CodePage::kWindows1252);
+    os::set_code_page(CodePage::kWindows1252);
     EXPECT_EQ(os::widen("\x80\x85\x8A\x96\x99\x9F"), u"\u20AC\u2026\u0160\u2013\u2122\u0178");
     EXPECT_EQ(os::widen("A\xA0\xE4\xFF"), u"A\u00A0\u00E4\u00FF");
 }
 
 TEST_F(CodePageTest, windows_1252_unassigned_bytes_keep_their_value) {
-    os::set_code_page_for_test(CodePage::kWindows1252);
+    os::set_code_page(CodePage::kWindows1252);
     EXPECT_EQ(os::widen("\x81\x8D\x8F\x90\x9D"), (std::u16string{0x81, 0x8D, 0x8F, 0x90, 0x9D}));
 }
 
 TEST_F(CodePageTest, windows_1252_character_without_equivalent_becomes_question_mark) {
-    os::set_code_page_for_test(CodePage::kWindows1252);
+    os::set_code_page(CodePage::kWindows1252);
     EXPECT_EQ(os::narrow(u"a\u0101b\u4E2D"), "a?b?");
     // The code points of the specially used bytes have no byte of their own.
     EXPECT_EQ(os::narrow(std::u16string{0x80, 0x9F}), "??");
@@ -43,7 +43,7 @@ TEST_F(CodePageTest, windows_1252_character_without_equivalent_becomes_question_
 }
 
 TEST_F(CodePageTest, utf8_text_of_every_length_survives_a_round_trip) {
-    os::set_code_page_for_test(CodePage::kUtf8);
+    os::set_code_page(CodePage::kUtf8);
     const std::string text = "a\xC3\xA4\xE2\x82\xAC\xF0\x9F\x8E\xB5";
     EXPECT_EQ(os::widen(text), u"a\u00E4\u20AC\U0001F3B5");
     EXPECT_EQ(os::narrow(os::widen(text)), text);
@@ -65,14 +65,14 @@ TEST_F(CodePageTest, utf8_every_code_point_survives_a_round_trip) {
 }
 
 TEST_F(CodePageTest, utf8_beyond_the_bmp_becomes_a_surrogate_pair) {
-    os::set_code_page_for_test(CodePage::kUtf8);
+    os::set_code_page(CodePage::kUtf8);
     EXPECT_EQ(os::widen("\xF0\x90\x80\x80"), (std::u16string{0xD800, 0xDC00}));
     EXPECT_EQ(os::widen("\xF4\x8F\xBF\xBF"), (std::u16string{0xDBFF, 0xDFFF}));
     EXPECT_EQ(os::narrow(std::u16string{0xDBFF, 0xDFFF}), "\xF4\x8F\xBF\xBF");
 }
 
 TEST_F(CodePageTest, utf8_bad_bytes_become_one_question_mark_each) {
-    os::set_code_page_for_test(CodePage::kUtf8);
+    os::set_code_page(CodePage::kUtf8);
     EXPECT_EQ(os::widen("a\xE4z"), u"a?z");                       // stray lead
     EXPECT_EQ(os::widen("\x80\xBF"), u"??");                      // stray continuations
     EXPECT_EQ(os::widen("\xE2\x82"), u"??");                      // ends too early
@@ -86,7 +86,7 @@ TEST_F(CodePageTest, utf8_bad_bytes_become_one_question_mark_each) {
 }
 
 TEST_F(CodePageTest, utf8_lone_surrogate_becomes_question_mark) {
-    os::set_code_page_for_test(CodePage::kUtf8);
+    os::set_code_page(CodePage::kUtf8);
     EXPECT_EQ(os::narrow(std::u16string{0xD800}), "?");
     EXPECT_EQ(os::narrow(std::u16string{0xDC00, u'a'}), "?a");
     EXPECT_EQ(os::narrow(std::u16string{0xD800, 0xD800, 0xDC00}), "?\xF0\x90\x80\x80");
@@ -95,7 +95,7 @@ TEST_F(CodePageTest, utf8_lone_surrogate_becomes_question_mark) {
 TEST_F(CodePageTest, text_with_zero_bytes_keeps_them) {
     const std::string text("a\0b", 3);
     for (const CodePage page : {CodePage::kUtf8, CodePage::kWindows1252, CodePage::kSystem}) {
-        os::set_code_page_for_test(page);
+        os::set_code_page(page);
         EXPECT_EQ(os::widen(text), std::u16string(u"a\0b", 3));
         EXPECT_EQ(os::narrow(os::widen(text)), text);
         EXPECT_EQ(os::widen(""), u"");

@@ -55,7 +55,7 @@ TEST_F(LookupLists, delete_takes_the_first_of_equal_names) {
 // A code page with more than one byte to a character makes a name longer than its buffer.
 TEST_F(LookupLists, name_longer_than_the_buffer_is_cut_and_ended) {
     NameList list(kTrackTypes, database_);
-    os::set_code_page_for_test(os::CodePage::kUtf8);
+    os::set_code_page(os::CodePage::kUtf8);
     std::string name;
     for (int i = 0; i < 200; ++i) name += "\xC3\xA4";
     ASSERT_EQ(list.Add(name.c_str()), S_OK);

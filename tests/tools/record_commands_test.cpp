@@ -172,11 +172,23 @@ TEST_F(Records, values_that_do_not_parse_are_usage_errors) {
     }
     expect_failure(on("add", "Songs Name"), 2, "no member=value");
     expect_failure(on("add", "Songs =1"), 2, "no member=value");
-#ifdef _WIN32
-    expect_failure(on("add", "Songs Name=\u03A9"), 2, "code page");  // an omega
-#else
-    expect_failure(on("add", "Songs 'Name=\xff'"), 2, "code page");
+#ifndef _WIN32
+    expect_failure(on("add", "Songs 'Name=\xff'"), 2, "Name takes text in UTF-8");
 #endif
+}
+
+TEST_F(Records, text_beyond_the_systems_code_page_is_kept_by_a_change_of_another_member) {
+    const std::string name = "\u041d\u043e\u0447\u044c \u03a9";  // no narrow code page has both
+    EXPECT_EQ(on("set", "Projects 1 'Name=" + name + "'").code, 0);
+#ifdef _WIN32
+    EXPECT_EQ(on("set", "Projects 1 Type=Demo").code, 0);
+#else
+    const std::string in_c =
+        "LC_ALL=C " + in_quotes(KVDB_TOOL) + " set " + in_quotes(studio_) + " Projects 1 Type=Demo";
+    EXPECT_EQ(std::system(in_c.c_str()), 0);
+#endif
+    EXPECT_TRUE(has(on("show", "Projects 1").out, "Name: " + name + "\n"));
+    EXPECT_TRUE(has(on("show", "Projects 1").out, "Type: Demo\n"));
 }
 
 TEST_F(Records, what_is_refused_lists_the_valid_names) {

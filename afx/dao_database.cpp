@@ -1,10 +1,13 @@
 #include "afx/dao_database.h"
 
 #include <algorithm>
+#include <atomic>
+#include <new>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "afx/component_lock.h"
 #include "afx/damage.h"
 #include "afx/dao_error.h"
 #include "afx/engine_database.h"
@@ -18,10 +21,16 @@ constexpr int kNoTransaction = 3034;
 // outlives every static object.
 CDaoDatabase* first_open_database = nullptr;
 
+// Set by AfxDaoAbandon.
+constinit std::atomic<bool> is_abandoned{false};
+
 // Ends the engine when the module goes, before the engine's own static objects do: it is made after them, at
 // the first database opened.
 struct ExitGuard {
-    ~ExitGuard() { AfxDaoTerm(); }
+    ~ExitGuard() {
+        if (!afx::lock_component_for_good()) AfxDaoAbandon();
+        AfxDaoTerm();
+    }
 };
 
 char folded(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
@@ -137,11 +146,11 @@ CDaoDatabase::CDaoDatabase(CDaoWorkspace* workspace)
     : m_pWorkspace(workspace != nullptr ? workspace : &own_workspace_) {}
 
 CDaoDatabase::~CDaoDatabase() {
-    try {
-        Close();
-    } catch (CDaoException* e) {
-        e->Delete();
+    if (is_abandoned) {
+        static_cast<void>(object_.release());
+        return;
     }
+    close_quietly();
     while (afx::DatabaseUser* user = first_user_) {
         user->unlink();
         user->database_destroyed();
@@ -184,6 +193,17 @@ void CDaoDatabase::close_users() noexcept {
     for (afx::DatabaseUser* user = first_user_; user != nullptr; user = user->next_) user->database_closing();
 }
 
+void CDaoDatabase::close_quietly() noexcept {
+    try {
+        // Not virtually: the object may be on its way out.
+        CDaoDatabase::Close();
+    } catch (CDaoException* e) {
+        e->Delete();  // what was committed waits in the journal for the next opening
+    } catch (const std::bad_alloc&) {
+        // The same, and no memory to say so.
+    }
+}
+
 void CDaoDatabase::Close() {
     if (!IsOpen()) return;
     close_users();
@@ -199,13 +219,11 @@ void CDaoDatabase::Close() {
     afx::translated([&] { static_cast<afx::EngineDatabase&>(*object).close(); });
 }
 
+void AfxDaoAbandon() noexcept { is_abandoned = true; }
+
 void AfxDaoTerm() {
+    if (is_abandoned) return;
     while (first_open_database != nullptr) {
-        try {
-            // Not virtually: the object may be on its way out.
-            first_open_database->CDaoDatabase::Close();
-        } catch (CDaoException* e) {
-            e->Delete();  // what was committed waits in the journal for the next opening
-        }
+        first_open_database->close_quietly();
     }
 }

@@ -5,7 +5,8 @@
 //  1. A database is open exactly while m_pDAODatabase is not null.
 //  2. Closing a database closes every record set and table definition on it; these objects live on, may be
 //     opened again, and outlive the database object itself without harm.
-//  3. Every call throws CDaoException* and nothing else. Calls are made on one thread.
+//  3. Every call throws CDaoException* and nothing else, or std::bad_alloc where there is no memory for one. Closing
+//     asks for no memory, and whatever it throws leaves the object closed. Calls are made by one thread at a time.
 #pragma once
 
 #include <kvdb/com.h>
@@ -109,12 +110,17 @@ private:
 
     void opened(std::unique_ptr<DAODatabase> object);
     void close_users() noexcept;
+    void close_quietly() noexcept;
 
     CDaoWorkspace own_workspace_;
     std::unique_ptr<DAODatabase> object_;
     afx::DatabaseUser* first_user_ = nullptr;
     CDaoDatabase* next_open_ = nullptr;  // of all open databases of the module
 };
+
+// Leaves every open database as it is, for good: nothing is closed, written or freed any more. For the end of the
+// library while a thread is still inside it; what was committed waits in the journals.
+void AfxDaoAbandon() noexcept;
 
 // Closes every open database (hence every record set) without throwing. May be called again; databases may
 // be opened again afterwards.

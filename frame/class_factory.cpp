@@ -1,7 +1,7 @@
 // Creation of gates. A gate is never part of another object.
 #include "frame/class_factory.h"
 
-#include "afx/module_state.h"
+#include "frame/method_frame.h"
 #include "frame/module.h"
 
 namespace frame {
@@ -9,14 +9,14 @@ namespace frame {
 HRESULT STDMETHODCALLTYPE ClassFactory::QueryInterface(REFIID riid, void** object) {
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
-    if (riid != IID_IUnknown && riid != IID_IClassFactory) return E_NOINTERFACE;
+    if (riid != IID_IUnknown && riid != IID_IClassFactory) return query_marshaler(riid, object);
     AddRef();
     *object = static_cast<IClassFactory*>(this);
     return S_OK;
 }
 
 HRESULT STDMETHODCALLTYPE ClassFactory::CreateInstance(IUnknown* outer, REFIID riid, void** object) {
-    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    const MethodFrame method;
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     if (outer != nullptr) return CLASS_E_NOAGGREGATION;

@@ -1,5 +1,6 @@
 // The life of the component's objects: a reference count that starts at one, and one reference on the
-// module while the object lives. Derived classes bring QueryInterface.
+// module while the object lives. Derived classes bring QueryInterface, which asks `query_marshaler` for what is not
+// theirs.
 #pragma once
 
 #include <kvdb/com.h>
@@ -8,6 +9,7 @@
 #include <new>
 #include <utility>
 
+#include "frame/marshaler.h"
 #include "frame/module.h"
 
 namespace frame {
@@ -30,8 +32,14 @@ public:
 protected:
     virtual ~ComObject() = default;
 
+    // The answer to QueryInterface for an interface that the object itself does not have.
+    HRESULT query_marshaler(REFIID riid, void** object) {
+        return marshaler_.query(static_cast<Interface*>(this), riid, object);
+    }
+
 private:
     const ModuleReference module_;
+    Marshaler marshaler_;
     std::atomic<ULONG> references_{1};
 };
 

@@ -1,24 +1,26 @@
-// Each entry point runs under the component's own module state.
+// Each entry point runs in the frame of a method: under the lock, with the component's own module state.
 #include "frame/entry_points.h"
 
 #include <algorithm>
 #include <new>
 #include <string_view>
 
-#include "afx/module_state.h"
+#include "afx/component_lock.h"
+#include "afx/dao_database.h"
 #include "db/session.h"
 #include "frame/class_table.h"
+#include "frame/method_frame.h"
 #include "frame/module.h"
 
 namespace frame {
 
 HRESULT can_unload_now() {
-    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    const MethodFrame method;
     return AfxDllCanUnloadNow() == S_OK && module_use_count() == 0 ? S_OK : S_FALSE;
 }
 
 HRESULT get_class_object(REFCLSID clsid, REFIID riid, void** object) {
-    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    const MethodFrame method;
     if (object == nullptr) return E_POINTER;
     *object = nullptr;
     const ClassEntry* const entry = find_class(clsid);
@@ -26,7 +28,7 @@ HRESULT get_class_object(REFCLSID clsid, REFIID riid, void** object) {
 }
 
 HRESULT register_server(bool install, RegistrationScope scope) {
-    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    const MethodFrame method;
     try {
         Registration registration(scope, install);
         for (const ClassEntry& entry : class_table()) {
@@ -53,7 +55,8 @@ HRESULT install_server(bool install, LPCOLESTR command) {
 }
 
 void shut_down() {
-    AFX_MANAGE_STATE(AfxGetStaticModuleState());
+    if (!afx::lock_component_for_good()) return AfxDaoAbandon();
+    const MethodFrame method;
     try {
         db::shut_down_engine();
     } catch (...) {

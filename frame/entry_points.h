@@ -21,7 +21,8 @@ HRESULT register_server(bool install, RegistrationScope scope = RegistrationScop
 // is E_INVALIDARG.
 HRESULT install_server(bool install, LPCOLESTR command);
 
-// At unload: ends the data-access engine.
+// At unload: ends the data-access engine, unless a thread is still inside the component, which then is left as it is:
+// what was committed waits in the journals.
 void shut_down();
 
 }  // namespace frame

@@ -1,7 +1,9 @@
 // What all gates share: COM identity, late binding over the method table of the gate's interface, the
 // frame of every method call, and what holds for every gate of the process.
 //
-// 1. Inside a method the component's module state is current; the caller's is back on every way out.
+// 1. Inside a method the component's lock is held and its module state is current; the lock is free and the caller's
+//    state is back on every way out. Names and calls by name need neither before they reach a method: they read
+//    constant tables.
 // 2. A method gives S_OK or E_FAIL and nothing else.
 // 3. No exception leaves a method, except the CDaoException* that `call_with_errors` lets out to a caller that can
 //    catch it; any other caller gets E_FAIL and the platform's error info.
@@ -12,11 +14,11 @@
 
 #include <span>
 
-#include "afx/module_state.h"
 #include "db/session.h"
 #include "frame/caller.h"
 #include "frame/com_object.h"
 #include "frame/dispatch.h"
+#include "frame/method_frame.h"
 #include "frame/method_table.h"
 #include "frame/type_information.h"
 
@@ -49,7 +51,7 @@ public:
         } else if (riid == IID_ISupportErrorInfo) {
             *object = static_cast<ISupportErrorInfo*>(this);
         } else {
-            return E_NOINTERFACE;
+            return this->query_marshaler(riid, object);
         }
         AddRef();
         return S_OK;
@@ -83,7 +85,7 @@ public:
     ULONG STDMETHODCALLTYPE AddRef() override { return ComObject<Interface>::AddRef(); }
 
     ULONG STDMETHODCALLTYPE Release() override {
-        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        const MethodFrame method;
         return ComObject<Interface>::Release();
     }
 
@@ -94,7 +96,7 @@ protected:
 
     template <class Operation>
     static HRESULT call(Operation&& operation) noexcept {
-        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        const MethodFrame method;
         try {
             return plain_result(operation());
         } catch (CException* error) {
@@ -109,7 +111,7 @@ protected:
     // as CDaoException*.
     template <class Operation>
     HRESULT call_with_errors(const void* return_address, Operation&& operation) {
-        AFX_MANAGE_STATE(AfxGetStaticModuleState());
+        const MethodFrame method;
         clear_error_info();
         try {
             return plain_result(operation());

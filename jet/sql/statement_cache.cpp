@@ -17,26 +17,23 @@ struct Cache {
     std::unordered_map<std::u16string, std::shared_ptr<const Statement>> statements;
 };
 
-Cache& cache() {
-    static Cache instance;
-    return instance;
-}
+// Made when the library starts, so that it lasts until the databases are closed at its end.
+Cache cache;
 
 }  // namespace
 
 std::shared_ptr<const Statement> parse_cached(const Lexed& lexed) {
     std::u16string shape = shape_of(lexed);
     if (shape.size() > kMaxShape) return parse(lexed);
-    Cache& shared = cache();
     {
-        const std::lock_guard lock(shared.mutex);
-        const auto found = shared.statements.find(shape);
-        if (found != shared.statements.end()) return found->second;
+        const std::lock_guard lock(cache.mutex);
+        const auto found = cache.statements.find(shape);
+        if (found != cache.statements.end()) return found->second;
     }
     auto statement = parse(lexed);
-    const std::lock_guard lock(shared.mutex);
-    if (shared.statements.size() >= kMaxStatements) shared.statements.clear();
-    shared.statements.emplace(std::move(shape), statement);
+    const std::lock_guard lock(cache.mutex);
+    if (cache.statements.size() >= kMaxStatements) cache.statements.clear();
+    cache.statements.emplace(std::move(shape), statement);
     return statement;
 }
 

@@ -1,0 +1,89 @@
+// A host that ends while threads of it are inside the component: what they were told is saved is there afterwards, and
+// the end neither hangs nor crashes.
+#include <gtest/gtest.h>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "tests/threads/worker.h"
+
+using namespace testing_support;
+
+namespace {
+
+constexpr int kThreads = 4;
+
+struct Saved {
+    LONG key;
+    int number;
+};
+
+// Saves rows for ever, in several threads, and tells `out` of each; ends the process in the middle of it.
+[[noreturn]] void run_host(const std::string& folder, int out) {
+    // Neither is ever released: the process ends with them.
+    const Component& component = *std::make_unique<Component>(folder).release();
+    IDBgate1* const gate = std::make_unique<ComPtr<IDBgate1>>(component.create<IDBgate1>()).release()->get();
+    gate->OpenDB();
+    for (int thread = 0; thread < kThreads; ++thread) {
+        std::thread([thread, out, gate] {
+            for (int i = 0;; ++i) {
+                ProjInfo project;
+                Saved saved{0, thread * 1000000 + i};
+                project.Name = std::to_string(saved.number).c_str();
+                if (gate->AddProj(address_of(project)) != S_OK) continue;
+                saved.key = project.ProjID;
+                if (write(out, &saved, sizeof saved) != sizeof saved) _exit(3);
+            }
+        }).detach();
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(60));
+    std::exit(0);
+}
+
+// The end of a process, or its killing after half a minute.
+int status_of(pid_t child) {
+    int status = 0;
+    for (int i = 0; i < 3000; ++i) {
+        if (waitpid(child, &status, WNOHANG) == child) return status;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    return status;
+}
+
+}  // namespace
+
+TEST(ExitThreads, process_that_ends_while_threads_save_loses_no_row) {
+    for (int round = 0; round < 3; ++round) {
+        const TempFolder folder;
+        int ends[2];
+        ASSERT_EQ(pipe(ends), 0);
+        const pid_t child = fork();
+        if (child == 0) run_host(folder.path(), ends[1]);
+        close(ends[1]);
+        std::vector<Saved> saved;
+        for (Saved next; read(ends[0], &next, sizeof next) == sizeof next;) saved.push_back(next);
+        close(ends[0]);
+        const int status = status_of(child);
+        EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+
+        const Component component(folder.path());
+        const auto gate = component.create<IDBgate1>();
+        ASSERT_EQ(gate->OpenDB(), S_OK);
+        gate->CloseDB();
+        const Projects rows = projects_in(folder.file("sldb.mdb"));
+        EXPECT_GT(saved.size(), 0u);
+        for (const Saved& row : saved) {
+            const auto found = rows.find(row.key);
+            ASSERT_TRUE(found != rows.end() && found->second == std::to_string(row.number)) << row.number;
+        }
+    }
+}

@@ -105,13 +105,21 @@ CDaoWorkspace::~CDaoWorkspace() {
 
 void CDaoWorkspace::BeginTrans() {
     afx::translated([&] {
-        for (CDaoDatabase* database : databases_) afx::EngineDatabase::of(*database).begin();
+        std::size_t begun = 0;
+        try {
+            for (; begun < databases_.size(); ++begun) afx::EngineDatabase::of(*databases_[begun]).begin();
+        } catch (...) {
+            while (begun > 0) afx::EngineDatabase::of(*databases_[--begun]).rollback();
+            throw;
+        }
     });
 }
 
 void CDaoWorkspace::CommitTrans() {
     afx::translated([&] {
-        for (CDaoDatabase* database : in_transaction()) {
+        require_transaction();
+        for (CDaoDatabase* database : databases_) {
+            if (!afx::EngineDatabase::of(*database).in_transaction()) continue;
             try {
                 afx::EngineDatabase::of(*database).commit();
             } catch (...) {
@@ -124,20 +132,20 @@ void CDaoWorkspace::CommitTrans() {
 
 void CDaoWorkspace::Rollback() {
     afx::translated([&] {
-        for (CDaoDatabase* database : in_transaction()) {
+        require_transaction();
+        for (CDaoDatabase* database : databases_) {
+            if (!afx::EngineDatabase::of(*database).in_transaction()) continue;
             database->close_users();
             afx::EngineDatabase::of(*database).rollback();
         }
     });
 }
 
-std::vector<CDaoDatabase*> CDaoWorkspace::in_transaction() const {
-    std::vector<CDaoDatabase*> result;
-    for (CDaoDatabase* database : databases_) {
-        if (afx::EngineDatabase::of(*database).in_transaction()) result.push_back(database);
+void CDaoWorkspace::require_transaction() const {
+    const auto is_inside = [](const CDaoDatabase* one) { return afx::EngineDatabase::of(*one).in_transaction(); };
+    if (std::none_of(databases_.begin(), databases_.end(), is_inside)) {
+        jet::fail(kNoTransaction, "There is no open transaction.");
     }
-    if (result.empty()) jet::fail(kNoTransaction, "There is no open transaction.");
-    return result;
 }
 
 // ---- Database ------------------------------------------------------------------------------------
@@ -183,6 +191,7 @@ void CDaoDatabase::Open(const char* name, BOOL exclusive, BOOL read_only, const 
 
 void CDaoDatabase::opened(std::unique_ptr<DAODatabase> object) {
     static const ExitGuard guard;
+    own_workspace_.databases_.reserve(1);  // it may get this database from another workspace's destructor
     m_pWorkspace->databases_.push_back(this);
     object_ = std::move(object);
     m_pDAODatabase = object_.get();

@@ -50,7 +50,7 @@ public:
 
 private:
     friend class CDaoDatabase;
-    std::vector<CDaoDatabase*> in_transaction() const;
+    void require_transaction() const;
 
     std::vector<CDaoDatabase*> databases_;  // open ones
 };

@@ -51,7 +51,13 @@ void EngineDatabase::begin() {
 void EngineDatabase::commit() {
     --transactions_;
     names_.clear();  // should it fail, tables may be gone
-    engine_->pager().commit();
+    try {
+        engine_->pager().commit();
+    } catch (...) {
+        // An inner transaction that the outer one has no room for is still there.
+        if (transactions_ > 0) engine_->pager().rollback();
+        throw;
+    }
 }
 
 void EngineDatabase::rollback() {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -265,9 +266,17 @@ void RecordsetState::update() {
     const RowId row = table_->insert(pending_);
     cancel_edit();
     additions_.back() = row;
-    own_rows_.insert(row.pack());
     ++added_;
     last_modified_ = Token{opening_, static_cast<std::uint32_t>(additions_.size()), 0, 0};
+    try {
+        join(row);
+    } catch (const std::bad_alloc&) {
+        // The row is stored, and that is what counts: only this set does not come by it.
+    }
+}
+
+void RecordsetState::join(RowId row) {
+    own_rows_.insert(row.pack());
     if (settled_) {
         rows_->append(row);
         bof_ = false;

@@ -67,6 +67,8 @@ private:
 
     void settle();
     void stand_on(jet::RowId row);
+    // Takes a row of its own in, at the end.
+    void join(jet::RowId row);
     void cancel_edit() { mode_ = dbEditNone; }
     void require_updatable() const;
     // The current row's values; 3021 and 3167.

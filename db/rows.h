@@ -7,13 +7,20 @@
 
 namespace db {
 
-// Runs `work`; 0, or -1 when it throws an engine's error, which is deleted.
+// Whether the work failed for lack of memory, of which no part is to be kept.
+inline bool is_lack_of_memory(const CDaoException& error) {
+    constexpr LONG kOutOfMemory = 3035;
+    return error.m_pErrorInfo->m_lErrorCode == kOutOfMemory;
+}
+
+// Runs `work`; 0, or -1 when it throws an engine's error, which is deleted. Lack of memory goes on its way.
 template <class Work>
 int guarded(Work&& work) {
     try {
         work();
         return 0;
     } catch (CDaoException* e) {
+        if (is_lack_of_memory(*e)) throw;
         e->Delete();
         return -1;
     }

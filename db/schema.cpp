@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "afx/dao_table_def.h"
+#include "db/rows.h"
 
 namespace db {
 namespace {
@@ -66,17 +67,13 @@ void create_field(CDaoTableDef& table, const FieldSchema& field) {
 
 int create_table(CDaoDatabase& database, const TableSchema& table) {
     if (!database.IsOpen()) return -1;
-    try {
+    return guarded([&] {
         CDaoTableDef definition(&database);
         definition.Create(table.name, 0);
         for (const FieldSchema& field : table.fields) create_field(definition, field);
         definition.Append();
         definition.Close();
-        return 0;
-    } catch (CDaoException* e) {
-        e->Delete();
-        return -1;
-    }
+    });
 }
 
 int create_tables(CDaoDatabase& database, std::span<const TableSchema> tables) {

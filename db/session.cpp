@@ -1,5 +1,7 @@
 #include "db/session.h"
 
+#include <new>
+
 #include "afx/dao_recordset.h"
 #include "db/content.h"
 #include "db/create_files.h"
@@ -41,6 +43,8 @@ void close_quietly(CDaoDatabase& database) {
         database.Close();
     } catch (CDaoException* e) {
         e->Delete();
+    } catch (const std::bad_alloc&) {
+        // It is closed, and there is no memory to say what else.
     }
 }
 

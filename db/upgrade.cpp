@@ -1,5 +1,8 @@
 #include "db/upgrade.h"
 
+#include <exception>
+#include <new>
+
 #include "db/added_fields.h"
 #include "db/contact_model.h"
 #include "db/content.h"
@@ -127,7 +130,19 @@ constexpr UpgradeStep kInvoiceUpgrade[] = {
 
 UpgradeObserver* upgrade_observer = nullptr;
 
-// Each step, or two that belong together, is one transaction. What a failed one had done is kept.
+// Takes back what a step had done that ran out of memory; whatever else is open in the database is closed.
+void take_back(CDaoWorkspace& workspace) {
+    try {
+        workspace.Rollback();
+    } catch (CDaoException* e) {
+        e->Delete();  // no transaction was open
+    } catch (const std::bad_alloc&) {
+        // The same.
+    }
+}
+
+// Each step, or two that belong together, is one transaction. What a failed one had done is kept, unless it failed for
+// lack of memory.
 int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version) {
     CDaoWorkspace& workspace = *database.m_pWorkspace;
     bool in_transaction = false;
@@ -135,14 +150,22 @@ int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version
         if (!step.applies_to(version)) continue;
         if (upgrade_observer != nullptr) upgrade_observer->begins(step);
         int done = -1;
-        const int committed = guarded([&] {
-            if (!in_transaction) workspace.BeginTrans();
-            in_transaction = true;
-            done = step.run(database);
-            if (done == 0 && step.with_next) return;
-            in_transaction = false;
-            workspace.CommitTrans();
-        });
+        int committed = -1;
+        try {
+            committed = guarded([&] {
+                if (!in_transaction) workspace.BeginTrans();
+                in_transaction = true;
+                done = step.run(database);
+                if (done == 0 && step.with_next) return;
+                workspace.CommitTrans();
+                in_transaction = false;
+            });
+        } catch (CDaoException* e) {
+            e->Delete();
+        } catch (const std::exception&) {
+        }
+        if (committed != 0 && in_transaction) take_back(workspace);
+        if (committed != 0) in_transaction = false;
         if (done == 0 && committed == 0) continue;
         if (upgrade_observer != nullptr) upgrade_observer->failed(step);
         if (step.on_failure == kStop) return -1;
@@ -172,7 +195,15 @@ void set_upgrade_observer(UpgradeObserver* observer) { upgrade_observer = observ
 
 int upgrade_main_file(CDaoDatabase& database) {
     LONG version = 0;
-    if (!database.IsOpen() || guarded([&] { version = stored_version(database); }) != 0) return -1;
+    try {
+        version = stored_version(database);
+    } catch (CDaoException* e) {
+        e->Delete();
+        return -1;
+    } catch (const std::exception&) {
+        return -1;
+    }
+    if (!database.IsOpen()) return -1;
     return version == kCurrentVersion ? 0 : run(database, studio_upgrade(), version);
 }
 

@@ -12,6 +12,7 @@
 #include <kvdb/com.h>
 #include <kvdb/dao_exception.h>
 
+#include <new>
 #include <span>
 
 #include "db/session.h"
@@ -66,7 +67,13 @@ public:
     HRESULT STDMETHODCALLTYPE GetTypeInfo(UINT index, LCID, ITypeInfo** info) override {
         if (info != nullptr) *info = nullptr;
         if (index >= type_information_count()) return DISP_E_BADINDEX;
-        return info != nullptr ? type_information(interface_id_, info) : E_POINTER;
+        if (info == nullptr) return E_POINTER;
+        const MethodFrame method;
+        try {
+            return type_information(interface_id_, info);
+        } catch (const std::bad_alloc&) {
+            return E_OUTOFMEMORY;
+        }
     }
 
     HRESULT STDMETHODCALLTYPE GetIDsOfNames(REFIID riid, LPOLESTR* names, UINT count, LCID, DISPID* ids) override {

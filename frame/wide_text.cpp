@@ -2,6 +2,7 @@
 #include "frame/wide_text.h"
 
 #include <cstring>
+#include <new>
 
 #include "os/system.h"
 
@@ -9,10 +10,14 @@ namespace frame {
 
 static_assert(sizeof(OLECHAR) == sizeof(char16_t));
 
-BSTR to_bstr(std::string_view narrow) {
-    const std::u16string wide = os::widen(narrow);
-    const UINT bytes = static_cast<UINT>(wide.size() * sizeof(OLECHAR));
-    return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(wide.data()), bytes);
+BSTR to_bstr(std::string_view narrow) noexcept {
+    try {
+        const std::u16string wide = os::widen(narrow);
+        const UINT bytes = static_cast<UINT>(wide.size() * sizeof(OLECHAR));
+        return SysAllocStringByteLen(reinterpret_cast<LPCSTR>(wide.data()), bytes);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
 }
 
 std::string to_narrow(BSTR wide) {

@@ -9,7 +9,7 @@
 namespace frame {
 
 // A new BSTR of `narrow`, owned by the caller; null when out of memory.
-BSTR to_bstr(std::string_view narrow);
+BSTR to_bstr(std::string_view narrow) noexcept;
 
 // The text of `wide` (null: empty) in the narrow code page, as far as its first zero character.
 std::string to_narrow(BSTR wide);

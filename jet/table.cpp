@@ -515,10 +515,11 @@ RowId Table::insert(std::vector<Value> values) {
     for (std::size_t i = 0; i < keys.size(); ++i) change_index(i, nullptr, entry_of(keys[i]), row);
     ++def_.row_count;
     store_counts();
+    // Before the commit, since they may fail. Should the commit do so, they have noted a place without a row.
+    for (TableWatcher* watcher : watchers_) watcher->row_inserted(row);
     transaction.commit();
 
     move_in_maps(row, old_map_keys, new_map_keys);
-    for (TableWatcher* watcher : watchers_) watcher->row_inserted(row);
     return row;
 }
 

@@ -9,7 +9,22 @@ db::TimeOfDay precision_of(Conversion conversion) {
     return conversion == Conversion::kDateToTheMinute ? db::TimeOfDay::kToTheMinute : db::TimeOfDay::kDropped;
 }
 
+constexpr LONG kTextTooLong = 3163;
+constexpr LONG kNotUpdatable = 3164;
+constexpr LONG kNotInCollection = 3265;
+constexpr LONG kBadConversion = 3421;
+
 }  // namespace
+
+bool is_failed_mapping(const CDaoException& error) {
+    switch (error.m_pErrorInfo->m_lErrorCode) {
+        case kTextTooLong:
+        case kNotUpdatable:
+        case kNotInCollection:
+        case kBadConversion: return true;
+        default: return false;
+    }
+}
 
 void read_value(CDaoRecordset& rows, int field, CString& member) {
     if (rows.GetFieldText(field, member)) return;

@@ -76,8 +76,12 @@ void write_value(CDaoRecordset& rows, int field, LONG member);
 void write_value(CDaoRecordset& rows, int field, Conversion conversion, CTime member);
 void write_value(CDaoRecordset& rows, int field, Conversion conversion, float member);
 
-// Calls `work` with each column and its field's position. E_FAIL at the first exception of the engine, which is
-// deleted; a column without a field is one.
+// Whether an error says that a value and its column do not go together: the column does not take it, or is not there.
+bool is_failed_mapping(const CDaoException& error);
+
+// Calls `work` with each column and its field's position. E_FAIL at the first column that fails, whose exception is
+// deleted; a column without a field is one. Everything else that goes wrong, lack of memory first of all, is no matter
+// of a column and goes on its way.
 template <class Record, class Work>
 HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> columns, Work&& work) {
     try {
@@ -87,6 +91,7 @@ HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> col
         }
         return S_OK;
     } catch (CDaoException* e) {
+        if (!is_failed_mapping(*e)) throw;
         e->Delete();
         return E_FAIL;
     }
@@ -109,7 +114,8 @@ HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> column
     });
 }
 
-// Sets the columns in the edit buffer. Of a failure the columns before it stay set.
+// Sets the columns in the edit buffer. Of a failure the columns before it stay set; after an exception nothing of the
+// buffer is to be saved.
 template <class Record>
 HRESULT write_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, const Record& record) {
     return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {

@@ -162,7 +162,8 @@ public:
                 const HRESULT result = write_columns(rows, mapping_.write, *record);
                 // The number is in the buffer already.
                 read_value(rows, rows.GetFieldPosition(mapping_.key.column), record->*mapping_.key.member);
-                // Deliberate: a failed mapping still saves the columns set before the failure.
+                // Deliberate: a failed mapping still saves the columns set before the failure. Nothing else that
+                // fails comes here.
                 rows.Update();
                 rows.Close();
                 return result;

@@ -1,4 +1,5 @@
 // Engineers, sequencers and rooms through the main gate.
+#include "tests/gates/definitions_cases.h"
 #include "tests/gates/record_round_trip.h"
 
 namespace {
@@ -36,33 +37,6 @@ const RecordCase<IDBgate1, EngineerInfo> kEngineers{
     .read_order = {"Name", "Price"},
     .write_order = {"Name", "Price"},
     .prepare = create_engineers};
-
-const RecordCase<IDBgate1, SeqInfo> kSequencers{
-    .table = "Def_Sequencer",
-    .key = &SeqInfo::RecID,
-    .first = &IDBgate1::EnumFirstSequencer,
-    .next = &IDBgate1::EnumNextSequencer,
-    .find = &IDBgate1::FindSequencer,
-    .add = &IDBgate1::AddSequencer,
-    .update = &IDBgate1::UpdateSequencer,
-    .remove = &IDBgate1::DeleteSequencer,
-    .members = {member::text("Name", &SeqInfo::Name), member::text("Path", &SeqInfo::Path)},
-    .read_order = {"Name", "Path"},
-    .write_order = {"Name", "Path"}};
-
-const RecordCase<IDBgate1, RoomInfo> kRooms{
-    .table = "Def_Rooms",
-    .key = &RoomInfo::RecID,
-    .first = &IDBgate1::EnumFirstRoom,
-    .next = &IDBgate1::EnumNextRoom,
-    .find = &IDBgate1::FindRoom,
-    .add = &IDBgate1::AddRoom,
-    .update = &IDBgate1::UpdateRoom,
-    .remove = &IDBgate1::DeleteRoom,
-    .members = {member::text("Name", &RoomInfo::Name), member::currency("BasePrice", &RoomInfo::BasePrice),
-                member::currency("FullPrice", &RoomInfo::FullPrice), member::integer("ExData", &RoomInfo::ExData)},
-    .read_order = {"Name", "BasePrice", "FullPrice", "ExData"},
-    .write_order = {"Name", "BasePrice", "FullPrice", "ExData"}};
 
 // How many rows an enumeration gives.
 template <class Record>

@@ -1,0 +1,67 @@
+// Files damaged at random, opened, read, checked and changed by the engine: an engine error or an answer, soon, in
+// memory that the file's size explains. What the sanitizers and the driver's patience add is theirs.
+#include "tests/jet/damage.h"
+
+#include <ctime>
+
+#include "tests/jet/exercise.h"
+#include "tests/soak/kind.h"
+#include "tests/soak/reference.h"
+
+namespace soak {
+namespace {
+
+constexpr char kPath[] = "d/damaged.mdb";
+constexpr double kSecondsAllowed = 10;  // of the processor; sanitizers are slow
+constexpr std::uint32_t kFilesPerCase = 20;
+
+class Damage final : public Kind {
+public:
+    const char* name() const override { return "damage"; }
+    const char* unit() const override { return "damaged files"; }
+
+    std::string prepare() override {
+        originals_.push_back(jet::make_rich_file());
+        for (const std::int32_t version : testing_support::kOldVersions) {
+            originals_.push_back(old_studio(version).main);
+            originals_.push_back(old_studio(version).invoice);
+        }
+        return {};
+    }
+
+    Outcome run(Seed seed, const std::string& kept) override {
+        Outcome outcome;
+        jet::Random random(static_cast<std::uint32_t>(seed));
+        for (; outcome.tried < kFilesPerCase && outcome.failure.empty(); ++outcome.tried) {
+            jet::ByteVector file = originals_[random.below(2) == 0 ? 0 : random.below(originals_.size())];
+            for (std::uint32_t i = random.below(4) + 1; i > 0; --i) jet::damage_once(file, random);
+            outcome.failure = use(file);
+            if (outcome.failure.empty()) continue;
+            outcome.failure = "file " + std::to_string(outcome.tried) + ": " + outcome.failure;
+            keep_text(std::string(file.begin(), file.end()), "damaged.mdb", kept);
+        }
+        return outcome;
+    }
+
+private:
+    static std::string use(const jet::ByteVector& file) {
+        jet::MemoryDisk memory;
+        memory.disk.set_content(kPath, file);
+        const std::clock_t begin = std::clock();
+        for (const auto work : {jet::read_file, jet::change_file}) {
+            const int error = work(kPath);
+            if (error != 0 && (error < 3000 || error >= 4000)) return "no engine error: " + std::to_string(error);
+            if (work == jet::read_file && memory.disk.change_count() != 0) return "reading has changed the disk";
+        }
+        const double seconds = static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+        return seconds < kSecondsAllowed ? std::string() : "took " + std::to_string(seconds) + " s";
+    }
+
+    std::vector<jet::ByteVector> originals_;
+};
+
+}  // namespace
+
+std::unique_ptr<Kind> make_damage() { return std::make_unique<Damage>(); }
+
+}  // namespace soak

@@ -1,0 +1,345 @@
+// The power goes after each change of the disk that a studio's day makes: with nothing unsynced on the disk, with all
+// of it, and with a random part of its sectors. What the disk holds then is opened by a component that knows nothing
+// of what was before.
+//
+// What is sure to be there of each of the two files: everything up to its last sync point, and of what came after it
+// all up to some operation. A sync point is the first operation after an opening, one that comes a quarter of a second
+// or more after the one before, and the closing.
+#include <sys/mman.h>
+
+#include <chrono>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <stdexcept>
+
+#include "tests/soak/isolated.h"
+#include "tests/soak/kind.h"
+#include "tests/soak/reference.h"
+#include "tests/soak/simulated_clock.h"
+#include "tests/soak/static_studio.h"
+#include "tests/soak/sweep.h"
+
+namespace soak {
+namespace {
+
+using namespace testing_support;
+
+constexpr int kSessions = 2;
+constexpr int kSteps = 16;
+constexpr std::chrono::milliseconds kSyncInterval{250};
+
+// One operation of the day, as far as it got by the cut.
+struct Entry {
+    Operation operation;
+    std::uint32_t has_succeeded = 0;
+    std::uint32_t is_sync_point = 0;  // with all before it of the same file
+};
+
+// What is known at the moment of the cut.
+struct Log {
+    std::vector<Entry> entries;
+    std::uint32_t is_opened = 0;
+};
+
+struct Cut {
+    CrashMode mode = CrashMode::kKeepUnsynced;
+    std::map<std::string, std::vector<std::uint8_t>> files;
+};
+
+const char* text_of(CrashMode mode) {
+    switch (mode) {
+        case CrashMode::kKeepUnsynced: return "all kept";
+        case CrashMode::kDropUnsynced: return "nothing unsynced kept";
+        case CrashMode::kTearUnsynced: return "a part kept";
+    }
+    return "";
+}
+
+// Memory that a process and its copy share: one writes, is gone, and the other reads.
+class SharedMemory {
+public:
+    SharedMemory()
+        : memory_(static_cast<std::uint8_t*>(::mmap(nullptr, kBytes, PROT_READ | PROT_WRITE,
+                                                    MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0))) {
+        if (memory_ == MAP_FAILED) throw std::runtime_error("no shared memory");
+    }
+    ~SharedMemory() { ::munmap(memory_, kBytes); }
+    SharedMemory(const SharedMemory&) = delete;
+    SharedMemory& operator=(const SharedMemory&) = delete;
+
+    template <class Number>
+    void put(Number number) {
+        put_bytes(&number, sizeof number);
+    }
+    template <class Number>
+    Number get() {
+        Number number;
+        get_bytes(&number, sizeof number);
+        return number;
+    }
+    void put_bytes(const void* bytes, std::size_t count) {
+        if (count > kBytes - at_) throw std::runtime_error("the disk is too large for the shared memory");
+        std::memcpy(memory_ + at_, bytes, count);
+        at_ += count;
+    }
+    void get_bytes(void* bytes, std::size_t count) {
+        std::memcpy(bytes, memory_ + at_, count);
+        at_ += count;
+    }
+
+private:
+    static constexpr std::size_t kBytes = 256u << 20;
+    std::uint8_t* memory_;
+    std::size_t at_ = 0;
+};
+
+void put(SharedMemory& memory, const Log& log, const std::vector<Cut>& cuts) {
+    memory.put(log.is_opened);
+    memory.put(log.entries.size());
+    for (const Entry& entry : log.entries) memory.put(entry);
+    memory.put(cuts.size());
+    for (const Cut& cut : cuts) {
+        memory.put(cut.mode);
+        memory.put(cut.files.size());
+        for (const auto& [name, bytes] : cut.files) {
+            memory.put(name.size());
+            memory.put_bytes(name.data(), name.size());
+            memory.put(bytes.size());
+            memory.put_bytes(bytes.data(), bytes.size());
+        }
+    }
+}
+
+void get(SharedMemory& memory, Log& log, std::vector<Cut>& cuts) {
+    log.is_opened = memory.get<std::uint32_t>();
+    log.entries.resize(memory.get<std::size_t>());
+    for (Entry& entry : log.entries) entry = memory.get<Entry>();
+    cuts.resize(memory.get<std::size_t>());
+    for (Cut& cut : cuts) {
+        cut.mode = memory.get<CrashMode>();
+        for (auto count = memory.get<std::size_t>(); count > 0; --count) {
+            std::string name(memory.get<std::size_t>(), ' ');
+            memory.get_bytes(name.data(), name.size());
+            std::vector<std::uint8_t> bytes(memory.get<std::size_t>());
+            memory.get_bytes(bytes.data(), bytes.size());
+            cut.files[name] = std::move(bytes);
+        }
+    }
+}
+
+// Keeps the log while the day goes on.
+class Recorder final : public Witness {
+public:
+    void opened() {
+        log_.is_opened = 1;
+        for (auto& gap : since_last_) gap = kSyncInterval;
+    }
+    void closed() {
+        for (Entry& entry : log_.entries) entry.is_sync_point = entry.has_succeeded;
+    }
+    void time_passed(std::chrono::milliseconds span) {
+        let_time_pass(span);
+        for (auto& gap : since_last_) gap += span;
+    }
+
+    void begun(const Operation& operation) override { log_.entries.push_back({operation, 0, 0}); }
+    void succeeded(const Operation& operation) override {
+        auto& gap = since_last_[gate_tables()[static_cast<std::size_t>(operation.table)]->is_in_invoice_file()];
+        log_.entries.back() = {operation, 1, gap >= kSyncInterval};
+        gap = {};
+    }
+    void failed(const Operation& operation) override { throw std::runtime_error("failed: " + describe(operation)); }
+    const Log& log() const { return log_; }
+
+private:
+    Log log_;
+    std::chrono::milliseconds since_last_[2]{};  // since the file's last operation
+};
+
+// The day, told to the recorder. `cut` is called after each change of the disk.
+void work_through(std::uint32_t seed, const Start& start, Recorder& recorder, FaultFileSystem& disk,
+                  const std::function<void()>& cut) {
+    const StudioRows& rows = rows_after_opening(start);
+    lay_out(start, disk);
+    const UseFileSystem use(disk);
+    const Gates gates = static_gates(kStudioFolder);
+    disk.set_observer([&](testing_support::Operation, const std::string&) { cut(); });
+    Day day(seed, rows);
+    for (int session = 0; session < kSessions; ++session) {
+        std::string reason;
+        if (gates.open(&reason) != S_OK) throw std::runtime_error("the studio does not open: " + reason);
+        recorder.opened();
+        for (int i = 0; i < kSteps; ++i) {
+            recorder.time_passed(std::chrono::milliseconds(day.random(3) == 0 ? 300 : day.random(120)));
+            day.step(gates, recorder);
+        }
+        gates.close();
+        recorder.closed();
+    }
+    disk.set_observer({});
+}
+
+// "" when the file holds what some number of operations has left, at least those that are sure.
+std::string compare(const Start& start, const Log& log, CrashMode mode, const StudioRows& found, bool invoice_file) {
+    std::vector<const Entry*> entries;
+    for (const Entry& entry : log.entries) {
+        const auto place = static_cast<std::size_t>(entry.operation.table);
+        if (gate_tables()[place]->is_in_invoice_file() == invoice_file) entries.push_back(&entry);
+    }
+    std::size_t sure = 0;
+    for (std::size_t i = 0; i < entries.size(); ++i) {
+        const bool is_sure = mode == CrashMode::kKeepUnsynced ? entries[i]->has_succeeded : entries[i]->is_sync_point;
+        if (is_sure) sure = i + 1;
+    }
+    Ledger ledger(rows_after_opening(start));
+    std::string nearest;
+    for (std::size_t count = 0;; ++count) {
+        if (count >= sure) {
+            Ledger state = ledger;
+            const std::string text = state.compare(found, invoice_file);
+            if (text.empty()) return {};
+            nearest = text;
+            if (count < entries.size() && entries[count]->has_succeeded == 0) {
+                state.failed(entries[count]->operation);  // under way
+                if (state.compare(found, invoice_file).empty()) return {};
+            }
+        }
+        if (count == entries.size()) break;
+        if (entries[count]->has_succeeded == 0) break;
+        ledger.succeeded(entries[count]->operation);
+    }
+    return std::string(invoice_file ? "kvinvdb.mdb" : "sldb.mdb") + ": none of the states after " +
+           std::to_string(sure) + " operations or more; the last differs in " + nearest;
+}
+
+// While an older studio is being opened, each of its files is between two of the steps.
+std::string compare_upgrade(const Start& start) {
+    const OldStudio& old = old_studio(start.version);
+    std::string failure;
+    for (const auto& [path, steps] : {std::pair{kMainFile, &old.main_steps},
+                                      std::pair{kInvoiceFile, &old.invoice_steps}}) {
+        jet::OpenOptions options;
+        options.ignore_password = true;
+        jet::Database::open(path, options)->close();
+        const std::string text = difference_to_nearest(*steps, content_of(path));
+        if (!text.empty()) failure += std::string(path) + " is between no two steps: " + text;
+    }
+    return failure;
+}
+
+Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
+    Outcome outcome;
+    outcome.tried = 1;
+    FaultFileSystem disk;
+    for (const auto& [name, bytes] : cut.files) disk.set_content(name, bytes);
+    const UseFileSystem use(disk);
+    const bool is_upgrade = start.origin == Start::Origin::kOld && log.is_opened == 0;
+    if (is_upgrade) outcome.failure = compare_upgrade(start);
+    std::string failure;
+    const StudioRows found = rows_on_disk(failure);
+    outcome.failure += failure;
+    if (outcome.failure.empty() && !is_upgrade) {
+        for (const bool invoice_file : {false, true}) {
+            outcome.failure += compare(start, log, cut.mode, found, invoice_file);
+        }
+    }
+    check_structures();
+    for (const std::string& name : disk.names()) {
+        // A journal whose head did not reach the disk is set aside.
+        const bool may_stay = cut.mode != CrashMode::kKeepUnsynced && name.ends_with("-journal-set-aside");
+        if (name != kMainFile && name != kInvoiceFile && !may_stay) outcome.failure += " left behind: " + name;
+    }
+    return outcome;
+}
+
+class Power final : public Kind {
+public:
+    const char* name() const override { return "power"; }
+    const char* unit() const override { return "power cuts"; }
+    std::string prepare() override {
+        stop_clock();
+        return {};
+    }
+
+    Outcome run(Seed seed, const std::string& kept) override {
+        constexpr Seed kPointsLimit = 100000;
+        if (sweep_ == nullptr) sweep_ = std::make_unique<Sweep>(kPointsLimit);
+        return sweep_->run(
+            seed, [](Seed day) { return count(day); },
+            [&](Seed day, Seed point) { return cut_at(day, point + 1, kept); });
+    }
+
+private:
+    static Outcome count(Seed day) {
+        const Start start = start_of_day(day);
+        rows_after_opening(start);
+        return isolated([&] {
+            Outcome outcome;
+            FaultFileSystem disk;
+            Recorder recorder;
+            work_through(static_cast<std::uint32_t>(day), start, recorder, disk, [&] { ++outcome.tried; });
+            return outcome;
+        });
+    }
+
+    static Outcome cut_at(Seed day, Seed change, const std::string& kept) {
+        const Start start = start_of_day(day);
+        SharedMemory memory;
+        // The host, up to the cut.
+        Outcome outcome = isolated([&]() -> Outcome {
+            FaultFileSystem disk;
+            Recorder recorder;
+            Seed changes = 0;
+            work_through(static_cast<std::uint32_t>(day), start, recorder, disk, [&] {
+                if (++changes == change) put(memory, recorder.log(), cuts_of(disk, change));
+            });
+            if (changes < change) throw std::runtime_error("the day is shorter than the last time");
+            return {};
+        });
+        if (!outcome.failure.empty()) return outcome;
+        Log log;
+        std::vector<Cut> cuts;
+        get(memory, log, cuts);
+        for (const Cut& cut : cuts) {
+            const Outcome judged = isolated([&] { return judge_cut(start, log, cut); });
+            ++outcome.tried;
+            if (judged.failure.empty()) continue;
+            outcome.failure = start.text() + ", power cut after change " + std::to_string(change) + ", " +
+                              text_of(cut.mode) + ": " + judged.failure;
+            keep(cut, kept);
+            break;
+        }
+        return outcome;
+    }
+
+    static std::vector<Cut> cuts_of(const FaultFileSystem& disk, Seed change) {
+        std::vector<Cut> cuts;
+        const auto take = [&](CrashMode mode, std::uint32_t seed) {
+            const auto after = disk.crash(mode, seed);
+            Cut cut{mode, {}};
+            for (const std::string& name : after->names()) cut.files[name] = after->content(name);
+            cuts.push_back(std::move(cut));
+        };
+        take(CrashMode::kKeepUnsynced, 0);
+        take(CrashMode::kDropUnsynced, 0);
+        for (std::uint32_t i = 0; i < 3; ++i) take(CrashMode::kTearUnsynced, static_cast<std::uint32_t>(change) * 8 + i);
+        return cuts;
+    }
+
+    static void keep(const Cut& cut, const std::string& kept) {
+        std::filesystem::create_directories(kept);
+        for (const auto& [path, bytes] : cut.files) {
+            std::ofstream out(std::filesystem::path(kept) / std::filesystem::path(path).filename(), std::ios::binary);
+            out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
+        }
+    }
+
+    std::unique_ptr<Sweep> sweep_;
+};
+
+}  // namespace
+
+std::unique_ptr<Kind> make_power() { return std::make_unique<Power>(); }
+
+}  // namespace soak

@@ -1,0 +1,45 @@
+// Seeds of a kind that goes through every point of one day before it begins the next: day and point stand in the seed,
+// so that 300017 is point 17 of day 3.
+#pragma once
+
+#include <functional>
+
+#include "tests/soak/kind.h"
+
+namespace soak {
+
+class Sweep {
+public:
+    explicit Sweep(Seed points_limit) : limit_(points_limit) {}
+
+    // `count_points(day)` is asked once for each day; `run_point(day, point)` gives the outcome of one. A day without
+    // points is a failure.
+    Outcome run(Seed seed, const std::function<Outcome(Seed day)>& count_points,
+                const std::function<Outcome(Seed day, Seed point)>& run_point) {
+        Seed day = seed / limit_;
+        Seed point = seed % limit_;
+        if (day != known_day_ || points_ == 0) {
+            Outcome counted = count_points(day);
+            if (!counted.failure.empty() || counted.tried == 0 || counted.tried >= limit_) {
+                counted.failure = "the undisturbed day failed: " + counted.failure + " points: " +
+                                  std::to_string(counted.tried);
+                counted.tried = 0;
+                counted.next = (day + 1) * limit_;
+                return counted;
+            }
+            known_day_ = day;
+            points_ = counted.tried;
+        }
+        point %= points_;
+        Outcome outcome = run_point(day, point);
+        outcome.next = point + 1 < points_ ? day * limit_ + point + 1 : (day + 1) * limit_;
+        return outcome;
+    }
+
+private:
+    Seed limit_;
+    Seed known_day_ = 0;
+    Seed points_ = 0;
+};
+
+}  // namespace soak

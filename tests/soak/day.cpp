@@ -16,7 +16,6 @@ Day::Day(std::uint32_t seed, const StudioRows& rows) : random_(seed), rows_(gate
             }
             rows_[i][key] = variant;
         }
-        if (table.is_single_row()) rows_[i][1] = 0;
     }
 }
 
@@ -42,6 +41,7 @@ void Day::step(const Gates& gates, Witness& witness) {
     const std::uint32_t choice = random(8);
     const bool may_add = !table.is_single_row() && rows.size() < kMostRows;
     if (may_add && (rows.empty() || choice < 3)) return perform(gates, witness, operation);
+    if (rows.empty()) return;
     auto row = rows.begin();
     std::advance(row, random(static_cast<std::uint32_t>(rows.size())));
     operation.key = row->first;

@@ -180,18 +180,30 @@ void work_through(std::uint32_t seed, const Start& start, Recorder& recorder, Fa
     disk.set_observer({});
 }
 
-// "" when the file holds what some number of operations has left, at least those that are sure.
-std::string compare(const Start& start, const Log& log, CrashMode mode, const StudioRows& found, bool invoice_file) {
+std::vector<const Entry*> entries_of(const Log& log, bool invoice_file) {
     std::vector<const Entry*> entries;
     for (const Entry& entry : log.entries) {
         const auto place = static_cast<std::size_t>(entry.operation.table);
         if (gate_tables()[place]->is_in_invoice_file() == invoice_file) entries.push_back(&entry);
     }
+    return entries;
+}
+
+// How many of the file's operations must be there, the first ones of the day.
+std::size_t sure_operations(const Log& log, CrashMode mode, bool invoice_file) {
+    const std::vector<const Entry*> entries = entries_of(log, invoice_file);
     std::size_t sure = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) {
         const bool is_sure = mode == CrashMode::kKeepUnsynced ? entries[i]->has_succeeded : entries[i]->is_sync_point;
         if (is_sure) sure = i + 1;
     }
+    return sure;
+}
+
+// "" when the file holds what some number of operations has left, at least those that are sure.
+std::string compare(const Start& start, const Log& log, CrashMode mode, const StudioRows& found, bool invoice_file) {
+    const std::vector<const Entry*> entries = entries_of(log, invoice_file);
+    const std::size_t sure = sure_operations(log, mode, invoice_file);
     Ledger ledger(rows_after_opening(start));
     std::string nearest;
     for (std::size_t count = 0;; ++count) {
@@ -213,19 +225,12 @@ std::string compare(const Start& start, const Log& log, CrashMode mode, const St
            std::to_string(sure) + " operations or more; the last differs in " + nearest;
 }
 
-// While an older studio is being opened, each of its files is between two of the steps.
-std::string compare_upgrade(const Start& start) {
-    const OldStudio& old = old_studio(start.version);
-    std::string failure;
-    for (const auto& [path, steps] : {std::pair{kMainFile, &old.main_steps},
-                                      std::pair{kInvoiceFile, &old.invoice_steps}}) {
-        jet::OpenOptions options;
-        options.ignore_password = true;
-        jet::Database::open(path, options)->close();
-        const std::string text = difference_to_nearest(*steps, content_of(path));
-        if (!text.empty()) failure += std::string(path) + " is between no two steps: " + text;
-    }
-    return failure;
+bool is_between_steps(const char* path, const std::vector<Content>& steps, std::string& difference) {
+    jet::OpenOptions options;
+    options.ignore_password = true;
+    jet::Database::open(path, options)->close();
+    difference = difference_to_nearest(steps, content_of(path));
+    return difference.empty();
 }
 
 Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
@@ -234,15 +239,24 @@ Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
     FaultFileSystem disk;
     for (const auto& [name, bytes] : cut.files) disk.set_content(name, bytes);
     const UseFileSystem use(disk);
-    const bool is_upgrade = start.origin == Start::Origin::kOld && log.is_opened == 0;
-    if (is_upgrade) outcome.failure = compare_upgrade(start);
+    // Of an older studio that is being opened, or has just been, each file is between two of the steps; before a gate
+    // has opened it, for that ends the upgrade.
+    bool is_upgrade_cut[2] = {};
+    if (start.origin == Start::Origin::kOld) {
+        const OldStudio& old = old_studio(start.version);
+        std::string difference;
+        is_upgrade_cut[0] = is_between_steps(kMainFile, old.main_steps, difference);
+        if (!is_upgrade_cut[0] && log.is_opened == 0) outcome.failure += "sldb.mdb: " + difference;
+        is_upgrade_cut[1] = is_between_steps(kInvoiceFile, old.invoice_steps, difference);
+        if (!is_upgrade_cut[1] && log.is_opened == 0) outcome.failure += "kvinvdb.mdb: " + difference;
+    }
     std::string failure;
     const StudioRows found = rows_on_disk(failure);
     outcome.failure += failure;
-    if (outcome.failure.empty() && !is_upgrade) {
-        for (const bool invoice_file : {false, true}) {
-            outcome.failure += compare(start, log, cut.mode, found, invoice_file);
-        }
+    for (const bool invoice_file : {false, true}) {
+        if (!outcome.failure.empty()) break;
+        const bool may_be_older = is_upgrade_cut[invoice_file] && sure_operations(log, cut.mode, invoice_file) == 0;
+        if (!may_be_older) outcome.failure += compare(start, log, cut.mode, found, invoice_file);
     }
     check_structures();
     for (const std::string& name : disk.names()) {

@@ -31,7 +31,10 @@ public:
             points_ = counted.tried;
         }
         point %= points_;
-        Outcome outcome = run_point(day, point);
+        // Each point once, but not side by side: a short run meets something of everything.
+        constexpr Seed kStrides[] = {611953, 746773};
+        const Seed stride = points_ % kStrides[0] != 0 ? kStrides[0] : kStrides[1];
+        Outcome outcome = run_point(day, point * stride % points_);
         outcome.next = point + 1 < points_ ? day * limit_ + point + 1 : (day + 1) * limit_;
         return outcome;
     }

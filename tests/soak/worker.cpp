@@ -78,10 +78,11 @@ int work(const Shift& shift) {
         std::printf("skip %s\n", in_one_line(reason).c_str());
         return 0;
     }
-    const auto begin = std::chrono::steady_clock::now();
+    // Not the steady clock: a kind may have stopped that.
+    const auto begin = std::chrono::system_clock::now();
     Seed seed = shift.first;
     for (std::uint64_t count = 0; shift.cases == 0 || count < shift.cases; ++count) {
-        const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - begin;
+        const std::chrono::duration<double> taken = std::chrono::system_clock::now() - begin;
         if (shift.cases == 0 && taken.count() >= shift.seconds) break;
         std::printf("case %llu\n", static_cast<unsigned long long>(seed));
         std::fflush(stdout);

@@ -1,0 +1,37 @@
+// A worker's process: started with a pipe to its output, read line by line, ended with everything that it started.
+#pragma once
+
+#include <sys/types.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace soak {
+
+class WorkerProcess {
+public:
+    // Its standard error goes to the file `log`, from the beginning. Names relative to `folder`.
+    WorkerProcess(const std::vector<std::string>& command, const std::string& folder, const std::string& log);
+    ~WorkerProcess();
+    WorkerProcess(const WorkerProcess&) = delete;
+    WorkerProcess& operator=(const WorkerProcess&) = delete;
+
+    int descriptor() const { return lines_; }
+    // Reads what there is; false at the end of the output.
+    bool read();
+    // The next whole line of what was read.
+    std::optional<std::string> line();
+    void kill();
+    // Waits for the end; how it ended, "" for an exit code of 0.
+    std::string wait();
+
+private:
+    pid_t process_ = -1;
+    int lines_ = -1;
+    std::string unread_;
+    bool has_ended_ = false;
+    int status_ = 0;
+};
+
+}  // namespace soak

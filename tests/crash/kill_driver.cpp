@@ -13,6 +13,8 @@
 #include <optional>
 #include <random>
 
+#include "tests/support/figures.h"
+
 namespace testing_support {
 namespace {
 
@@ -144,6 +146,7 @@ std::uint64_t kill_repeatedly(const KilledProgram& program, int kills, std::chro
             ADD_FAILURE() << "life " << i << ": the program was not killed but ended by itself";
             break;
         }
+        count_tried(Figure::kKills);
         const Rows found = program.read_back();
         Rows expected = life.rows;
         if (found != expected && life.under_way) perform(*life.under_way, expected);

@@ -8,6 +8,7 @@
 #include "db/session.h"
 #include "tests/db/upgrade_fixture.h"
 #include "tests/support/fault_file_system.h"
+#include "tests/support/figures.h"
 
 namespace {
 
@@ -110,6 +111,7 @@ protected:
     static void expect_boundary(FaultFileSystem& disk, const Subject& subject, const std::vector<Content>& allowed,
                                 const std::string& where, std::set<std::size_t>* seen = nullptr) {
         const UseFileSystem use(disk);
+        count_tried(Figure::kPowerCuts);
         const Content found = recovered_content(subject.path);
         const auto match = std::find(allowed.begin(), allowed.end(), found);
         if (match == allowed.end()) {
@@ -230,6 +232,7 @@ protected:
             outcome.result = subject.upgrade(database);
             EXPECT_TRUE(database.IsOpen());
             outcome.faults = disk.faults_raised();
+            if (outcome.faults > 0) count_tried(Figure::kFaults);
             close_quietly(database);
             disk.clear_faults();
         }

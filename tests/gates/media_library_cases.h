@@ -6,17 +6,17 @@
 namespace testing_support {
 
 inline const RecordCase<IDBgate1, LibGrpInfo> kGroups{.table = "LibGroups",
-                                               .key_column = "GroupID",
-                                               .key = &LibGrpInfo::GroupID,
-                                               .first = &IDBgate1::EnumFirstLibGrp,
-                                               .next = &IDBgate1::EnumNextLibGrp,
-                                               .find = &IDBgate1::FindLibGrp,
-                                               .add = &IDBgate1::AddLibGrp,
-                                               .update = &IDBgate1::UpdateLibGrp,
-                                               .remove = &IDBgate1::DeleteLibGrp,
-                                               .members = {member::text("Name", &LibGrpInfo::Name)},
-                                               .read_order = {"Name"},
-                                               .write_order = {"Name"}};
+                                                      .key_column = "GroupID",
+                                                      .key = &LibGrpInfo::GroupID,
+                                                      .first = &IDBgate1::EnumFirstLibGrp,
+                                                      .next = &IDBgate1::EnumNextLibGrp,
+                                                      .find = &IDBgate1::FindLibGrp,
+                                                      .add = &IDBgate1::AddLibGrp,
+                                                      .update = &IDBgate1::UpdateLibGrp,
+                                                      .remove = &IDBgate1::DeleteLibGrp,
+                                                      .members = {member::text("Name", &LibGrpInfo::Name)},
+                                                      .read_order = {"Name"},
+                                                      .write_order = {"Name"}};
 
 inline const RecordCase<IDBgate1, MediaLibInfo> kLibraries{
     .table = "MediaLibs",

@@ -9,6 +9,7 @@
 #include <random>
 
 #include "tests/gates/project_crash.h"
+#include "tests/support/figures.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -39,6 +40,7 @@ TEST(GateCrash, killed_host_loses_no_call_that_had_returned) {
         ASSERT_EQ(read(ends[0], &told, sizeof told), static_cast<ssize_t>(sizeof told)) << "the child did not begin";
         usleep(static_cast<useconds_t>(random() % 12000));
         kill(child, SIGKILL);
+        count_tried(Figure::kKills);
         std::map<std::int32_t, std::int32_t> told_projects = projects;
         Told cut_off = told;
         while (read(ends[0], &told, sizeof told) == static_cast<ssize_t>(sizeof told)) {

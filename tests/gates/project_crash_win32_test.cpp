@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/gates/project_crash.h"
+#include "tests/support/figures.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -88,6 +89,7 @@ TEST(GateCrash, killed_host_loses_no_call_that_had_returned) {
         ASSERT_TRUE(read_word(from, told)) << "the child did not begin";
         Sleep(static_cast<DWORD>(random() % 40));
         TerminateProcess(child.process.hProcess, 77);
+        count_tried(Figure::kKills);
         Projects told_projects = projects;
         Told cut_off = told;
         while (read_word(from, told)) {

@@ -10,12 +10,15 @@
 #include "tests/jet/damage.h"
 #include "tests/jet/engine_fixture.h"
 #include "tests/jet/exercise.h"
+#include "tests/support/figures.h"
 
 namespace jet {
 namespace {
 
 constexpr char kPath[] = "d/damaged.mdb";
 constexpr double kSecondsAllowed = 10;  // of the processor; sanitizers are slow
+
+void count_one() { testing_support::count_tried(testing_support::Figure::kDamagedFiles); }
 
 struct Tally {
     int refused = 0;
@@ -34,6 +37,7 @@ Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t 
         for (std::uint32_t i = random.below(4) + 1; i > 0; --i) damage_once(file, random);
         MemoryDisk memory;
         memory.disk.set_content(kPath, file);
+        count_one();
         reset_largest_allocation();
         const std::clock_t begin = std::clock();
         try {
@@ -88,6 +92,7 @@ TEST(FileCorrupt, every_truncation_gives_an_engine_error_or_none) {
     for (std::size_t size = 0; size < good.size(); size += size < 5000 ? 97 : 1811) {
         MemoryDisk memory;
         memory.disk.set_content(kPath, ByteVector(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
+        count_one();
         const int error = change_file(kPath);
         const bool refused = error == errors::kDamaged || error == errors::kNotADatabase;
         EXPECT_TRUE(refused || size % jet4::kPageSize == 0) << size << ": " << error;
@@ -104,6 +109,7 @@ TEST(FileCorrupt, pages_of_zeros_and_ones_are_survived) {
                         static_cast<std::uint8_t>(fill));
             MemoryDisk memory;
             memory.disk.set_content(kPath, file);
+            count_one();
             read_file(kPath);
             change_file(kPath);
             EXPECT_TRUE(memory.disk.exists(kPath));

@@ -4,6 +4,7 @@
 
 #include "tests/jet/engine_fixture.h"
 #include "tests/jet/operation_script.h"
+#include "tests/support/figures.h"
 
 namespace jet {
 namespace {
@@ -64,6 +65,7 @@ void check_run_that_gives_up(const Variant& variant, const Fault& fault) {
     const std::vector<std::string>& contents = script_contents();
     MemoryDisk memory;
     memory.disk.plan(fault);
+    testing_support::count_tried(testing_support::Figure::kFaults);
     std::size_t done = 0;
     {
         ScriptState state{variant.pager, nullptr};
@@ -181,6 +183,7 @@ TEST(DatabaseFault, step_done_again_after_a_fault_gives_what_it_gives_without) {
             const std::string where = describe(variant, fault);
             MemoryDisk memory;
             memory.disk.plan(fault);
+            testing_support::count_tried(testing_support::Figure::kFaults);
             Persistent(variant, where).run();
             EXPECT_EQ(memory.disk.faults_raised(), 1u) << where;
             EXPECT_EQ(content_found(where), script_contents().back()) << where;
@@ -199,12 +202,14 @@ TEST(DatabaseFault, power_cut_after_a_fault_keeps_what_was_synced) {
             const std::string where = describe(variant, fault);
             MemoryDisk memory;
             memory.disk.plan(fault);
+            testing_support::count_tried(testing_support::Figure::kFaults);
             ScriptState state{variant.pager, nullptr};
             std::size_t done = 0;
             while (done < operation_script().size() && succeeds(operation_script()[done], state, where)) ++done;
             for (std::uint32_t seed = 0; seed < 3; ++seed) {
                 const CrashMode mode = seed == 0 ? CrashMode::kDropUnsynced : CrashMode::kTearUnsynced;
                 const auto after = memory.disk.crash(mode, seed);
+                testing_support::count_tried(testing_support::Figure::kPowerCuts);
                 const UseFileSystem use(*after);
                 const std::string found = content_found(where);
                 const bool with_the_failed_step =

@@ -3,6 +3,7 @@
 
 #include "tests/jet/engine_fixture.h"
 #include "tests/jet/operation_script.h"
+#include "tests/support/figures.h"
 
 namespace jet {
 namespace {
@@ -22,6 +23,7 @@ struct Expected {
 void expect_prefix(const FaultFileSystem& disk, CrashMode mode, std::uint32_t seed, Expected expected,
                    const std::string& where) {
     const auto after = disk.crash(mode, seed);
+    testing_support::count_tried(testing_support::Figure::kPowerCuts);
     const UseFileSystem use(*after);
     const std::string found = content_found(where);
     for (std::size_t k = expected.at_least; k <= expected.at_most && k < script_contents().size(); ++k) {

@@ -9,6 +9,7 @@
 #include "jet/database.h"
 #include "tests/jet/allocation_meter.h"
 #include "tests/jet/engine_fixture.h"
+#include "tests/support/figures.h"
 
 namespace jet {
 namespace {
@@ -87,6 +88,7 @@ protected:
             expect_maps_to_agree(after);
             n += done;
             refusals += refused;
+            if (refused) testing_support::count_tried(testing_support::Figure::kFaults);
             if (!refused) break;
         }
         EXPECT_GT(refusals, 10);

@@ -93,9 +93,7 @@ public:
         if (sweep_ == nullptr) sweep_ = std::make_unique<Sweep>(kPointsLimit);
         return sweep_->run(
             seed, [&](Seed day) { return count(day); },
-            [&](Seed day, Seed point) {
-                return isolated([&] { return disturb(day, point, kept); });
-            });
+            [&](Seed day, Seed point) { return isolated([&] { return disturb(day, point, kept); }); });
     }
 
 private:
@@ -150,8 +148,8 @@ private:
             outcome.failure += start.origin == Start::Origin::kOld ? judge_old(start) : judge(ledger);
         }
         if (outcome.failure.empty() && !checks_failed()) return outcome;
-        outcome.failure = start.text() + ", " + pattern.text + " at " + std::to_string(fault.nth) + ": " +
-                          outcome.failure;
+        outcome.failure =
+            start.text() + ", " + pattern.text + " at " + std::to_string(fault.nth) + ": " + outcome.failure;
         std::filesystem::create_directories(kept);
         for (const std::string& path : disk.names()) {
             const auto bytes = disk.content(path);
@@ -167,12 +165,13 @@ private:
         rows_on_disk(failure);
         if (!failure.empty()) return failure;
         const OldStudio& old = old_studio(start.version);
-        for (const auto& [path, before] : {std::pair{kMainFile, &old.main_steps.front()},
-                                           std::pair{kInvoiceFile, &old.invoice_steps.front()}}) {
+        for (const auto& [path, before] :
+             {std::pair{kMainFile, &old.main_steps.front()}, std::pair{kInvoiceFile, &old.invoice_steps.front()}}) {
             const Content now = content_of(path);
             for (const auto& [name, table] : *before) {
                 const auto found = now.find(name);
-                if (found == now.end() || found->second.rows.size() < table.rows.size()) failure += name + " lost rows; ";
+                if (found == now.end() || found->second.rows.size() < table.rows.size())
+                    failure += name + " lost rows; ";
             }
         }
         return failure;

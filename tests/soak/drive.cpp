@@ -93,7 +93,8 @@ private:
 
     // As many workers as the machine has processors, the kind first that has had least of its share.
     void start_workers(double seconds_left) {
-        const auto at_work = std::count_if(lines_.begin(), lines_.end(), [](const Line& l) { return l.worker != nullptr; });
+        const auto at_work =
+            std::count_if(lines_.begin(), lines_.end(), [](const Line& l) { return l.worker != nullptr; });
         const auto most = static_cast<std::ptrdiff_t>(processors());
         for (std::ptrdiff_t count = at_work; count < most; ++count) {
             Line* chosen = nullptr;
@@ -118,8 +119,7 @@ private:
         command.push_back(worker.string());
         for (const std::string& word : {line.plan->worker_kind, std::to_string(line.next),
                                         std::to_string(plan_.cases == 0 ? 0 : plan_.cases - line.cases),
-                                        std::to_string(std::min(shift_of(line), seconds_left)),
-                                        failures_.string()}) {
+                                        std::to_string(std::min(shift_of(line), seconds_left)), failures_.string()}) {
             command.push_back(word);
         }
         line.worker = std::make_unique<WorkerProcess>(command, plan_.tree, log_of(line));
@@ -186,8 +186,9 @@ private:
             return;
         }
         if (line.has_case) {
-            const std::string why = line.is_killed ? "no end after " + std::to_string(static_cast<int>(patience(line))) + " s"
-                                                   : "ended the worker: " + (how.empty() ? "exit code 0" : how);
+            const std::string why = line.is_killed
+                                        ? "no end after " + std::to_string(static_cast<int>(patience(line))) + " s"
+                                        : "ended the worker: " + (how.empty() ? "exit code 0" : how);
             const std::uint64_t seed = line.next++;
             ++line.cases;
             fail(line, seed, why);
@@ -207,7 +208,8 @@ private:
         const std::string again = "./soak --kind " + line.plan->name + " --seed " + std::to_string(seed) + " --cases 1";
         std::error_code ignored;
         fs::copy_file(log_of(line), kept / "stderr.txt", fs::copy_options::overwrite_existing, ignored);
-        std::ofstream(kept / "failure.txt") << line.plan->name << ", seed " << seed << ":" << why << "\n" << again << "\n";
+        std::ofstream(kept / "failure.txt") << line.plan->name << ", seed " << seed << ":" << why << "\n"
+                                            << again << "\n";
         std::printf("FAILED %s, seed %llu:%s\n    kept in %s\n    again: %s\n", line.plan->name.c_str(),
                     static_cast<unsigned long long>(seed), why.substr(0, 600).c_str(), kept.string().c_str(),
                     again.c_str());

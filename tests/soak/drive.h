@@ -29,7 +29,7 @@ struct KindPlan {
     std::string preset;
     std::string worker_kind;  // what the worker calls it
     std::vector<std::string> launcher = {};
-    double weight = 1;    // of the time
+    double weight = 1;     // of the time
     double patience = 60;  // seconds for one case
     bool only_by_name = false;
 };

@@ -8,7 +8,8 @@
 namespace {
 
 int usage() {
-    std::fprintf(stderr, "usage: ./soak [MINUTES] [--kind NAME]... [--seed N] [--cases N] [--patience SECONDS]\n\nkinds:");
+    std::fprintf(stderr,
+                 "usage: ./soak [MINUTES] [--kind NAME]... [--seed N] [--cases N] [--patience SECONDS]\n\nkinds:");
     for (const soak::KindPlan& kind : soak::kind_plans()) {
         if (!kind.only_by_name) std::fprintf(stderr, " %s", kind.name.c_str());
     }

@@ -256,8 +256,8 @@ std::vector<std::unique_ptr<GateTable>> make_tables() {
             defaults.ExData = 5 * variant;
         },
         [](const InvoiceDef& defaults) {
-            return std::string(defaults.StudioName.GetString()) + "|" + std::to_string(defaults.LastUsedCounter) +
-                   "|" + std::to_string(defaults.VAT1) + "|" + std::to_string(defaults.ExData);
+            return std::string(defaults.StudioName.GetString()) + "|" + std::to_string(defaults.LastUsedCounter) + "|" +
+                   std::to_string(defaults.VAT1) + "|" + std::to_string(defaults.ExData);
         }));
     return tables;
 }

@@ -9,9 +9,8 @@
 namespace soak {
 
 inline Gates gates_of(const testing_support::Component& component) {
-    return make_gates([&](REFCLSID clsid, REFIID riid, void** place) {
-        return component.get_class_object(clsid, riid, place);
-    });
+    return make_gates(
+        [&](REFCLSID clsid, REFIID riid, void** place) { return component.get_class_object(clsid, riid, place); });
 }
 
 template <class Tell>

@@ -45,6 +45,11 @@ private:
 template <class Tell>
 int live_as_host(const HostTask& task, Tell&& tell);
 
+#ifdef _WIN32
+// Where this process was started as a host: lives as one and returns its exit code. Otherwise -1.
+int live_if_host(int count, char** arguments);
+#endif
+
 }  // namespace soak
 
 #include "tests/soak/host_life.h"

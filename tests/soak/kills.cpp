@@ -98,9 +98,7 @@ private:
 
     std::string take_in(const Told& told) {
         switch (told.what) {
-            case Told::kOpened:
-                was_opened_ = true;
-                break;
+            case Told::kOpened: was_opened_ = true; break;
             case Told::kCannotOpen: return "the studio does not open";
             case Told::kBegun: under_way_ = told.operation; break;
             case Told::kFailed: return "an operation failed: " + describe(told.operation);
@@ -190,7 +188,8 @@ private:
         const bool main_done = main == old.main_steps.back();
         const bool invoice_done = invoice == old.invoice_steps.back();
         const bool has_worked = !done_first_.empty() || under_way_;
-        if (was_opened_ && !has_worked && !(main_done && invoice_done)) return "an upgrade that had succeeded is not there";
+        if (was_opened_ && !has_worked && !(main_done && invoice_done))
+            return "an upgrade that had succeeded is not there";
         if (has_worked) return {};  // the gates show it
         if (std::string text = difference_to_nearest(old.main_steps, main); !text.empty()) return "sldb.mdb: " + text;
         if (std::string text = difference_to_nearest(old.invoice_steps, invoice); !text.empty()) {

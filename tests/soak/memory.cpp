@@ -144,8 +144,8 @@ private:
             for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) content_of(folder.file(name));
         }
         if (outcome.failure.empty() && !checks_failed()) return outcome;
-        outcome.failure = "request " + std::to_string(first) + " and " + std::to_string(count - 1) + " more refused: " +
-                          outcome.failure;
+        outcome.failure = "request " + std::to_string(first) + " and " + std::to_string(count - 1) +
+                          " more refused: " + outcome.failure;
         keep_files(folder.path(), kept);
         return outcome;
     }

@@ -60,8 +60,8 @@ const char* text_of(CrashMode mode) {
 class SharedMemory {
 public:
     SharedMemory()
-        : memory_(static_cast<std::uint8_t*>(::mmap(nullptr, kBytes, PROT_READ | PROT_WRITE,
-                                                    MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0))) {
+        : memory_(static_cast<std::uint8_t*>(
+              ::mmap(nullptr, kBytes, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0))) {
         if (memory_ == MAP_FAILED) throw std::runtime_error("no shared memory");
     }
     ~SharedMemory() { ::munmap(memory_, kBytes); }
@@ -337,7 +337,8 @@ private:
         };
         take(CrashMode::kKeepUnsynced, 0);
         take(CrashMode::kDropUnsynced, 0);
-        for (std::uint32_t i = 0; i < 3; ++i) take(CrashMode::kTearUnsynced, static_cast<std::uint32_t>(change) * 8 + i);
+        for (std::uint32_t i = 0; i < 3; ++i)
+            take(CrashMode::kTearUnsynced, static_cast<std::uint32_t>(change) * 8 + i);
         return cuts;
     }
 

@@ -21,8 +21,8 @@ public:
         if (day != known_day_ || points_ == 0) {
             Outcome counted = count_points(day);
             if (!counted.failure.empty() || counted.tried == 0 || counted.tried >= limit_) {
-                counted.failure = "the undisturbed day failed: " + counted.failure + " points: " +
-                                  std::to_string(counted.tried);
+                counted.failure =
+                    "the undisturbed day failed: " + counted.failure + " points: " + std::to_string(counted.tried);
                 counted.tried = 0;
                 counted.next = (day + 1) * limit_;
                 return counted;

@@ -38,13 +38,13 @@ public:
                 LONG key = 0;
                 if (table.add(gates, variant, key) != S_OK) return fail("add");
                 if (!rows[place].emplace(key, variant).second) return fail("one key given twice");
-                done_.push_back({Operation::Kind::kAdd, static_cast<std::int32_t>(place), static_cast<std::int32_t>(key),
-                                 variant});
+                done_.push_back(
+                    {Operation::Kind::kAdd, static_cast<std::int32_t>(place), static_cast<std::int32_t>(key), variant});
             } else {
                 const auto row = rows[place].begin();
                 const bool removes = random() % 3 == 0;
-                const HRESULT result = removes ? table.remove(gates, row->first)
-                                               : table.update(gates, row->first, variant);
+                const HRESULT result =
+                    removes ? table.remove(gates, row->first) : table.update(gates, row->first, variant);
                 if (result != S_OK) return fail(removes ? "delete" : "update");
                 done_.push_back({removes ? Operation::Kind::kDelete : Operation::Kind::kUpdate,
                                  static_cast<std::int32_t>(place), static_cast<std::int32_t>(row->first), variant});
@@ -59,8 +59,8 @@ public:
 
 private:
     void fail(const std::string& what) {
-        failure_ = "thread " + std::to_string(number_) + ": " + what + " failed after " +
-                   std::to_string(done_.size()) + " operations";
+        failure_ = "thread " + std::to_string(number_) + ": " + what + " failed after " + std::to_string(done_.size()) +
+                   " operations";
     }
 
     const Component& component_;

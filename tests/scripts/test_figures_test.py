@@ -58,7 +58,8 @@ class TestFigures(unittest.TestCase):
         self.assertIn("in preset win32", out)
 
     def test_skipped_tests_stand_with_their_reasons(self):
-        code, out = self.run_on(ALL + "skipped A.b: no samples\nskipped C.d: no samples\nskipped E.f: no reader: none\n")
+        skipped = "skipped A.b: no samples\nskipped C.d: no samples\nskipped E.f: no reader: none\n"
+        code, out = self.run_on(ALL + skipped)
         self.assertEqual(code, 0, out)
         self.assertRegex(out, r"tests skipped +3")
         self.assertRegex(out, r"2: no samples")

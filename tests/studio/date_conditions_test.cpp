@@ -24,7 +24,7 @@ protected:
     }
     ~DateConditions() override {
         os::set_date_format_for_test("", os::DateOrder::kMonthDayYear);
-        os::set_code_page_for_test(os::CodePage::kSystem);
+        os::set_code_page(os::CodePage::kSystem);
     }
 
     // As the framework hands a statement to the engine.
@@ -70,7 +70,7 @@ TEST_F(DateConditions, every_separator_of_a_system_finds_the_rows) {
     invoice.ToDate = session.ToDate;
     for (const Case& sample : cases) {
         os::set_date_format_for_test(sample.separator, os::DateOrder::kDayMonthYear);
-        os::set_code_page_for_test(sample.code_page);
+        os::set_code_page(sample.code_page);
         EXPECT_EQ(10u, rows_of(studio::kSessionsWithin.statement(&session))) << sample.separator;
         EXPECT_EQ(10u, rows_of(studio::kInvoices.statement(&invoice))) << sample.separator;
     }

@@ -1,11 +1,5 @@
 #include "tools/file_copies.h"
 
-#ifndef _WIN32
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#endif
-
 #include <algorithm>
 #include <cstdint>
 #include <filesystem>
@@ -54,7 +48,7 @@ void write_journal_back(const std::string& path) {
 std::unique_ptr<os::File> lock_whole_file(const std::string& path) {
     write_journal_back(path);
     auto file = open_system_file(path, os::OpenMode::kExclusive);
-    if (exists(fs::canonical(path).string() + "-journal")) throw CommandError(in_use_text(path));
+    if (exists(os::file_system().resolved(path) + "-journal")) throw CommandError(in_use_text(path));
     return file;
 }
 
@@ -80,37 +74,10 @@ bool are_equal(os::File& a, os::File& b) {
     return equal;
 }
 
-#ifdef _WIN32
-
 void take_attributes(const std::string& from, const std::string& to) {
+    os::file_system().copy_access(from, to);
     fs::last_write_time(to, fs::last_write_time(from));
 }
-
-#else
-
-// Through one descriptor, so that it is one file whatever happens to the name meanwhile.
-void take_attributes(const std::string& from, const std::string& to) {
-    struct stat wanted {};
-    struct stat made {};
-    const int fd = ::open(to.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (fd == -1) throw CommandError("cannot open " + to);
-    bool done =
-        ::stat(from.c_str(), &wanted) == 0 && ::fstat(fd, &made) == 0 && S_ISREG(made.st_mode) && made.st_nlink == 1;
-    if (done) {
-        mode_t mode = wanted.st_mode & 0777;
-        const bool has_owner = ::fchown(fd, wanted.st_uid, wanted.st_gid) == 0;
-        // Another group is not to read more than everybody could.
-        if (!has_owner && ::fchown(fd, static_cast<uid_t>(-1), wanted.st_gid) != 0) {
-            mode = (mode & 0707) | ((mode & 0007) << 3);
-        }
-        const struct timespec times[] = {wanted.st_atim, wanted.st_mtim};
-        done = ::fchmod(fd, mode) == 0 && ::futimens(fd, times) == 0;
-    }
-    ::close(fd);
-    if (!done) throw CommandError("cannot give " + to + " the mode and times of " + from);
-}
-
-#endif
 
 void remove_quietly(const std::string& path) {
     try {
@@ -120,13 +87,10 @@ void remove_quietly(const std::string& path) {
     }
 }
 
-// What an interrupted copy has left is made anew; one that is being made belongs to somebody else.
+// Open to its owner alone until it has the mode of the file. What an interrupted copy has left is made anew.
 std::unique_ptr<os::File> create_unfinished(const std::string& path) {
-    if (exists(path)) {
-        open_system_file(path, os::OpenMode::kExclusive);
-        os::file_system().remove(path);
-    }
-    return open_system_file(path, os::OpenMode::kCreateExclusive);
+    if (exists(path)) os::file_system().remove(path);
+    return open_system_file(path, os::OpenMode::kCreateSide);
 }
 
 // Writes `from` to a new file of the name, with the attributes of the file at `like`, compares both, and leaves it on
@@ -134,9 +98,6 @@ std::unique_ptr<os::File> create_unfinished(const std::string& path) {
 void write_unfinished(os::File& from, const std::string& like, const std::string& unfinished) {
     std::unique_ptr<os::File> file = create_unfinished(unfinished);
     try {
-#ifndef _WIN32
-        ::chmod(unfinished.c_str(), 0600);  // nobody reads it before it has the mode of the file
-#endif
         for_each_share(from, [&](std::uint64_t at, std::span<const std::uint8_t> bytes) {
             file->write(at, bytes);
             return true;
@@ -154,17 +115,13 @@ void write_unfinished(os::File& from, const std::string& like, const std::string
 
 // Gives the file its name, unless the name is in use; whether it did.
 bool publish(const std::string& unfinished, const std::string& name) {
-    std::error_code error;
-    fs::create_hard_link(unfinished, name, error);
-    if (error == std::errc::file_exists) return false;
-    if (!error) {
-        os::file_system().remove(unfinished);
+    try {
+        os::file_system().rename(unfinished, name);
         return true;
+    } catch (const os::FileError& error) {
+        if (error.fault() == os::FileFault::kExists) return false;
+        throw;
     }
-    // A file system without such links.
-    if (exists(name)) return false;
-    os::file_system().rename(unfinished, name);
-    return true;
 }
 
 // "sldb-2026-03-05.mdb", "sldb-2026-03-05-2.mdb" and so on.
@@ -237,13 +194,13 @@ DatedCopy dated_copy(const std::string& path) {
 
 void take_back(const std::string& copy, const std::string& path) {
     // The file that a link leads to, not the link.
-    const std::string target = fs::canonical(path).string();
+    const std::string target = os::file_system().resolved(path);
     const std::string unfinished = target + kUnfinished;
     write_unfinished(*open_system_file(copy, os::OpenMode::kReadOnly), copy, unfinished);
     try {
         // A journal that stayed would be written into the file of old.
         lock_whole_file(target);
-        os::file_system().rename(unfinished, target);
+        fs::rename(unfinished, target);  // in its place, as one step
     } catch (...) {
         remove_quietly(unfinished);
         throw;

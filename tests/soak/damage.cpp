@@ -18,7 +18,6 @@ constexpr std::uint32_t kFilesPerCase = 20;
 class Damage final : public Kind {
 public:
     const char* name() const override { return "damage"; }
-    const char* unit() const override { return "damaged files"; }
 
     std::string prepare() override {
         originals_.push_back(jet::make_rich_file());

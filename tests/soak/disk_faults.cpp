@@ -7,7 +7,6 @@
 #include "tests/soak/isolated.h"
 #include "tests/soak/kind.h"
 #include "tests/soak/reference.h"
-#include "tests/soak/simulated_clock.h"
 #include "tests/soak/static_studio.h"
 #include "tests/soak/sweep.h"
 
@@ -58,7 +57,7 @@ private:
 };
 
 // Works through the day on the file system in use. What is seen before the last closing, when the gates read.
-void work_through(std::uint32_t seed, const Start& start, Witness& witness,
+void work_through(std::uint32_t seed, const Start& start, FaultFileSystem& disk, Witness& witness,
                   const std::function<void(const Gates&)>& before_closing) {
     const Gates gates = static_gates(kStudioFolder);
     Day day(seed, rows_after_opening(start));
@@ -67,7 +66,7 @@ void work_through(std::uint32_t seed, const Start& start, Witness& witness,
     for (int session = 0; session < kSessions; ++session) {
         const bool is_open = gates.open() == S_OK || gates.open() == S_OK;
         for (int i = 0; i < steps; ++i) {
-            let_time_pass(std::chrono::milliseconds(day.random(3) == 0 ? 300 : 1));
+            disk.clock().advance(std::chrono::milliseconds(day.random(3) == 0 ? 300 : 1));
             day.step(gates, witness);
         }
         if (is_open) before_closing(gates);
@@ -82,12 +81,6 @@ std::uint64_t points_of(const FaultFileSystem& disk, const Pattern& pattern) {
 class DiskFaults final : public Kind {
 public:
     const char* name() const override { return "faults"; }
-    const char* unit() const override { return "faults of the disk"; }
-    std::string prepare() override {
-        stop_clock();
-        return {};
-    }
-
     Outcome run(Seed seed, const std::string& kept) override {
         constexpr Seed kPointsLimit = 1000000;
         if (sweep_ == nullptr) sweep_ = std::make_unique<Sweep>(kPointsLimit);
@@ -108,7 +101,7 @@ private:
         const UseFileSystem use(disk);
         Ledger ledger(rows_after_opening(start));
         Scribe scribe(ledger);
-        work_through(static_cast<std::uint32_t>(day), start, scribe, [](const Gates&) {});
+        work_through(static_cast<std::uint32_t>(day), start, disk, scribe, [](const Gates&) {});
         for (const Pattern& pattern : patterns()) {
             counts_.push_back(points_of(disk, pattern));
             outcome.tried += counts_.back();
@@ -136,7 +129,7 @@ private:
             Scribe scribe(ledger);
             disk.plan(fault);
             std::string seen;
-            work_through(static_cast<std::uint32_t>(day), start, scribe, [&](const Gates& gates) {
+            work_through(static_cast<std::uint32_t>(day), start, disk, scribe, [&](const Gates& gates) {
                 if (fault.lasting || disk.faults_raised() == 0 || !seen.empty()) return;
                 if (start.origin == Start::Origin::kOld) return;
                 seen = ledger.compare(read_all(gates));

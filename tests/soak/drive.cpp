@@ -109,8 +109,7 @@ private:
     }
 
     void start_shift(Line& line, double seconds_left) {
-        const fs::path worker = fs::path(plan_.tree) / "build" / line.plan->preset /
-                                (line.plan->preset == "win32" ? "soak_worker.exe" : "soak_worker");
+        const fs::path worker = fs::path(plan_.tree) / "build" / line.plan->preset / line.plan->program;
         if (!fs::exists(worker)) {
             line.skipped = "not built: " + worker.string();
             return;

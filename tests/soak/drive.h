@@ -27,10 +27,11 @@ struct KindPlan {
     std::string name;  // in the table and on the command line
     std::string what;  // in the table, with the numbers before it
     std::string preset;
-    std::string worker_kind;  // what the worker calls it
-    std::vector<std::string> launcher = {};
-    double weight = 1;     // of the time
-    double patience = 60;  // seconds for one case
+    std::string worker_kind;                 // what the worker calls it
+    std::vector<std::string> launcher = {};  // of the tree, where it has a slash
+    const char* program = "soak_worker";     // of the preset's folder; "." is the folder itself
+    double weight = 1;                       // of the time
+    double patience = 60;                    // seconds for one case
     bool only_by_name = false;
 };
 const std::vector<KindPlan>& kind_plans();

@@ -75,7 +75,6 @@ private:
 class Handles final : public Kind {
 public:
     const char* name() const override { return "handles"; }
-    const char* unit() const override { return "handles held"; }
 
     Outcome run(Seed seed, const std::string& kept) override {
         const TempFolder folder;

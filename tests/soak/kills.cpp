@@ -236,7 +236,6 @@ private:
 class Kills final : public Kind {
 public:
     const char* name() const override { return "kills"; }
-    const char* unit() const override { return "kills"; }
     Outcome run(Seed seed, const std::string& kept) override {
         Victim victim(seed);
         Outcome outcome;

@@ -23,8 +23,6 @@ class Kind {
 public:
     virtual ~Kind() = default;
     virtual const char* name() const = 0;
-    // What `tried` counts.
-    virtual const char* unit() const = 0;
     // Why the machine cannot run it; "": it can. Called once, before the first case.
     virtual std::string prepare() { return {}; }
     // Files of a failure go into `kept`, a folder that is made then.
@@ -51,6 +49,7 @@ std::unique_ptr<Kind> make_disk_faults();
 std::unique_ptr<Kind> make_memory();
 std::unique_ptr<Kind> make_power();
 std::unique_ptr<Kind> make_damage();
+std::unique_ptr<Kind> make_mutator();
 std::unique_ptr<Kind> make_model();
 std::unique_ptr<Kind> make_threads();
 #endif

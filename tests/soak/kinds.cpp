@@ -12,6 +12,7 @@ std::vector<std::unique_ptr<Kind>> all_kinds() {
     kinds.push_back(make_memory());
     kinds.push_back(make_power());
     kinds.push_back(make_damage());
+    kinds.push_back(make_mutator());
     kinds.push_back(make_model());
     kinds.push_back(make_threads());
 #endif

@@ -79,7 +79,6 @@ private:
 class Memory final : public Kind {
 public:
     const char* name() const override { return "memory"; }
-    const char* unit() const override { return "refusals of memory"; }
 #ifdef __linux__
     std::string prepare() override {
         // The files are looked at, not the disk: many thousands of studios need a quick one.

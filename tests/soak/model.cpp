@@ -13,7 +13,6 @@ constexpr std::uint64_t kSteps = 1500;
 class Model final : public Kind {
 public:
     const char* name() const override { return "model"; }
-    const char* unit() const override { return "steps of a model"; }
     Outcome run(Seed seed, const std::string& kept) override {
         return isolated([&] {
             Outcome outcome;

@@ -12,7 +12,6 @@ namespace {
 class Planted final : public Kind {
 public:
     const char* name() const override { return "planted"; }
-    const char* unit() const override { return "plants"; }
     Outcome run(Seed seed, const std::string& kept) override {
         switch (seed) {
             case 5: keep_text("found", "found.txt", kept); return {1, "found in the\nfifth case", 0};

@@ -2,9 +2,9 @@
 // of it, and with a random part of its sectors. What the disk holds then is opened by a component that knows nothing
 // of what was before.
 //
-// What is sure to be there of each of the two files: everything up to its last sync point, and of what came after it
-// all up to some operation. A sync point is the first operation after an opening, one that comes a quarter of a second
-// or more after the one before, and the closing.
+// What is sure to be there of each of the two files: everything up to its last sync point, everything that succeeded
+// more than a quarter of a second ago, and of what came after it all up to some operation. A sync point is the first
+// operation after an opening, one that comes a quarter of a second or more after the one before, and the closing.
 #include <sys/mman.h>
 
 #include <chrono>
@@ -16,7 +16,6 @@
 #include "tests/soak/isolated.h"
 #include "tests/soak/kind.h"
 #include "tests/soak/reference.h"
-#include "tests/soak/simulated_clock.h"
 #include "tests/soak/static_studio.h"
 #include "tests/soak/sweep.h"
 
@@ -34,12 +33,14 @@ struct Entry {
     Operation operation;
     std::uint32_t has_succeeded = 0;
     std::uint32_t is_sync_point = 0;  // with all before it of the same file
+    os::TimePoint at = {};            // of its success
 };
 
 // What is known at the moment of the cut.
 struct Log {
     std::vector<Entry> entries;
     std::uint32_t is_opened = 0;
+    os::TimePoint now = {};
 };
 
 struct Cut {
@@ -96,6 +97,7 @@ private:
 
 void put(SharedMemory& memory, const Log& log, const std::vector<Cut>& cuts) {
     memory.put(log.is_opened);
+    memory.put(log.now);
     memory.put(log.entries.size());
     for (const Entry& entry : log.entries) memory.put(entry);
     memory.put(cuts.size());
@@ -113,6 +115,7 @@ void put(SharedMemory& memory, const Log& log, const std::vector<Cut>& cuts) {
 
 void get(SharedMemory& memory, Log& log, std::vector<Cut>& cuts) {
     log.is_opened = memory.get<std::uint32_t>();
+    log.now = memory.get<os::TimePoint>();
     log.entries.resize(memory.get<std::size_t>());
     for (Entry& entry : log.entries) entry = memory.get<Entry>();
     cuts.resize(memory.get<std::size_t>());
@@ -131,6 +134,7 @@ void get(SharedMemory& memory, Log& log, std::vector<Cut>& cuts) {
 // Keeps the log while the day goes on.
 class Recorder final : public Witness {
 public:
+    explicit Recorder(ManualClock& clock) : clock_(clock) {}
     void opened() {
         log_.is_opened = 1;
         for (auto& gap : since_last_) gap = kSyncInterval;
@@ -139,25 +143,30 @@ public:
         for (Entry& entry : log_.entries) entry.is_sync_point = entry.has_succeeded;
     }
     void time_passed(std::chrono::milliseconds span) {
-        let_time_pass(span);
         for (auto& gap : since_last_) gap += span;
+        clock_.advance(span);
     }
 
-    void begun(const Operation& operation) override { log_.entries.push_back({operation, 0, 0}); }
+    void begun(const Operation& operation) override { log_.entries.push_back({operation, 0, 0, {}}); }
     void succeeded(const Operation& operation) override {
         auto& gap = since_last_[gate_tables()[static_cast<std::size_t>(operation.table)]->is_in_invoice_file()];
-        log_.entries.back() = {operation, 1, gap >= kSyncInterval};
+        log_.entries.back() = {operation, 1, gap >= kSyncInterval, clock_.now()};
         gap = {};
     }
     void failed(const Operation& operation) override { throw std::runtime_error("failed: " + describe(operation)); }
-    const Log& log() const { return log_; }
+    Log log() const {
+        Log log = log_;
+        log.now = clock_.now();
+        return log;
+    }
 
 private:
+    ManualClock& clock_;
     Log log_;
     std::chrono::milliseconds since_last_[2]{};  // since the file's last operation
 };
 
-// The day, told to the recorder. `cut` is called after each change of the disk.
+// The day, told to the recorder. `cut` is called after each change of the disk and each time that passes.
 void work_through(std::uint32_t seed, const Start& start, Recorder& recorder, FaultFileSystem& disk,
                   const std::function<void()>& cut) {
     const StudioRows& rows = rows_after_opening(start);
@@ -172,6 +181,7 @@ void work_through(std::uint32_t seed, const Start& start, Recorder& recorder, Fa
         recorder.opened();
         for (int i = 0; i < kSteps; ++i) {
             recorder.time_passed(std::chrono::milliseconds(day.random(3) == 0 ? 300 : day.random(120)));
+            cut();
             day.step(gates, recorder);
         }
         gates.close();
@@ -194,8 +204,10 @@ std::size_t sure_operations(const Log& log, CrashMode mode, bool invoice_file) {
     const std::vector<const Entry*> entries = entries_of(log, invoice_file);
     std::size_t sure = 0;
     for (std::size_t i = 0; i < entries.size(); ++i) {
-        const bool is_sure = mode == CrashMode::kKeepUnsynced ? entries[i]->has_succeeded : entries[i]->is_sync_point;
-        if (is_sure) sure = i + 1;
+        const Entry& entry = *entries[i];
+        if (entry.has_succeeded == 0) continue;
+        const bool is_kept = mode == CrashMode::kKeepUnsynced;
+        if (is_kept || entry.is_sync_point != 0 || entry.at + kSyncInterval < log.now) sure = i + 1;
     }
     return sure;
 }
@@ -270,12 +282,6 @@ Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
 class Power final : public Kind {
 public:
     const char* name() const override { return "power"; }
-    const char* unit() const override { return "power cuts"; }
-    std::string prepare() override {
-        stop_clock();
-        return {};
-    }
-
     Outcome run(Seed seed, const std::string& kept) override {
         constexpr Seed kPointsLimit = 100000;
         if (sweep_ == nullptr) sweep_ = std::make_unique<Sweep>(kPointsLimit);
@@ -291,7 +297,7 @@ private:
         return isolated([&] {
             Outcome outcome;
             FaultFileSystem disk;
-            Recorder recorder;
+            Recorder recorder(disk.clock());
             work_through(static_cast<std::uint32_t>(day), start, recorder, disk, [&] { ++outcome.tried; });
             return outcome;
         });
@@ -303,7 +309,7 @@ private:
         // The host, up to the cut.
         Outcome outcome = isolated([&]() -> Outcome {
             FaultFileSystem disk;
-            Recorder recorder;
+            Recorder recorder(disk.clock());
             Seed changes = 0;
             work_through(static_cast<std::uint32_t>(day), start, recorder, disk, [&] {
                 if (++changes == change) put(memory, recorder.log(), cuts_of(disk, change));

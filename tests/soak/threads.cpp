@@ -73,7 +73,6 @@ private:
 class Threads final : public Kind {
 public:
     const char* name() const override { return "threads"; }
-    const char* unit() const override { return "threads"; }
     Outcome run(Seed seed, const std::string& kept) override {
         const TempFolder folder;
         const std::size_t count = std::size_t{2} << seed % 3;

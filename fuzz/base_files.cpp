@@ -136,6 +136,15 @@ ByteVector file_of_large_structures() {
 
 }  // namespace
 
+const ByteVector& smallest_file() {
+    static const ByteVector file = file_after([](Database& database) {
+        const NewColumn columns[] = {made(u"Id", kLong, true), made(u"Title", kText), made(u"Notes", kMemo)};
+        database.create_table(u"Small", columns);
+        fill(*database.find_table(u"Small"), 6);
+    });
+    return file;
+}
+
 const std::vector<ByteVector>& base_files() {
     static const std::vector<ByteVector> files = {file_of_every_kind(), file_of_large_structures(),
                                                   file_after([](Database&) {})};

@@ -12,5 +12,7 @@ namespace kvdb_fuzz {
 //  - maps that have gone over to bitmap pages, an index with a node above its leaves, a definition of two pages;
 //  - a new file with nothing in it.
 const std::vector<jet::ByteVector>& base_files();
+// A table of few rows, for who wants to go through many files in little time.
+const jet::ByteVector& smallest_file();
 
 }  // namespace kvdb_fuzz

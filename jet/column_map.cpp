@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
-#include <ranges>
 
 namespace jet {
 
@@ -26,10 +25,16 @@ std::size_t place_of(const ColumnMap::Entry& wanted, std::size_t size, const Ent
             if (entry_at(place) >= wanted && (place == 0 || entry_at(place - 1) < wanted)) return place;
         }
     }
-    const auto places = std::views::iota(std::size_t{0}, size);
-    return static_cast<std::size_t>(
-        std::ranges::partition_point(places, [&](std::size_t place) { return entry_at(place) < wanted; }) -
-        places.begin());
+    std::size_t low = 0;
+    for (std::size_t high = size; low < high;) {
+        const std::size_t middle = low + (high - low) / 2;
+        if (entry_at(middle) < wanted) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low;
 }
 
 }  // namespace

@@ -11,6 +11,16 @@ die() {
 # A C++ header that the compiler finds.
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -std=c++20 -E -x c++ - >/dev/null 2>&1; }
 
+# Whether clang links its fuzzing engine.
+has_fuzzing_engine() {
+    local program found=0
+    program=$(mktemp)
+    printf 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }\n' |
+        clang++ -x c++ -fsanitize=fuzzer,address,undefined - -o "$program" 2>/dev/null || found=1
+    rm -f "$program"
+    return $found
+}
+
 # Whether what the package gives is there, by whatever way it came.
 has_package() {
     case $1 in
@@ -28,6 +38,9 @@ has_package() {
         npm) command -v npm >/dev/null ;;
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
+        clang) command -v clang++ >/dev/null ;;
+        # The sanitizers' and the fuzzing engine's libraries; some releases pack them apart from the compiler.
+        libclang-rt-dev) has_fuzzing_engine ;;
         g++-mingw-w64-i686-posix) command -v i686-w64-mingw32-g++-posix >/dev/null ;;
         mingw-w64-tools) command -v i686-w64-mingw32-widl >/dev/null ;;
         googletest) [ -e /usr/src/googletest/googlemock/src/gmock-all.cc ] ;;

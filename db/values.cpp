@@ -63,6 +63,16 @@ CString plain_text(const VARIANT& value) {
 
 }  // namespace
 
+std::string_view text_within(std::string_view text, std::size_t most_bytes) {
+    constexpr std::size_t kMostBytesOfCharacter = 4;
+    if (text.size() <= most_bytes) return text;
+    for (std::size_t cut = 0; cut < kMostBytesOfCharacter && cut < most_bytes; ++cut) {
+        const std::string_view begin = text.substr(0, most_bytes - cut);
+        if (os::narrow(os::widen(begin)) == begin) return begin;
+    }
+    return text.substr(0, most_bytes);
+}
+
 CString truth_text(LONG value) { return value != 0 ? "TRUE" : "FALSE"; }
 
 CString value_to_text(const VARIANT& value) {

@@ -4,6 +4,9 @@
 #include <kvdb/cstring.h>
 #include <kvdb/ctime.h>
 
+#include <cstddef>
+#include <string_view>
+
 #include "afx/ole_variant.h"
 
 namespace db {
@@ -14,6 +17,10 @@ namespace db {
 // their name. A type that no rule names gives "Fish", and so does everything by reference before its
 // "Pointer to VT_..." is appended; both are part of the published behaviour.
 CString value_to_text(const VARIANT& value);
+
+// The longest beginning of a text in the narrow code page that has at most so many bytes and ends between two
+// characters.
+std::string_view text_within(std::string_view text, std::size_t most_bytes);
 
 // "TRUE" for anything but 0.
 CString truth_text(LONG value);

@@ -78,6 +78,8 @@ HRESULT number_at(VARTYPE type, const void* data, std::int64_t& number) {
             number = static_cast<std::int64_t>(value);
             return S_OK;
         }
+        case VT_INT_PTR: number = read<LONG_PTR>(data); return S_OK;
+        case VT_UINT_PTR: return number_at(sizeof(void*) == sizeof(LONGLONG) ? VT_UI8 : VT_UI4, data, number);
         case VT_BOOL: number = read<VARIANT_BOOL>(data) != 0 ? VARIANT_TRUE : VARIANT_FALSE; return S_OK;
         case VT_R4: return rounded(read<float>(data), number);
         case VT_R8:
@@ -125,6 +127,17 @@ HRESULT whole_number(const VARIANT& from, std::int64_t& number) {
     if ((value.vt & VT_BYREF) == 0) return number_at(value.vt, &value.llVal, number);
     if (value.byref == nullptr) return DISP_E_TYPEMISMATCH;
     return number_at(static_cast<VARTYPE>(value.vt & ~VT_BYREF), value.byref, number);
+}
+
+bool is_wide_integer(const VARIANT& from) {
+    const VARIANT& value = behind_reference(const_cast<VARIANT&>(from));
+    switch (value.vt & ~VT_BYREF) {
+        case VT_I8:
+        case VT_UI8: return true;
+        case VT_INT_PTR:
+        case VT_UINT_PTR: return sizeof(void*) == sizeof(LONGLONG);
+        default: return false;
+    }
 }
 
 HRESULT Argument<LONG*>::take(VARIANT& from) {

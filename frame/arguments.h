@@ -21,10 +21,14 @@ namespace frame {
 // to the nearest, halves to the even number.
 HRESULT whole_number(const VARIANT& from, std::int64_t& number);
 
+// Whether the variant, or what it refers to, is an integer of 64 bits.
+bool is_wide_integer(const VARIANT& from);
+
 template <class Parameter>
 class Argument;
 
-// Identifiers and record addresses.
+// Identifiers and record addresses. An address is as wide as a pointer: where that is 64 bits, whatever is narrower or
+// no integer is none, but for 0, the null address.
 template <std::signed_integral Parameter>
 class Argument<Parameter> {
 public:
@@ -32,6 +36,7 @@ public:
         std::int64_t number = 0;
         const HRESULT result = whole_number(from, number);
         if (FAILED(result)) return result;
+        if (sizeof(Parameter) > sizeof(LONG) && number != 0 && !is_wide_integer(from)) return DISP_E_TYPEMISMATCH;
         if (number < std::numeric_limits<Parameter>::min() || number > std::numeric_limits<Parameter>::max()) {
             return DISP_E_OVERFLOW;
         }

@@ -28,6 +28,8 @@ bool is_same_name(const char* name, LPCOLESTR asked) {
 // backwards, the named ones first.
 HRESULT arrange(const Method& method, DISPPARAMS& parameters, std::span<VARIANT*> arguments, UINT& bad_argument) {
     if (parameters.cNamedArgs > parameters.cArgs) return E_INVALIDARG;
+    if (parameters.cArgs != 0 && parameters.rgvarg == nullptr) return E_INVALIDARG;
+    if (parameters.cNamedArgs != 0 && parameters.rgdispidNamedArgs == nullptr) return E_INVALIDARG;
     if (parameters.cArgs != method.parameter_count) return DISP_E_BADPARAMCOUNT;
 
     const UINT unnamed = parameters.cArgs - parameters.cNamedArgs;

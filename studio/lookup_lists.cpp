@@ -1,7 +1,9 @@
 #include "studio/lookup_lists.h"
 
-#include <algorithm>
 #include <cstring>
+#include <string_view>
+
+#include "db/values.h"
 
 namespace studio {
 namespace {
@@ -17,9 +19,10 @@ constexpr TableMapping<ListName> list(const char* table) {
 }
 
 void copy_name(const CString& name, LPSTR buffer) {
-    const int length = std::min(name.GetLength(), kListNameSize - 1);
-    std::memcpy(buffer, name.GetString(), static_cast<std::size_t>(length));
-    buffer[length] = 0;
+    const std::string_view whole(name.GetString(), static_cast<std::size_t>(name.GetLength()));
+    const std::string_view text = db::text_within(whole, kListNameSize - 1);
+    std::memcpy(buffer, text.data(), text.size());
+    buffer[text.size()] = 0;
 }
 
 }  // namespace

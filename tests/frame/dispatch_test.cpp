@@ -375,11 +375,52 @@ TEST(DispatchRecord, address_arrives_whole) {
     EXPECT_EQ(probe.address, reinterpret_cast<LONG_PTR>(&record));
     EXPECT_EQ(invoke(probe, kTakeRecord, {Variant::i4(0)}).result, S_OK);
     EXPECT_EQ(probe.address, 0);
-    EXPECT_EQ(invoke(probe, kTakeRecord, {Variant::i4(-2)}).result, S_OK);
+    const Variant high = sizeof(void*) == 4 ? Variant::i4(-2) : Variant::i8(-2);
+    EXPECT_EQ(invoke(probe, kTakeRecord, {high}).result, S_OK);
     EXPECT_EQ(probe.address, -2);
 }
 
 // ---- Out integers
+
+#if UINTPTR_MAX > UINT32_MAX
+TEST(DispatchRecord, address_of_64_bits_is_taken_from_integers_of_that_width_only) {
+    Probe probe;
+    int record = 0;
+    const LONGLONG address = reinterpret_cast<LONG_PTR>(&record);
+    for (const VARTYPE type : {VT_I8, VT_UI8, VT_INT_PTR, VT_UINT_PTR}) {
+        Variant wide = Variant::i8(address);
+        wide.vt = type;
+        probe.address = 0;
+        EXPECT_EQ(invoke(probe, u"TakeRecord", {wide}).result, S_OK) << type;
+        EXPECT_EQ(probe.address, address) << type;
+        LONGLONG target = address;
+        EXPECT_EQ(invoke(probe, u"TakeRecord", {Variant::ref_to(type, &target)}).result, S_OK) << type;
+        wide.vt = VT_EMPTY;
+    }
+    EXPECT_EQ(invoke(probe, u"TakeRecord", {Variant()}).result, S_OK);  // no record
+    EXPECT_EQ(probe.address, 0);
+    probe.calls = 0;
+    for (const VARTYPE type : {VT_I1, VT_UI1, VT_I2, VT_UI2, VT_I4, VT_UI4, VT_INT, VT_UINT, VT_BOOL, VT_R8}) {
+        Variant narrow = type == VT_R8 ? Variant::r8(4096) : Variant::i8(0x7F7F7F7F);
+        narrow.vt = type;
+        const Outcome outcome = invoke(probe, u"TakeRecord", {narrow});
+        EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << type;
+        EXPECT_EQ(outcome.bad_argument, 0u) << type;
+    }
+    EXPECT_EQ(invoke(probe, u"TakeRecord", {Variant::text(u"4711")}).result, DISP_E_TYPEMISMATCH);
+    EXPECT_EQ(probe.calls, 0);
+}
+#endif
+
+TEST(DispatchInvoke, arguments_that_are_counted_and_not_there_are_refused) {
+    Probe probe;
+    DISPPARAMS none{nullptr, nullptr, 1, 0};
+    EXPECT_EQ(probe.Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &none, nullptr, nullptr, nullptr), E_INVALIDARG);
+    Variant key = Variant::i4(1);
+    DISPPARAMS unnamed{&key, nullptr, 1, 1};
+    EXPECT_EQ(probe.Invoke(2, IID_NULL, 0, DISPATCH_METHOD, &unnamed, nullptr, nullptr, nullptr), E_INVALIDARG);
+    EXPECT_EQ(probe.calls, 0);
+}
 
 TEST(DispatchOutInteger, is_stored_through_every_kind_of_reference) {
     Probe probe;

@@ -324,6 +324,46 @@ TEST_F(RegistrationWin32, module_path_with_quote_blank_and_umlaut_is_written_as_
     EXPECT_EQ(odd.unregister_server(), S_OK);
 }
 
+// The letter of the folder's name is none of the code page; its best fit would be another folder.
+TEST_F(RegistrationWin32, module_path_beyond_the_code_page_is_written_as_it_is) {
+    const std::filesystem::path folder = std::filesystem::path(wide(folder_.path())) / L"Micha\x0142";
+    std::filesystem::create_directory(folder);
+    for (const wchar_t* name : {L"kvdb.dll", L"kvdb.manifest"}) {
+        ASSERT_TRUE(
+            CopyFileW((std::filesystem::path(wide(folder_.path())) / name).c_str(), (folder / name).c_str(), TRUE));
+    }
+    const std::wstring file = (folder / L"kvdb.dll").wstring();
+    const HMODULE module = LoadLibraryW(file.c_str());
+    ASSERT_NE(module, nullptr);
+    const auto entry = [&](const char* name) {
+        return reinterpret_cast<LPFNCANUNLOADNOW>(reinterpret_cast<void*>(GetProcAddress(module, name)));
+    };
+    ASSERT_EQ(entry("DllRegisterServer")(), S_OK);
+
+    const auto registered = [](const std::wstring& key) {
+        wchar_t text[1000] = L"";
+        DWORD size = sizeof text;
+        RegGetValueW(HKEY_CLASSES_ROOT, key.c_str(), nullptr, RRF_RT_REG_SZ, nullptr, text, &size);
+        return std::wstring(text);
+    };
+    EXPECT_EQ(registered(L"CLSID\\{66DA35EC-B364-4F64-A3FD-D09D314C02D1}\\InprocServer32"), file);
+    EXPECT_EQ(registered(L"TypeLib\\" + wide(kLibrary) + L"\\1.0\\0\\win32"), file);
+    EXPECT_EQ(registered(L"TypeLib\\" + wide(kLibrary) + L"\\1.0\\HELPDIR"), folder.wstring());
+    ITypeLib* library = nullptr;
+    ASSERT_EQ(LoadRegTypeLib(LIBID_KVDBLib, 1, 0, 0, &library), S_OK);
+    library->Release();
+
+    ComPtr<IDBgate1> gate;
+    ASSERT_EQ(CoCreateInstance(CLSID_DBgate1, nullptr, CLSCTX_INPROC_SERVER, IID_IDBgate1, gate.put()), S_OK);
+    ITypeInfo* type = nullptr;
+    EXPECT_EQ(gate->GetTypeInfo(0, 0, &type), S_OK);
+    if (type != nullptr) type->Release();
+    gate.reset();
+    EXPECT_EQ(entry("DllUnregisterServer")(), S_OK);
+    CoFreeUnusedLibrariesEx(0, 0);
+    FreeLibrary(module);
+}
+
 TEST_F(RegistrationWin32, manifest_makes_every_class_known_without_registration) {
     ASSERT_EQ(ours(HKEY_CLASSES_ROOT), RegistryText());
     const ManifestContext context(folder_.file("kvdb.manifest"));

@@ -62,8 +62,23 @@ TEST_F(LookupLists, name_longer_than_the_buffer_is_cut_and_ended) {
     std::array<char, kListNameSize + 4> buffer;
     buffer.fill('\x5A');
     ASSERT_EQ(list.EnumFirst(buffer.data()), S_OK);
-    EXPECT_EQ(std::string(buffer.data()), name.substr(0, kListNameSize - 1));
+    EXPECT_EQ(std::string(buffer.data()), name.substr(0, kListNameSize - 2));
     EXPECT_EQ(std::string(buffer.data() + kListNameSize, 4), "\x5A\x5A\x5A\x5A");
+}
+
+TEST_F(LookupLists, name_is_cut_between_two_characters) {
+    os::set_code_page_for_test(os::CodePage::kUtf8);
+    NameList list(kTrackTypes, database_);
+    for (const std::size_t ahead : {0u, 1u, 2u}) {
+        std::string name(ahead, 'a');
+        for (int i = 0; i < 100; ++i) name += "\xE2\x82\xAC";  // three bytes each
+        ASSERT_EQ(list.Add(name.c_str()), S_OK);
+        char buffer[kListNameSize];
+        ASSERT_EQ(list.EnumFirst(buffer), S_OK);
+        EXPECT_EQ(std::string(buffer), name.substr(0, ahead + (255 - ahead) / 3 * 3));
+        ASSERT_EQ(list.Delete(name.c_str()), S_OK);
+    }
+    os::set_code_page_for_test(os::CodePage::kSystem);
 }
 
 TEST_F(LookupLists, null_column_is_an_empty_name) {

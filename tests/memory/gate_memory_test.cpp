@@ -56,11 +56,11 @@ HRESULT outcome_of(Call&& call) {
 // `count`: how many requests in a row are refused.
 class GateMemoryFault : public testing::TestWithParam<int> {
 protected:
-    GateMemoryFault() : folder_(test_folder()) { db::set_database_folder_for_test(folder_.path()); }
+    GateMemoryFault() : folder_(test_folder()) { db::set_database_folder(folder_.path()); }
     ~GateMemoryFault() override {
         gate_.reset();
         db::close(0);
-        db::set_database_folder_for_test("");
+        db::set_database_folder("");
     }
 
     void make_studio() {

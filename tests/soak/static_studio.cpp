@@ -38,7 +38,7 @@ const FaultFileSystem& worked_on_disk() {
 }  // namespace
 
 Gates static_gates(const std::string& folder) {
-    db::set_database_folder_for_test(folder);
+    db::set_database_folder(folder);
     return make_gates(frame::get_class_object);
 }
 

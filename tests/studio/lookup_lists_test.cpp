@@ -67,7 +67,7 @@ TEST_F(LookupLists, name_longer_than_the_buffer_is_cut_and_ended) {
 }
 
 TEST_F(LookupLists, name_is_cut_between_two_characters) {
-    os::set_code_page_for_test(os::CodePage::kUtf8);
+    os::set_code_page(os::CodePage::kUtf8);
     NameList list(kTrackTypes, database_);
     for (const std::size_t ahead : {0u, 1u, 2u}) {
         std::string name(ahead, 'a');
@@ -78,7 +78,7 @@ TEST_F(LookupLists, name_is_cut_between_two_characters) {
         EXPECT_EQ(std::string(buffer), name.substr(0, ahead + (255 - ahead) / 3 * 3));
         ASSERT_EQ(list.Delete(name.c_str()), S_OK);
     }
-    os::set_code_page_for_test(os::CodePage::kSystem);
+    os::set_code_page(os::CodePage::kSystem);
 }
 
 TEST_F(LookupLists, null_column_is_an_empty_name) {

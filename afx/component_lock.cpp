@@ -34,9 +34,7 @@ constexpr std::chrono::milliseconds kPatience{0};
 constexpr std::chrono::milliseconds kPatience{1000};
 #endif
 
-}  // namespace
-
-ComponentLock::ComponentLock() {
+void take() {
     if (!is_held_here()) {
         mutex.lock();
         if (is_ended) wait_for_the_end_of_the_process();
@@ -45,11 +43,20 @@ ComponentLock::ComponentLock() {
     ++depth;
 }
 
-ComponentLock::~ComponentLock() {
+void give() {
     if (--depth > 0) return;
     holder.store(kNobody, std::memory_order_relaxed);
     mutex.unlock();
 }
+
+// A fork waits for the call of another thread that is under way.
+[[maybe_unused]] const bool is_taken_around_forks = (os::around_forks(take, give), true);
+
+}  // namespace
+
+ComponentLock::ComponentLock() { take(); }
+
+ComponentLock::~ComponentLock() { give(); }
 
 bool lock_component_for_good() {
     if (is_held_here()) return is_ended;

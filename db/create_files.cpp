@@ -1,5 +1,6 @@
 #include "db/create_files.h"
 
+#include <new>
 #include <string>
 
 #include "afx/dao_database.h"
@@ -19,6 +20,8 @@ void close_quietly(CDaoDatabase& database) {
         database.Close();
     } catch (CDaoException* e) {
         e->Delete();
+    } catch (const std::bad_alloc&) {
+        // It is closed all the same.
     }
 }
 

@@ -216,6 +216,7 @@ PageAllocator& Database::allocator() { return impl_->allocator; }
 ChainOwners& Database::chain_owners() { return impl_->chain_owners; }
 
 void Database::close() {
+    if (impl_->pager.is_closed()) return;  // a closing that failed has let go of the file all the same
     struct Release {
         Impl& impl;
         ~Release() { impl.open_path.reset(); }

@@ -166,15 +166,27 @@ void Journal::withdraw(std::uint64_t end) noexcept {
 
 void Journal::sync() {
     if (!unsynced_) return;
-    file_->sync();
-    if (name_unsynced_) files_.sync_folder_of(path_);
+    try {
+        file_->sync();
+    } catch (...) {
+        sync_failed_ = true;
+        throw;
+    }
+    if (name_unsynced_) {
+        try {
+            files_.sync_folder_of(path_);
+        } catch (const os::FileError&) {
+            sync_failed_ = true;
+            throw;
+        }
+    }
     name_unsynced_ = false;
     unsynced_ = false;
 }
 
 bool Journal::sync_later() { return !name_unsynced_ && deferred_ && deferred_->request(); }
 
-bool Journal::failed() const { return deferred_ && deferred_->failed(); }
+bool Journal::failed() const { return sync_failed_ || (deferred_ && deferred_->failed()); }
 
 void Journal::reset() {
     if (file_) file_->truncate(0);

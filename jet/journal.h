@@ -72,11 +72,13 @@ public:
     void append(const std::vector<JournalPage>& pages, std::uint32_t page_count);
     // Cuts the journal back to `end` bytes where the system lets it.
     void withdraw(std::uint64_t end) noexcept;
-    // What has been appended is on the disk when it returns, the journal's name included.
+    // What has been appended is on the disk when it returns, the journal's name included. Without memory the folder may
+    // be left for the next sync, by std::bad_alloc.
     void sync();
     // Has it synced soon, without waiting for it. False when it will not be: sync() must be called.
     bool sync_later();
-    // A sync of sync_later failed: nobody knows what the disk holds.
+    // A sync failed, this way or that: nobody knows what the disk holds, and a later sync may succeed without having
+    // written it. Only the next opening, which reads back what there is, can tell.
     bool failed() const;
     // Everything is in the .mdb: an empty journal. Only after sync() is it sure not to come back.
     void reset();
@@ -99,6 +101,7 @@ private:
     std::unique_ptr<DeferredSync> deferred_;
     bool unsynced_ = false;
     bool name_unsynced_ = false;
+    bool sync_failed_ = false;
     std::uint64_t end_ = 0;       // bytes used
     std::uint64_t checksum_ = 0;  // of the last commit (or the header)
     ByteVector header_;           // waits for the first commit

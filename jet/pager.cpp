@@ -325,7 +325,7 @@ void Pager::commit() {
             if (!is_sync_point) is_sync_point = !journal_->sync_later();
             if (is_sync_point) {
                 try {
-                    sync_journal();
+                    journal_->sync();
                 } catch (...) {
                     journal_->withdraw(end_before);
                     throw;
@@ -366,17 +366,7 @@ void Pager::bump_change_counter() {
     store_u64(page.bytes(), jet4::tdef::kFiller, next);
 }
 
-// After a failed sync nobody knows what the disk holds, and a later one may succeed without having written it:
-// from then on only the next opening, which reads back what there is, can tell.
-void Pager::sync_journal() {
-    try {
-        journal_->sync();
-    } catch (...) {
-        broken_ = true;
-        throw;
-    }
-}
-
+// As after a failed sync of the journal, only the next opening can tell what the disk holds.
 void Pager::sync_file() {
     try {
         file_->sync();
@@ -389,7 +379,7 @@ void Pager::sync_file() {
 // Throws os::FileError. Needs no memory: without any for a run of pages, each is written for itself.
 void Pager::write_back() {
     constexpr std::size_t kRunPages = 64;
-    sync_journal();
+    journal_->sync();
     search_from_ = 0;
     std::sort(dirty_.begin(), dirty_.end());
     ByteVector run;
@@ -421,7 +411,7 @@ void Pager::reset_journal() {
     sync_file();
     journal_->reset();
     // Otherwise a part of the old journal could be found under the new one's first commit and be replayed.
-    sync_journal();
+    journal_->sync();
 }
 
 void Pager::sync_point() {

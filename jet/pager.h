@@ -122,6 +122,7 @@ public:
 
     const std::string& path() const { return path_; }
     bool read_only() const { return options_.read_only; }
+    bool is_closed() const { return closed_; }
     // Pages of the file as the open transaction sees it.
     std::uint32_t page_count() const { return page_count_; }
 
@@ -170,7 +171,6 @@ private:
     void keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept;
     void restore_level(Level& level);
     void bump_change_counter();
-    void sync_journal();
     void sync_file();
     void write_back();
     void reset_journal();

@@ -33,4 +33,8 @@ private:
 // parent.
 std::uintptr_t thread_number() noexcept;
 
+// Has `before` called in the thread that forks, before it does, and `after` in the parent and in the child: what a lock
+// guards is whole in the child, and the lock is not one that nobody will open. Nothing where processes are not forked.
+void around_forks(void (*before)(), void (*after)());
+
 }  // namespace os

@@ -10,4 +10,6 @@ void Mutex::unlock() noexcept { pthread_mutex_unlock(&mutex_); }
 
 std::uintptr_t thread_number() noexcept { return pthread_self(); }
 
+void around_forks(void (*before)(), void (*after)()) { pthread_atfork(before, after, after); }
+
 }  // namespace os

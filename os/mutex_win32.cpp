@@ -19,4 +19,6 @@ void Mutex::unlock() noexcept { ReleaseSRWLockExclusive(slim(&slim_lock_)); }
 
 std::uintptr_t thread_number() noexcept { return GetCurrentThreadId(); }
 
+void around_forks(void (*)(), void (*)()) {}
+
 }  // namespace os

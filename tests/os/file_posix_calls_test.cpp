@@ -48,7 +48,7 @@ extern "C" {
 
 int flock(int fd, int operation) noexcept {
     if (is_interrupted()) return -1;
-    if (calls.before_lock) calls.before_lock();
+    if (calls.before_lock && (operation & LOCK_UN) == 0) calls.before_lock();
     return static_cast<int>(::syscall(SYS_flock, fd, operation));
 }
 

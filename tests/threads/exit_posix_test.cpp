@@ -5,6 +5,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
@@ -86,4 +87,40 @@ TEST(ExitThreads, process_that_ends_while_threads_save_loses_no_row) {
             ASSERT_TRUE(found != rows.end() && found->second == std::to_string(row.number)) << row.number;
         }
     }
+}
+
+// The child has the one thread that forked, and no other could ever open a lock for it.
+TEST(ForkThreads, child_of_a_host_whose_other_threads_are_at_work_gets_answers_and_ends) {
+    const TempFolder folder;
+    std::atomic<int> saved{0};
+    {
+        const Component component(folder.path());
+        const auto gate = component.create<IDBgate1>();
+        ASSERT_EQ(gate->OpenDB(), S_OK);
+        std::atomic<bool> is_over{false};
+        std::vector<std::thread> workers;
+        for (int thread = 0; thread < kThreads; ++thread) {
+            workers.emplace_back([&] {
+                while (!is_over) {
+                    ProjInfo project;
+                    project.Name = "row";
+                    if (gate->AddProj(address_of(project)) == S_OK) ++saved;
+                }
+            });
+        }
+        for (int round = 0; round < 20; ++round) {
+            const pid_t child = fork();
+            if (child == 0) {
+                ProjInfo project;
+                project.Name = "the child's";
+                _exit(gate->AddProj(address_of(project)) == E_FAIL ? 0 : 1);
+            }
+            const int status = status_of(child);
+            EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+        }
+        is_over = true;
+        for (std::thread& worker : workers) worker.join();
+        gate->CloseDB();
+    }
+    EXPECT_EQ(projects_in(folder.file("sldb.mdb")).size(), static_cast<std::size_t>(saved.load()));
 }

@@ -158,9 +158,13 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
     std::unique_ptr<os::File> file =
         open_file(path, options.read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive);
     FileHeader header = read_header(*file, path);
-    if (header.encryption_key != 0) {
-        fail(errors::kNotADatabase, path + " cannot be opened: its pages are encrypted.");
-    }
+    // A journal may bring another header: both are looked at.
+    const auto check_encryption = [&] {
+        if (header.encryption_key != 0) {
+            fail(errors::kNotADatabase, path + " cannot be opened: its pages are encrypted.");
+        }
+    };
+    check_encryption();
     // The password before anything else happens to the file, a replay of its journal included.
     const auto check_password = [&] {
         if (!options.ignore_password && !header.password.empty() && header.password != options.password) {
@@ -173,6 +177,7 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
     if (!has_journal) check_password();
     auto impl = std::make_unique<Impl>(std::move(file), path, pager_options);
     header = parse_header(impl->pager.read(jet4::kHeaderPage).bytes(), path);
+    check_encryption();
     check_password();
     impl->header = header;
     if (options.read_only) impl->on_damage = options.on_damage;

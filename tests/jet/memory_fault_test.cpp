@@ -115,5 +115,31 @@ TEST_F(MemoryFault, row_is_deleted_or_not) {
     expect_all_or_nothing([&](int n) { things().erase(rows_[static_cast<std::size_t>(n)]); });
 }
 
+// What closing could not store for lack of memory, nobody tries to store again once the file is closed.
+TEST_F(MemoryFault, closing_without_memory_lets_go_of_a_whole_file) {
+    const std::size_t rows = content().size();
+    database_->close();
+    int refusals = 0;
+    for (int granted = 0, refused = 1; refused != 0; ++granted) {
+        database_ = Database::open("d/memory.mdb", {});  // with no room kept from earlier changes
+        things().take_autonumber();                      // of a row that was never added: stored at closing
+        {
+            const RefusedAllocation refusal(granted);
+            try {
+                database_->close();
+            } catch (const std::bad_alloc&) {
+            } catch (const Error&) {
+            }
+            refused = refusal.refused();
+        }
+        database_.reset();
+        refusals += refused;
+        const auto again = Database::open("d/memory.mdb", {});
+        expect_sound(*again);
+        ASSERT_EQ(again->find_table(u"Things")->def().row_count, rows) << "after " << granted << " requests";
+    }
+    EXPECT_GT(refusals, 3);
+}
+
 }  // namespace
 }  // namespace jet

@@ -22,7 +22,11 @@ public:
         : component_(component), number_(number), parts_(parts) {}
 
     void work(std::uint32_t seed) {
-        const Gates gates = gates_of(component_);
+        gates_ = gates_of(component_);
+        const Gates& gates = gates_;
+        // The studio is open; this points the gates at it.
+        if (gates.main->CreateDB(nullptr) != S_OK) return fail("CreateDB");
+        if (gates.gear2->OpenDB() != S_OK || gates.gear3->OpenDB() != S_OK) return fail("OpenDB");
         std::mt19937 random(seed);
         std::vector<std::map<LONG, int>> rows(gate_tables().size());
         for (int i = 0; i < kSteps; ++i) {
@@ -31,12 +35,9 @@ public:
             const GateTable& table = *gate_tables()[place];
             if (table.is_single_row() || table.is_list() || table.holds_names_once()) continue;
             const int variant = 1 + static_cast<int>(random() % kVariants);
-            // What is not open yet is opened by whoever comes first; attaching is a gate's own affair.
-            if (i == 0 && gates.main->CreateDB(nullptr) != S_OK) return fail("CreateDB");
-            if (i == 0 && (gates.gear2->OpenDB() != S_OK || gates.gear3->OpenDB() != S_OK)) return fail("OpenDB");
             if (rows[place].size() < 3) {
                 LONG key = 0;
-                if (table.add(gates, variant, key) != S_OK) return fail("add");
+                if (table.add(gates, variant, key) != S_OK) return fail(std::string("adding to ") + table.name());
                 if (!rows[place].emplace(key, variant).second) return fail("one key given twice");
                 done_.push_back(
                     {Operation::Kind::kAdd, static_cast<std::int32_t>(place), static_cast<std::int32_t>(key), variant});
@@ -45,7 +46,7 @@ public:
                 const bool removes = random() % 3 == 0;
                 const HRESULT result =
                     removes ? table.remove(gates, row->first) : table.update(gates, row->first, variant);
-                if (result != S_OK) return fail(removes ? "delete" : "update");
+                if (result != S_OK) return fail((removes ? "deleting from " : "updating ") + std::string(table.name()));
                 done_.push_back({removes ? Operation::Kind::kDelete : Operation::Kind::kUpdate,
                                  static_cast<std::int32_t>(place), static_cast<std::int32_t>(row->first), variant});
                 if (removes) rows[place].erase(row);
@@ -64,6 +65,7 @@ private:
     }
 
     const Component& component_;
+    Gates gates_;  // until all threads have ended: a gear gate that goes closes the studio for everybody
     std::size_t number_;
     std::size_t parts_;
     std::string failure_;
@@ -94,6 +96,7 @@ public:
                 result.failure += part.failure();
                 for (const Operation& operation : part.done()) ledger.succeeded(operation);
             }
+            parts.clear();
             gates.close();
             if (gates.open() != S_OK) throw std::runtime_error("the studio does not open again");
             result.failure += ledger.compare(read_all(gates));

@@ -72,21 +72,35 @@ Journal::Journal(os::FileSystem& files, std::string database_path)
 
 Journal::~Journal() = default;
 
-void Journal::open_file() {
-    std::unique_ptr<os::File> file;
-    bool created = true;
-    try {
-        file = files_.open(path_, os::OpenMode::kCreateSide);
-    } catch (const os::FileError& error) {
-        if (error.fault() != os::FileFault::kExists) throw;
-        // The opening of the database has dealt with what was there, so it is what could not be removed then.
-        created = false;
-        file = files_.open(path_, os::OpenMode::kOpenSide);
-        if (file->size() != 0) {
-            throw os::FileError(os::FileFault::kExists,
-                                path_ + " has come from elsewhere while the database was open.");
+namespace {
+
+// A new journal, or the empty one that the opening of the database could not remove. One that goes away between the two
+// questions, because somebody lets go of it, is made anew.
+std::unique_ptr<os::File> made_or_found(os::FileSystem& files, const std::string& path, bool& created) {
+    constexpr int kAttempts = 10;
+    for (int attempt = 1;; ++attempt) {
+        try {
+            created = true;
+            return files.open(path, os::OpenMode::kCreateSide);
+        } catch (const os::FileError& error) {
+            if (error.fault() != os::FileFault::kExists) throw;
+        }
+        try {
+            created = false;
+            std::unique_ptr<os::File> file = files.open(path, os::OpenMode::kOpenSide);
+            if (file->size() == 0) return file;
+            throw os::FileError(os::FileFault::kExists, path + " has come from elsewhere while the database was open.");
+        } catch (const os::FileError& error) {
+            if (error.fault() != os::FileFault::kNotFound || attempt == kAttempts) throw;
         }
     }
+}
+
+}  // namespace
+
+void Journal::open_file() {
+    bool created = false;
+    std::unique_ptr<os::File> file = made_or_found(files_, path_, created);
     try {
         files_.copy_access(database_path_, path_);
         deferred_ = std::make_unique<DeferredSync>(files_, path_);

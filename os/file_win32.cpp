@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "os/critical_section_win32.h"
+#include "os/draft.h"
 #include "os/file.h"
 #include "os/path_text.h"
 #include "os/system.h"
@@ -316,11 +317,19 @@ public:
         fail("look for", path, code);
     }
 
+    // A file that another program has open, and lets be removed, keeps its name until that program closes it: so it
+    // gets another name first, and its own is free at once.
     void remove(const std::string& path) override {
         require_usable("remove", path);
         const std::wstring wide = system_path(path);
-        if (!tried_again(wide, [&] { return ::DeleteFileW(wide.c_str()) != 0; }))
+        const std::wstring gone = system_path(draft_name(path));
+        if (!tried_again(wide, [&] { return ::MoveFileExW(wide.c_str(), gone.c_str(), 0) != 0; })) {
             fail("remove", path, ::GetLastError());
+        }
+        if (::DeleteFileW(gone.c_str())) return;
+        const DWORD code = ::GetLastError();
+        ::MoveFileExW(gone.c_str(), wide.c_str(), 0);
+        fail("remove", path, code);
     }
 
     void rename(const std::string& from, const std::string& to) override {

@@ -137,6 +137,30 @@ TEST_F(HeldFiles, journal_held_while_the_studio_is_closed_is_no_danger_to_the_ne
     }
 }
 
+TEST_F(HeldFiles, studio_is_closed_opened_and_changed_while_a_journal_is_held) {
+    for (const DWORD share : kShareModes) {
+        db::open(gate_);
+        set_color(1);
+        set_color(2);
+        // What is open for writing lets nobody in who shares no writing.
+        const bool can_be_held = (share & FILE_SHARE_WRITE) != 0;
+        HandleHolder holder(journal(), GENERIC_READ, share);
+        ASSERT_EQ(holder.holds(), can_be_held) << share;
+        for (const LONG value : {LONG{3}, LONG{4}}) {
+            db::close(db::kCloseAll);
+            EXPECT_EQ(error_of([&] { db::open(gate_); }), 0) << share;
+            EXPECT_EQ(color(), value - 1) << share;
+            set_color(value);
+        }
+        holder.release();
+        db::close(db::kCloseAll);
+        EXPECT_EQ(error_of([&] { db::open(gate_); }), 0) << share;
+        EXPECT_EQ(color(), 4) << share;
+        db::close(db::kCloseAll);
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder_), {}), 2) << "nothing is left behind";
+    }
+}
+
 // In a folder whose name no code page of the West can tell.
 TEST_F(HeldFiles, folder_with_a_name_beyond_the_code_page_is_the_studio_itself) {
     const std::filesystem::path folder = std::filesystem::path(folder_) / L"Micha\x0142 \x30B9\x30BF";

@@ -84,20 +84,29 @@ void make_draft(CDaoDatabase& database, const std::string& draft, DatabaseFile f
     take_access_of_the_other(file, draft);
 }
 
+// Whatever stopped the making: no transaction stays open, and no half-made database.
+void give_up(CDaoDatabase& database, const std::string& draft, const std::string& path) {
+    close_quietly(database);
+    remove_quietly(draft);
+    os::clear_drafts(path);
+}
+
 void create_file(CDaoDatabase& database, DatabaseFile file, int (*fill)(CDaoDatabase&)) {
     const std::string path = file_path(file);
     const std::string draft = os::draft_name(path);
     try {
         make_draft(database, draft, file, fill);
         publish(draft, path);
-    } catch (...) {
-        // Whatever it was: no transaction stays open, and no half-made database.
-        close_quietly(database);
-        remove_quietly(draft);
         os::clear_drafts(path);
+    } catch (CDaoException* e) {
+        give_up(database, draft, path);
+        // Another host that was faster has taken the draft for one that nobody wants any more: its file it is.
+        if (!file_exists(file)) throw;
+        e->Delete();
+    } catch (...) {
+        give_up(database, draft, path);
         throw;
     }
-    os::clear_drafts(path);
     database.Open(path.c_str(), TRUE, FALSE, connect_text(file).c_str());
 }
 

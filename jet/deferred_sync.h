@@ -31,7 +31,7 @@ public:
 
     // Has the journal synced in kSyncDelay, or when an earlier request falls due. False: it will not be, the caller
     // must do it.
-    bool request();
+    bool request() noexcept;
     bool failed() const { return failed_; }
 
 private:

@@ -1,5 +1,6 @@
 #include "os/page_memory.h"
 
+#include <atomic>
 #include <cstdlib>
 #include <new>
 
@@ -10,10 +11,36 @@
 namespace os {
 namespace {
 
+// One large page that was given back, for the next that is asked for: a database closed and another opened costs the
+// system nothing. Freed with the library.
+class Spare {
+public:
+    ~Spare() { std::free(kept_.exchange(nullptr)); }
+    void* take() { return kept_.exchange(nullptr); }
+    void give(void* memory) { std::free(kept_.exchange(memory)); }
+
+private:
+    std::atomic<void*> kept_{nullptr};
+};
+
+Spare& spare() {
+    static Spare instance;
+    return instance;
+}
+
 std::uint8_t* take(std::size_t bytes) {
-    void* const memory = std::malloc(bytes);
+    void* memory = bytes == PageMemory::kLargePage ? spare().take() : nullptr;
+    if (memory == nullptr) memory = std::malloc(bytes);
     if (memory == nullptr) throw std::bad_alloc();
     return static_cast<std::uint8_t*>(memory);
+}
+
+void give(std::uint8_t* data, std::size_t bytes) {
+    if (bytes == PageMemory::kLargePage) {
+        spare().give(data);
+    } else {
+        std::free(data);
+    }
 }
 
 #ifdef __linux__
@@ -51,7 +78,7 @@ PageMemory::~PageMemory() {
     if (source_ == Source::kSystem) {
         unmap(data_, bytes_);
     } else {
-        std::free(data_);
+        give(data_, bytes_);
     }
 }
 

@@ -27,4 +27,16 @@ TEST(PageMemory, of_the_system_lies_where_large_pages_do) {
 #endif
 
 }  // namespace
+TEST(PageMemory, large_page_that_was_given_back_is_had_again) {
+    std::uint8_t* before = nullptr;
+    {
+        const os::PageMemory page(os::PageMemory::kLargePage, os::PageMemory::Source::kHeap);
+        before = page.data();
+    }
+    const os::PageMemory again(os::PageMemory::kLargePage, os::PageMemory::Source::kHeap);
+    EXPECT_EQ(again.data(), before);
+    const os::PageMemory other(os::PageMemory::kLargePage, os::PageMemory::Source::kHeap);
+    EXPECT_NE(other.data(), before);
+}
+
 }  // namespace os

@@ -6,6 +6,7 @@
 #include "jet/error.h"
 #include "jet/jet4.h"
 #include "jet/journal.h"
+#include "os/draft.h"
 
 namespace jet {
 namespace {
@@ -74,6 +75,8 @@ Recovered recover(os::FileSystem& files, os::File& database, const std::string& 
     const std::string journal_path = Journal::path_for(path);
     bool is_link = false;
     std::unique_ptr<os::File> journal = open_journal(files, journal_path, read_only, is_link);
+    // What a host that was killed while it removed its journal has left.
+    if (!read_only) os::clear_drafts(journal_path);
     if (!journal && !is_link) return result;
     if (journal && journal->size() == 0) {
         journal.reset();

@@ -338,6 +338,14 @@ TEST_F(Session, drafts_left_by_a_crash_are_cleared_and_files_of_others_are_not) 
     EXPECT_TRUE(std::filesystem::exists(path("kvinvdb.mdb-new")));
 }
 
+TEST_F(Session, journal_left_by_a_crash_on_its_way_out_is_cleared) {
+    db::attach(gate_);
+    db::close(db::kCloseAll);
+    std::ofstream(path("sldb.mdb-journal-new-0123456789abcdef")) << "what was a journal";
+    EXPECT_EQ(db::attach(gate_), S_OK);
+    EXPECT_EQ(files(), 2u);
+}
+
 TEST_F(Session, draft_somebody_works_on_is_left_alone) {
     CDaoDatabase other;
     const std::string draft = path("sldb.mdb-new-0123456789abcdef");

@@ -29,8 +29,9 @@ struct Saved {
 // Saves rows for ever, in several threads, and tells `out` of each; ends the process in the middle of it.
 [[noreturn]] void run_host(const std::string& folder, int out) {
     // Neither is ever released: the process ends with them.
-    const Component& component = *std::make_unique<Component>(folder).release();
-    IDBgate1* const gate = std::make_unique<ComPtr<IDBgate1>>(component.create<IDBgate1>()).release()->get();
+    static const Component* const component = std::make_unique<Component>(folder).release();
+    static const auto* const holder = std::make_unique<ComPtr<IDBgate1>>(component->create<IDBgate1>()).release();
+    IDBgate1* const gate = holder->get();
     gate->OpenDB();
     for (int thread = 0; thread < kThreads; ++thread) {
         std::thread([thread, out, gate] {

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <thread>
 
+#include "os/clock.h"
 #include "os/mutex.h"
 
 namespace afx {
@@ -59,6 +60,7 @@ ComponentLock::ComponentLock() { take(); }
 ComponentLock::~ComponentLock() { give(); }
 
 bool lock_component_for_good() {
+    os::retire_alarms();
     if (is_held_here()) return is_ended;
     for (std::chrono::milliseconds waited{0}; !mutex.try_lock(); ++waited) {
         if (waited >= kPatience) return false;

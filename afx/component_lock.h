@@ -22,7 +22,8 @@ public:
 
 // Takes the lock and never gives it back, so that later calls of other threads wait for the end of the process; calls
 // of this one go on. True as well when this thread has done so before. False when somebody is still inside, on this
-// thread (in a handler of a signal) or on another that does not come out within a second or has been ended there.
+// thread (in a handler of a signal) or on another that does not come out within a second or has been ended there. From
+// the call on nothing here begins a thread, which could wake up in a library that has gone.
 bool lock_component_for_good();
 
 }  // namespace afx

@@ -33,4 +33,9 @@ public:
 // The machine's own.
 Clock& system_clock();
 
+// From now on no alarm of the machine's clock can be set: for the end of a library, where the system loads and unloads
+// under a lock and a thread begun now would wake up in a library that has gone.
+void retire_alarms() noexcept;
+bool alarms_are_retired() noexcept;
+
 }  // namespace os

@@ -74,7 +74,7 @@ public:
             if (state_->due) return true;
             state_->due = due;
         }
-        if (thread_ || start()) {
+        if (thread_ || (!alarms_are_retired() && start())) {
             state_->changed.notify_one();
             return true;
         }

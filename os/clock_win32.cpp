@@ -43,7 +43,7 @@ public:
             ::WakeAllConditionVariable(&changed_);
             return true;
         }
-        if (start(self)) return true;
+        if (!alarms_are_retired() && start(self)) return true;
         due_.reset();
         return false;
     }

@@ -276,23 +276,8 @@ bool is_link(const std::wstring& path) {
     return is_link(entry);
 }
 
-// Sets no alarm: a library that is let go of while a thread of its own is still in it was seen to crash its host, so
-// each commit syncs itself here.
-class ClockWithoutThreads : public Clock {
-public:
-    TimePoint now() override { return system_clock().now(); }
-    std::unique_ptr<Alarm> make_alarm(std::function<void()>) override { return std::make_unique<NoAlarm>(); }
-
-private:
-    struct NoAlarm : Alarm {
-        bool set(TimePoint) override { return false; }
-    };
-};
-
 class Win32FileSystem : public FileSystem {
 public:
-    Clock& clock() override { return clock_; }
-
     std::unique_ptr<File> open(const std::string& path, OpenMode mode) override {
         const bool locks = mode == OpenMode::kExclusive || mode == OpenMode::kCreateExclusive;
         const char* operation = mode == OpenMode::kCreateExclusive || mode == OpenMode::kCreateSide ? "create" : "open";
@@ -411,7 +396,6 @@ public:
 
 private:
     KeptHandles kept_;
-    ClockWithoutThreads clock_;
 };
 
 }  // namespace

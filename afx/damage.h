@@ -1,11 +1,11 @@
 // Reading past damage, for a program that contains the component: what databases that are opened for reading only
-// cannot read is told and passed over, instead of raised (jet/salvage.h).
+// cannot read is told and passed over, instead of raised (jet/base/salvage.h).
 #pragma once
 
 #include <functional>
 #include <string>
 
-#include "jet/salvage.h"
+#include "jet/base/salvage.h"
 
 namespace afx {
 

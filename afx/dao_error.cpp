@@ -6,7 +6,7 @@
 #include <string>
 
 #include "afx/dao_database.h"
-#include "jet/types.h"
+#include "jet/base/types.h"
 #include "os/system.h"
 
 namespace afx {

@@ -5,7 +5,7 @@
 
 #include <string_view>
 
-#include "jet/error.h"
+#include "jet/base/error.h"
 
 namespace afx {
 

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "jet/error.h"
+#include "jet/base/error.h"
 #include "os/system.h"
 
 namespace afx {

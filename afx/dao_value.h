@@ -2,8 +2,8 @@
 #pragma once
 
 #include "afx/ole_variant.h"
-#include "jet/bytes.h"
-#include "jet/types.h"
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
 
 namespace afx {
 

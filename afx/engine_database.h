@@ -8,7 +8,7 @@
 
 #include "afx/dao_database.h"
 #include "afx/field_names.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace afx {
 

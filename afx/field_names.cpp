@@ -4,7 +4,7 @@
 #include <bit>
 #include <cstring>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 #include "os/system.h"
 
 namespace afx {

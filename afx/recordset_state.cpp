@@ -8,8 +8,8 @@
 #include <utility>
 
 #include "afx/dao_value.h"
-#include "jet/error.h"
-#include "jet/text_codec.h"
+#include "jet/base/error.h"
+#include "jet/storage/text_codec.h"
 #include "os/system.h"
 
 namespace afx {

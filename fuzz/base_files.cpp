@@ -2,9 +2,9 @@
 
 #include <string>
 
-#include "jet/data_page.h"
-#include "jet/database.h"
-#include "jet/index.h"
+#include "jet/indexes/index.h"
+#include "jet/storage/data_page.h"
+#include "jet/tables/database.h"
 #include "tests/jet/sparse_file_system.h"
 #include "tests/support/fault_file_system.h"
 

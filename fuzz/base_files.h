@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "jet/bytes.h"
+#include "jet/base/bytes.h"
 
 namespace kvdb_fuzz {
 

@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/jet/exercise.h"
 #include "tests/support/fault_file_system.h"
 

@@ -5,8 +5,8 @@
 
 #include "fuzz/base_files.h"
 #include "fuzz/page_fields.h"
-#include "jet/database.h"
-#include "jet/rc4.h"
+#include "jet/base/rc4.h"
+#include "jet/tables/database.h"
 #include "tests/support/fault_file_system.h"
 
 namespace kvdb_fuzz {

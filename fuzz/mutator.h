@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/bytes.h"
+#include "jet/base/bytes.h"
 
 namespace kvdb_fuzz {
 

@@ -2,7 +2,7 @@
 // is a whole file, or else a list of places in a small sound file, 3 bytes each, with 1 byte to be put there.
 #include "fuzz/base_files.h"
 #include "fuzz/fuzz_target.h"
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/jet/exercise.h"
 #include "tests/support/fault_file_system.h"
 

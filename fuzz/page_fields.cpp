@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "jet/jet4.h"
+#include "jet/base/jet4.h"
 
 namespace kvdb_fuzz {
 

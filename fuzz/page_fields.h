@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "jet/bytes.h"
-#include "jet/types.h"
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
 
 namespace kvdb_fuzz {
 

@@ -1,6 +1,6 @@
 // A property blob: what is read, built and read again stays what it was.
 #include "fuzz/fuzz_target.h"
-#include "jet/properties.h"
+#include "jet/schema/properties.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     try {

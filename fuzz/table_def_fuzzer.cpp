@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "fuzz/fuzz_target.h"
-#include "jet/row_codec.h"
-#include "jet/table_def.h"
+#include "jet/schema/table_def.h"
+#include "jet/storage/row_codec.h"
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const jet::ByteSpan input(data, size);

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "jet/salvage.h"
+#include "jet/base/salvage.h"
 
 namespace tools {
 

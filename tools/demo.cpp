@@ -1,7 +1,7 @@
 // The demonstration: a studio from nothing, a day's work on it through the gates, and what was left on the disk.
 #include <filesystem>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
 #include "tools/gate_table.h"

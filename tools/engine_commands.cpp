@@ -1,8 +1,8 @@
 // Commands that look at one file with the engine alone: tables, schema, rows, check.
 #include <memory>
 
-#include "jet/check.h"
-#include "jet/database.h"
+#include "jet/check/check.h"
+#include "jet/tables/database.h"
 #include "tools/arguments.h"
 #include "tools/commands.h"
 #include "tools/damage.h"

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "afx/ole_date_time.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "os/file.h"
 #include "tools/arguments.h"
 #include "tools/open_file.h"

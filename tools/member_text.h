@@ -8,7 +8,7 @@
 
 #include <string>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 #include "studio/columns.h"
 
 namespace tools {

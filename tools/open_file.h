@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace tools {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 #include "tools/arguments.h"
 
 namespace tools {

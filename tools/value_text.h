@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 namespace tools {
 

@@ -10,7 +10,7 @@
 
 #include <cstdio>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 namespace tools {
 

@@ -4,10 +4,10 @@
 #include <optional>
 #include <vector>
 
+#include "jet/schema/table_def.h"
 #include "jet/sql/lexer.h"
 #include "jet/sql/like.h"
 #include "jet/sql/statement.h"
-#include "jet/table_def.h"
 
 namespace jet::sql {
 

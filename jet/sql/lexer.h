@@ -8,7 +8,7 @@
 #include <variant>
 #include <vector>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 namespace jet::sql {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "jet/collation.h"
+#include "jet/indexes/collation.h"
 
 namespace jet::sql {
 

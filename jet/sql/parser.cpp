@@ -4,7 +4,7 @@
 #include <span>
 #include <string>
 
-#include "jet/error.h"
+#include "jet/base/error.h"
 
 namespace jet::sql {
 

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/column_map.h"
-#include "jet/database.h"
+#include "jet/tables/column_map.h"
+#include "jet/tables/database.h"
 
 namespace jet::sql {
 

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <numeric>
 
-#include "jet/database.h"
 #include "jet/sql/candidates.h"
 #include "jet/sql/scalar.h"
+#include "jet/tables/database.h"
 
 namespace jet::sql {
 

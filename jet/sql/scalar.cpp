@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
-#include "jet/bytes.h"
-#include "jet/collation.h"
+#include "jet/base/bytes.h"
+#include "jet/indexes/collation.h"
 
 namespace jet::sql {
 

@@ -6,8 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "jet/base/types.h"
 #include "jet/sql/lexer.h"
-#include "jet/types.h"
 
 namespace jet::sql {
 

@@ -3,8 +3,8 @@
 
 #include <random>
 
-#include "jet/check.h"
-#include "jet/database.h"
+#include "jet/check/check.h"
+#include "jet/tables/database.h"
 #include "tests/crash/kill_driver.h"
 #include "tests/support/temp_folder.h"
 

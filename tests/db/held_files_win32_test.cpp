@@ -6,7 +6,7 @@
 
 #include "db/database_files.h"
 #include "db/session.h"
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/afx/dao_test_support.h"
 #include "tests/support/fault_file_system.h"
 #include "tests/support/handle_holder_win32.h"

@@ -5,7 +5,7 @@
 #include <map>
 #include <string>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace testing_support {
 

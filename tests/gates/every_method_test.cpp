@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/frame/gate_host.h"
 #include "tests/frame/late_binding.h"
 

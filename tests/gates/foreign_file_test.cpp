@@ -5,7 +5,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/frame/gate_host.h"
 
 using namespace testing_support;

@@ -14,8 +14,8 @@
 #include <utility>
 #include <vector>
 
-#include "jet/check.h"
-#include "jet/database.h"
+#include "jet/check/check.h"
+#include "jet/tables/database.h"
 #include "tests/gates/bookings_cases.h"
 #include "tests/gates/contacts_cases.h"
 #include "tests/gates/gear_cases.h"

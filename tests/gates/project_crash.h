@@ -10,8 +10,8 @@
 #include <random>
 #include <string>
 
-#include "jet/check.h"
-#include "jet/database.h"
+#include "jet/check/check.h"
+#include "jet/tables/database.h"
 #include "os/system.h"
 #include "tests/frame/gate_host.h"
 

@@ -27,7 +27,7 @@
 #include <variant>
 #include <vector>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 namespace testing_support {
 

@@ -4,8 +4,8 @@
 
 #include <string>
 
-#include "jet/table_def.h"
-#include "jet/types.h"
+#include "jet/base/types.h"
+#include "jet/schema/table_def.h"
 #include "tests/interop/readers.h"
 
 namespace interop {

@@ -5,7 +5,7 @@
 #include <set>
 #include <utility>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/interop/agreement.h"
 #include "tests/interop/interop_fixture.h"
 #include "tests/interop/sample_values.h"

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <set>
 
-#include "jet/data_page.h"
+#include "jet/storage/data_page.h"
 #include "tests/interop/agreement.h"
 
 namespace interop {

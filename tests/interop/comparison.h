@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "jet/database.h"
-#include "jet/types.h"
+#include "jet/base/types.h"
+#include "jet/tables/database.h"
 #include "tests/interop/readers.h"
 
 namespace interop {

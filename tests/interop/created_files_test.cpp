@@ -1,7 +1,7 @@
 // Files made by the engine from nothing: the other readers find the same tables, columns and rows in them.
 #include <chrono>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/interop/agreement.h"
 #include "tests/interop/interop_fixture.h"
 #include "tests/interop/sample_values.h"

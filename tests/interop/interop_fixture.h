@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/interop/comparison.h"
 #include "tests/interop/readers.h"
 #include "tests/support/temp_folder.h"

@@ -1,7 +1,7 @@
 // Files written by Access and ADOX: the engine and the other readers read the same.
 #include <iostream>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/interop/interop_fixture.h"
 
 namespace interop {

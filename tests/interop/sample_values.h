@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
-#include "jet/table_def.h"
-#include "jet/types.h"
+#include "jet/base/types.h"
+#include "jet/schema/table_def.h"
 
 namespace interop {
 

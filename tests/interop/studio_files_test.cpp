@@ -3,7 +3,7 @@
 #include <chrono>
 #include <sstream>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "os/system.h"
 #include "tests/frame/gate_host.h"
 #include "tests/interop/agreement.h"

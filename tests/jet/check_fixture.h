@@ -12,9 +12,9 @@
 #include <string>
 #include <vector>
 
-#include "jet/check.h"
-#include "jet/database.h"
-#include "jet/index_page.h"
+#include "jet/check/check.h"
+#include "jet/indexes/index_page.h"
+#include "jet/tables/database.h"
 #include "support/temp_folder.h"
 
 namespace jet {

@@ -1,4 +1,4 @@
-#include "jet/coerce.h"
+#include "jet/tables/coerce.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // Sort keys against known bytes, and comparison against the keys.
-#include "jet/collation.h"
+#include "jet/indexes/collation.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 #include <random>
 #include <string>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 namespace {
 

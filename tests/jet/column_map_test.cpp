@@ -1,5 +1,5 @@
 // The ordered map of one column, against a set.
-#include "jet/column_map.h"
+#include "jet/tables/column_map.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "jet/jet4.h"
+#include "jet/base/jet4.h"
 
 namespace jet {
 namespace {

@@ -1,7 +1,7 @@
 // Damage to a file's bytes, at random but knowing where its structures are.
 #pragma once
 
-#include "jet/bytes.h"
+#include "jet/base/bytes.h"
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {

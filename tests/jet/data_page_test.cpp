@@ -1,4 +1,4 @@
-#include "jet/data_page.h"
+#include "jet/storage/data_page.h"
 
 #include <gtest/gtest.h>
 

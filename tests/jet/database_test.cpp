@@ -1,10 +1,10 @@
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 #include <gtest/gtest.h>
 
 #include <fstream>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "support/temp_folder.h"
 
 namespace jet {

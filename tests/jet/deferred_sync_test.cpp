@@ -1,5 +1,5 @@
 // What a burst of commits leaves unsynced is brought to the disk without another call.
-#include "jet/deferred_sync.h"
+#include "jet/pages/deferred_sync.h"
 
 #include <filesystem>
 #include <fstream>

@@ -5,8 +5,8 @@
 #include <cmath>
 #include <fstream>
 
-#include "jet/database.h"
-#include "jet/header.h"
+#include "jet/pages/header.h"
+#include "jet/tables/database.h"
 
 namespace jet {
 namespace {

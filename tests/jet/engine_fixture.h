@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "jet/check.h"
-#include "jet/database.h"
-#include "jet/header.h"
+#include "jet/check/check.h"
+#include "jet/pages/header.h"
+#include "jet/tables/database.h"
 #include "tests/support/fault_file_system.h"
 
 namespace jet {

@@ -1,6 +1,6 @@
 #include "tests/jet/exercise.h"
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/support/fault_file_system.h"
 
 namespace jet {

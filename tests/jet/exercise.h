@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace jet {
 

@@ -1,11 +1,11 @@
-#include "jet/header.h"
+#include "jet/pages/header.h"
 
 #include <gtest/gtest.h>
 
 #include <bit>
 
-#include "jet/jet4.h"
-#include "jet/rc4.h"
+#include "jet/base/jet4.h"
+#include "jet/base/rc4.h"
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {

@@ -6,10 +6,10 @@
 #include <ctime>
 #include <functional>
 
-#include "jet/catalog.h"
-#include "jet/data_page.h"
-#include "jet/row_codec.h"
+#include "jet/schema/catalog.h"
 #include "jet/sql/row_set.h"
+#include "jet/storage/data_page.h"
+#include "jet/storage/row_codec.h"
 #include "tests/jet/allocation_meter.h"
 #include "tests/jet/engine_fixture.h"
 #include "tests/jet/exercise.h"

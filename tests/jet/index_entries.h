@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "jet/bytes.h"
-#include "jet/types.h"
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
 
 namespace jet {
 

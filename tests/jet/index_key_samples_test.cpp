@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "jet/database.h"
-#include "jet/index.h"
-#include "jet/index_key.h"
+#include "jet/indexes/index.h"
+#include "jet/indexes/index_key.h"
+#include "jet/tables/database.h"
 #include "support/temp_folder.h"
 
 namespace {

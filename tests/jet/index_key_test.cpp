@@ -1,5 +1,5 @@
 // Keys of index entries against known bytes, and their order against that of the values.
-#include "jet/index_key.h"
+#include "jet/indexes/index_key.h"
 
 #include <gtest/gtest.h>
 

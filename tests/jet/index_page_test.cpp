@@ -1,5 +1,5 @@
 // The page codec of indexes.
-#include "jet/index_page.h"
+#include "jet/indexes/index_page.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The tree of an index, against a plain ordered set.
-#include "jet/index.h"
+#include "jet/indexes/index.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <random>
 #include <set>
 
-#include "jet/data_page.h"
-#include "jet/index_page.h"
+#include "jet/indexes/index_page.h"
+#include "jet/storage/data_page.h"
 #include "tests/jet/index_entries.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "jet/journal.h"
+#include "jet/pages/journal.h"
 
 #include <gtest/gtest.h>
 

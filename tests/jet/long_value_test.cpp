@@ -1,8 +1,8 @@
-#include "jet/long_value.h"
+#include "jet/storage/long_value.h"
 
 #include <gtest/gtest.h>
 
-#include "jet/data_page.h"
+#include "jet/storage/data_page.h"
 #include "tests/jet/pager_fixture.h"
 
 namespace jet {

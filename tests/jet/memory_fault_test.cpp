@@ -6,7 +6,7 @@
 #include <new>
 #include <vector>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/jet/allocation_meter.h"
 #include "tests/jet/engine_fixture.h"
 #include "tests/support/figures.h"

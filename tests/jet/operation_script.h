@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace jet {
 

@@ -5,9 +5,9 @@
 #include <string>
 #include <utility>
 
-#include "jet/database.h"
-#include "jet/journal.h"
-#include "jet/pager.h"
+#include "jet/pages/journal.h"
+#include "jet/pages/pager.h"
+#include "jet/tables/database.h"
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {

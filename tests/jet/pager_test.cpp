@@ -1,4 +1,4 @@
-#include "jet/pager.h"
+#include "jet/pages/pager.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The property blob, against blobs written by Access and against damage.
-#include "jet/properties.h"
+#include "jet/schema/properties.h"
 
 #include <gtest/gtest.h>
 
@@ -9,8 +9,8 @@
 #include <iterator>
 #include <random>
 
-#include "jet/data_page.h"
-#include "jet/jet4.h"
+#include "jet/base/jet4.h"
+#include "jet/storage/data_page.h"
 
 namespace {
 

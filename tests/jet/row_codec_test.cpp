@@ -1,4 +1,4 @@
-#include "jet/row_codec.h"
+#include "jet/storage/row_codec.h"
 
 #include <gtest/gtest.h>
 

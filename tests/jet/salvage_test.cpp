@@ -5,8 +5,8 @@
 #include <functional>
 #include <set>
 
-#include "jet/data_page.h"
 #include "jet/sql/row_set.h"
+#include "jet/storage/data_page.h"
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {

@@ -5,7 +5,7 @@
 
 #include <map>
 
-#include "jet/error.h"
+#include "jet/base/error.h"
 #include "jet/sql/condition.h"
 #include "jet/sql/parser.h"
 

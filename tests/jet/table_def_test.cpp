@@ -1,5 +1,5 @@
 // Both codecs of table definitions, against definitions written by Access and against damage.
-#include "jet/table_def.h"
+#include "jet/schema/table_def.h"
 
 #include <gtest/gtest.h>
 

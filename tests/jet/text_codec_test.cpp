@@ -1,8 +1,8 @@
-#include "jet/text_codec.h"
+#include "jet/storage/text_codec.h"
 
 #include <gtest/gtest.h>
 
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 namespace jet {
 namespace {

@@ -1,5 +1,5 @@
 // Names between UTF-16 and UTF-8, and their equality.
-#include "jet/types.h"
+#include "jet/base/types.h"
 
 #include <gtest/gtest.h>
 

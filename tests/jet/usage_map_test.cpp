@@ -1,11 +1,11 @@
-#include "jet/usage_map.h"
+#include "jet/storage/usage_map.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <set>
 
-#include "jet/data_page.h"
+#include "jet/storage/data_page.h"
 #include "tests/jet/pager_fixture.h"
 #include "tests/jet/sparse_file_system.h"
 

@@ -10,7 +10,7 @@
 #include "db/database_files.h"
 #include "db/session.h"
 #include "frame/entry_points.h"
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/frame/com_ptr.h"
 #include "tests/frame/late_binding.h"
 #include "tests/gates/closed_file.h"

@@ -6,9 +6,9 @@
 #include <cmath>
 #include <cstdio>
 
-#include "jet/check.h"
-#include "jet/database.h"
-#include "jet/header.h"
+#include "jet/check/check.h"
+#include "jet/pages/header.h"
+#include "jet/tables/database.h"
 
 namespace testing_support {
 namespace {

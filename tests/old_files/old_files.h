@@ -15,7 +15,7 @@
 #include <set>
 #include <string>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 
 namespace testing_support {
 

@@ -17,8 +17,9 @@ class ValidateTest(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.mkdtemp(prefix="kvdb validate ")
         self.addCleanup(shutil.rmtree, self.folder)
+        self.write("layers.txt", "# From the top.\nframe\ngear\nstudio\njet/sql\njet/base\nos\n")
         self.write("os/x.h", "#pragma once\n")
-        self.write("jet/x.h", "#pragma once\n")
+        self.write("jet/base/x.h", "#pragma once\n")
         self.write("jet/sql/x.h", "#pragma once\n")
         self.write("tests/x.h", "#pragma once\n")
         self.write("include/kvdb/kvdb.h", "#pragma once\n")
@@ -42,25 +43,48 @@ class ValidateTest(unittest.TestCase):
         self.assertTrue(lines[0].startswith(prefix), lines[0])
 
     def test_good_tree_passes(self):
-        self.write("jet/good.cpp", GOOD_CPP)
+        self.write("jet/base/good.cpp", GOOD_CPP)
         self.assertEqual(self.validate(), (0, []))
 
     def test_upward_include_is_reported(self):
-        self.write("os/bad.cpp", '#include "jet/x.h"\n')
+        self.write("os/bad.cpp", '#include "jet/base/x.h"\n')
         self.expect_only("os/bad.cpp:1: layer: ")
 
     def test_upward_include_by_relative_path_is_reported(self):
-        self.write("os/bad.cpp", '\n#include "../jet/x.h"\n')
+        self.write("os/bad.cpp", '\n#include "../jet/base/x.h"\n')
         self.expect_only("os/bad.cpp:2: layer: ")
 
-    def test_include_of_an_equal_layer_is_reported(self):
+    def test_include_of_a_file_above_the_layers_of_its_folder_is_reported(self):
+        self.write("jet/y.h", "#pragma once\n")
+        self.write("jet/sql/bad.cpp", '#include "jet/y.h"\n')
+        self.expect_only("jet/sql/bad.cpp:1: layer: ")
+
+    def test_files_of_the_engine_that_include_each_other_are_reported(self):
+        self.write("jet/base/a.cpp", '#include "jet/base/b.h"\n')
+        self.write("jet/base/b.h", '#include "jet/base/c.h"\n')
+        self.write("jet/base/c.h", '#include "jet/base/a.h"\n')
+        self.write("jet/base/a.h", '#include "jet/base/x.h"\n')
+        self.write("jet/base/good.cpp", '#include "jet/base/a.h"\n')
+        code, lines = self.validate()
+        self.assertEqual(code, 1)
+        self.assertEqual([line.split(":")[0] for line in lines], ["jet/base/a.cpp", "jet/base/b.h", "jet/base/c.h"])
+        self.assertTrue(all(": circle: " in line for line in lines), lines)
+
+    def test_document_that_shows_the_layers_in_another_order_is_reported(self):
+        table = "| folder | owns |\n|---|---|\n| `frame/` | f |\n| `gear/` | a |\n| `studio/` | b |\n| `jet/sql/` | c |\n"
+        self.write("docs/architecture.md", table + "| `jet/base/` | d |\n| `os/` | e |\n")
+        self.assertEqual(self.validate(), (0, []))
+        self.write("docs/architecture.md", table + "| `os/` | e |\n| `jet/base/` | d |\n")
+        self.expect_only("docs/architecture.md:3: layers: ")
+
+    def test_include_of_the_layer_right_above_is_reported(self):
         self.write("gear/x.h", "#pragma once\n")
         self.write("studio/bad.cpp", '#include "gear/x.h"\n')
         self.expect_only("studio/bad.cpp:1: layer: ")
 
     def test_engine_including_its_statements_is_reported(self):
-        self.write("jet/bad.cpp", '#include "jet/sql/x.h"\n')
-        self.expect_only("jet/bad.cpp:1: layer: ")
+        self.write("jet/base/bad.cpp", '#include "jet/sql/x.h"\n')
+        self.expect_only("jet/base/bad.cpp:1: layer: ")
 
     def test_layer_including_tests_is_reported(self):
         self.write("frame/bad.cpp", '#include "tests/x.h"\n')
@@ -71,9 +95,9 @@ class ValidateTest(unittest.TestCase):
         self.expect_only("include/kvdb/bad.h:1: layer: ")
 
     def test_downward_includes_pass(self):
-        self.write("jet/sql/good.cpp", '#include "x.h"\n\n#include "jet/x.h"\n#include "os/x.h"\n')
+        self.write("jet/sql/good.cpp", '#include "x.h"\n\n#include "jet/base/x.h"\n#include "os/x.h"\n')
         self.write("os/good.cpp", '#include <kvdb/kvdb.h>\n\n#include <string>\n')
-        self.write("tests/good.cpp", '#include "jet/x.h"\n#include "os/x.h"\n')
+        self.write("tests/good.cpp", '#include "jet/base/x.h"\n#include "os/x.h"\n')
         self.assertEqual(self.validate(), (0, []))
 
     def test_tab_is_reported(self):
@@ -81,7 +105,7 @@ class ValidateTest(unittest.TestCase):
         self.expect_only("docs/bad.md:2: tab: ")
 
     def test_tab_in_table_of_data_passes(self):
-        self.write("jet/good.tsv", "one\ttwo\n")
+        self.write("jet/base/good.tsv", "one\ttwo\n")
         self.assertEqual(self.validate(), (0, []))
 
     def test_crlf_is_reported(self):
@@ -113,7 +137,7 @@ class ValidateTest(unittest.TestCase):
         self.expect_only("os/bad.cpp:1: format: ")
 
     def test_every_violation_has_a_line(self):
-        self.write("os/bad.cpp", '#include "jet/x.h"\n\tint x;\n')
+        self.write("os/bad.cpp", '#include "jet/base/x.h"\n\tint x;\n')
         code, lines = self.validate()
         self.assertEqual(code, 1)
         self.assertEqual(len(lines), 2, lines)

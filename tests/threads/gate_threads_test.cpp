@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "jet/check.h"
+#include "jet/check/check.h"
 #include "tests/frame/late_binding.h"
 #include "tests/threads/worker.h"
 

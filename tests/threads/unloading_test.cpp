@@ -52,8 +52,8 @@ TEST(Unloading, library_let_go_of_in_the_middle_of_a_burst_loses_nothing) {
 }
 
 #ifdef _WIN32
-// An edit that fails uses up a number and saves nothing; the closing then saves what the table has counted, too late for
-// a thread to be begun.
+// An edit that fails uses up a number and saves nothing; the closing then saves what the table has counted, too late
+// for a thread to be begun.
 TEST(Unloading, closing_by_unloading_begins_no_thread_in_the_library_that_goes) {
     for (int round = 0; round < 5; ++round) {
         const TempFolder folder;

@@ -1,7 +1,7 @@
 // Damaged files: what can be read is printed, each place that cannot be is named on standard error, and the command
 // fails; a file of which nothing can be read is told in one line.
-#include "jet/database.h"
-#include "jet/jet4.h"
+#include "jet/base/jet4.h"
+#include "jet/tables/database.h"
 #include "tests/tools/tool_fixture.h"
 
 namespace {

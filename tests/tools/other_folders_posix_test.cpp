@@ -9,7 +9,7 @@
 #include <chrono>
 #include <thread>
 
-#include "jet/database.h"
+#include "jet/tables/database.h"
 #include "tests/old_files/old_files.h"
 #include "tests/tools/tool_fixture.h"
 

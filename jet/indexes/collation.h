@@ -1,0 +1,26 @@
+// The General text order (LCID 1033, version 0) of Jet 4.
+#pragma once
+
+#include <string_view>
+
+#include "jet/base/bytes.h"
+
+namespace jet {
+
+// Appends the sort key of the first 255 characters without trailing blanks, without the leading flag
+// byte, ending in 00. Ascending form. Source of the weights: jet/indexes/collation_table.cpp (generated).
+void append_sort_key(ByteVector& to, std::u16string_view text);
+// The descending form (inverted, with its own terminator), without the leading flag byte.
+void append_descending_sort_key(ByteVector& to, std::u16string_view text);
+
+// Equality and order of the General order over whole texts, trailing blanks ignored. No length limit
+// of an index applies: texts of any length are compared whole.
+bool equal_text(std::u16string_view a, std::u16string_view b);
+int compare_text(std::u16string_view a, std::u16string_view b);  // <0, 0, >0
+
+// For pattern matching of single characters: equal without regard to case, accents distinguished.
+bool equal_character(char16_t a, char16_t b);
+// Order of single characters ignoring case, accented letters after their base letter.
+int compare_character(char16_t a, char16_t b);
+
+}  // namespace jet

@@ -1,0 +1,112 @@
+#include "jet/pages/recovery.h"
+
+#include <algorithm>
+#include <memory>
+
+#include "jet/base/error.h"
+#include "jet/base/jet4.h"
+#include "jet/pages/journal.h"
+#include "os/draft.h"
+
+namespace jet {
+namespace {
+
+ByteVector read_page(os::File& file, PageNumber page_no) {
+    ByteVector page(jet4::kPageSize);
+    if (file.read(std::uint64_t{page_no} * jet4::kPageSize, page) != jet4::kPageSize) {
+        corrupt(page_no, "the file ends inside the page");
+    }
+    return page;
+}
+
+bool is_bound_to(const JournalBinding& binding, os::File& database) {
+    const std::uint64_t counter = load_u64(read_page(database, jet4::kObjectsPage), jet4::tdef::kFiller);
+    return binding.identity == file_identity(read_page(database, jet4::kHeaderPage)) &&
+           (counter == binding.base_counter || counter == binding.next_counter);
+}
+
+// Every page that the file is to grow by is in the journal: a commit holds the pages it has added.
+void check_growth(const JournalContent& content, std::uint32_t page_count) {
+    if (content.page_count > jet4::kMaxPages) corrupt(0, "the journal names more pages than a file may have");
+    if (content.page_count <= page_count) return;
+    const auto added = std::count_if(content.last_images.begin(), content.last_images.end(),
+                                     [&](const JournalContent::Image& image) { return image.page_no >= page_count; });
+    if (static_cast<std::uint64_t>(added) < content.page_count - page_count) {
+        corrupt(0, "the journal lacks pages that the file is to grow by");
+    }
+}
+
+void set_aside(os::FileSystem& files, const std::string& journal_path) {
+    for (int n = 1;; ++n) {
+        const std::string aside = journal_path + "-set-aside" + (n > 1 ? "-" + std::to_string(n) : "");
+        try {
+            files.rename(journal_path, aside);
+        } catch (const os::FileError& error) {
+            if (error.fault() == os::FileFault::kExists) continue;
+            throw;
+        }
+        return files.sync_folder_of(aside);
+    }
+}
+
+// Null when there is none; `is_link` when something else has its name.
+std::unique_ptr<os::File> open_journal(os::FileSystem& files, const std::string& path, bool read_only, bool& is_link) {
+    try {
+        return files.open(path, read_only ? os::OpenMode::kReadSide : os::OpenMode::kOpenSide);
+    } catch (const os::FileError& error) {
+        is_link = error.fault() == os::FileFault::kLink;
+        if (is_link || error.fault() == os::FileFault::kNotFound) return nullptr;
+        throw;
+    }
+}
+
+}  // namespace
+
+std::uint64_t file_identity(ByteSpan header_page) {
+    std::uint64_t sum = checksum64(header_page.first(jet4::header::kMasked), 0);
+    sum = checksum64(header_page.subspan(jet4::header::kBuild, jet4::header::kSidKeyEnd - jet4::header::kBuild), sum);
+    return checksum64(header_page.subspan(jet4::header::kCommitWords, jet4::header::kCommitWordBytes), sum);
+}
+
+Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only) {
+    Recovered result;
+    result.page_count =
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(database.size() / jet4::kPageSize, jet4::kMaxPages));
+    const std::string journal_path = Journal::path_for(path);
+    bool is_link = false;
+    std::unique_ptr<os::File> journal = open_journal(files, journal_path, read_only, is_link);
+    // What a host that was killed while it removed its journal has left.
+    if (!read_only) os::clear_drafts(journal_path);
+    if (!journal && !is_link) return result;
+    if (journal && journal->size() == 0) {
+        journal.reset();
+        if (!read_only) remove_journal_file(files, journal_path);
+        return result;
+    }
+    JournalContent content;
+    if (is_link || result.page_count <= jet4::kObjectsPage || !Journal::read(*journal, content) ||
+        !is_bound_to(content.binding, database)) {
+        journal.reset();
+        if (!read_only) set_aside(files, journal_path);
+        return result;
+    }
+    check_growth(content, result.page_count);
+    if (content.page_count > 0) result.page_count = content.page_count;
+    for (const JournalContent::Image& last : content.last_images) {
+        ByteVector image(jet4::kPageSize);
+        if (journal->read(last.at, image) != jet4::kPageSize) corrupt(last.page_no, "the journal ends inside the page");
+        if (read_only) {
+            result.images.push_back({last.page_no, std::move(image)});
+        } else {
+            database.write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
+        }
+    }
+    if (read_only) return result;
+    if (content.page_count > 0) database.truncate(std::uint64_t{result.page_count} * jet4::kPageSize);
+    database.sync();
+    journal.reset();
+    remove_journal_file(files, journal_path);
+    return result;
+}
+
+}  // namespace jet

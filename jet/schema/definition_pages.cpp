@@ -1,0 +1,32 @@
+#include "jet/schema/definition_pages.h"
+
+#include <algorithm>
+
+namespace jet {
+
+namespace tdef = jet4::tdef;
+
+DefinitionPages read_definition(Pager& pager, PageNumber first) {
+    DefinitionPages read;
+    std::size_t length = tdef::kFixedHeader;
+    for (PageNumber page_no = first; read.bytes.size() < length;) {
+        if (page_no == 0) corrupt(first, "a table definition is cut short");
+        if (std::find(read.pages.begin(), read.pages.end(), page_no) != read.pages.end()) {
+            corrupt(first, "the pages of a table definition go in a circle");
+        }
+        const Page page = pager.read(page_no);
+        if (page.bytes()[0] != jet4::kTableDefPage) corrupt(page_no, "a page of a table definition was expected");
+        append_bytes(read.bytes, page.bytes().subspan(read.pages.empty() ? 0 : tdef::kPageHeader));
+        if (read.pages.empty()) {
+            length = load_u32(read.bytes, tdef::kLength);
+            if (length < tdef::kFixedHeader) corrupt(first, "a table definition is shorter than its head");
+            if (length > kMaxDefinitionPages * jet4::kPageSize) corrupt(first, "a table definition is too long");
+        }
+        read.pages.push_back(page_no);
+        page_no = load_u32(page.bytes(), tdef::kNext);
+    }
+    read.bytes.resize(length);
+    return read;
+}
+
+}  // namespace jet

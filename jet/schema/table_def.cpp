@@ -1,0 +1,394 @@
+// The two codecs of a table definition. Both work on the logical definition (the chain of pages joined);
+// cutting it into pages is the schema editor's part.
+//
+// Whatever parse_table_def lets through keeps these promises to the code above it:
+//  - no more columns, indexes and names of indexes than the format allows, and no longer names;
+//  - column numbers are unique and below max_columns, the variable indexes of variable columns are unique and below
+//    variable_columns, fixed columns lie inside a page and share no byte, long values are variable;
+//  - every index names existing columns, every name of an index an existing one;
+//  - every map has a row of its own, and every index a root of its own.
+// Whether a map or a root is what its address says is seen where it is loaded (usage_map.cpp, index_page.cpp).
+#include "jet/schema/table_def.h"
+
+#include <algorithm>
+#include <bitset>
+#include <set>
+
+namespace jet {
+
+namespace {
+
+namespace tdef = jet4::tdef;
+
+// Reads the definition front to back; every step is checked against the definition's end.
+class DefReader {
+public:
+    DefReader(ByteSpan bytes, PageNumber page) : bytes_(bytes), page_(page) {}
+
+    ByteSpan take(std::size_t count) {
+        if (count > remaining()) damaged("the table definition ends inside a structure");
+        const ByteSpan taken = bytes_.subspan(at_, count);
+        at_ += count;
+        return taken;
+    }
+    std::uint16_t take_u16() { return load_u16(take(2), 0); }
+    RowId take_row() { return RowId::unpack(load_u32(take(4), 0)); }
+    std::u16string take_name() {
+        const std::size_t name_bytes = take_u16();
+        if (name_bytes % 2 != 0) damaged("a name in the table definition has half a character");
+        if (name_bytes > 2 * jet4::kMaxNameCharacters) damaged("a name in the table definition is too long");
+        const ByteSpan text = take(name_bytes);
+        std::u16string name(name_bytes / 2, u'\0');
+        for (std::size_t i = 0; i < name.size(); ++i) name[i] = static_cast<char16_t>(load_u16(text, 2 * i));
+        return name;
+    }
+    // For counts that announce records: none may be allocated for before it is known to be there.
+    void require_records(std::uint64_t count, std::size_t record_bytes) const {
+        if (count > remaining() / record_bytes) damaged("the table definition announces more entries than it holds");
+    }
+    std::size_t remaining() const { return bytes_.size() - at_; }
+    [[noreturn]] void damaged(std::string_view rule) const { corrupt(page_, rule); }
+
+private:
+    ByteSpan bytes_;
+    PageNumber page_;
+    std::size_t at_ = 0;
+};
+
+// Bytes of a value in the fixed area; 0 where the column itself says.
+std::size_t natural_size(ColumnType type) {
+    switch (type) {
+        case ColumnType::kBoolean:
+        case ColumnType::kByte: return 1;
+        case ColumnType::kInteger: return 2;
+        case ColumnType::kLong:
+        case ColumnType::kSingle:
+        case ColumnType::kComplexId: return 4;
+        case ColumnType::kCurrency:
+        case ColumnType::kDouble:
+        case ColumnType::kDate: return 8;
+        case ColumnType::kGuid: return 16;
+        case ColumnType::kNumeric: return 17;
+        default: return 0;
+    }
+}
+
+ColumnDef parse_column(ByteSpan record) {
+    ColumnDef column;
+    column.type = static_cast<ColumnType>(load_u8(record, tdef::column::kType));
+    column.number = load_u16(record, tdef::column::kNumber);
+    column.variable_index = load_u16(record, tdef::column::kVariableIndex);
+    column.ordinal = load_u16(record, tdef::column::kOrdinal);
+    if (column.type == ColumnType::kNumeric) {
+        column.precision = load_u8(record, tdef::column::kLcid);
+        column.scale = load_u8(record, tdef::column::kScale);
+    } else {
+        column.lcid = load_u16(record, tdef::column::kLcid);
+        column.sort_version = load_u8(record, tdef::column::kSortVersion);
+    }
+    column.flags = load_u8(record, tdef::column::kFlags);
+    column.ext_flags = load_u8(record, tdef::column::kExtFlags);
+    // Variable columns carry garbage here.
+    column.fixed_offset = column.is_fixed() ? load_u16(record, tdef::column::kFixedOffset) : std::uint16_t{0};
+    column.length_bytes = load_u16(record, tdef::column::kLength);
+    return column;
+}
+
+void append_column(ByteVector& to, const ColumnDef& column) {
+    append_u8(to, static_cast<std::uint8_t>(column.type));
+    append_u32(to, tdef::kMagicValue);
+    append_u16(to, column.number);
+    append_u16(to, column.variable_index);
+    append_u16(to, column.ordinal);
+    if (column.type == ColumnType::kNumeric) {
+        append_u8(to, column.precision);
+        append_u8(to, column.scale);
+        append_u16(to, 0);
+    } else {
+        append_u16(to, column.lcid);
+        append_u8(to, 0);
+        append_u8(to, column.sort_version);
+    }
+    append_u8(to, column.flags);
+    append_u8(to, column.ext_flags);
+    append_u32(to, 0);
+    append_u16(to, column.fixed_offset);
+    append_u16(to, column.length_bytes);
+}
+
+RealIndex parse_real_index(ByteSpan record) {
+    RealIndex index;
+    for (std::size_t i = 0; i < tdef::kKeyColumns; ++i) {
+        const std::size_t at = tdef::real_index::kKeys + tdef::real_index::kKeyBytes * i;
+        const std::uint16_t number = load_u16(record, at);
+        if (number == tdef::kNoColumn) continue;
+        index.columns.push_back({number, load_u8(record, at + tdef::real_index::kKeyOrder) != 0});
+    }
+    index.map = RowId::unpack(load_u32(record, tdef::real_index::kMap));
+    index.root = load_u32(record, tdef::real_index::kRoot);
+    index.flags = load_u8(record, tdef::real_index::kFlags);
+    return index;
+}
+
+void append_real_index(ByteVector& to, const RealIndex& index) {
+    append_u32(to, tdef::kIndexMagicValue);
+    for (std::size_t i = 0; i < tdef::kKeyColumns; ++i) {
+        const bool used = i < index.columns.size();
+        append_u16(to, used ? index.columns[i].column_number : tdef::kNoColumn);
+        append_u8(to, used && index.columns[i].ascending ? 1 : 0);
+    }
+    append_u32(to, index.map.pack());
+    append_u32(to, index.root);
+    append_u32(to, 0);
+    append_u8(to, index.flags);
+    to.insert(to.end(), 5, 0);
+}
+
+LogicalIndex parse_logical_index(ByteSpan record) {
+    LogicalIndex index;
+    index.number = load_u32(record, tdef::logical_index::kNumber);
+    index.real_index = load_u32(record, tdef::logical_index::kRealIndex);
+    index.relation_side = load_u8(record, tdef::logical_index::kRelationSide);
+    index.other_index = load_i32(record, tdef::logical_index::kOtherIndex);
+    index.other_table = load_u32(record, tdef::logical_index::kOtherTable);
+    index.cascade_update = load_u8(record, tdef::logical_index::kCascadeUpdate);
+    index.cascade_delete = load_u8(record, tdef::logical_index::kCascadeDelete);
+    index.type = load_u8(record, tdef::logical_index::kType);
+    return index;
+}
+
+void append_logical_index(ByteVector& to, const LogicalIndex& index) {
+    append_u32(to, tdef::kMagicValue);
+    append_u32(to, index.number);
+    append_u32(to, index.real_index);
+    append_u8(to, index.relation_side);
+    append_u32(to, static_cast<std::uint32_t>(index.other_index));
+    append_u32(to, index.other_table);
+    append_u8(to, index.cascade_update);
+    append_u8(to, index.cascade_delete);
+    append_u8(to, index.type);
+    append_u32(to, 0);
+}
+
+void append_name(ByteVector& to, std::u16string_view name) {
+    append_u16(to, static_cast<std::uint16_t>(2 * name.size()));
+    for (const char16_t unit : name) append_u16(to, unit);
+}
+
+void check_columns(const TableDef& def, const DefReader& reader) {
+    std::set<std::uint16_t> numbers;
+    std::set<std::uint16_t> variable_indexes;
+    for (const ColumnDef& column : def.columns) {
+        if (column.number >= def.max_columns) reader.damaged("a column number exceeds the table's columns");
+        if (!numbers.insert(column.number).second) reader.damaged("two columns have one number");
+        if (!column.is_fixed()) {
+            if (column.variable_index >= def.variable_columns) {
+                reader.damaged("a column's place among the variable columns exceeds their number");
+            }
+            if (!variable_indexes.insert(column.variable_index).second) {
+                reader.damaged("two variable columns have one place");
+            }
+            continue;
+        }
+        if (column.is_long()) reader.damaged("a long value column is marked as of fixed length");
+        const std::size_t natural = natural_size(column.type);
+        if (natural != 0 && column.length_bytes != natural) reader.damaged("a column's length is not its type's");
+        if (std::size_t{column.fixed_offset} + column.length_bytes > jet4::kPageSize) {
+            reader.damaged("a fixed column lies outside of any row");
+        }
+    }
+}
+
+void check_indexes(const TableDef& def, const DefReader& reader) {
+    for (const RealIndex& index : def.real_indexes) {
+        if (index.columns.empty()) reader.damaged("an index has no columns");
+        for (const KeyColumn& key : index.columns) {
+            if (!def.column_by_number(key.column_number)) reader.damaged("an index names a column that is not there");
+        }
+    }
+    for (const LogicalIndex& index : def.logical_indexes) {
+        if (index.real_index >= def.real_indexes.size()) reader.damaged("an index name has no index");
+    }
+}
+
+void check_fixed_area(const TableDef& def, const DefReader& reader) {
+    std::bitset<jet4::kPageSize> taken;
+    for (const ColumnDef& column : def.columns) {
+        if (!column.is_fixed() || column.type == ColumnType::kBoolean) continue;
+        for (std::size_t i = 0; i < column.length_bytes; ++i) {
+            if (taken.test(column.fixed_offset + i)) reader.damaged("two columns share bytes of the row");
+            taken.set(column.fixed_offset + i);
+        }
+    }
+}
+
+// A map or a tree that served two purposes would be changed for the one behind the back of the other.
+void check_owned_structures(const TableDef& def, const DefReader& reader) {
+    std::set<RowId> maps;
+    const auto add = [&](RowId map) {
+        if (map.is_null()) return;
+        if (map.page == jet4::kHeaderPage || map.page >= jet4::kMaxPages) reader.damaged("a map lies outside the file");
+        if (map.page == jet4::kGlobalMapPage && map.slot < 2) reader.damaged("a map is one of the file itself");
+        if (!maps.insert(map).second) reader.damaged("two maps of the table are one");
+    };
+    add(def.owned_map);
+    add(def.free_map);
+    for (const ColumnDef& column : def.columns) {
+        add(column.owned_map);
+        add(column.free_map);
+    }
+    std::set<PageNumber> roots;
+    for (const RealIndex& index : def.real_indexes) {
+        add(index.map);
+        if (index.root <= jet4::kRelationshipsPage || index.root >= jet4::kMaxPages) {
+            reader.damaged("the root of an index cannot be where it says");
+        }
+        if (!roots.insert(index.root).second) reader.damaged("two indexes have one root");
+    }
+}
+
+// The list of long value maps, up to and including its end mark.
+void parse_long_value_maps(TableDef& def, DefReader& reader) {
+    std::set<std::uint16_t> seen;
+    for (std::uint16_t number = reader.take_u16(); number != tdef::kNoColumn; number = reader.take_u16()) {
+        const std::optional<std::size_t> position = def.column_by_number(number);
+        if (!position || !def.columns[*position].is_long()) reader.damaged("page maps belong to no long value column");
+        if (!seen.insert(number).second) reader.damaged("a long value column has its page maps twice");
+        def.columns[*position].owned_map = reader.take_row();
+        def.columns[*position].free_map = reader.take_row();
+    }
+}
+
+}  // namespace
+
+std::optional<std::size_t> TableDef::find_column(std::u16string_view column_name) const {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (same_name(columns[i].name, column_name)) return i;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::size_t> TableDef::column_by_number(std::uint16_t number) const {
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (columns[i].number == number) return i;
+    }
+    return std::nullopt;
+}
+
+TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
+    if (bytes.size() < tdef::kFixedHeader) corrupt(page, "the table definition is too short");
+    if (load_u8(bytes, 0) != jet4::kTableDefPage) corrupt(page, "a table definition is expected here");
+    const std::uint32_t length = load_u32(bytes, tdef::kLength);
+    if (length < tdef::kFixedHeader || length > bytes.size()) corrupt(page, "the table definition's length is wrong");
+    DefReader reader(bytes.first(length), page);
+
+    const ByteSpan header = reader.take(tdef::kFixedHeader);
+    if (load_u32(header, tdef::kMagic) != tdef::kMagicValue) reader.damaged("the table definition lacks its mark");
+    TableDef def;
+    def.page = page;
+    def.row_count = load_u32(header, tdef::kRowCount);
+    def.last_autonumber = load_i32(header, tdef::kLastAutoNumber);
+    def.change_counter = load_u64(header, tdef::kFiller);
+    def.kind = load_u8(header, tdef::kKind);
+    def.max_columns = load_u16(header, tdef::kMaxColumns);
+    def.variable_columns = load_u16(header, tdef::kVariableColumns);
+    const std::uint16_t column_count = load_u16(header, tdef::kColumns);
+    const std::uint32_t logical_count = load_u32(header, tdef::kLogicalIndexes);
+    const std::uint32_t real_count = load_u32(header, tdef::kRealIndexes);
+    def.owned_map = RowId::unpack(load_u32(header, tdef::kOwnedMap));
+    def.free_map = RowId::unpack(load_u32(header, tdef::kFreeMap));
+
+    if (def.max_columns > jet4::kMaxColumns || column_count > jet4::kMaxColumns ||
+        def.variable_columns > jet4::kMaxColumns) {
+        reader.damaged("the table has more columns than it can have");
+    }
+    if (real_count > jet4::kMaxIndexes || logical_count > jet4::kMaxLogicalIndexes) {
+        reader.damaged("the table has more indexes than it can have");
+    }
+
+    reader.require_records(real_count, tdef::kIndexStatistics);
+    std::vector<std::uint32_t> distinct_keys(real_count);
+    for (std::uint32_t& count : distinct_keys) {
+        count = load_u32(reader.take(tdef::kIndexStatistics), tdef::kDistinctKeys);
+    }
+
+    reader.require_records(column_count, tdef::kColumnRecord);
+    def.columns.reserve(column_count);
+    for (std::uint16_t i = 0; i < column_count; ++i) {
+        def.columns.push_back(parse_column(reader.take(tdef::kColumnRecord)));
+    }
+    for (ColumnDef& column : def.columns) column.name = reader.take_name();
+
+    reader.require_records(real_count, tdef::kRealIndexRecord);
+    def.real_indexes.reserve(real_count);
+    for (std::uint32_t i = 0; i < real_count; ++i) {
+        def.real_indexes.push_back(parse_real_index(reader.take(tdef::kRealIndexRecord)));
+        def.real_indexes.back().distinct_keys = distinct_keys[i];
+    }
+    reader.require_records(logical_count, tdef::kLogicalIndexRecord);
+    def.logical_indexes.reserve(logical_count);
+    for (std::uint32_t i = 0; i < logical_count; ++i) {
+        def.logical_indexes.push_back(parse_logical_index(reader.take(tdef::kLogicalIndexRecord)));
+    }
+    for (LogicalIndex& index : def.logical_indexes) index.name = reader.take_name();
+
+    check_columns(def, reader);
+    check_indexes(def, reader);
+    check_fixed_area(def, reader);
+    parse_long_value_maps(def, reader);
+    check_owned_structures(def, reader);
+    if (reader.remaining() != 0) reader.damaged("the table definition continues after its end");
+
+    std::sort(def.columns.begin(), def.columns.end(), [](const ColumnDef& a, const ColumnDef& b) {
+        return a.ordinal != b.ordinal ? a.ordinal < b.ordinal : a.number < b.number;
+    });
+    return def;
+}
+
+ByteVector build_table_def(const TableDef& def, const std::vector<std::size_t>& record_order) {
+    std::vector<std::size_t> order = record_order;
+    if (order.empty()) {
+        for (std::size_t i = 0; i < def.columns.size(); ++i) order.push_back(i);
+    }
+
+    ByteVector bytes(tdef::kFixedHeader);
+    bytes[0] = jet4::kTableDefPage;
+    bytes[jet4::kPageKindMark] = 1;
+    store_u32(bytes, tdef::kMagic, tdef::kMagicValue);
+    store_u32(bytes, tdef::kRowCount, def.row_count);
+    store_u32(bytes, tdef::kLastAutoNumber, static_cast<std::uint32_t>(def.last_autonumber));
+    store_u32(bytes, tdef::kAutoNumberFlag, 1);
+    store_u64(bytes, tdef::kFiller, def.change_counter);
+    store_u8(bytes, tdef::kKind, def.kind);
+    store_u16(bytes, tdef::kMaxColumns, def.max_columns);
+    store_u16(bytes, tdef::kVariableColumns, def.variable_columns);
+    store_u16(bytes, tdef::kColumns, static_cast<std::uint16_t>(def.columns.size()));
+    store_u32(bytes, tdef::kLogicalIndexes, static_cast<std::uint32_t>(def.logical_indexes.size()));
+    store_u32(bytes, tdef::kRealIndexes, static_cast<std::uint32_t>(def.real_indexes.size()));
+    store_u32(bytes, tdef::kOwnedMap, def.owned_map.pack());
+    store_u32(bytes, tdef::kFreeMap, def.free_map.pack());
+
+    for (const RealIndex& index : def.real_indexes) {
+        append_u32(bytes, 0);
+        append_u32(bytes, index.distinct_keys);
+        append_u32(bytes, 0);
+    }
+    for (const std::size_t position : order) append_column(bytes, def.columns[position]);
+    for (const std::size_t position : order) append_name(bytes, def.columns[position].name);
+    for (const RealIndex& index : def.real_indexes) append_real_index(bytes, index);
+    for (const LogicalIndex& index : def.logical_indexes) append_logical_index(bytes, index);
+    for (const LogicalIndex& index : def.logical_indexes) append_name(bytes, index.name);
+
+    for (const std::size_t position : order) {
+        const ColumnDef& column = def.columns[position];
+        if (!column.is_long()) continue;
+        append_u16(bytes, column.number);
+        append_u32(bytes, column.owned_map.pack());
+        append_u32(bytes, column.free_map.pack());
+    }
+    append_u16(bytes, tdef::kNoColumn);
+    store_u32(bytes, tdef::kLength, static_cast<std::uint32_t>(bytes.size()));
+    return bytes;
+}
+
+}  // namespace jet

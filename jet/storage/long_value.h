@@ -1,0 +1,45 @@
+// Memos and OLE objects: a 12-byte reference in the row, the bytes inline, on one row of a shared page, or
+// in a chain of pages of their own.
+#pragma once
+
+#include <optional>
+
+#include "jet/base/bytes.h"
+#include "jet/schema/table_def.h"
+#include "jet/storage/chain_owners.h"
+#include "jet/storage/usage_map.h"
+
+namespace jet {
+
+class LongValues {
+public:
+    // `owners`, where given, is kept of the chains read for a value that is named.
+    LongValues(Pager& pager, PageAllocator& allocator, ChainOwners* owners = nullptr)
+        : pager_(pager), allocator_(allocator), owners_(owners) {}
+
+    // All bytes behind a stored reference. An empty field reads as an empty value. 3049 for a chain that is broken,
+    // or whose pages belong to another value than `value`.
+    ByteVector read(ByteSpan reference, const ValueId* value = nullptr) const;
+    // Says that they will soon be read.
+    void prefetch(ByteSpan reference) const;
+    // The bytes themselves where they stand behind the reference; none for a value on pages of its own.
+    static std::optional<ByteSpan> inline_bytes(ByteSpan reference);
+    // Stores `bytes` and returns the reference with what follows it. `inline_allowed` false puts even a
+    // short value on a page of its own. Inside a transaction.
+    ByteVector write(const ColumnDef& column, ByteSpan bytes, bool inline_allowed = true);
+    // Gives back what the reference leads to. Inside a transaction.
+    void release(const ColumnDef& column, ByteSpan reference);
+
+    // A memo's text to and from the bytes stored; short text is compressed, as the format's own writer does.
+    static ByteVector encode_memo(std::u16string_view text);
+
+private:
+    RowId write_single(const ColumnDef& column, ByteSpan bytes);
+    ByteVector write_chain(const ColumnDef& column, ByteSpan bytes);
+
+    Pager& pager_;
+    PageAllocator& allocator_;
+    ChainOwners* owners_;
+};
+
+}  // namespace jet

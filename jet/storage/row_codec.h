@@ -1,0 +1,48 @@
+// The bytes of one row: column count, fixed area, variable values, their offsets, null mask.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
+#include "jet/schema/table_def.h"
+
+namespace jet {
+
+// One column's stored form: nothing for Null. A boolean is one byte, 0 or 1. A long value is its
+// 12-byte reference with what follows inline.
+using StoredValue = std::optional<ByteVector>;
+
+// Read access to a row's bytes. What a value needs of them is checked when it is asked for (3049).
+class RowReader {
+public:
+    RowReader() = default;  // of no row: nothing may be asked
+    RowReader(ByteSpan row, const TableDef& def);
+
+    // The column's stored bytes inside the row; none for Null. Booleans give a byte of a static table.
+    std::optional<ByteSpan> stored(const ColumnDef& column) const;
+
+private:
+    void find_trailer() const;
+    bool mask_bit(std::size_t number) const { return (mask_[number / 8] >> (number % 8) & 1) != 0; }
+
+    ByteSpan row_;
+    PageNumber table_page_ = 0;
+    std::size_t column_count_ = 0;
+    ByteSpan mask_;
+    mutable std::size_t trailer_ = 0;  // where the offsets of variable values stand; 0: not looked for yet
+    mutable std::size_t variable_count_ = 0;
+};
+
+// A row of the table's present shape; `values` by position in def.columns. How long a row may be is the
+// caller's to check.
+ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& values);
+
+// Values that stand in the row itself, to and from their stored form (long values: long_value.h).
+Value decode_value(ByteSpan stored, const ColumnDef& column);
+// As above, into a value whose memory is used again where it held a text before.
+void decode_value(ByteSpan stored, const ColumnDef& column, Value& into);
+ByteVector encode_value(const Value& value, const ColumnDef& column);
+
+}  // namespace jet

@@ -1,0 +1,27 @@
+// Text as rows hold it: UTF-16LE, or compressed to one byte a character behind the mark FF FE.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "jet/base/bytes.h"
+
+namespace jet {
+
+// `compress`: use the short form where the format's own writer would (three characters or more, all of
+// them U+0001..U+00FF).
+ByteVector encode_text(std::u16string_view text, bool compress);
+// Accepts every form, the toggling one included; an odd last byte is ignored.
+std::u16string decode_text(ByteSpan bytes);
+// As above, into a text whose memory is used again.
+void decode_text(ByteSpan bytes, std::u16string& into);
+
+// Most texts are ASCII, the same in every code page. How many characters a stored text has, if it is nothing but
+// ASCII without NUL; none for any other.
+std::optional<std::size_t> ascii_length(ByteSpan bytes);
+// Writes the characters of such a text to `to`.
+void copy_ascii(ByteSpan bytes, char* to);
+
+}  // namespace jet

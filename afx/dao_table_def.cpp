@@ -8,6 +8,7 @@
 
 #include "afx/dao_error.h"
 #include "afx/engine_database.h"
+#include "jet/indexes/collation.h"
 #include "os/system.h"
 
 namespace {

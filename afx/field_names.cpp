@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "jet/base/types.h"
+#include "jet/indexes/collation.h"
 #include "os/system.h"
 
 namespace afx {

@@ -1,5 +1,6 @@
 // Which methods of which gate serve which table. Gear goes by the newer gate, which knows the whole rental.
 #include "gear/gear.h"
+#include "jet/indexes/collation.h"
 #include "studio/bookings.h"
 #include "studio/contacts.h"
 #include "studio/engineers.h"

@@ -1,7 +1,5 @@
-// Names in the two encodings they travel in, and their equality.
+// Names in the two encodings they travel in.
 #include "jet/base/types.h"
-
-#include "jet/indexes/collation.h"
 
 namespace jet {
 
@@ -95,8 +93,5 @@ std::u16string from_utf8(std::string_view text) {
     }
     return result;
 }
-
-// As the catalogue's unique index sees names, so that two names are the same exactly when it refuses one.
-bool same_name(std::u16string_view a, std::u16string_view b) { return equal_text(a, b); }
 
 }  // namespace jet

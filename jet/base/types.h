@@ -91,7 +91,4 @@ inline bool is_null(const Value& value) { return std::holds_alternative<Null>(va
 std::string to_utf8(std::u16string_view text);
 std::u16string from_utf8(std::string_view text);
 
-// Whether two object or column names are the same: without regard to case (General order).
-bool same_name(std::u16string_view a, std::u16string_view b);
-
 }  // namespace jet

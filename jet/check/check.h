@@ -1,19 +1,12 @@
 // The structural check of a file.
 #pragma once
 
-#include <string>
 #include <vector>
 
+#include "jet/check/violation.h"
 #include "jet/tables/database.h"
 
 namespace jet {
-
-struct Violation {
-    PageNumber page = 0;
-    int row = -1;        // slot, or -1 when the rule is about the page or the table
-    std::string rule;    // short name of the rule
-    std::string detail;  // one line
-};
 
 // Every violated invariant of the file; empty for a sound one. Never throws for damage it can name.
 // Damage that stops a part of the check is itself reported. With a thousand of them the check ends.

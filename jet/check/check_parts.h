@@ -15,8 +15,9 @@
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
-#include "jet/check/check.h"
+#include "jet/check/violation.h"
 #include "jet/schema/table_def.h"
+#include "jet/tables/database.h"
 
 namespace jet::check {
 

@@ -18,6 +18,10 @@ void append_descending_sort_key(ByteVector& to, std::u16string_view text);
 bool equal_text(std::u16string_view a, std::u16string_view b);
 int compare_text(std::u16string_view a, std::u16string_view b);  // <0, 0, >0
 
+// Whether two names of objects or columns are the same: as the catalogue's unique index sees them, so exactly when it
+// refuses one.
+inline bool same_name(std::u16string_view a, std::u16string_view b) { return equal_text(a, b); }
+
 // For pattern matching of single characters: equal without regard to case, accents distinguished.
 bool equal_character(char16_t a, char16_t b);
 // Order of single characters ignoring case, accented letters after their base letter.

@@ -7,7 +7,6 @@
 
 #include "jet/base/bytes.h"
 #include "jet/pages/pager.h"
-#include "jet/schema/table_def.h"
 #include "jet/storage/usage_map.h"
 
 namespace jet {

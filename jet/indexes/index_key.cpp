@@ -147,19 +147,19 @@ bool is_indexable(ColumnType type) {
     }
 }
 
-std::size_t position_of(const KeyColumn& key, const TableDef& def) {
-    const auto position = def.column_by_number(key.column_number);
-    if (!position) corrupt(def.page, "an index names a column that the table does not have");
+std::size_t position_of(const KeyColumn& key, const RowShape& shape) {
+    const auto position = shape.column_by_number(key.column_number);
+    if (!position) corrupt(shape.page, "an index names a column that the table does not have");
     return *position;
 }
 
 }  // namespace
 
-std::optional<std::string> why_not_maintainable(const RealIndex& index, const TableDef& def) {
+std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape) {
     for (const KeyColumn& key : index.columns) {
-        const auto position = def.column_by_number(key.column_number);
+        const auto position = shape.column_by_number(key.column_number);
         if (!position) return "column number " + std::to_string(key.column_number) + " does not exist";
-        const ColumnDef& column = def.columns[*position];
+        const ColumnDef& column = shape.columns[*position];
         const std::string name = "column " + to_utf8(column.name);
         if (!is_indexable(column.type)) return name + " has a type without known index keys";
         const bool text = column.type == ColumnType::kText || column.type == ColumnType::kMemo;
@@ -168,21 +168,21 @@ std::optional<std::string> why_not_maintainable(const RealIndex& index, const Ta
     return std::nullopt;
 }
 
-ByteVector make_index_key(const RealIndex& index, const TableDef& def, std::span<const Value> values) {
+ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
     ByteVector key;
     static const Value kNothing;
     for (const KeyColumn& column : index.columns) {
-        const std::size_t position = position_of(column, def);
+        const std::size_t position = position_of(column, shape);
         const Value& value = position < values.size() ? values[position] : kNothing;
-        append_key_column(key, def.columns[position], value, column.ascending);
+        append_key_column(key, shape.columns[position], value, column.ascending);
     }
     return key;
 }
 
-bool all_null_key(const RealIndex& index, const TableDef& def, std::span<const Value> values) {
+bool all_null_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
     return std::all_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
-        const std::size_t position = position_of(column, def);
-        if (def.columns[position].type == ColumnType::kBoolean) return false;
+        const std::size_t position = position_of(column, shape);
+        if (shape.columns[position].type == ColumnType::kBoolean) return false;
         return position >= values.size() || is_null(values[position]);
     });
 }

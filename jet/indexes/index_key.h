@@ -7,18 +7,19 @@
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
-#include "jet/schema/table_def.h"
+#include "jet/indexes/index_def.h"
+#include "jet/storage/row_shape.h"
 
 namespace jet {
 
-// Why this engine cannot keep `index` of `def` current (an unknown type or another sort order), in words
+// Why this engine cannot keep `index` current (an unknown type or another sort order), in words
 // for an error text; none when it can.
-std::optional<std::string> why_not_maintainable(const RealIndex& index, const TableDef& def);
+std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape);
 
-// The key of a row whose values stand in `values` (by position in def.columns), flag bytes included.
-ByteVector make_index_key(const RealIndex& index, const TableDef& def, std::span<const Value> values);
+// The key of a row whose values stand in `values` (by position in shape.columns), flag bytes included.
+ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values);
 
 // Whether every key column of the row is null.
-bool all_null_key(const RealIndex& index, const TableDef& def, std::span<const Value> values);
+bool all_null_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values);
 
 }  // namespace jet

@@ -11,7 +11,7 @@ namespace columns = catalog_columns;
 
 namespace {
 
-std::size_t position_of(const Table& table, std::u16string_view column) {
+std::size_t position_of(const TableRows& table, std::u16string_view column) {
     const auto position = table.def().find_column(column);
     if (!position) corrupt(table.def().page, "the catalogue has no column '" + to_utf8(column) + "'");
     return *position;
@@ -27,7 +27,7 @@ T value_or(const RowView& row, std::size_t position, T absent) {
 // Values by position, set by column name.
 class NewRow {
 public:
-    explicit NewRow(const Table& table) : table_(table), values_(table.def().columns.size()) {}
+    explicit NewRow(const TableRows& table) : table_(table), values_(table.def().columns.size()) {}
     NewRow& set(std::u16string_view column, Value value) {
         values_[position_of(table_, column)] = std::move(value);
         return *this;
@@ -35,7 +35,7 @@ public:
     std::vector<Value> take() { return std::move(values_); }
 
 private:
-    const Table& table_;
+    const TableRows& table_;
     std::vector<Value> values_;
 };
 
@@ -45,7 +45,7 @@ ByteVector masked(ByteSpan sid, const FileHeader& header) {
     return bytes;
 }
 
-void reencrypt_column(Table& table, std::u16string_view column, const FileHeader& from, const FileHeader& to) {
+void reencrypt_column(TableRows& table, std::u16string_view column, const FileHeader& from, const FileHeader& to) {
     const std::size_t position = position_of(table, column);
     RowView row;
     for (auto id = table.next_row({}); id; id = table.next_row(*id)) {

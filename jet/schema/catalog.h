@@ -8,7 +8,7 @@
 
 #include "jet/pages/header.h"
 #include "jet/schema/properties.h"
-#include "jet/tables/database.h"
+#include "jet/schema/table_rows.h"
 
 namespace jet {
 
@@ -36,6 +36,15 @@ inline constexpr std::uint8_t kEngineSid[] = {0x02, 0x03};
 inline constexpr std::uint8_t kCreatorSid[] = {0x02, 0x04};
 inline constexpr std::int16_t kTableObject = 1;
 
+// A name in the catalogue's container of tables.
+struct CatalogEntry {
+    std::u16string name;
+    std::int32_t id = 0;
+    std::int16_t type = 0;  // on disk: 1 table, 4 and 6 linked, 5 query
+    std::uint32_t flags = 0;
+    bool is_system() const { return (flags & jet4::kSystemObjectFlags) != 0; }
+};
+
 class Catalog {
 public:
     struct Object {
@@ -44,7 +53,7 @@ public:
     };
 
     // `objects` and `aces` are the open catalogue tables.
-    Catalog(Table& objects, Table& aces) : objects_(objects), aces_(aces) {}
+    Catalog(TableRows& objects, TableRows& aces) : objects_(objects), aces_(aces) {}
 
     // The container's objects in scan order, read when first asked for.
     const std::vector<Object>& tables() const;
@@ -65,8 +74,8 @@ public:
     void reencrypt(const FileHeader& from, const FileHeader& to);
 
 private:
-    Table& objects_;
-    Table& aces_;
+    TableRows& objects_;
+    TableRows& aces_;
     // The objects, and their places in the orders they are looked up by.
     struct Known {
         std::vector<Object> objects;

@@ -1,13 +1,15 @@
 // A new file, page by page: header, global map, the four catalogue tables with their rows and indexes. The
 // result is byte for byte what the format's own engine writes, with zeros where that leaves filler.
+#include "jet/schema/empty_database.h"
+
 #include <algorithm>
 
 #include "jet/indexes/index_key.h"
 #include "jet/pages/header.h"
 #include "jet/schema/catalog.h"
+#include "jet/schema/table_def.h"
 #include "jet/storage/data_page.h"
 #include "jet/storage/row_codec.h"
-#include "jet/tables/database.h"
 
 namespace jet {
 namespace {

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "jet/base/jet4.h"
+#include "jet/indexes/collation.h"
 
 namespace jet {
 

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 
-#include "jet/schema/definition_pages.h"
 #include "jet/storage/data_page.h"
-#include "jet/storage/long_value.h"
 #include "os/system.h"
 
 namespace jet {
@@ -93,36 +91,6 @@ void describe(PropertySet& properties, const ColumnDef& column) {
 
 }  // namespace
 
-// Writes the definition over the chain that begins at def.page, which grows or shrinks as needed. Only pages that the
-// present definition has been read from are used again.
-void SchemaEditor::store_definition(const TableDef& def) {
-    Pager& pager = database_.pager();
-    PageAllocator& allocator = database_.allocator();
-    std::vector<PageNumber> pages{def.page};
-    if (pager.read(def.page).bytes()[0] == jet4::kTableDefPage) pages = read_definition(pager, def.page).pages;
-    const ByteVector bytes = build_table_def(def);
-    std::size_t at = 0;
-    for (std::size_t i = 0; at < bytes.size(); ++i) {
-        const std::size_t head = i == 0 ? 0 : tdef::kPageHeader;
-        const std::size_t count = std::min(bytes.size() - at, jet4::kPageSize - head);
-        const bool is_last = at + count == bytes.size();
-        if (!is_last && i + 1 == pages.size()) pages.push_back(allocator.allocate().number());
-        const MutablePage page = pager.modify(pages[i]);
-        std::fill(page.bytes().begin(), page.bytes().end(), std::uint8_t{0});
-        store_bytes(page.bytes(), head, ByteSpan(bytes).subspan(at, count));
-        page.bytes()[0] = jet4::kTableDefPage;
-        page.bytes()[jet4::kPageKindMark] = 1;
-        const std::size_t unused = jet4::kPageSize - head - count;
-        store_u16(page.bytes(), tdef::kFree,
-                  static_cast<std::uint16_t>(unused > tdef::kPageHeader ? unused - tdef::kPageHeader : 0));
-        store_u32(page.bytes(), tdef::kNext, is_last ? 0 : pages[i + 1]);
-        at += count;
-        if (!is_last) continue;
-        for (std::size_t spare = i + 1; spare < pages.size(); ++spare) allocator.free(pages[spare]);
-    }
-    database_.forget_definition_pages();
-}
-
 void SchemaEditor::create_table(std::u16string_view name, std::span<const NewColumn> columns) {
     check_name(name, errors::kUnnamedTable, "table");
     if (const Catalog::Object* other = catalog_.find(name)) {
@@ -137,7 +105,7 @@ void SchemaEditor::create_table(std::u16string_view name, std::span<const NewCol
     if (std::count_if(columns.begin(), columns.end(), [](const NewColumn& c) { return c.autonumber; }) > 1) {
         fail(errors::kBadType, "Table '" + to_utf8(name) + "' would have more than one auto-number.");
     }
-    PageAllocator& allocator = database_.allocator();
+    PageAllocator& allocator = storage_.allocator();
     def.page = allocator.allocate().number();
     PageNumber maps = 0;
     def.owned_map = allocator.create_map(&maps);
@@ -147,12 +115,11 @@ void SchemaEditor::create_table(std::u16string_view name, std::span<const NewCol
         column.owned_map = allocator.create_map(&maps);
         column.free_map = allocator.create_map(&maps);
     }
-    store_definition(def);
+    definitions_.store(def);
     catalog_.add_table(name, def.page, os::local_time_as_ole_date(), header_, properties);
 }
 
-void SchemaEditor::add_column(Table& table, const NewColumn& column) {
-    const TableDef old_def = table.def();
+bool SchemaEditor::add_column(const TableDef& old_def, const NewColumn& column) {
     TableDef def = old_def;
     if (column.autonumber &&
         std::any_of(def.columns.begin(), def.columns.end(), [](const ColumnDef& c) { return c.is_autonumber(); })) {
@@ -161,56 +128,38 @@ void SchemaEditor::add_column(Table& table, const NewColumn& column) {
     ColumnDef& added = append_column(def, column);
     if (added.is_long()) {
         PageNumber maps = def.owned_map.page;
-        added.owned_map = database_.allocator().create_map(&maps);
-        added.free_map = database_.allocator().create_map(&maps);
+        added.owned_map = storage_.allocator().create_map(&maps);
+        added.free_map = storage_.allocator().create_map(&maps);
     }
     const Catalog::Object* object = catalog_.find(static_cast<std::int32_t>(def.page));
     PropertySet properties = object ? catalog_.properties(*object) : PropertySet{};
     describe(properties, added);
-    store_definition(def);
-    table.forget();
+    definitions_.store(def);
     if (object) catalog_.change_table(*object, os::local_time_as_ole_date(), properties);
     // Rows keep their old shape, which says that they lack the column. Three cases need them in the new one:
     // numbers to hand out; the first variable column, because some readers misread rows without their
     // offsets; and a longer null mask, because some read it past its end.
     const auto mask_bytes = [](const TableDef& d) { return (d.max_columns + 7) / 8; };
-    const bool reshape =
-        (old_def.variable_columns == 0 && def.variable_columns > 0) || mask_bytes(old_def) != mask_bytes(def);
-    if (column.autonumber || reshape) rewrite_rows(table, old_def, column.autonumber ? 1 : 0);
+    return column.autonumber || (old_def.variable_columns == 0 && def.variable_columns > 0) ||
+           mask_bytes(old_def) != mask_bytes(def);
 }
 
-// Encodes every row anew; with `number_from` the last column is numbered in row order from there.
-void SchemaEditor::rewrite_rows(Table& table, const TableDef& old_def, std::size_t number_from) {
-    table.refresh();
-    TableDef& def = table.def_;
-    std::vector<RowId> rows;
-    for (auto row = table.next_row({}); row; row = table.next_row(*row)) rows.push_back(*row);
-    auto number = static_cast<std::int32_t>(number_from);
-    RowView view;
-    for (RowId row : rows) {
-        const auto place = table.locate(row);
-        if (!place || !table.read(row, view)) continue;
-        const RowReader reader(view.bytes_, old_def);
-        std::vector<StoredValue> stored(def.columns.size());
-        for (const ColumnDef& column : old_def.columns) {
-            const auto position = def.column_by_number(column.number);
-            const auto bytes = reader.stored(column);
-            if (position && bytes) stored[*position].emplace(bytes->begin(), bytes->end());
+void SchemaEditor::release_long_values(const ColumnDef& column) {
+    UsageMap owned = storage_.map(column.owned_map);
+    for (auto page = owned.next(0); page; page = owned.next(*page + 1)) {
+        // What a damaged map names may hold somebody else's data.
+        if (!DataPage::belongs_to(storage_.pager().read(*page).bytes(), jet4::data::kLongValueOwner)) {
+            corrupt(*page, "the page belongs to a column of long values and holds none");
         }
-        if (number_from != 0) {
-            const auto position = def.column_by_number(static_cast<std::uint16_t>(def.max_columns - 1));
-            stored[*position] = encode_value(number++, def.columns[*position]);
-        }
-        table.move_row(*place, table.encode_fitting(stored));
+        storage_.allocator().free(*page);
     }
-    if (number_from != 0) {
-        table.autonumber_ = number - 1;
-        table.store_counts();
-    }
+    storage_.chain_owners().forget();
+    owned.destroy();
+    storage_.map(column.free_map).destroy();
 }
 
-void SchemaEditor::delete_column(Table& table, std::u16string_view name) {
-    TableDef def = table.def();
+void SchemaEditor::delete_column(const TableDef& old_def, std::u16string_view name) {
+    TableDef def = old_def;
     const auto position = def.find_column(name);
     if (!position) {
         fail(errors::kNotInCollection, "Table '" + to_utf8(def.name) + "' has no column '" + to_utf8(name) + "'.");
@@ -224,33 +173,14 @@ void SchemaEditor::delete_column(Table& table, std::u16string_view name) {
     }
     if (def.columns.size() == 1)
         fail(errors::kNoFields, "Column '" + to_utf8(name) + "' is the only one of its table.");
-    if (column.is_long()) {
-        UsageMap owned(database_.pager(), database_.allocator(), column.owned_map);
-        for (auto page = owned.next(0); page; page = owned.next(*page + 1)) {
-            // What a damaged map names may hold somebody else's data.
-            if (!DataPage::belongs_to(database_.pager().read(*page).bytes(), jet4::data::kLongValueOwner)) {
-                corrupt(*page, "the page belongs to a column of long values and holds none");
-            }
-            database_.allocator().free(*page);
-        }
-        database_.chain_owners().forget();
-        owned.destroy();
-        UsageMap(database_.pager(), database_.allocator(), column.free_map).destroy();
-    }
+    if (column.is_long()) release_long_values(column);
     def.columns.erase(def.columns.begin() + static_cast<std::ptrdiff_t>(*position));
     if (column.is_autonumber()) def.last_autonumber = 0;
     const Catalog::Object* object = catalog_.find(static_cast<std::int32_t>(def.page));
-    if (object) {
-        PropertySet properties = catalog_.properties(*object);
-        properties.remove_column(name);
-        store_definition(def);
-        table.forget();
-        catalog_.change_table(*object, os::local_time_as_ole_date(), properties);
-    } else {
-        store_definition(def);
-        table.forget();
-    }
-    if (column.is_autonumber()) table.autonumber_ = 0;
+    PropertySet properties = object ? catalog_.properties(*object) : PropertySet{};
+    properties.remove_column(name);
+    definitions_.store(def);
+    if (object) catalog_.change_table(*object, os::local_time_as_ole_date(), properties);
 }
 
 }  // namespace jet

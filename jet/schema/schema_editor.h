@@ -1,29 +1,43 @@
-// Changes of table definitions. Every function runs inside the caller's transaction.
+// Changes of table definitions, in the pages and in the catalogue. Every function runs inside the caller's transaction;
+// whoever has the table open reads its definition again.
 #pragma once
 
+#include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 
 #include "jet/pages/header.h"
 #include "jet/schema/catalog.h"
-#include "jet/tables/database.h"
+#include "jet/schema/definition_store.h"
+#include "jet/storage/storage.h"
 
 namespace jet {
 
+// What a new column looks like to whoever creates it.
+struct NewColumn {
+    std::u16string name;
+    ColumnType type = ColumnType::kLong;
+    std::uint16_t text_characters = 255;  // kText only, 1..255
+    bool autonumber = false;              // kLong only
+    bool allow_zero_length = false;       // kText and kMemo only
+};
+
 class SchemaEditor {
 public:
-    SchemaEditor(Database& database, Catalog& catalog, const FileHeader& header)
-        : database_(database), catalog_(catalog), header_(header) {}
+    SchemaEditor(Storage& storage, DefinitionStore& definitions, Catalog& catalog, const FileHeader& header)
+        : storage_(storage), definitions_(definitions), catalog_(catalog), header_(header) {}
 
     void create_table(std::u16string_view name, std::span<const NewColumn> columns);
-    void add_column(Table& table, const NewColumn& column);
-    void delete_column(Table& table, std::u16string_view column);
+    // Whether the rows that are there must be brought into the new shape.
+    [[nodiscard]] bool add_column(const TableDef& old_def, const NewColumn& column);
+    void delete_column(const TableDef& old_def, std::u16string_view column);
 
 private:
-    void store_definition(const TableDef& def);
-    void rewrite_rows(Table& table, const TableDef& old_def, std::size_t number_from);
+    void release_long_values(const ColumnDef& column);
 
-    Database& database_;
+    Storage& storage_;
+    DefinitionStore& definitions_;
     Catalog& catalog_;
     const FileHeader& header_;
 };

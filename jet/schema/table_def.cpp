@@ -9,6 +9,7 @@
 //  - every map has a row of its own, and every index a root of its own.
 // Whether a map or a root is what its address says is seen where it is loaded (usage_map.cpp, index_page.cpp).
 #include "jet/schema/table_def.h"
+#include "jet/indexes/collation.h"
 
 #include <algorithm>
 #include <bitset>
@@ -268,11 +269,8 @@ std::optional<std::size_t> TableDef::find_column(std::u16string_view column_name
     return std::nullopt;
 }
 
-std::optional<std::size_t> TableDef::column_by_number(std::uint16_t number) const {
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (columns[i].number == number) return i;
-    }
-    return std::nullopt;
+std::string described_column(const TableDef& def, const ColumnDef& column) {
+    return "column '" + to_utf8(column.name) + "' of table '" + to_utf8(def.name) + "'";
 }
 
 TableDef parse_table_def(ByteSpan bytes, PageNumber page) {

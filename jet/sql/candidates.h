@@ -3,9 +3,17 @@
 
 #include <optional>
 
-#include "jet/sql/query.h"
+#include "jet/tables/column_map.h"
+#include "jet/tables/table.h"
 
 namespace jet::sql {
+
+// A span of a column's ordered map that holds every row of the result (and maybe more).
+struct MapSpan {
+    std::size_t position = 0;     // the column
+    std::uint64_t first_key = 0;  // both ends included
+    std::uint64_t last_key = 0;
+};
 
 // The entry behind `entry` in a map; none behind the last possible one.
 inline std::optional<ColumnMap::Entry> entry_after(ColumnMap::Entry entry) {

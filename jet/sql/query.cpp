@@ -4,7 +4,6 @@
 
 #include <algorithm>
 
-#include "jet/sql/candidates.h"
 #include "jet/sql/condition.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/scalar.h"

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/tables/column_map.h"
+#include "jet/sql/candidates.h"
 #include "jet/tables/database.h"
 
 namespace jet::sql {
@@ -17,13 +17,6 @@ struct ResultColumn {
     ColumnType type = ColumnType::kLong;
     std::uint16_t length_bytes = 0;
     std::size_t position = 0;  // in the table's columns (not for SUM)
-};
-
-// A span of a column's ordered map that holds every row of the result (and maybe more).
-struct MapSpan {
-    std::size_t position = 0;     // the column
-    std::uint64_t first_key = 0;  // both ends included
-    std::uint64_t last_key = 0;
 };
 
 struct OrderKey {

@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "jet/base/bytes.h"
-#include "jet/schema/table_def.h"
 #include "jet/storage/chain_owners.h"
+#include "jet/storage/row_shape.h"
 #include "jet/storage/usage_map.h"
 
 namespace jet {

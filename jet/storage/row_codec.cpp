@@ -15,11 +15,11 @@ std::size_t mask_bytes(std::size_t columns) { return (columns + 7) / 8; }
 
 }  // namespace
 
-RowReader::RowReader(ByteSpan row, const TableDef& def) : row_(row), table_page_(def.page) {
+RowReader::RowReader(ByteSpan row, const RowShape& shape) : row_(row), table_page_(shape.page) {
     column_count_ = load_u16(row, 0);
     const std::size_t mask = mask_bytes(column_count_);
-    if (column_count_ > def.max_columns) corrupt(def.page, "a row has more columns than its table ever had");
-    if (kCountBytes + mask > row.size()) corrupt(def.page, "a row of the table is shorter than its null mask");
+    if (column_count_ > shape.max_columns) corrupt(shape.page, "a row has more columns than its table ever had");
+    if (kCountBytes + mask > row.size()) corrupt(shape.page, "a row of the table is shorter than its null mask");
     mask_ = row.subspan(row.size() - mask);
 }
 
@@ -49,19 +49,19 @@ void RowReader::find_trailer() const {
     variable_count_ = count;
 }
 
-ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& values) {
+ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values) {
     std::size_t fixed_bytes = 0;
-    for (const ColumnDef& column : def.columns) {
+    for (const ColumnDef& column : shape.columns) {
         if (column.is_fixed() && column.type != ColumnType::kBoolean) {
             fixed_bytes = std::max<std::size_t>(fixed_bytes, column.fixed_offset + column.length_bytes);
         }
     }
     ByteVector row(kCountBytes + fixed_bytes);
-    store_u16(row, 0, def.max_columns);
-    ByteVector mask(mask_bytes(def.max_columns));
-    std::vector<const ByteVector*> variable(def.variable_columns);
-    for (std::size_t i = 0; i < def.columns.size(); ++i) {
-        const ColumnDef& column = def.columns[i];
+    store_u16(row, 0, shape.max_columns);
+    ByteVector mask(mask_bytes(shape.max_columns));
+    std::vector<const ByteVector*> variable(shape.variable_columns);
+    for (std::size_t i = 0; i < shape.columns.size(); ++i) {
+        const ColumnDef& column = shape.columns[i];
         if (i >= values.size() || !values[i]) continue;
         if (column.type == ColumnType::kBoolean && values[i]->at(0) == 0) continue;
         mask[column.number / 8] |= static_cast<std::uint8_t>(1 << (column.number % 8));
@@ -72,7 +72,7 @@ ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& value
             variable[column.variable_index] = &*values[i];
         }
     }
-    if (def.variable_columns > 0) {
+    if (shape.variable_columns > 0) {
         std::vector<std::size_t> offsets;
         offsets.reserve(variable.size() + 1);
         for (const ByteVector* value : variable) {
@@ -83,7 +83,7 @@ ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& value
         for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) {
             append_u16(row, static_cast<std::uint16_t>(*offset));
         }
-        append_u16(row, def.variable_columns);
+        append_u16(row, shape.variable_columns);
     }
     // A row must be able to become a pointer; zeros before the mask are nobody's.
     while (row.size() + mask.size() < jet4::data::kMinRow) row.push_back(0);

@@ -6,7 +6,7 @@
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
-#include "jet/schema/table_def.h"
+#include "jet/storage/row_shape.h"
 
 namespace jet {
 
@@ -18,7 +18,7 @@ using StoredValue = std::optional<ByteVector>;
 class RowReader {
 public:
     RowReader() = default;  // of no row: nothing may be asked
-    RowReader(ByteSpan row, const TableDef& def);
+    RowReader(ByteSpan row, const RowShape& shape);
 
     // The column's stored bytes inside the row; none for Null. Booleans give a byte of a static table.
     std::optional<ByteSpan> stored(const ColumnDef& column) const;
@@ -35,9 +35,9 @@ private:
     mutable std::size_t variable_count_ = 0;
 };
 
-// A row of the table's present shape; `values` by position in def.columns. How long a row may be is the
+// A row of the table's present shape; `values` by position in shape.columns. How long a row may be is the
 // caller's to check.
-ByteVector encode_row(const TableDef& def, const std::vector<StoredValue>& values);
+ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values);
 
 // Values that stand in the row itself, to and from their stored form (long values: long_value.h).
 Value decode_value(ByteSpan stored, const ColumnDef& column);

@@ -10,7 +10,7 @@
 #include "jet/pages/header.h"
 #include "jet/pages/journal.h"
 #include "jet/schema/catalog.h"
-#include "jet/schema/definition_pages.h"
+#include "jet/schema/definition_store.h"
 #include "jet/schema/schema_editor.h"
 #include "os/draft.h"
 #include "os/system.h"
@@ -85,25 +85,6 @@ void write_new_file(const std::string& path, ByteSpan pages) {
     }
 }
 
-// Finds columns without going through all of them.
-class ColumnsByName {
-public:
-    explicit ColumnsByName(TableDef& def) {
-        for (ColumnDef& column : def.columns) columns_.push_back(&column);
-        std::stable_sort(columns_.begin(), columns_.end(),
-                         [](const ColumnDef* a, const ColumnDef* b) { return compare_text(a->name, b->name) < 0; });
-    }
-    ColumnDef* find(std::u16string_view name) const {
-        const auto found = std::lower_bound(
-            columns_.begin(), columns_.end(), name,
-            [](const ColumnDef* column, std::u16string_view wanted) { return compare_text(column->name, wanted) < 0; });
-        return found != columns_.end() && same_name((*found)->name, name) ? *found : nullptr;
-    }
-
-private:
-    std::vector<ColumnDef*> columns_;
-};
-
 FileHeader read_header(os::File& file, const std::string& path) {
     ByteVector page(jet4::kPageSize);
     const std::size_t got = with_engine_errors([&] { return file.read(0, page); });
@@ -115,30 +96,16 @@ FileHeader read_header(os::File& file, const std::string& path) {
 
 struct Database::Impl {
     Impl(std::unique_ptr<os::File> file, const std::string& path, const PagerOptions& options)
-        : pager(std::move(file), path, options), allocator(pager) {
+        : storage(std::move(file), path, options), definitions(storage) {
         if (!options.read_only) open_path.emplace(path);
     }
 
-    Pager pager;
-    PageAllocator allocator;
+    Storage storage;
+    DefinitionStore definitions;
     FileHeader header;
     std::optional<OpenPaths> open_path;
     std::map<PageNumber, std::unique_ptr<Table>> tables;
     std::unique_ptr<Catalog> catalog;
-    std::map<PageNumber, PageNumber> definitions;  // pages of the loaded definitions, and their first pages
-    ChainOwners chain_owners;
-    DamageListener on_damage;
-    std::set<std::pair<PageNumber, std::string>> named_damage;
-
-    // A page of two definitions would be changed for the one behind the back of the other.
-    void claim_definition(const std::vector<PageNumber>& pages) {
-        for (const PageNumber page : pages) {
-            const bool is_other = page != pages.front() && catalog && catalog->find(static_cast<std::int32_t>(page));
-            if (is_other || definitions.emplace(page, pages.front()).first->second != pages.front()) {
-                corrupt(page, "a page of a table definition belongs to two tables");
-            }
-        }
-    }
 };
 
 std::unique_ptr<Database> Database::create(const std::string& path, const CreateOptions& options) {
@@ -176,21 +143,20 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
     const bool has_journal = with_engine_errors([&] { return os::file_system().exists(Journal::path_for(path)); });
     if (!has_journal) check_password();
     auto impl = std::make_unique<Impl>(std::move(file), path, pager_options);
-    header = parse_header(impl->pager.read(jet4::kHeaderPage).bytes(), path);
+    header = parse_header(impl->storage.pager().read(jet4::kHeaderPage).bytes(), path);
     check_encryption();
     check_password();
     impl->header = header;
-    if (options.read_only) impl->on_damage = options.on_damage;
+    if (options.read_only) impl->storage.read_past_damage(options.on_damage);
     auto database = std::unique_ptr<Database>(new Database(std::move(impl)));
     database->open_catalog();
     return database;
 }
 
 Database::Database(std::unique_ptr<Impl> impl) : impl_(std::move(impl)) {
-    impl_->pager.set_rollback_listener([this] {
-        impl_->allocator.forget();
-        impl_->definitions.clear();
-        impl_->chain_owners.forget();
+    pager().set_rollback_listener([this] {
+        impl_->storage.forget();
+        impl_->definitions.forget();
         for (auto& [page, table] : impl_->tables) table->forget();
         if (impl_->catalog) impl_->catalog->forget();
     });
@@ -204,29 +170,30 @@ Database::~Database() {
     }
 }
 
+// Opens a table that is not open yet.
+Table& Database::keep(PageNumber page, const std::u16string& name) {
+    auto table = std::make_unique<Table>(impl_->storage, impl_->definitions, impl_->definitions.load(page, name));
+    return *(impl_->tables[page] = std::move(table));
+}
+
 void Database::open_catalog() {
-    const auto open_system = [&](PageNumber page, const char16_t* name) -> Table& {
-        auto table = std::make_unique<Table>(*this, load_table_def(page, name));
-        return *(impl_->tables[page] = std::move(table));
-    };
-    Table& objects = open_system(jet4::kObjectsPage, u"MSysObjects");
-    Table& aces = open_system(jet4::kAcesPage, u"MSysACEs");
+    Table& objects = keep(jet4::kObjectsPage, u"MSysObjects");
+    Table& aces = keep(jet4::kAcesPage, u"MSysACEs");
     impl_->catalog = std::make_unique<Catalog>(objects, aces);
+    impl_->definitions.use(*impl_->catalog);
     impl_->catalog->tables();
 }
 
-const std::string& Database::path() const { return impl_->pager.path(); }
-Pager& Database::pager() { return impl_->pager; }
-PageAllocator& Database::allocator() { return impl_->allocator; }
-ChainOwners& Database::chain_owners() { return impl_->chain_owners; }
+const std::string& Database::path() const { return impl_->storage.pager().path(); }
+Storage& Database::storage() { return impl_->storage; }
 
 void Database::close() {
-    if (impl_->pager.is_closed()) return;  // a closing that failed has let go of the file all the same
+    if (pager().is_closed()) return;  // a closing that failed has let go of the file all the same
     struct Release {
         Impl& impl;
         ~Release() { impl.open_path.reset(); }
     } release{*impl_};
-    if (!impl_->pager.read_only()) {
+    if (!pager().read_only()) {
         try {
             for (auto& [page, table] : impl_->tables) table->flush_autonumber();
         } catch (const Error&) {
@@ -235,40 +202,7 @@ void Database::close() {
             // The same.
         }
     }
-    impl_->pager.close();
-}
-
-TableDef Database::load_table_def(PageNumber page, const std::u16string& name) const {
-    const DefinitionPages read = read_definition(impl_->pager, page);
-    impl_->claim_definition(read.pages);
-    TableDef def = parse_table_def(read.bytes, page);
-    def.name = name;
-    // The catalogue's own tables have no properties, and asking it for them would go in a circle.
-    if (page <= jet4::kRelationshipsPage) return def;
-    if (const Catalog::Object* object = impl_->catalog->find(static_cast<std::int32_t>(page))) {
-        try {
-            const PropertySet properties = impl_->catalog->properties(*object);
-            const ColumnsByName columns(def);
-            properties.visit_column_flags(u"AllowZeroLength", [&](std::u16string_view owner, bool value) {
-                if (ColumnDef* column = columns.find(owner)) column->allow_zero_length = value;
-            });
-            properties.visit_column_flags(u"Required", [&](std::u16string_view owner, bool value) {
-                if (ColumnDef* column = columns.find(owner)) column->required = value;
-            });
-        } catch (const Error& error) {
-            if (!passes_over(object->row.page, error)) throw;
-        }
-    }
-    return def;
-}
-
-void Database::forget_definition_pages() { impl_->definitions.clear(); }
-
-bool Database::passes_over(PageNumber page, const Error& error) const {
-    if (!impl_->on_damage) return false;
-    if (error.number() != errors::kDamaged && error.number() != errors::kDiskError) return false;
-    if (impl_->named_damage.emplace(page, error.what()).second) impl_->on_damage({page, error.what()});
-    return true;
+    pager().close();
 }
 
 std::vector<CatalogEntry> Database::catalog() const {
@@ -296,8 +230,7 @@ Table* Database::table_by_page(PageNumber page) {
     if (known != impl_->tables.end()) return known->second.get();
     const Catalog::Object* object = impl_->catalog->find(static_cast<std::int32_t>(page));
     if (!object || object->entry.type != kTableObject) return nullptr;
-    auto table = std::make_unique<Table>(*this, load_table_def(page, object->entry.name));
-    return (impl_->tables[page] = std::move(table)).get();
+    return &keep(page, object->entry.name);
 }
 
 namespace {
@@ -313,23 +246,31 @@ Table& require_table(Database& database, std::u16string_view name) {
 
 }  // namespace
 
+SchemaEditor Database::schema_editor() { return {impl_->storage, impl_->definitions, *impl_->catalog, impl_->header}; }
+
 void Database::create_table(std::u16string_view name, std::span<const NewColumn> columns) {
-    Transaction transaction(impl_->pager);
-    SchemaEditor(*this, *impl_->catalog, impl_->header).create_table(name, columns);
+    Transaction transaction(pager());
+    schema_editor().create_table(name, columns);
     transaction.commit();
 }
 
 void Database::add_column(std::u16string_view table, const NewColumn& column) {
     Table& changed = require_table(*this, table);
-    Transaction transaction(impl_->pager);
-    SchemaEditor(*this, *impl_->catalog, impl_->header).add_column(changed, column);
+    Transaction transaction(pager());
+    const TableDef old_def = changed.def();
+    const bool reshapes = schema_editor().add_column(old_def, column);
+    changed.forget();
+    if (reshapes) changed.rewrite_rows(old_def, column.autonumber);
     transaction.commit();
 }
 
 void Database::delete_column(std::u16string_view table, std::u16string_view column) {
     Table& changed = require_table(*this, table);
-    Transaction transaction(impl_->pager);
-    SchemaEditor(*this, *impl_->catalog, impl_->header).delete_column(changed, column);
+    Transaction transaction(pager());
+    const TableDef old_def = changed.def();
+    schema_editor().delete_column(old_def, column);
+    changed.forget();
+    if (old_def.columns[*old_def.find_column(column)].is_autonumber()) changed.restart_autonumbers();
     transaction.commit();
 }
 
@@ -339,9 +280,9 @@ void Database::change_password(std::u16string_view old_password, std::u16string_
     }
     FileHeader changed = impl_->header;
     changed.password = new_password;
-    Transaction transaction(impl_->pager);
+    Transaction transaction(pager());
     {
-        const MutablePage page = impl_->pager.modify(jet4::kHeaderPage);
+        const MutablePage page = pager().modify(jet4::kHeaderPage);
         store_password(page.bytes(), impl_->header, new_password);
     }
     impl_->catalog->reencrypt(impl_->header, changed);

@@ -10,29 +10,13 @@
 
 #include "jet/base/salvage.h"
 #include "jet/pages/pager.h"
-#include "jet/schema/table_def.h"
-#include "jet/storage/chain_owners.h"
-#include "jet/storage/usage_map.h"
+#include "jet/schema/catalog.h"
+#include "jet/schema/empty_database.h"
+#include "jet/schema/schema_editor.h"
+#include "jet/storage/storage.h"
 #include "jet/tables/table.h"
 
 namespace jet {
-
-// What a new column looks like to whoever creates it.
-struct NewColumn {
-    std::u16string name;
-    ColumnType type = ColumnType::kLong;
-    std::uint16_t text_characters = 255;  // kText only, 1..255
-    bool autonumber = false;              // kLong only
-    bool allow_zero_length = false;       // kText and kMemo only
-};
-
-// Everything a new file takes from the outside, so that tests can fix it.
-struct CreateOptions {
-    std::u16string password;   // at most 20 characters; empty: none
-    double creation_date = 0;  // OLE date, local time; 0: now
-    double row_date = 0;       // dates of the catalogue rows; 0: creation_date
-    std::uint32_t engine_build = 9756;
-};
 
 struct OpenOptions {
     std::u16string password;
@@ -40,15 +24,6 @@ struct OpenOptions {
     bool ignore_password = false;  // tools below the gates only look
     DamageListener on_damage;      // with read_only alone: read on behind damage, see salvage.h
     PagerOptions pager;
-};
-
-// A name in the catalogue's container of tables.
-struct CatalogEntry {
-    std::u16string name;
-    std::int32_t id = 0;
-    std::int16_t type = 0;  // on disk: 1 table, 4 and 6 linked, 5 query
-    std::uint32_t flags = 0;
-    bool is_system() const { return (flags & jet4::kSystemObjectFlags) != 0; }
 };
 
 class Database {
@@ -83,26 +58,17 @@ public:
     // 3031 when `old_password` is not the file's. At most 20 characters, no NUL.
     void change_password(std::u16string_view old_password, std::u16string_view new_password);
 
-    Pager& pager();
-    PageAllocator& allocator();
-    ChainOwners& chain_owners();
-    // The definition on `page`, its properties included. 3049 when there is none.
-    TableDef load_table_def(PageNumber page, const std::u16string& name) const;
-    // Tells the listener of `on_damage` that `page`, or what lies on it, cannot be read. False when there is none, or
-    // the error is no damage: then it is to be thrown on.
-    bool passes_over(PageNumber page, const Error& error) const;
-    // Pages of definitions are about to change hands.
-    void forget_definition_pages();
+    Storage& storage();
+    Pager& pager() { return storage().pager(); }
+    PageAllocator& allocator() { return storage().allocator(); }
 
 private:
     struct Impl;
     explicit Database(std::unique_ptr<Impl> impl);
     void open_catalog();
+    Table& keep(PageNumber page, const std::u16string& name);
+    SchemaEditor schema_editor();
     std::unique_ptr<Impl> impl_;
-    friend class SchemaEditor;
 };
-
-// The pages of a new empty file, 16 of them.
-ByteVector build_empty_database(const CreateOptions& options);
 
 }  // namespace jet

@@ -1,56 +1,22 @@
-// An open table: its rows, their values, and whatever must stay true when they change (indexes, maps of
-// long values, row count, auto-number, properties).
+// An open table: its rows by value, and whatever must stay true when they change (indexes, pages of long
+// values, row count, auto-number, column maps).
 #pragma once
 
-#include <map>
-#include <memory>
 #include <optional>
 #include <span>
-#include <string>
 #include <vector>
 
 #include "jet/base/types.h"
-#include "jet/pages/pager.h"
+#include "jet/schema/definition_store.h"
 #include "jet/schema/table_def.h"
-#include "jet/storage/long_value.h"
-#include "jet/storage/row_codec.h"
-#include "jet/storage/usage_map.h"
-#include "jet/tables/column_map.h"
+#include "jet/schema/table_rows.h"
+#include "jet/storage/row_view.h"
+#include "jet/storage/storage.h"
+#include "jet/tables/column_maps.h"
+#include "jet/tables/row_store.h"
+#include "jet/tables/table_indexes.h"
 
 namespace jet {
-
-class Database;
-
-// The bytes of one stored row, copied from its page, and the way to its values.
-class RowView {
-public:
-    RowView() = default;
-    RowView(const RowView&) = delete;
-    RowView& operator=(const RowView&) = delete;
-
-    // Stored bytes of the column at `position` in the definition's columns, as RowReader gives them; they stay
-    // while the view is not filled again.
-    std::optional<ByteSpan> stored(std::size_t position) const;
-    // The stored text of a column that holds texts, with a memo's where the row itself holds it; none for every
-    // other value.
-    std::optional<ByteSpan> stored_text(std::size_t position) const;
-    // Value of the column at `position` in the definition's columns; long values are fetched.
-    Value value(std::size_t position) const;
-    // As above, into a value whose memory is used again.
-    void value(std::size_t position, Value& into) const;
-    bool is_null(std::size_t position) const;
-    // Says that all values will soon be read.
-    void prefetch_long_values() const;
-
-private:
-    friend class Table;
-    friend class SchemaEditor;
-    std::optional<ByteSpan> find(const ColumnDef& column) const;
-    const class Table* table_ = nullptr;
-    RowId row_;
-    ByteVector bytes_;
-    RowReader reader_;  // of bytes_
-};
 
 // Told before and after rows change, so that open sets keep the membership they were opened with.
 class TableWatcher {
@@ -61,37 +27,21 @@ public:
     virtual void row_changing(RowId row) = 0;
 };
 
-struct ColumnChange {
-    std::size_t position = 0;  // in the definition's columns
-    Value value;
-};
-
-class Table {
+class Table final : public TableRows {
 public:
-    Table(Database& database, TableDef def);
-    ~Table();
+    Table(Storage& storage, DefinitionStore& definitions, TableDef def);
     Table(const Table&) = delete;
     Table& operator=(const Table&) = delete;
 
-    const TableDef& def() const {
-        if (stale_) refresh();
-        return def_;
-    }
-    Database& database() const { return database_; }
+    const TableDef& def() const override { return parts().def; }
+    Storage& storage() const { return storage_; }
 
-    // Rows in scan order (page, slot): the first live row after `after` (a null RowId: the first row).
-    // A page of the table's map that is not the table's is damage (3049), unless damage is passed over (salvage.h).
-    std::optional<RowId> next_row(RowId after) const;
-    // Fills `into`; false when there is no such live row.
-    bool read(RowId row, RowView& into) const;
-    bool exists(RowId row) const;
+    std::optional<RowId> next_row(RowId after) const override { return parts().rows.next(after); }
+    bool read(RowId row, RowView& into) const override { return parts().rows.read(row, into); }
+    bool exists(RowId row) const { return parts().rows.exists(row); }
 
-    // Adds a row; `values` by position in the definition's columns, absent positions Null. A Null
-    // auto-number takes the next number. Checks sizes, required, zero length and unique indexes before
-    // anything is written. One transaction of its own (or part of the caller's).
-    RowId insert(std::vector<Value> values);
-    // Changes the named columns of a row; 3167 when it is gone.
-    void update(RowId row, std::span<const ColumnChange> changes);
+    RowId insert(std::vector<Value> values) override;
+    void update(RowId row, std::span<const ColumnChange> changes) override;
     void erase(RowId row);
 
     // The next auto-number, never handed out again.
@@ -109,64 +59,59 @@ public:
     // The ordered map of a Long or Date column, built when first asked for; null for other types.
     const ColumnMap* column_map(std::size_t position);
 
-    void add_watcher(TableWatcher* watcher);
-    void remove_watcher(TableWatcher* watcher);
+    void add_watcher(TableWatcher* watcher) { watchers_.push_back(watcher); }
+    void remove_watcher(TableWatcher* watcher) { std::erase(watchers_, watcher); }
     bool watched() const { return !watchers_.empty(); }
 
     // Pages of the table in order, for checks.
-    const UsageMap& owned_pages() const { return owned_; }
+    const UsageMap& owned_pages() const { return parts().rows.pages(); }
 
     // What is derived from pages may no longer be true (a rollback, a changed definition): the next use
     // reads it again.
     void forget();
+    // The definition has changed from `old_def`, and rows of its shape are to be brought into the new one; with
+    // `numbers`, the last column numbers them in their order. Inside a transaction.
+    void rewrite_rows(const TableDef& old_def, bool numbers);
+    // The auto-number is gone: another one will begin anew.
+    void restart_autonumbers() { autonumber_ = 0; }
 
 private:
-    friend class RowView;
-    friend class SchemaEditor;
+    // What is derived from the table's pages. Nobody comes to it but through `parts`, which reads it again when it has
+    // been forgotten; its address stays.
+    struct Parts {
+        Parts(Storage& storage, TableDef definition)
+            : def(std::move(definition)), rows(storage, def), indexes(storage, def) {}
+        Parts(const Parts&) = delete;
+        Parts& operator=(const Parts&) = delete;
 
-    // Where a row address leads: the slot it names and the slot that holds the row (the same, unless the row
-    // has moved); `pointer` is the slot whose pointer leads to the body.
-    struct Place {
-        RowId home;
-        RowId pointer;
-        RowId body;
+        TableDef def;
+        RowStore rows;
+        TableIndexes indexes;
+        ColumnMaps maps;
     };
 
-    // A row's key in each of the column maps, in their order.
-    using MapKeys = std::vector<std::optional<std::uint64_t>>;
+    // A row that is about to change.
+    struct OldRow {
+        RowStore::Place place;
+        RowView view;
+    };
 
+    Parts& parts() const {
+        if (stale_) refresh();
+        return parts_;
+    }
+    Parts& writable_parts() const;
     void refresh() const;
-    LongValues long_values() const;
-    void require_writable() const;
-    std::optional<Place> locate(RowId row) const;
-    bool is_own_page(const Page& page) const;
-    std::optional<PageNumber> next_page(PageNumber from) const;
-    std::optional<std::uint8_t> next_slot(PageNumber page_no, std::size_t from) const;
-    void require_inside_file(PageNumber page_no) const;
-    template <class Visitor>
-    void visit_rows(Visitor&& visitor) const;
-    ByteVector encode_fitting(std::vector<StoredValue>& stored);
-    RowId place_row(ByteSpan row, std::uint16_t flags);
-    void move_row(const Place& place, ByteSpan row);
-    void remove_slot(RowId slot);
-    void check_indexes(std::span<const Value> values, const std::vector<ByteVector>* old_keys) const;
-    std::vector<Value> key_values(const RowView& row) const;
-    std::vector<ByteVector> index_keys(std::span<const Value> values) const;
-    void change_index(std::size_t index, const ByteVector* old_key, const ByteVector* new_key, RowId row);
-    void store_counts();
-    template <class ValueAt>
-    MapKeys map_keys(const ValueAt& value_at) const;
-    void move_in_maps(RowId row, const MapKeys& from, const MapKeys& to) noexcept;
+    void find(RowId row, OldRow& into) const;
+    ByteVector encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const;
+    StoredValue stored_value(const ColumnDef& column, const Value& value) const;
+    void store_counts(TableDef& def);
 
-    Database& database_;
-    mutable TableDef def_;
-    mutable UsageMap owned_;
-    mutable UsageMap free_;
+    Storage& storage_;
+    DefinitionStore& definitions_;
+    mutable Parts parts_;
     mutable bool stale_ = false;
-    mutable bool map_lost_ = false;  // damage is passed over, and the map of the table's pages is damaged
-    std::int32_t autonumber_ = 0;    // highest one handed out
-    PageNumber insert_hint_ = 0;     // page that took the last new row; 0: none
-    mutable std::map<std::size_t, ColumnMap> column_maps_;
+    std::int32_t autonumber_ = 0;  // highest one handed out
     std::vector<TableWatcher*> watchers_;
 };
 

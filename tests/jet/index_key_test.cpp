@@ -1,5 +1,6 @@
 // Keys of index entries against known bytes, and their order against that of the values.
 #include "jet/indexes/index_key.h"
+#include "jet/schema/table_def.h"
 
 #include <gtest/gtest.h>
 

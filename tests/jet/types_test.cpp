@@ -1,5 +1,6 @@
 // Names between UTF-16 and UTF-8, and their equality.
 #include "jet/base/types.h"
+#include "jet/indexes/collation.h"
 
 #include <gtest/gtest.h>
 

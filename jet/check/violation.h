@@ -1,0 +1,17 @@
+// One broken rule of a file.
+#pragma once
+
+#include <string>
+
+#include "jet/base/types.h"
+
+namespace jet {
+
+struct Violation {
+    PageNumber page = 0;
+    int row = -1;        // slot, or -1 when the rule is about the page or the table
+    std::string rule;    // short name of the rule
+    std::string detail;  // one line
+};
+
+}  // namespace jet

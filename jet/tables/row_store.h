@@ -1,0 +1,71 @@
+// Where a table's rows stand, as bytes under addresses that stay theirs.
+//
+// Invariants
+//  1. A row's address is that of its first slot and never changes. A row that outgrows its page leaves a pointer there.
+//  2. Rows stand only on pages of the table's map of owned pages that say they are the table's.
+//  3. A page in the map of free pages may take a row; one that could not is not offered again until something on it
+//     shrinks or goes.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
+#include "jet/schema/table_def.h"
+#include "jet/storage/row_view.h"
+#include "jet/storage/storage.h"
+#include "jet/storage/usage_map.h"
+
+namespace jet {
+
+class RowStore {
+public:
+    // Where a row address leads: the slot it names and the slot that holds the row (the same, unless the row
+    // has moved); `pointer` is the slot whose pointer leads to the body.
+    struct Place {
+        RowId home;
+        RowId pointer;
+        RowId body;
+    };
+
+    // Both are kept: `def` may change its content, not its identity and maps.
+    RowStore(Storage& storage, const TableDef& def);
+
+    // First live row after `after` in the order of (page, slot); a null RowId: the first of all.
+    std::optional<RowId> next(RowId after) const;
+    // None when there is no such live row. 3049 where its pointers lead nowhere.
+    std::optional<Place> locate(RowId row) const;
+    // As above, with the row's bytes; where damage is passed over, false for a row that cannot be read.
+    bool read(RowId row, RowView& into) const;
+    bool exists(RowId row) const;
+
+    // Inside a transaction, with bytes of at most jet4::data::kMaxRow.
+    RowId add(ByteSpan row) { return place(row, 0); }
+    void replace(const Place& place, ByteSpan row);
+    // The row with every slot that its pointers lead through.
+    void remove(const Place& place);
+
+    const UsageMap& pages() const { return owned_; }
+
+private:
+    bool is_own_page(const Page& page) const;
+    std::optional<PageNumber> next_page(PageNumber from) const;
+    std::optional<std::uint8_t> next_slot(PageNumber page_no, std::size_t from) const;
+    void require_inside_file(PageNumber page_no) const;
+    bool fits(PageNumber page_no, std::size_t length) const;
+    PageNumber page_with_room(std::size_t length);
+    RowId place(ByteSpan row, std::uint16_t flags);
+    bool replace_in_place(RowId body, ByteSpan row);
+    RowId pointed_at(RowId slot) const;
+    void remove_slot(RowId slot);
+
+    Storage* storage_;
+    const TableDef* def_;
+    UsageMap owned_;
+    UsageMap free_;
+    PageNumber insert_hint_ = 0;     // page that took the last new row; 0: none
+    mutable bool map_lost_ = false;  // damage is passed over, and the map of the table's pages is damaged
+};
+
+}  // namespace jet

@@ -1,0 +1,74 @@
+#include "jet/tables/table_indexes.h"
+
+#include "jet/indexes/index_key.h"
+
+namespace jet {
+
+Index TableIndexes::tree(const RealIndex& index) const {
+    return {storage_->pager(), storage_->allocator(), def_->page, index.root, index.map};
+}
+
+void TableIndexes::require_maintainable() const {
+    for (const RealIndex& index : def_->real_indexes) {
+        if (const auto reason = why_not_maintainable(index, *def_)) {
+            fail(errors::kCannotMaintainIndex,
+                 "Table '" + to_utf8(def_->name) + "' cannot be written: " + *reason + ".");
+        }
+    }
+}
+
+std::vector<Value> TableIndexes::key_values(const RowView& row) const {
+    std::vector<Value> values(def_->columns.size());
+    for (const RealIndex& index : def_->real_indexes) {
+        for (const KeyColumn& key : index.columns) {
+            if (const auto position = def_->column_by_number(key.column_number)) {
+                values[*position] = row.value(*position);
+            }
+        }
+    }
+    return values;
+}
+
+TableIndexes::Keys TableIndexes::keys(std::span<const Value> values) const {
+    Keys keys(def_->real_indexes.size());
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const RealIndex& index = def_->real_indexes[i];
+        if (index.ignore_nulls() && all_null_key(index, *def_, values)) continue;
+        keys[i] = make_index_key(index, *def_, values);
+    }
+    return keys;
+}
+
+void TableIndexes::check(std::span<const Value> values, const Keys* old_keys) const {
+    const Keys new_keys = keys(values);
+    for (std::size_t i = 0; i < new_keys.size(); ++i) {
+        const RealIndex& index = def_->real_indexes[i];
+        for (const KeyColumn& key : index.columns) {
+            const auto position = def_->column_by_number(key.column_number);
+            if (index.required() && position && is_null(values[*position])) {
+                fail(errors::kNullNotAllowed,
+                     "An index requires a value in " + described_column(*def_, def_->columns[*position]) + ".");
+            }
+        }
+        if (!index.unique() || new_keys[i].empty() || all_null_key(index, *def_, values)) continue;
+        if (old_keys && (*old_keys)[i] == new_keys[i]) continue;
+        if (tree(index).find(new_keys[i])) {
+            fail(errors::kDuplicateKey,
+                 "The change would create duplicate values in a unique index of table '" + to_utf8(def_->name) + "'.");
+        }
+    }
+}
+
+void TableIndexes::change(const Keys& from, const Keys& to, RowId row) {
+    for (std::size_t i = 0; i < def_->real_indexes.size(); ++i) {
+        const ByteSpan old_key = from.empty() ? ByteSpan() : ByteSpan(from[i]);
+        const ByteSpan new_key = to.empty() ? ByteSpan() : ByteSpan(to[i]);
+        if (std::equal(old_key.begin(), old_key.end(), new_key.begin(), new_key.end())) continue;
+        RealIndex& index = def_->real_indexes[i];
+        Index changed = tree(index);
+        if (!old_key.empty()) changed.erase(old_key, row);
+        if (!new_key.empty() && changed.insert(new_key, row)) ++index.distinct_keys;
+    }
+}
+
+}  // namespace jet

@@ -1,0 +1,43 @@
+// The index trees of a table, kept right as its rows change.
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
+#include "jet/indexes/index.h"
+#include "jet/schema/table_def.h"
+#include "jet/storage/row_view.h"
+#include "jet/storage/storage.h"
+
+namespace jet {
+
+class TableIndexes {
+public:
+    // A row's key in each tree, in their order; an empty one where the row has no entry.
+    using Keys = std::vector<ByteVector>;
+
+    // Both are kept. The counts of distinct keys in `def` follow the trees.
+    TableIndexes(Storage& storage, TableDef& def) : storage_(&storage), def_(&def) {}
+
+    bool empty() const { return def_->real_indexes.empty(); }
+    // Fails where a tree is in an order that this engine does not know.
+    void require_maintainable() const;
+    // The row's values as far as an index asks for them, by position.
+    std::vector<Value> key_values(const RowView& row) const;
+    Keys keys(std::span<const Value> values) const;
+    // Before anything is written: no duplicate in a unique index (3022), no Null where an index requires a value
+    // (3314). `old_keys` are those that the row has already, or null.
+    void check(std::span<const Value> values, const Keys* old_keys) const;
+    // Inside a transaction. No keys at all: the row is new, or goes.
+    void change(const Keys& from, const Keys& to, RowId row);
+
+private:
+    Index tree(const RealIndex& index) const;
+
+    Storage* storage_;
+    TableDef* def_;
+};
+
+}  // namespace jet

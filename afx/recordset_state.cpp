@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
-#include <new>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "afx/dao_value.h"
 #include "jet/base/error.h"
@@ -25,25 +25,13 @@ std::uint64_t next_opening() {
 
 [[noreturn]] void no_current_row() { jet::fail(errors::kNoCurrentRow, "There is no current row."); }
 
-// A statement, or the name of a table standing for all of it.
-std::u16string statement_text(jet::Database& engine, std::string_view text) {
-    while (!text.empty() && text.front() == ' ') text.remove_prefix(1);
-    while (!text.empty() && text.back() == ' ') text.remove_suffix(1);
-    std::u16string wide = os::widen(text);
-    if (text.find_first_of(" \t\r\n[(") == std::string_view::npos && !text.empty() &&
-        engine.find_table(wide) != nullptr) {
-        return u"SELECT * FROM [" + wide + u"]";
-    }
-    return wide;
-}
-
 }  // namespace
 
 RecordsetState::RecordsetState(EngineDatabase& database, std::string_view statement, int type, int options)
     : opening_(next_opening()),
       forward_only_((options & dbForwardOnly) != 0 || type == dbOpenForwardOnly),
       read_only_((options & dbReadOnly) != 0 || type == dbOpenForwardOnly || type == dbOpenSnapshot) {
-    jet::sql::Query query = jet::sql::Query::prepare(database.engine(), statement_text(database.engine(), statement));
+    jet::sql::Query query = jet::sql::Query::prepare(database.engine(), os::widen(statement));
     table_ = &query.table();
     if (query.is_aggregate()) {
         // One row whatever it was made of, there from the beginning.
@@ -70,7 +58,6 @@ void RecordsetState::row_inserted(RowId row) {
         gone_ = true;
         has_view_ = false;
     }
-    if (own_rows_.erase(row.pack()) != 0) std::replace(additions_.begin(), additions_.end(), row, RowId{});
 }
 
 void RecordsetState::row_changing(RowId row) {
@@ -87,7 +74,7 @@ void RecordsetState::stand_on(RowId row) {
 
 void RecordsetState::settle() {
     if (settled_) return;
-    const std::optional<RowId> first = rows_->first();
+    const std::optional<RowId> first = rows_->first_original();
     settled_ = true;
     if (first) {
         stand_on(*first);
@@ -95,11 +82,9 @@ void RecordsetState::settle() {
         visited_ = 1;
     } else {
         // An addition to an empty set clears the one flag and leaves the other.
-        bof_ = unsettled_.empty();
+        bof_ = added_ == 0;
         eof_ = true;
     }
-    for (const RowId row : unsettled_) rows_->append(row);
-    unsettled_.clear();
 }
 
 bool RecordsetState::at_begin() {
@@ -118,7 +103,7 @@ std::int32_t RecordsetState::record_count() {
 }
 
 void RecordsetState::move_first() {
-    cancel_edit();
+    edit_.cancel();
     if (forward_only_) jet::fail(errors::kForwardOnly, "A forward-only set does not go back.");
     settle();
     if (rows_ == nullptr) {
@@ -132,14 +117,14 @@ void RecordsetState::move_first() {
         no_current_row();
     }
     stand_on(*first);
-    if (!own_rows_.contains(first->pack())) {
+    if (!rows_->is_among_additions()) {
         position_ = 0;
         visited_ = std::max(visited_, 1);
     }
 }
 
 void RecordsetState::move_next() {
-    cancel_edit();
+    edit_.cancel();
     settle();
     if (eof_) no_current_row();
     const std::optional<RowId> next = rows_ != nullptr ? rows_->next() : std::nullopt;
@@ -149,7 +134,7 @@ void RecordsetState::move_next() {
         return;
     }
     stand_on(*next);
-    if (!own_rows_.contains(next->pack())) visited_ = std::max(visited_, ++position_ + 1);
+    if (!rows_->is_among_additions()) visited_ = std::max(visited_, ++position_ + 1);
 }
 
 // ---- Values --------------------------------------------------------------------------------------
@@ -191,8 +176,7 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
         if (eof_) no_current_row();
         return to_variant(aggregate_, value);
     }
-    if (mode_ == dbEditAdd || (mode_ == dbEditInProgress && assigned_[field]))
-        return to_variant(pending_[field], value);
+    if (const jet::Value* pending = edit_.value(field)) return to_variant(*pending, value);
     const jet::RowView& row = view();
     if (const auto stored = row.stored(field)) {
         if (to_variant(*stored, table_->def().columns[field].type, value)) return;
@@ -202,7 +186,7 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
 }
 
 bool RecordsetState::get_text(std::size_t field, CString& text) {
-    if (rows_ == nullptr || mode_ != dbEditNone) return false;
+    if (rows_ == nullptr || edit_.is_pending()) return false;
     const auto stored = view().stored_text(field);
     const auto length = stored ? jet::ascii_length(*stored) : std::nullopt;
     if (!length || *length > std::numeric_limits<int>::max()) return false;
@@ -215,9 +199,8 @@ bool RecordsetState::get_text(std::size_t field, CString& text) {
 }
 
 void RecordsetState::set(std::size_t field, jet::Value value) {
-    if (mode_ == dbEditNone) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
-    pending_[field] = table_->coerce(field, std::move(value));
-    assigned_[field] = 1;
+    if (!edit_.is_pending()) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
+    edit_.set(field, table_->coerce(field, std::move(value)));
 }
 
 // ---- Changing rows -------------------------------------------------------------------------------
@@ -227,66 +210,48 @@ void RecordsetState::require_updatable() const {
 }
 
 void RecordsetState::add_new() {
-    cancel_edit();
+    edit_.cancel();
     require_updatable();
-    const std::vector<jet::ColumnDef>& columns = table_->def().columns;
-    pending_.assign(columns.size(), jet::Null{});
-    assigned_.assign(columns.size(), 0);
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        if (columns[i].is_autonumber() && columns[i].type == jet::ColumnType::kLong)
-            pending_[i] = table_->take_autonumber();
-    }
-    additions_.emplace_back();
-    mode_ = dbEditAdd;
+    edit_.begin_add(*table_);
+    rows_->additions().begin();
 }
 
 void RecordsetState::edit() {
-    cancel_edit();
+    edit_.cancel();
     require_updatable();
     view();
-    pending_.assign(names_->size(), jet::Null{});
-    assigned_.assign(names_->size(), 0);
-    mode_ = dbEditInProgress;
+    edit_.begin_edit(*table_);
 }
 
 void RecordsetState::update() {
-    if (mode_ == dbEditNone) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
-    if (mode_ == dbEditInProgress) {
-        require_current();
-        std::vector<jet::ColumnChange> changes;
-        for (std::size_t i = 0; i < pending_.size(); ++i) {
-            if (assigned_[i]) changes.push_back({i, pending_[i]});
-        }
-        if (!changes.empty()) table_->update(*current_, changes);
-        has_view_ = false;
-        cancel_edit();
-        last_modified_ = Token{opening_, 0, current_->pack(), position_};
-        return;
-    }
-    const RowId row = table_->insert(pending_);
-    cancel_edit();
-    additions_.back() = row;
-    ++added_;
-    last_modified_ = Token{opening_, static_cast<std::uint32_t>(additions_.size()), 0, 0};
-    try {
-        join(row);
-    } catch (const std::bad_alloc&) {
-        // The row is stored, and that is what counts: only this set does not come by it.
+    if (!edit_.is_pending()) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
+    if (edit_.is_editing()) {
+        update_current();
+    } else {
+        insert_pending();
     }
 }
 
-void RecordsetState::join(RowId row) {
-    own_rows_.insert(row.pack());
-    if (settled_) {
-        rows_->append(row);
-        bof_ = false;
-    } else {
-        unsettled_.push_back(row);
-    }
+void RecordsetState::update_current() {
+    require_current();
+    const std::vector<jet::ColumnChange> changes = edit_.changes();
+    if (!changes.empty()) table_->update(*current_, changes);
+    has_view_ = false;
+    edit_.cancel();
+    last_modified_ = Token{opening_, 0, current_->pack(), position_};
+}
+
+void RecordsetState::insert_pending() {
+    const RowId row = table_->insert(edit_.values());
+    edit_.cancel();
+    rows_->additions().store(row);
+    ++added_;
+    if (settled_) bof_ = false;
+    last_modified_ = Token{opening_, rows_->additions().count(), 0, 0};
 }
 
 void RecordsetState::erase() {
-    cancel_edit();
+    edit_.cancel();
     require_updatable();
     require_current();
     table_->erase(*current_);
@@ -312,8 +277,8 @@ COleVariant RecordsetState::bookmark() {
 }
 
 COleVariant RecordsetState::last_modified_bookmark() {
-    if (mode_ == dbEditAdd) return make_bookmark({opening_, static_cast<std::uint32_t>(additions_.size()), 0, 0});
-    if (mode_ == dbEditInProgress) return make_bookmark({opening_, 0, current_->pack(), position_});
+    if (edit_.is_adding()) return make_bookmark({opening_, rows_->additions().count(), 0, 0});
+    if (edit_.is_editing()) return make_bookmark({opening_, 0, current_->pack(), position_});
     if (!last_modified_) jet::fail(errors::kNoCurrentRow, "No row has been modified yet.");
     return make_bookmark(*last_modified_);
 }
@@ -323,24 +288,23 @@ void RecordsetState::set_bookmark(const VARIANT& bookmark) {
     Token token;
     if (bookmark.vt != VT_BSTR || variant_text(bookmark).size() != sizeof token) invalid();
     std::memcpy(&token, variant_text(bookmark).data(), sizeof token);
-    if (token.opening != opening_ || token.addition > additions_.size()) invalid();
+    if (token.opening != opening_ || rows_ == nullptr || token.addition > rows_->additions().count()) invalid();
 
     RowId row = RowId::unpack(token.row);
     if (token.addition != 0) {
         // The pending new row is where the set stands already.
-        if (mode_ == dbEditAdd && token.addition == additions_.size()) return;
-        row = additions_[token.addition - 1];
-    } else if (mode_ == dbEditInProgress && current_ && *current_ == row) {
+        if (edit_.is_adding() && token.addition == rows_->additions().count()) return;
+        row = rows_->additions().row(token.addition);
+    } else if (edit_.is_editing() && current_ && *current_ == row) {
         return;
     }
-    cancel_edit();
+    edit_.cancel();
     settle();
-    const bool own = own_rows_.contains(row.pack());
-    if (row.is_null() || rows_ == nullptr || (!own && !rows_->delivered(row))) invalid();
+    if (row.is_null() || !rows_->delivered(row)) invalid();
     if (!table_->exists(row)) jet::fail(errors::kRowDeleted, "The row has been deleted.");
     rows_->move_to(row);
     stand_on(row);
-    position_ = own ? visited_ - 1 : token.position;
+    position_ = rows_->is_among_additions() ? visited_ - 1 : token.position;
 }
 
 }  // namespace afx

@@ -1,21 +1,19 @@
-// What stands behind an open CDaoRecordset: current row, flags, edit buffer, bookmarks. Throws jet::Error.
+// What stands behind an open CDaoRecordset: current row, flags, pending edit, bookmarks. Throws jet::Error.
 // Inside afx/ only.
 //
 // Invariants
 //  1. The first row is looked for only when somebody asks for it, so a set opened to add a row reads nothing.
 //  2. `view_` holds the current row's bytes only as long as nobody has changed the row since.
-//  3. `pending_` is a buffer of the table's columns while an AddNew or Edit is pending, and is not looked at
-//     otherwise. A failed Update leaves it.
+//  3. A failed Update leaves the pending edit.
 #pragma once
 
 #include <cstdint>
 #include <memory>
 #include <optional>
 #include <string_view>
-#include <unordered_set>
-#include <vector>
 
 #include "afx/dao_recordset.h"
+#include "afx/edit_buffer.h"
 #include "afx/engine_database.h"
 #include "jet/sql/row_set.h"
 
@@ -46,7 +44,7 @@ public:
     void edit();
     void update();
     void erase();
-    std::int16_t edit_mode() const { return mode_; }
+    std::int16_t edit_mode() const { return edit_.mode(); }
 
     COleVariant bookmark();
     COleVariant last_modified_bookmark();
@@ -67,9 +65,8 @@ private:
 
     void settle();
     void stand_on(jet::RowId row);
-    // Takes a row of its own in, at the end.
-    void join(jet::RowId row);
-    void cancel_edit() { mode_ = dbEditNone; }
+    void update_current();
+    void insert_pending();
     void require_updatable() const;
     // The current row's values; 3021 and 3167.
     const jet::RowView& view();
@@ -92,18 +89,13 @@ private:
     bool gone_ = false;           // the current row's place holds another row
     std::int32_t position_ = -1;  // of the current row among the original ones
     std::int32_t visited_ = 0;    // original rows
-    std::int32_t added_ = 0;
+    std::int32_t added_ = 0;      // stored
     std::int32_t erased_ = 0;
     bool has_view_ = false;
     jet::RowView view_;
     jet::Value scratch_;  // the value decoded last, for its memory
 
-    std::int16_t mode_ = dbEditNone;
-    std::vector<jet::Value> pending_;
-    std::vector<std::uint8_t> assigned_;
-    std::vector<jet::RowId> additions_;           // by number of the AddNew; null while not stored
-    std::vector<jet::RowId> unsettled_;           // additions that the row set has not been told of
-    std::unordered_set<std::uint32_t> own_rows_;  // additions stored, packed
+    EditBuffer edit_;
     std::optional<Token> last_modified_;
 };
 

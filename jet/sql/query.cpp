@@ -7,6 +7,7 @@
 #include "jet/sql/condition.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/scalar.h"
+#include "jet/sql/table_name.h"
 
 namespace jet::sql {
 
@@ -21,33 +22,6 @@ public:
 private:
     const RowView& row_;
 };
-
-std::u16string_view trimmed(std::u16string_view text) {
-    constexpr std::u16string_view kBlanks = u" \t\r\n";
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    if (first == std::u16string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-bool ends_after_first(const Lexed& lexed) {
-    const auto& tokens = lexed.tokens;
-    if (tokens[1].kind == TokenKind::kSemicolon) return tokens[2].kind == TokenKind::kEnd;
-    return tokens[1].kind == TokenKind::kEnd;
-}
-
-// The name of a table in place of a statement, as hosts may give it: alone, in brackets or with blanks.
-Table& table_instead_of_statement(Database& database, const Lexed& lexed) {
-    const std::u16string_view text = trimmed(lexed.statement);
-    if (text.empty()) fail(errors::kNoSuchTable, "The statement is empty.");
-    const bool one_name = lexed.tokens.front().kind == TokenKind::kName && ends_after_first(lexed);
-    const std::u16string_view name = one_name ? lexed.text(lexed.tokens.front()) : text;
-    if (Table* table = database.find_table(name)) return *table;
-    const bool several_words = text.find_first_of(u" \t\r\n") != std::u16string_view::npos;
-    if (!one_name && several_words) {
-        fail(errors::kBadStatement, "The statement does not begin with SELECT: " + to_utf8(text));
-    }
-    fail(errors::kNoSuchTable, "There is no table " + to_utf8(name) + " in " + database.path() + ".");
-}
 
 // One comparison of a column with a literal, the column put to the left.
 struct ColumnTest {
@@ -169,18 +143,19 @@ Query& Query::operator=(Query&&) noexcept = default;
 Query::~Query() = default;
 
 Query Query::prepare(Database& database, std::u16string_view statement) {
-    Lexed lexed = lex(statement);
     auto impl = std::make_unique<Impl>();
-    if (lexed.tokens.front().kind == TokenKind::kSelect) {
+    Lexed lexed = lex(statement);
+    if (Table* const table = table_instead_of_statement(database, lexed)) {
+        impl->table = table;
+        impl->statement = whole_table(table->def().name);
+        lexed.literals.clear();
+    } else {
         impl->statement = parse_cached(lexed);
         impl->table = database.find_table(impl->statement->table);
         if (impl->table == nullptr) {
             fail(errors::kNoSuchTable,
                  "There is no table " + to_utf8(impl->statement->table) + " in " + database.path() + ".");
         }
-    } else {
-        impl->table = &table_instead_of_statement(database, lexed);
-        impl->statement = whole_table(impl->table->def().name);
     }
     impl->binding = bind_statement(*impl->statement, impl->table->def(), std::move(lexed.literals));
     for (const OrderTerm& term : impl->statement->order) {

@@ -38,7 +38,7 @@ std::optional<RowId> RowSet::next_original() {
     return rows_->next();
 }
 
-bool RowSet::delivered(RowId row) const { return additions_.contains(row) || (started_ && rows_->delivered(row)); }
+bool RowSet::delivered(RowId row) const { return additions_.contains(row) || rows_->delivered(row); }
 
 void RowSet::move_to(RowId row) {
     started_ = true;

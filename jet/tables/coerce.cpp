@@ -89,9 +89,27 @@ std::u16string to_text(const ColumnDef& column, const Value& value) {
     return from_utf8({digits, result.ptr});
 }
 
+// Whether the value stands in the column's own type already, and fits.
+bool is_of_column(const ColumnDef& column, const Value& value) {
+    switch (column.type) {
+        case ColumnType::kBoolean: return std::holds_alternative<bool>(value);
+        case ColumnType::kByte: return std::holds_alternative<std::uint8_t>(value);
+        case ColumnType::kInteger: return std::holds_alternative<std::int16_t>(value);
+        case ColumnType::kLong: return std::holds_alternative<std::int32_t>(value);
+        case ColumnType::kCurrency: return std::holds_alternative<Currency>(value);
+        case ColumnType::kMemo: return std::holds_alternative<std::u16string>(value);
+        case ColumnType::kText: {
+            const auto* text = std::get_if<std::u16string>(&value);
+            return text && 2 * text->size() <= column.length_bytes;
+        }
+        default: return false;  // the others' conversions look at no more than the type and the range
+    }
+}
+
 }  // namespace
 
 Value coerce_value(const ColumnDef& column, Value value) {
+    if (is_of_column(column, value)) return value;
     if (is_null(value)) {
         if (column.type == ColumnType::kBoolean) return false;
         return value;

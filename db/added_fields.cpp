@@ -1,12 +1,11 @@
 #include "db/added_fields.h"
 
 #include "afx/dao_table_def.h"
+#include "afx/engine_errors.h"
 #include "db/rows.h"
 
 namespace db {
 namespace {
-
-constexpr LONG kNotInCollection = 3265;
 
 bool has_field(CDaoTableDef& table, const char* name) {
     try {
@@ -14,7 +13,7 @@ bool has_field(CDaoTableDef& table, const char* name) {
         table.GetFieldInfo(name, info);
         return true;
     } catch (CDaoException* e) {
-        if (e->m_pErrorInfo->m_lErrorCode != kNotInCollection) throw;
+        if (e->m_pErrorInfo->m_lErrorCode != afx::errors::kNotInCollection) throw;
         e->Delete();
         return false;
     }
@@ -31,16 +30,15 @@ bool add_field(CDaoDatabase& database, const TableSchema& table, const char* fie
     return missing;
 }
 
-int add_fields(CDaoDatabase& database, std::span<const TableSchema> schema, std::span<const AddedFields> added) {
-    int result = 0;
+void add_fields(CDaoDatabase& database, std::span<const TableSchema> schema, std::span<const AddedFields> added) {
+    EachForItself each;
     for (const AddedFields& one : added) {
         const TableSchema& table = *find_table(schema, one.table);
-        const int done = guarded([&] {
+        each.run([&] {
             for (const char* const field : one.fields) add_field(database, table, field);
         });
-        if (done != 0) result = -1;
     }
-    return result;
+    each.finish();
 }
 
 }  // namespace db

@@ -16,8 +16,8 @@ struct AddedFields {
 
 // False when the table has a field of that name, which stays as it is. Throws CDaoException*.
 bool add_field(CDaoDatabase& database, const TableSchema& table, const char* field);
-// Adds what is missing, table by table: 0, or -1 when a table took not all of its fields. The others get
-// theirs all the same.
-int add_fields(CDaoDatabase& database, std::span<const TableSchema> schema, std::span<const AddedFields> added);
+// Adds what is missing, table by table. A table that does not take all of its fields keeps none of the others from
+// theirs; its error (CDaoException*) comes at the end.
+void add_fields(CDaoDatabase& database, std::span<const TableSchema> schema, std::span<const AddedFields> added);
 
 }  // namespace db

@@ -138,7 +138,7 @@ private:
     // The name goes into the statement as it is; one that the engine refuses, as with a quote in it, has no song.
     Song look_up(LONG project, const CString& name) {
         Song found;
-        guarded([&] {
+        attempt([&] {
             CDaoRecordset rows(&database_);
             rows.Open(dbOpenDynaset,
                       ("SELECT * FROM [Songs] WHERE [ProjID]=" + std::to_string(project) + " AND [Name] LIKE \"" +
@@ -170,123 +170,105 @@ void add_participant(CDaoRecordset& rows, LONG session, const Engineer& engineer
 
 }  // namespace
 
-int convert_bookings(CDaoDatabase& database) {
-    return guarded(
-        [&] { edit_each_row(database, "Bookings", [](CDaoRecordset& rows) { set_zero(rows, {"StatusID"}); }); });
+void convert_bookings(CDaoDatabase& database) {
+    edit_each_row(database, "Bookings", [](CDaoRecordset& rows) { set_zero(rows, {"StatusID"}); });
 }
 
-int convert_contacts(CDaoDatabase& database) {
-    return guarded([&] {
-        edit_each_row(database, "Clients", [&](CDaoRecordset& rows) {
-            // A name that cannot be read whole, or would grow too long, stays; the last name has a column of its own.
-            if (is_whole(database, rows, "Name") && is_whole(database, rows, "LastName")) {
-                const CString name = text_of(rows, "Name") + " " + text_of(rows, "LastName");
-                guarded([&] { rows.SetFieldValue("Name", name.GetString()); });
-            }
-            set_zero(rows, {"CategoryID"});
-            rows.SetFieldValue("CatIDs", "1");
-            rows.SetFieldValue("Phone1Descript", "Phone 1");
-            rows.SetFieldValue("Phone2Descript", "Phone 2");
-            rows.SetFieldValue("Phone3Descript", "Phone 3");
-            rows.SetFieldValue("Phone4Descript", "Phone 4");
-            rows.SetFieldValue("Phone5Descript", "Fax");
-            rows.SetFieldValue("Phone5", text_of(rows, "Fax").GetString());
-        });
+void convert_contacts(CDaoDatabase& database) {
+    edit_each_row(database, "Clients", [&](CDaoRecordset& rows) {
+        // A name that cannot be read whole, or would grow too long, stays; the last name has a column of its own.
+        if (is_whole(database, rows, "Name") && is_whole(database, rows, "LastName")) {
+            const CString name = text_of(rows, "Name") + " " + text_of(rows, "LastName");
+            attempt([&] { rows.SetFieldValue("Name", name.GetString()); });
+        }
+        set_zero(rows, {"CategoryID"});
+        rows.SetFieldValue("CatIDs", "1");
+        rows.SetFieldValue("Phone1Descript", "Phone 1");
+        rows.SetFieldValue("Phone2Descript", "Phone 2");
+        rows.SetFieldValue("Phone3Descript", "Phone 3");
+        rows.SetFieldValue("Phone4Descript", "Phone 4");
+        rows.SetFieldValue("Phone5Descript", "Fax");
+        rows.SetFieldValue("Phone5", text_of(rows, "Fax").GetString());
     });
 }
 
-int convert_projects(CDaoDatabase& database) {
-    return guarded([&] {
-        const COleVariant today = date_value(CTime::GetCurrentTime(), TimeOfDay::kDropped);
-        const COleVariant no_discount(COleCurrency(0, 0));
-        edit_each_row(database, "Projects", [&](CDaoRecordset& rows) {
-            rows.SetFieldValue("ProjCreateDate", today);
-            set_zero(rows, {"ProjTypeID", "ProducerID", "DirectorID", "DiscountType"});
-            rows.SetFieldValue("DiscountVal", no_discount);
-        });
+void convert_projects(CDaoDatabase& database) {
+    const COleVariant today = date_value(CTime::GetCurrentTime(), TimeOfDay::kDropped);
+    const COleVariant no_discount(COleCurrency(0, 0));
+    edit_each_row(database, "Projects", [&](CDaoRecordset& rows) {
+        rows.SetFieldValue("ProjCreateDate", today);
+        set_zero(rows, {"ProjTypeID", "ProducerID", "DirectorID", "DiscountType"});
+        rows.SetFieldValue("DiscountVal", no_discount);
     });
 }
 
-int convert_engineers(CDaoDatabase& database) {
-    return guarded([&] {
-        CDaoRecordset services(&database);
-        open_table(services, "Services");
-        for_each_row(database, engineers_table().name, [&](CDaoRecordset& rows) {
-            const CString name = text_of(rows, "Name");
-            if (is_blank(name)) return;
-            const LONG contact = find_or_add_engineer(database, name);
-            services.AddNew();
-            services.SetFieldValue("Name", kEngineering);
-            services.SetFieldValue("ContactID", long_value(contact));
-            services.SetFieldValue("CategoryID", long_value(kEngineers));
-            set_zero(services, {"TimeUnit", "RoomID", "ExData"});
-            services.SetFieldValue("Price", rows.GetFieldValue("Price"));
-            services.Update();
-        });
+void convert_engineers(CDaoDatabase& database) {
+    CDaoRecordset services(&database);
+    open_table(services, "Services");
+    for_each_row(database, engineers_table().name, [&](CDaoRecordset& rows) {
+        const CString name = text_of(rows, "Name");
+        if (is_blank(name)) return;
+        const LONG contact = find_or_add_engineer(database, name);
+        services.AddNew();
+        services.SetFieldValue("Name", kEngineering);
+        services.SetFieldValue("ContactID", long_value(contact));
+        services.SetFieldValue("CategoryID", long_value(kEngineers));
+        set_zero(services, {"TimeUnit", "RoomID", "ExData"});
+        services.SetFieldValue("Price", rows.GetFieldValue("Price"));
+        services.Update();
     });
 }
 
-int convert_sessions(CDaoDatabase& database) {
-    return guarded([&] {
-        Songs songs(database);
-        Engineers engineers(database);
-        CDaoRecordset participants(&database);
-        open_table(participants, "Participants");
-        edit_each_row(database, "Sessions", [&](CDaoRecordset& rows) {
-            const Song song = songs.named(integer_of(rows, "ProjID"), text_of(rows, "SongName"));
-            rows.SetFieldValue("SongID", long_value(song.song));
-            rows.SetFieldValue("ArtistID", long_value(song.artist));
-            if (rows.GetFieldValue("RoomID").vt == VT_NULL) set_zero(rows, {"RoomID"});
-            const CString engineer = text_of(rows, "Engineer");
-            if (is_blank(engineer)) return;
-            add_participant(participants, integer_of(rows, "SessionID"), engineers.named(engineer),
-                            text_of(rows, "Total"));
-        });
+void convert_sessions(CDaoDatabase& database) {
+    Songs songs(database);
+    Engineers engineers(database);
+    CDaoRecordset participants(&database);
+    open_table(participants, "Participants");
+    edit_each_row(database, "Sessions", [&](CDaoRecordset& rows) {
+        const Song song = songs.named(integer_of(rows, "ProjID"), text_of(rows, "SongName"));
+        rows.SetFieldValue("SongID", long_value(song.song));
+        rows.SetFieldValue("ArtistID", long_value(song.artist));
+        if (rows.GetFieldValue("RoomID").vt == VT_NULL) set_zero(rows, {"RoomID"});
+        const CString engineer = text_of(rows, "Engineer");
+        if (is_blank(engineer)) return;
+        add_participant(participants, integer_of(rows, "SessionID"), engineers.named(engineer), text_of(rows, "Total"));
     });
 }
 
-int convert_songs(CDaoDatabase& database) {
-    return guarded([&] {
-        edit_each_row(database, "Songs", [](CDaoRecordset& rows) {
-            set_zero(rows, {"ArtistID", "CopyrightsID", "ProducerID", "ComposerID", "WriterID"});
-        });
+void convert_songs(CDaoDatabase& database) {
+    edit_each_row(database, "Songs", [](CDaoRecordset& rows) {
+        set_zero(rows, {"ArtistID", "CopyrightsID", "ProducerID", "ComposerID", "WriterID"});
     });
 }
 
-int convert_stock(CDaoDatabase& database) {
-    return guarded([&] {
-        edit_each_row(database, "Stock", [](CDaoRecordset& rows) {
-            set_zero(rows, {"SupplierID"});
-            rows.SetFieldValue("Cost", COleVariant(0.0f));
-        });
+void convert_stock(CDaoDatabase& database) {
+    edit_each_row(database, "Stock", [](CDaoRecordset& rows) {
+        set_zero(rows, {"SupplierID"});
+        rows.SetFieldValue("Cost", COleVariant(0.0f));
     });
 }
 
-int convert_tracks(CDaoDatabase& database) {
-    return guarded([&] {
-        const DateReader reader;
-        edit_each_row(database, "Tracks", [&](CDaoRecordset& rows) {
-            set_zero(rows, {"TypeID", "PerformerID", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode"});
-            const auto date = reader.read(text_of(rows, "Date").GetString());
-            if (date) rows.SetFieldValue("TDate", COleVariant(*date));
-        });
+void convert_tracks(CDaoDatabase& database) {
+    const DateReader reader;
+    edit_each_row(database, "Tracks", [&](CDaoRecordset& rows) {
+        set_zero(rows, {"TypeID", "PerformerID", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode"});
+        const auto date = reader.read(text_of(rows, "Date").GetString());
+        if (date) rows.SetFieldValue("TDate", COleVariant(*date));
     });
 }
 
-int convert_mix_files(CDaoDatabase& database) {
-    return guarded([&] {
-        CDaoRecordset mixes(&database);
-        open_table(mixes, "MixFiles");
-        for_each_row(database, "Songs", [&](CDaoRecordset& songs) {
-            const CString path = text_of(songs, "MixFile");
-            if (path.IsEmpty()) return;
-            mixes.AddNew();
-            mixes.SetFieldValue("SongID", songs.GetFieldValue("SongID"));
-            mixes.SetFieldValue("Path", path.GetString());
-            mixes.SetFieldValue("Descript", "");
-            set_zero(mixes, {"ExData"});
-            mixes.Update();
-        });
+void convert_mix_files(CDaoDatabase& database) {
+    CDaoRecordset mixes(&database);
+    open_table(mixes, "MixFiles");
+    for_each_row(database, "Songs", [&](CDaoRecordset& songs) {
+        const CString path = text_of(songs, "MixFile");
+        if (path.IsEmpty()) return;
+        mixes.AddNew();
+        mixes.SetFieldValue("SongID", songs.GetFieldValue("SongID"));
+        mixes.SetFieldValue("Path", path.GetString());
+        mixes.SetFieldValue("Descript", "");
+        set_zero(mixes, {"ExData"});
+        mixes.Update();
     });
 }
 

@@ -48,117 +48,105 @@ constexpr ContactCategory kContactCategories[] = {
 
 }  // namespace
 
-int write_main_content(CDaoDatabase& database) {
-    return guarded([&] {
-        CDaoRecordset rows(&database);
-        open_table(rows, "DBHeader");
-        rows.AddNew();
-        rows.SetFieldValue("DBversion", long_value(kCurrentVersion));
-        rows.SetFieldValue("Color2", long_value(1));  // Color1 stays Null
-        rows.Update();
-        rows.Close();
+void write_main_content(CDaoDatabase& database) {
+    CDaoRecordset rows(&database);
+    open_table(rows, "DBHeader");
+    rows.AddNew();
+    rows.SetFieldValue("DBversion", long_value(kCurrentVersion));
+    rows.SetFieldValue("Color2", long_value(1));  // Color1 stays Null
+    rows.Update();
+    rows.Close();
 
-        open_table(rows, "Def_Invoice");
-        rows.AddNew();
-        rows.SetFieldValue("StudioName", "Your Studio Name");
-        rows.SetFieldValue("StudioDetails", "Your Studio Details");
-        rows.SetFieldValue("BaseCounter", long_value(1));
-        rows.SetFieldValue("LastUsedCounter", long_value(0));
-        rows.SetFieldValue("VAT1", long_value(0));
-        rows.SetFieldValue("VAT2", long_value(0));
-        rows.SetFieldValue("Tax", COleVariant(COleCurrency(0, 0)));
-        rows.SetFieldValue("ExData", long_value(0));
-        rows.Update();
-        rows.Close();
-    });
+    open_table(rows, "Def_Invoice");
+    rows.AddNew();
+    rows.SetFieldValue("StudioName", "Your Studio Name");
+    rows.SetFieldValue("StudioDetails", "Your Studio Details");
+    rows.SetFieldValue("BaseCounter", long_value(1));
+    rows.SetFieldValue("LastUsedCounter", long_value(0));
+    rows.SetFieldValue("VAT1", long_value(0));
+    rows.SetFieldValue("VAT2", long_value(0));
+    rows.SetFieldValue("Tax", COleVariant(COleCurrency(0, 0)));
+    rows.SetFieldValue("ExData", long_value(0));
+    rows.Update();
+    rows.Close();
 }
 
-int write_invoice_content(CDaoDatabase& database) {
-    return guarded([&] {
-        CDaoRecordset rows(&database);
-        open_table(rows, "DBHeader");
-        rows.AddNew();
-        rows.SetFieldValue("DBversion", long_value(kCurrentVersion));  // CreateDate stays Null
-        rows.Update();
-        rows.Close();
-    });
+void write_invoice_content(CDaoDatabase& database) {
+    CDaoRecordset rows(&database);
+    open_table(rows, "DBHeader");
+    rows.AddNew();
+    rows.SetFieldValue("DBversion", long_value(kCurrentVersion));  // CreateDate stays Null
+    rows.Update();
+    rows.Close();
 }
 
 // The calls and their order are those of the equipment records' own Add, which lies a layer above; the time
 // of day is dropped as there.
-int add_sample_equipment(CDaoDatabase& database) {
-    return guarded([&] {
-        const COleVariant today = date_value(CTime::GetCurrentTime(), TimeOfDay::kDropped);
-        CDaoRecordset rows(&database);
-        open_table(rows, "Equipment");
-        for (const SampleEquipment& sample : kSampleEquipment) {
-            rows.AddNew();
-            rows.SetBookmark(rows.GetLastModifiedBookmark());
-            rows.SetFieldValue("Name", sample.name);
-            rows.SetFieldValue("Action", sample.action);
-            rows.SetFieldValue("ActDate", today);
-            rows.SetFieldValue("Cost", sample.cost);
-            rows.SetFieldValue("Notes", sample.notes);
-            rows.Update();
-        }
-        rows.Close();
-    });
-}
-
-int add_demo_project(CDaoDatabase& database) {
-    return guarded([&] {
-        CDaoRecordset rows(&database);
-        open_table(rows, "Projects");
+void add_sample_equipment(CDaoDatabase& database) {
+    const COleVariant today = date_value(CTime::GetCurrentTime(), TimeOfDay::kDropped);
+    CDaoRecordset rows(&database);
+    open_table(rows, "Equipment");
+    for (const SampleEquipment& sample : kSampleEquipment) {
         rows.AddNew();
-        rows.SetFieldValue("Name", " Demo Project");  // with its blank, so that it sorts before all others
-        for (const char* field : {"Type", "Producer", "Director", "Client"}) rows.SetFieldValue(field, "");
-        rows.SetFieldValue("ClientID", long_value(0));
-        rows.SetFieldValue("Folder", "");
-        rows.SetFieldValue("Notes", string_resource(KVDB_STRING_WELCOME).c_str());
+        rows.SetBookmark(rows.GetLastModifiedBookmark());
+        rows.SetFieldValue("Name", sample.name);
+        rows.SetFieldValue("Action", sample.action);
+        rows.SetFieldValue("ActDate", today);
+        rows.SetFieldValue("Cost", sample.cost);
+        rows.SetFieldValue("Notes", sample.notes);
         rows.Update();
-        rows.Close();
-    });
+    }
+    rows.Close();
 }
 
-int write_media_library(CDaoDatabase& database) {
-    return guarded([&] {
-        std::array<LONG, kLibraryGroups.size()> groups{};
-        CDaoRecordset rows(&database);
-        open_table(rows, "LibGroups");
-        for (std::size_t i = 0; i < kLibraryGroups.size(); ++i) {
-            rows.AddNew();
-            rows.SetFieldValue("Name", kLibraryGroups[i]);
-            rows.Update();
-            rows.SetBookmark(rows.GetLastModifiedBookmark());
-            groups[i] = value_to_integer(rows.GetFieldValue("GroupID"));
-        }
-        rows.Close();
-
-        open_table(rows, "MediaLibs");
-        for (const Library& library : kLibraries) {
-            rows.AddNew();
-            rows.SetFieldValue("GroupID", long_value(groups[library.group]));
-            rows.SetFieldValue("Name", library.name);
-            rows.SetFieldValue("Descript", "");
-            rows.Update();
-        }
-        rows.Close();
-    });
+void add_demo_project(CDaoDatabase& database) {
+    CDaoRecordset rows(&database);
+    open_table(rows, "Projects");
+    rows.AddNew();
+    rows.SetFieldValue("Name", " Demo Project");  // with its blank, so that it sorts before all others
+    for (const char* field : {"Type", "Producer", "Director", "Client"}) rows.SetFieldValue(field, "");
+    rows.SetFieldValue("ClientID", long_value(0));
+    rows.SetFieldValue("Folder", "");
+    rows.SetFieldValue("Notes", string_resource(KVDB_STRING_WELCOME).c_str());
+    rows.Update();
+    rows.Close();
 }
 
-int write_contact_categories(CDaoDatabase& database) {
-    return guarded([&] {
-        CDaoRecordset rows(&database);
-        open_table(rows, "ContactCategories");
-        for (const ContactCategory& category : kContactCategories) {
-            rows.AddNew();
-            rows.SetFieldValue("Name", category.name);
-            rows.SetFieldValue("Type", long_value(category.type));
-            rows.SetFieldValue("ExData", long_value(category.ex_data));
-            rows.Update();
-        }
-        rows.Close();
-    });
+void write_media_library(CDaoDatabase& database) {
+    std::array<LONG, kLibraryGroups.size()> groups{};
+    CDaoRecordset rows(&database);
+    open_table(rows, "LibGroups");
+    for (std::size_t i = 0; i < kLibraryGroups.size(); ++i) {
+        rows.AddNew();
+        rows.SetFieldValue("Name", kLibraryGroups[i]);
+        rows.Update();
+        rows.SetBookmark(rows.GetLastModifiedBookmark());
+        groups[i] = value_to_integer(rows.GetFieldValue("GroupID"));
+    }
+    rows.Close();
+
+    open_table(rows, "MediaLibs");
+    for (const Library& library : kLibraries) {
+        rows.AddNew();
+        rows.SetFieldValue("GroupID", long_value(groups[library.group]));
+        rows.SetFieldValue("Name", library.name);
+        rows.SetFieldValue("Descript", "");
+        rows.Update();
+    }
+    rows.Close();
+}
+
+void write_contact_categories(CDaoDatabase& database) {
+    CDaoRecordset rows(&database);
+    open_table(rows, "ContactCategories");
+    for (const ContactCategory& category : kContactCategories) {
+        rows.AddNew();
+        rows.SetFieldValue("Name", category.name);
+        rows.SetFieldValue("Type", long_value(category.type));
+        rows.SetFieldValue("ExData", long_value(category.ex_data));
+        rows.Update();
+    }
+    rows.Close();
 }
 
 }  // namespace db

@@ -8,23 +8,22 @@ namespace db {
 // The schema version of every new file.
 inline constexpr int kCurrentVersion = 210000;
 
-// Each operation writes its rows in order and returns 0, or -1 at the first exception of the engine, which
-// is deleted; the rows before it stay.
+// Each operation writes its rows in order. Throws CDaoException*; the rows before the one that failed stay.
 
 // The header row, then the row of invoice defaults.
-int write_main_content(CDaoDatabase& database);
+void write_main_content(CDaoDatabase& database);
 // The header row.
-int write_invoice_content(CDaoDatabase& database);
+void write_invoice_content(CDaoDatabase& database);
 // Two samples of an equipment log, dated today.
-int add_sample_equipment(CDaoDatabase& database);
+void add_sample_equipment(CDaoDatabase& database);
 
 // For upgraded files only; deliberately, a new file has none of these rows.
 
 // A project whose note welcomes the user.
-int add_demo_project(CDaoDatabase& database);
+void add_demo_project(CDaoDatabase& database);
 // Three groups of media, and libraries in the first two.
-int write_media_library(CDaoDatabase& database);
+void write_media_library(CDaoDatabase& database);
 // The ten categories of contacts; in a new table their keys are 1 to 10 in order.
-int write_contact_categories(CDaoDatabase& database);
+void write_contact_categories(CDaoDatabase& database);
 
 }  // namespace db

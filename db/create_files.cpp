@@ -4,8 +4,10 @@
 #include <string>
 
 #include "afx/dao_database.h"
+#include "afx/engine_errors.h"
 #include "db/content.h"
 #include "db/database_files.h"
+#include "db/rows.h"
 #include "db/schema.h"
 #include "os/draft.h"
 #include "os/file.h"
@@ -13,7 +15,7 @@
 namespace db {
 namespace {
 
-constexpr SCODE kReservedError = static_cast<SCODE>(0x800A0000u + 3001);
+constexpr SCODE kReservedError = static_cast<SCODE>(0x800A0000u + afx::errors::kReserved);
 
 void close_quietly(CDaoDatabase& database) {
     try {
@@ -46,7 +48,7 @@ void take_access_of_the_other(DatabaseFile file, const std::string& draft) {
 // Gives the draft its name, unless somebody else's file has it by now: then the draft goes, and that file it is.
 void publish(const std::string& draft, const std::string& path) {
     os::FileSystem& files = os::file_system();
-    with_dao_errors([&] {
+    afx::with_dao_errors([&] {
         try {
             files.rename(draft, path);
         } catch (const os::FileError&) {
@@ -63,22 +65,22 @@ void publish(const std::string& draft, const std::string& path) {
     });
 }
 
-int fill_main_file(CDaoDatabase& database) {
+void fill_main_file(CDaoDatabase& database) {
     const auto tables = studio_tables();
-    const std::size_t others = tables.size() - gear_tables().size();
-    if (create_tables(database, tables.first(others)) != 0) return -1;
-    if (create_gear_tables(database) != 0) return -1;
-    return write_main_content(database);
+    create_tables(database, tables.first(tables.size() - gear_tables().size()));
+    create_gear_tables(database);
+    write_main_content(database);
 }
 
-int fill_invoice_file(CDaoDatabase& database) {
-    return create_tables(database, invoice_tables()) != 0 ? -1 : write_invoice_content(database);
+void fill_invoice_file(CDaoDatabase& database) {
+    create_tables(database, invoice_tables());
+    write_invoice_content(database);
 }
 
-void make_draft(CDaoDatabase& database, const std::string& draft, DatabaseFile file, int (*fill)(CDaoDatabase&)) {
+void make_draft(CDaoDatabase& database, const std::string& draft, DatabaseFile file, void (*fill)(CDaoDatabase&)) {
     database.Create(draft.c_str(), locale_text(file).c_str());
     database.m_pWorkspace->BeginTrans();
-    if (fill(database) != 0) AfxThrowDaoException(NO_AFX_DAO_ERROR, kReservedError);
+    if (!succeeds([&] { fill(database); })) AfxThrowDaoException(NO_AFX_DAO_ERROR, kReservedError);
     database.m_pWorkspace->CommitTrans();
     database.Close();
     take_access_of_the_other(file, draft);
@@ -91,7 +93,7 @@ void give_up(CDaoDatabase& database, const std::string& draft, const std::string
     os::clear_drafts(path);
 }
 
-void create_file(CDaoDatabase& database, DatabaseFile file, int (*fill)(CDaoDatabase&)) {
+void create_file(CDaoDatabase& database, DatabaseFile file, void (*fill)(CDaoDatabase&)) {
     const std::string path = file_path(file);
     const std::string draft = os::draft_name(path);
     try {

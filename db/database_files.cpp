@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "afx/dao_constants.h"
+#include "afx/engine_errors.h"
 #include "os/file.h"
 #include "os/system.h"
 
@@ -41,30 +42,12 @@ const FileFacts& facts(DatabaseFile file) { return kFiles[static_cast<std::size_
 
 }  // namespace
 
-SCODE scode_of(os::FileFault fault) {
-    constexpr std::uint32_t kEngine = 0x800A0000u;
-    const auto number = [fault]() -> std::uint32_t {
-        switch (fault) {
-            case os::FileFault::kNotFound: return 3024;
-            case os::FileFault::kBadPath:
-            case os::FileFault::kLink: return 3044;
-            case os::FileFault::kExists: return 3204;
-            case os::FileFault::kAccessDenied: return 3051;
-            case os::FileFault::kLocked: return 3356;
-            case os::FileFault::kDiskFull: return 3026;
-            case os::FileFault::kIo: break;
-        }
-        return 3043;
-    };
-    return static_cast<SCODE>(kEngine + number());
-}
-
 std::string database_folder() { return given_folder().empty() ? os::folder_of(os::module_path()) : given_folder(); }
 
 std::string file_path(DatabaseFile file) { return os::join_path(database_folder(), facts(file).name); }
 
 bool file_exists(DatabaseFile file) {
-    return with_dao_errors([file] { return os::file_system().exists(file_path(file)); });
+    return afx::with_dao_errors([file] { return os::file_system().exists(file_path(file)); });
 }
 
 const char* password(DatabaseFile file) { return facts(file).password; }

@@ -9,9 +9,6 @@
 
 namespace db {
 
-// The engine's code for a fault that the system reports outside the engine's own operations.
-SCODE scode_of(os::FileFault fault);
-
 enum class DatabaseFile { kMain, kInvoice };
 
 // The folder of the component's own module, without a separator at its end, as os/file.h takes paths; never cut. Worked
@@ -21,16 +18,6 @@ std::string database_folder();
 std::string file_path(DatabaseFile file);
 // False only when the system says that the name is not there; when it cannot tell, CDaoException*.
 bool file_exists(DatabaseFile file);
-
-// Runs `work`, in which a fault of the system comes out as CDaoException*.
-template <class Work>
-decltype(auto) with_dao_errors(Work&& work) {
-    try {
-        return work();
-    } catch (const os::FileError& error) {
-        AfxThrowDaoException(NO_AFX_DAO_ERROR, scode_of(error.fault()));
-    }
-}
 
 // The file's password, and the one that it had in the oldest versions; null where there was no other.
 const char* password(DatabaseFile file);

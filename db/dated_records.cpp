@@ -34,15 +34,13 @@ void add_price(CDaoDatabase& database, const TableSchema& table, const char* fie
 
 }  // namespace
 
-int convert_dated_records(CDaoDatabase& database) {
-    return guarded([&] {
-        add_field(database, studio_table("Sessions"), "RoomID");
-        move_dates(database, "Sessions", "RecDate");
-        move_dates(database, "Equipment", "ActDate");
-        add_price(database, studio_table("Def_StockTypes"), "ItemPrice");
-        add_price(database, engineers_table(), "Price");
-        add_field(database, engineers_table(), "RecID");
-    });
+void convert_dated_records(CDaoDatabase& database) {
+    add_field(database, studio_table("Sessions"), "RoomID");
+    move_dates(database, "Sessions", "RecDate");
+    move_dates(database, "Equipment", "ActDate");
+    add_price(database, studio_table("Def_StockTypes"), "ItemPrice");
+    add_price(database, engineers_table(), "Price");
+    add_field(database, engineers_table(), "RecID");
 }
 
 }  // namespace db

@@ -2,29 +2,70 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "afx/dao_recordset.h"
+#include "afx/engine_errors.h"
 
 namespace db {
 
 // Whether the work failed for lack of memory, of which no part is to be kept.
 inline bool is_lack_of_memory(const CDaoException& error) {
-    constexpr LONG kOutOfMemory = 3035;
-    return error.m_pErrorInfo->m_lErrorCode == kOutOfMemory;
+    return error.m_pErrorInfo->m_lErrorCode == afx::errors::kOutOfMemory;
 }
 
-// Runs `work`; 0, or -1 when it throws an engine's error, which is deleted. Lack of memory goes on its way.
+// Runs `work`; false when it throws an engine's error, which is deleted. Lack of memory goes on its way.
 template <class Work>
-int guarded(Work&& work) {
+[[nodiscard]] bool succeeds(Work&& work) {
     try {
         work();
-        return 0;
+        return true;
     } catch (CDaoException* e) {
         if (is_lack_of_memory(*e)) throw;
         e->Delete();
-        return -1;
+        return false;
     }
 }
+
+// As above, where a failure changes nothing.
+template <class Work>
+void attempt(Work&& work) {
+    static_cast<void>(succeeds(std::forward<Work>(work)));
+}
+
+// Pieces of work that do not depend on each other: one that fails keeps none of the others from being done, and its
+// error is thrown at the end.
+class EachForItself {
+public:
+    EachForItself() = default;
+    ~EachForItself() {
+        if (first_ != nullptr) first_->Delete();
+    }
+    EachForItself(const EachForItself&) = delete;
+    EachForItself& operator=(const EachForItself&) = delete;
+
+    // Lack of memory goes on its way at once.
+    template <class Work>
+    void run(Work&& work) {
+        try {
+            work();
+        } catch (CDaoException* e) {
+            if (is_lack_of_memory(*e)) throw;
+            if (first_ == nullptr) {
+                first_ = e;
+            } else {
+                e->Delete();
+            }
+        }
+    }
+    // Throws the first error, if there was one.
+    void finish() {
+        if (first_ != nullptr) throw std::exchange(first_, nullptr);
+    }
+
+private:
+    CDaoException* first_ = nullptr;
+};
 
 inline COleVariant long_value(LONG value) { return COleVariant(value, VT_I4); }
 

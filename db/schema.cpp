@@ -65,24 +65,18 @@ void create_field(CDaoTableDef& table, const FieldSchema& field) {
     }
 }
 
-int create_table(CDaoDatabase& database, const TableSchema& table) {
-    if (!database.IsOpen()) return -1;
-    return guarded([&] {
-        CDaoTableDef definition(&database);
-        definition.Create(table.name, 0);
-        for (const FieldSchema& field : table.fields) create_field(definition, field);
-        definition.Append();
-        definition.Close();
-    });
+void create_table(CDaoDatabase& database, const TableSchema& table) {
+    CDaoTableDef definition(&database);
+    definition.Create(table.name, 0);
+    for (const FieldSchema& field : table.fields) create_field(definition, field);
+    definition.Append();
+    definition.Close();
 }
 
-int create_tables(CDaoDatabase& database, std::span<const TableSchema> tables) {
-    for (const TableSchema& table : tables) {
-        if (create_table(database, table) != 0) return -1;
-    }
-    return 0;
+void create_tables(CDaoDatabase& database, std::span<const TableSchema> tables) {
+    for (const TableSchema& table : tables) create_table(database, table);
 }
 
-int create_gear_tables(CDaoDatabase& database) { return create_tables(database, gear_tables()); }
+void create_gear_tables(CDaoDatabase& database) { create_tables(database, gear_tables()); }
 
 }  // namespace db

@@ -50,12 +50,11 @@ const FieldSchema* find_field(const TableSchema& table, const char* name);
 // Adds a field to a definition being made or to an existing table. Throws CDaoException*.
 void create_field(CDaoTableDef& table, const FieldSchema& field);
 
-// The operations below return 0 or -1; on -1 the table that failed does not exist.
-// -1 too when the database is not open, and then nothing is touched.
-int create_table(CDaoDatabase& database, const TableSchema& table);
+// The operations below throw CDaoException*, also when the database is not open; the table that failed does not exist.
+void create_table(CDaoDatabase& database, const TableSchema& table);
 // All tables in order. A failure stops the pass; the tables before it stay.
-int create_tables(CDaoDatabase& database, std::span<const TableSchema> tables);
+void create_tables(CDaoDatabase& database, std::span<const TableSchema> tables);
 // The gear tables in one pass.
-int create_gear_tables(CDaoDatabase& database);
+void create_gear_tables(CDaoDatabase& database);
 
 }  // namespace db

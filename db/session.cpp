@@ -6,6 +6,7 @@
 #include "db/content.h"
 #include "db/create_files.h"
 #include "db/database_files.h"
+#include "db/rows.h"
 #include "db/upgrade.h"
 #include "db/values.h"
 
@@ -17,8 +18,6 @@ constexpr char kHeader[] = "SELECT * FROM [DBHeader]";
 // Made when the library starts, ended when it goes.
 CDaoDatabase main_database;
 CDaoDatabase invoice_database;
-
-constexpr LONG kWrongPassword = 3031;
 
 Opening opening = Opening::kMakeAndUpgrade;
 
@@ -32,7 +31,7 @@ void open_file(CDaoDatabase& database, DatabaseFile file) {
     try {
         return database.Open(path.c_str(), TRUE, read_only, connect_text(file).c_str());
     } catch (CDaoException* e) {
-        if (former == nullptr || e->m_pErrorInfo->m_lErrorCode != kWrongPassword) throw;
+        if (former == nullptr || e->m_pErrorInfo->m_lErrorCode != afx::errors::kWrongPassword) throw;
         e->Delete();
     }
     database.Open(path.c_str(), TRUE, read_only, connect_text(former).c_str());
@@ -110,7 +109,7 @@ HRESULT open(GateDatabases& databases) {
         upgrade_main_file(main);  // its result changes nothing here
     } else {
         create_main_file(main);
-        add_sample_equipment(main);
+        attempt([&] { add_sample_equipment(main); });  // a studio without samples is a studio
     }
 
     CDaoDatabase& invoice = *databases.invoice;

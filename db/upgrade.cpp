@@ -21,54 +21,45 @@ constexpr bool kWithNext = true;
 
 // ---- The steps that only this file knows
 
-int change_password(CDaoDatabase& database) {
-    return guarded([&] {
-        const COleVariant former(former_password(DatabaseFile::kMain));
-        const COleVariant current(password(DatabaseFile::kMain));
-        DAO_CHECK(database.m_pDAODatabase->NewPassword(former.bstrVal, current.bstrVal));
-    });
+void change_password(CDaoDatabase& database) {
+    const COleVariant former(former_password(DatabaseFile::kMain));
+    const COleVariant current(password(DatabaseFile::kMain));
+    DAO_CHECK(database.m_pDAODatabase->NewPassword(former.bstrVal, current.bstrVal));
 }
 
-int mark_as_current(CDaoDatabase& database) {
-    bool has_row = false;
-    const int done = guarded([&] {
-        CDaoRecordset rows(&database);
-        open_table(rows, "DBHeader");
-        has_row = rows.GetRecordCount() >= 1;
-        if (!has_row) return;
-        rows.Edit();
-        rows.SetFieldValue("DBversion", long_value(kCurrentVersion));
-        rows.Update();
-    });
-    return has_row ? done : -1;
+// Fails, as an engine would, on a header without a row.
+void mark_as_current(CDaoDatabase& database) {
+    CDaoRecordset rows(&database);
+    open_table(rows, "DBHeader");
+    rows.Edit();
+    rows.SetFieldValue("DBversion", long_value(kCurrentVersion));
+    rows.Update();
 }
 
-int create_studio_tables(CDaoDatabase& database, std::span<const char* const> names) {
-    for (const char* const name : names) {
-        if (create_table(database, *find_table(studio_tables(), name)) != 0) return -1;
-    }
-    return 0;
+void create_studio_tables(CDaoDatabase& database, std::span<const char* const> names) {
+    for (const char* const name : names) create_table(database, *find_table(studio_tables(), name));
 }
 
-int create_tables_of_200000(CDaoDatabase& database) {
+void create_tables_of_200000(CDaoDatabase& database) {
     // An upgraded file has no row of invoice defaults, deliberately.
     static constexpr const char* kTables[] = {"LibGroups", "MediaLibs", "MediaFiles",
                                               "Bookings",  "Def_Rooms", "Def_Invoice"};
-    return create_studio_tables(database, kTables);
+    create_studio_tables(database, kTables);
 }
 
-int create_tables_of_200010(CDaoDatabase& database) {
+void create_tables_of_200010(CDaoDatabase& database) {
     static constexpr const char* kTables[] = {"Def_Tax"};
-    return create_studio_tables(database, kTables);
+    create_studio_tables(database, kTables);
 }
 
-int create_tables_of_210000(CDaoDatabase& database) {
+void create_tables_of_210000(CDaoDatabase& database) {
     static constexpr const char* kTables[] = {"ContactCategories", "ProjPayments", "ProjActivities", "MixFiles",
                                               "Messages",          "Services",     "Participants"};
-    return create_studio_tables(database, kTables) != 0 ? -1 : create_gear_tables(database);
+    create_studio_tables(database, kTables);
+    create_gear_tables(database);
 }
 
-int add_fields_of_210000(CDaoDatabase& database) {
+void add_fields_of_210000(CDaoDatabase& database) {
     static const AddedFields kFields[] = {
         {"Bookings", {"StatusID"}},
         {"Clients",
@@ -80,18 +71,18 @@ int add_fields_of_210000(CDaoDatabase& database) {
         {"Stock", {"Date", "SupplierID", "Cost"}},
         {"Tracks", {"TypeID", "TDate", "PerformerID", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode"}},
     };
-    return add_fields(database, studio_tables(), kFields);
+    add_fields(database, studio_tables(), kFields);
 }
 
-int add_tax_lists(CDaoDatabase& database) {
+void add_tax_lists(CDaoDatabase& database) {
     static const AddedFields kFields[] = {{"Invoices", {"InvTaxIDs"}}, {"InvoiceParams", {"TaxIDs"}}};
-    return add_fields(database, invoice_tables(), kFields);
+    add_fields(database, invoice_tables(), kFields);
 }
 
-int add_invoice_totals(CDaoDatabase& database) {
+void add_invoice_totals(CDaoDatabase& database) {
     static const AddedFields kFields[] = {{"Invoices", {"fTax", "fDiscount", "Paymetns", "Balance"}},
                                           {"InvoiceParams", {"Date", "Details"}}};
-    return add_fields(database, invoice_tables(), kFields);
+    add_fields(database, invoice_tables(), kFields);
 }
 
 // ---- What applies below which version
@@ -149,14 +140,14 @@ int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version
     for (const UpgradeStep& step : steps) {
         if (!step.applies_to(version)) continue;
         if (upgrade_observer != nullptr) upgrade_observer->begins(step);
-        int done = -1;
-        int committed = -1;
+        bool ran = false;
+        bool is_kept = false;
         try {
-            committed = guarded([&] {
+            is_kept = succeeds([&] {
                 if (!in_transaction) workspace.BeginTrans();
                 in_transaction = true;
-                done = step.run(database);
-                if (done == 0 && step.with_next) return;
+                ran = succeeds([&] { step.run(database); });
+                if (ran && step.with_next) return;
                 workspace.CommitTrans();
                 in_transaction = false;
             });
@@ -164,9 +155,9 @@ int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version
             e->Delete();
         } catch (const std::exception&) {
         }
-        if (committed != 0 && in_transaction) take_back(workspace);
-        if (committed != 0) in_transaction = false;
-        if (done == 0 && committed == 0) continue;
+        if (!is_kept && in_transaction) take_back(workspace);
+        if (!is_kept) in_transaction = false;
+        if (ran && is_kept) continue;
         if (upgrade_observer != nullptr) upgrade_observer->failed(step);
         if (step.on_failure == kStop) return -1;
     }

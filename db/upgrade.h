@@ -24,8 +24,8 @@ struct UpgradeStep {
     LONG below;          // for files of a version below this one, or kEveryVersion but the current one
     const char* effect;  // one line, for people
     OnFailure on_failure;
-    int (*run)(CDaoDatabase& database);  // 0 or -1; throws nothing
-    bool with_next = false;              // both are one transaction
+    void (*run)(CDaoDatabase& database);  // throws CDaoException*; what it had done by then stays
+    bool with_next = false;               // both are one transaction
 
     bool applies_to(LONG version) const;
 };

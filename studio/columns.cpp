@@ -1,5 +1,6 @@
 #include "studio/columns.h"
 
+#include "afx/engine_errors.h"
 #include "db/values.h"
 
 namespace studio {
@@ -9,19 +10,14 @@ db::TimeOfDay precision_of(Conversion conversion) {
     return conversion == Conversion::kDateToTheMinute ? db::TimeOfDay::kToTheMinute : db::TimeOfDay::kDropped;
 }
 
-constexpr LONG kTextTooLong = 3163;
-constexpr LONG kNotUpdatable = 3164;
-constexpr LONG kNotInCollection = 3265;
-constexpr LONG kBadConversion = 3421;
-
 }  // namespace
 
 bool is_failed_mapping(const CDaoException& error) {
     switch (error.m_pErrorInfo->m_lErrorCode) {
-        case kTextTooLong:
-        case kNotUpdatable:
-        case kNotInCollection:
-        case kBadConversion: return true;
+        case afx::errors::kTextTooLong:
+        case afx::errors::kNotUpdatable:
+        case afx::errors::kNotInCollection:
+        case afx::errors::kBadConversion: return true;
         default: return false;
     }
 }

@@ -8,18 +8,22 @@
 
 namespace jet {
 
-[[noreturn]] inline void rethrow_as_engine_error(const os::FileError& error) {
-    switch (error.fault()) {
-        case os::FileFault::kNotFound: fail(errors::kFileNotFound, error.what());
+inline int engine_number(os::FileFault fault) {
+    switch (fault) {
+        case os::FileFault::kNotFound: return errors::kFileNotFound;
         case os::FileFault::kBadPath:
-        case os::FileFault::kLink: fail(errors::kBadPath, error.what());
-        case os::FileFault::kExists: fail(errors::kFileExists, error.what());
-        case os::FileFault::kAccessDenied: fail(errors::kAccessDenied, error.what());
-        case os::FileFault::kLocked: fail(errors::kHeldExclusively, error.what());
-        case os::FileFault::kDiskFull: fail(errors::kDiskFull, error.what());
+        case os::FileFault::kLink: return errors::kBadPath;
+        case os::FileFault::kExists: return errors::kFileExists;
+        case os::FileFault::kAccessDenied: return errors::kAccessDenied;
+        case os::FileFault::kLocked: return errors::kHeldExclusively;
+        case os::FileFault::kDiskFull: return errors::kDiskFull;
         case os::FileFault::kIo: break;
     }
-    fail(errors::kDiskError, error.what());
+    return errors::kDiskError;
+}
+
+[[noreturn]] inline void rethrow_as_engine_error(const os::FileError& error) {
+    fail(engine_number(error.fault()), error.what());
 }
 
 // Runs `work`; a fault of the system comes out as jet::Error.

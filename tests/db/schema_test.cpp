@@ -68,7 +68,7 @@ TEST_F(Schema, only_equipment_names_are_full_text_without_zero_length) {
 }
 
 TEST_F(Schema, studio_file_gets_every_table_and_field_as_listed) {
-    ASSERT_EQ(db::create_tables(database_, db::studio_tables()), 0);
+    ASSERT_EQ(error_of([&] { db::create_tables(database_, db::studio_tables()); }), 0);
     for (const db::TableSchema& table : db::studio_tables()) {
         CDaoTableDef definition(&database_);
         definition.Open(table.name);
@@ -99,7 +99,7 @@ TEST_F(Schema, studio_file_gets_every_table_and_field_as_listed) {
 }
 
 TEST_F(Schema, zero_length_text_follows_the_kind_of_the_field) {
-    ASSERT_EQ(db::create_tables(database_, db::studio_tables()), 0);
+    ASSERT_EQ(error_of([&] { db::create_tables(database_, db::studio_tables()); }), 0);
     EXPECT_EQ(store("Def_TrackTypes", "Name", ""), 3315);
     EXPECT_EQ(store("Def_TrackTypes", "Name", "Drums"), 0);
     EXPECT_EQ(store("Projects", "Name", ""), 0);
@@ -110,7 +110,7 @@ TEST_F(Schema, zero_length_text_follows_the_kind_of_the_field) {
 }
 
 TEST_F(Schema, memo_made_from_the_text_description_is_not_limited_to_its_size) {
-    ASSERT_EQ(db::create_table(database_, db::studio_tables()[0]), 0);
+    ASSERT_EQ(error_of([&] { db::create_table(database_, db::studio_tables()[0]); }), 0);
     EXPECT_EQ(store("Projects", "Notes", std::string(5000, 'n').c_str()), 0);
     EXPECT_EQ(store("Projects", "Name", std::string(256, 'n').c_str()), 3163);
 }
@@ -118,16 +118,16 @@ TEST_F(Schema, memo_made_from_the_text_description_is_not_limited_to_its_size) {
 TEST_F(Schema, closed_database_gives_failure_and_touches_nothing) {
     database_.Close();
     const auto before = std::filesystem::file_size(path("schema.mdb"));
-    EXPECT_EQ(db::create_table(database_, db::studio_tables()[0]), -1);
-    EXPECT_EQ(db::create_gear_tables(database_), -1);
+    EXPECT_NE(error_of([&] { db::create_table(database_, db::studio_tables()[0]); }), 0);
+    EXPECT_NE(error_of([&] { db::create_gear_tables(database_); }), 0);
     EXPECT_EQ(std::filesystem::file_size(path("schema.mdb")), before);
     EXPECT_FALSE(database_.IsOpen());
 }
 
 TEST_F(Schema, existing_table_gives_failure_and_earlier_tables_stay) {
-    ASSERT_EQ(db::create_table(database_, db::gear_tables()[2]), 0);
-    EXPECT_EQ(db::create_table(database_, db::gear_tables()[2]), -1);
-    EXPECT_EQ(db::create_gear_tables(database_), -1);
+    ASSERT_EQ(error_of([&] { db::create_table(database_, db::gear_tables()[2]); }), 0);
+    EXPECT_NE(error_of([&] { db::create_table(database_, db::gear_tables()[2]); }), 0);
+    EXPECT_NE(error_of([&] { db::create_gear_tables(database_); }), 0);
     CDaoTableDef table(&database_);
     EXPECT_EQ(error_of([&] { table.Open("Gear"); }), 0);
     EXPECT_EQ(error_of([&] { table.Open("GearServices"); }), 0);

@@ -536,12 +536,12 @@ TEST_F(Session, missing_folder_raises) {
 
 TEST_F(Session, content_on_a_closed_database_fails) {
     CDaoDatabase closed;
-    EXPECT_EQ(db::write_main_content(closed), -1);
-    EXPECT_EQ(db::write_invoice_content(closed), -1);
-    EXPECT_EQ(db::add_sample_equipment(closed), -1);
-    EXPECT_EQ(db::add_demo_project(closed), -1);
-    EXPECT_EQ(db::write_media_library(closed), -1);
-    EXPECT_EQ(db::write_contact_categories(closed), -1);
+    EXPECT_NE(error_of([&] { db::write_main_content(closed); }), 0);
+    EXPECT_NE(error_of([&] { db::write_invoice_content(closed); }), 0);
+    EXPECT_NE(error_of([&] { db::add_sample_equipment(closed); }), 0);
+    EXPECT_NE(error_of([&] { db::add_demo_project(closed); }), 0);
+    EXPECT_NE(error_of([&] { db::write_media_library(closed); }), 0);
+    EXPECT_NE(error_of([&] { db::write_contact_categories(closed); }), 0);
 }
 
 TEST_F(Session, shutting_down_closes_once_and_opening_again_works) {

@@ -12,7 +12,7 @@ protected:
         os::set_date_format_for_test("/", os::DateOrder::kMonthDayYear);
         file_.Create(path("studio.mdb").c_str());
         file_.m_pWorkspace->BeginTrans();
-        EXPECT_EQ(db::create_tables(file_, db::studio_tables()), 0);
+        db::create_tables(file_, db::studio_tables());
         file_.m_pWorkspace->CommitTrans();
     }
     ~StudioTest() override { os::set_date_format_for_test("", os::DateOrder::kMonthDayYear); }

@@ -260,6 +260,43 @@ void parse_long_value_maps(TableDef& def, DefReader& reader) {
     }
 }
 
+// How many records of each kind follow the head.
+struct Counts {
+    std::uint32_t columns = 0;
+    std::uint32_t logical_indexes = 0;
+    std::uint32_t real_indexes = 0;
+};
+
+Counts parse_head(TableDef& def, DefReader& reader) {
+    const ByteSpan head = reader.take(tdef::kFixedHeader);
+    if (load_u32(head, tdef::kMagic) != tdef::kMagicValue) reader.damaged("the table definition lacks its mark");
+    def.row_count = load_u32(head, tdef::kRowCount);
+    def.last_autonumber = load_i32(head, tdef::kLastAutoNumber);
+    def.change_counter = load_u64(head, tdef::kFiller);
+    def.kind = load_u8(head, tdef::kKind);
+    def.max_columns = load_u16(head, tdef::kMaxColumns);
+    def.variable_columns = load_u16(head, tdef::kVariableColumns);
+    def.owned_map = RowId::unpack(load_u32(head, tdef::kOwnedMap));
+    def.free_map = RowId::unpack(load_u32(head, tdef::kFreeMap));
+    const Counts counts{load_u16(head, tdef::kColumns), load_u32(head, tdef::kLogicalIndexes),
+                        load_u32(head, tdef::kRealIndexes)};
+    if (def.max_columns > jet4::kMaxColumns || counts.columns > jet4::kMaxColumns ||
+        def.variable_columns > jet4::kMaxColumns) {
+        reader.damaged("the table has more columns than it can have");
+    }
+    if (counts.real_indexes > jet4::kMaxIndexes || counts.logical_indexes > jet4::kMaxLogicalIndexes) {
+        reader.damaged("the table has more indexes than it can have");
+    }
+    return counts;
+}
+
+std::vector<ByteSpan> take_records(DefReader& reader, std::uint32_t count, std::size_t bytes) {
+    reader.require_records(count, bytes);
+    std::vector<ByteSpan> records(count);
+    for (ByteSpan& record : records) record = reader.take(bytes);
+    return records;
+}
+
 }  // namespace
 
 std::optional<std::size_t> TableDef::find_column(std::u16string_view column_name) const {
@@ -280,53 +317,23 @@ TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
     if (length < tdef::kFixedHeader || length > bytes.size()) corrupt(page, "the table definition's length is wrong");
     DefReader reader(bytes.first(length), page);
 
-    const ByteSpan header = reader.take(tdef::kFixedHeader);
-    if (load_u32(header, tdef::kMagic) != tdef::kMagicValue) reader.damaged("the table definition lacks its mark");
     TableDef def;
     def.page = page;
-    def.row_count = load_u32(header, tdef::kRowCount);
-    def.last_autonumber = load_i32(header, tdef::kLastAutoNumber);
-    def.change_counter = load_u64(header, tdef::kFiller);
-    def.kind = load_u8(header, tdef::kKind);
-    def.max_columns = load_u16(header, tdef::kMaxColumns);
-    def.variable_columns = load_u16(header, tdef::kVariableColumns);
-    const std::uint16_t column_count = load_u16(header, tdef::kColumns);
-    const std::uint32_t logical_count = load_u32(header, tdef::kLogicalIndexes);
-    const std::uint32_t real_count = load_u32(header, tdef::kRealIndexes);
-    def.owned_map = RowId::unpack(load_u32(header, tdef::kOwnedMap));
-    def.free_map = RowId::unpack(load_u32(header, tdef::kFreeMap));
-
-    if (def.max_columns > jet4::kMaxColumns || column_count > jet4::kMaxColumns ||
-        def.variable_columns > jet4::kMaxColumns) {
-        reader.damaged("the table has more columns than it can have");
+    const Counts counts = parse_head(def, reader);
+    std::vector<std::uint32_t> distinct_keys;
+    for (const ByteSpan record : take_records(reader, counts.real_indexes, tdef::kIndexStatistics)) {
+        distinct_keys.push_back(load_u32(record, tdef::kDistinctKeys));
     }
-    if (real_count > jet4::kMaxIndexes || logical_count > jet4::kMaxLogicalIndexes) {
-        reader.damaged("the table has more indexes than it can have");
-    }
-
-    reader.require_records(real_count, tdef::kIndexStatistics);
-    std::vector<std::uint32_t> distinct_keys(real_count);
-    for (std::uint32_t& count : distinct_keys) {
-        count = load_u32(reader.take(tdef::kIndexStatistics), tdef::kDistinctKeys);
-    }
-
-    reader.require_records(column_count, tdef::kColumnRecord);
-    def.columns.reserve(column_count);
-    for (std::uint16_t i = 0; i < column_count; ++i) {
-        def.columns.push_back(parse_column(reader.take(tdef::kColumnRecord)));
+    for (const ByteSpan record : take_records(reader, counts.columns, tdef::kColumnRecord)) {
+        def.columns.push_back(parse_column(record));
     }
     for (ColumnDef& column : def.columns) column.name = reader.take_name();
-
-    reader.require_records(real_count, tdef::kRealIndexRecord);
-    def.real_indexes.reserve(real_count);
-    for (std::uint32_t i = 0; i < real_count; ++i) {
-        def.real_indexes.push_back(parse_real_index(reader.take(tdef::kRealIndexRecord)));
-        def.real_indexes.back().distinct_keys = distinct_keys[i];
+    for (const ByteSpan record : take_records(reader, counts.real_indexes, tdef::kRealIndexRecord)) {
+        def.real_indexes.push_back(parse_real_index(record));
+        def.real_indexes.back().distinct_keys = distinct_keys[def.real_indexes.size() - 1];
     }
-    reader.require_records(logical_count, tdef::kLogicalIndexRecord);
-    def.logical_indexes.reserve(logical_count);
-    for (std::uint32_t i = 0; i < logical_count; ++i) {
-        def.logical_indexes.push_back(parse_logical_index(reader.take(tdef::kLogicalIndexRecord)));
+    for (const ByteSpan record : take_records(reader, counts.logical_indexes, tdef::kLogicalIndexRecord)) {
+        def.logical_indexes.push_back(parse_logical_index(record));
     }
     for (LogicalIndex& index : def.logical_indexes) index.name = reader.take_name();
 

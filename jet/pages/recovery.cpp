@@ -76,7 +76,7 @@ Recovered recover(os::FileSystem& files, os::File& database, const std::string& 
     bool is_link = false;
     std::unique_ptr<os::File> journal = open_journal(files, journal_path, read_only, is_link);
     // What a host that was killed while it removed its journal has left.
-    if (!read_only) os::clear_drafts(journal_path);
+    if (!read_only) os::clear_drafts(journal_path, files);
     if (!journal && !is_link) return result;
     if (journal && journal->size() == 0) {
         journal.reset();

@@ -115,7 +115,7 @@ FileHeader read_header(os::File& file, const std::string& path) {
 
 struct Database::Impl {
     Impl(std::unique_ptr<os::File> file, const std::string& path, const PagerOptions& options)
-        : pager(std::move(file), path, options), allocator(pager) {
+        : pager(os::file_system(), std::move(file), path, options), allocator(pager) {
         if (!options.read_only) open_path.emplace(path);
     }
 

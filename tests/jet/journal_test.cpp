@@ -299,7 +299,8 @@ TEST_F(JournalBindingTest, journal_that_cannot_be_looked_for_keeps_the_file_from
         options.read_only = read_only;
         auto file = disk().open(path_, read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive);
         disk().plan({.operation = testing_support::Operation::kOpen});
-        EXPECT_EQ(error_number([&] { const Pager refused(std::move(file), path_, options); }), errors::kDiskError);
+        EXPECT_EQ(error_number([&] { const Pager refused(disk(), std::move(file), path_, options); }),
+                  errors::kDiskError);
         EXPECT_EQ(disk().content(journal_path()), journal);
         disk().clear_faults();
     }

@@ -22,6 +22,7 @@ struct Frame {
     PageNumber page_no = jet4::kMaxPages;  // kMaxPages: free
     std::uint32_t pins = 0;
     std::int32_t saved_level = 0;  // innermost open transaction that holds a before-image; 0: none
+    std::uint32_t generation = 0;  // of the journal that holds the page whole; 0: none since it was read
     bool dirty = false;            // committed, not yet in the .mdb
     std::uint8_t uses = 0;         // recent ones, up to a few
 };

@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "jet/pages/checksum.h"
 #include "jet/pages/file_errors.h"
 #include "jet/pages/journal.h"
 #include "jet/pages/recovery.h"
@@ -101,7 +102,7 @@ void Pager::rollback() {
 
 void Pager::commit() {
     if (undo_.depth() > 1) return undo_.merge();
-    if (undo_.entries().empty()) return undo_.accept();
+    if (!undo_.find_changes()) return undo_.accept();
     const os::TimePoint now = clock_.now();
     bool is_sync_point = is_sync_point_due(now);
     try {
@@ -133,16 +134,23 @@ void Pager::begin_generation() {
     const std::uint64_t counter = load_u64(page.bytes(), jet4::tdef::kFiller);
     const std::uint64_t next = counter + 1 + (checksum64({}, fresh_salt()) & 0xFFFFFFFF);
     journal_->start({identity, counter, next});
+    ++generation_;
     store_u64(page.bytes(), jet4::tdef::kFiller, next);
+    undo_.find_changes();
 }
 
 // Takes all the memory that the commit needs: nothing may fail once it stands.
 void Pager::collect_changes() {
     changes_.clear();
     for (const UndoLog::Entry& entry : undo_.entries()) {
-        changes_.push_back({entry.place.frame->page_no, entry.place.bytes});
+        if (!entry.changed) continue;
+        changes_.push_back({entry.place.frame->page_no, entry.place.bytes, image_in_journal(entry)});
     }
     dirty_.make_room(changes_.size());
+}
+
+const std::uint8_t* Pager::image_in_journal(const UndoLog::Entry& entry) const {
+    return entry.place.frame->generation == generation_ ? entry.image.get() : nullptr;
 }
 
 // Returns whether the commit is a sync point: when nobody else will sync the journal, it becomes one.
@@ -160,7 +168,11 @@ bool Pager::append_to_journal(bool is_sync_point) {
 }
 
 void Pager::accept_changes() {
-    for (const UndoLog::Entry& entry : undo_.entries()) dirty_.add(*entry.place.frame);
+    for (const UndoLog::Entry& entry : undo_.entries()) {
+        if (!entry.changed) continue;
+        entry.place.frame->generation = generation_;
+        dirty_.add(*entry.place.frame);
+    }
     undo_.accept();
 }
 
@@ -197,8 +209,6 @@ void Pager::sync_file() {
 void Pager::reset_journal() {
     sync_file();
     journal_->reset();
-    // Otherwise a part of the old journal could be found under the new one's first commit and be replayed.
-    journal_->sync();
 }
 
 void Pager::sync_point() {

@@ -4,7 +4,9 @@
 //  1. The .mdb is never written before the new content of the pages is safe in the journal.
 //  2. A page changed by the open transaction, or committed but not yet in the .mdb, is not evicted.
 //  3. A transaction that is not committed leaves every page, and the page count, as it found them.
-//  4. The change counter of the file moves once per journal generation, inside the generation's first
+//  4. A page gets into the .mdb only when the journal's generation holds it whole: what a power failure tears there,
+//     the replay makes anew from the journal alone.
+//  5. The change counter of the file moves once per journal generation, inside the generation's first
 //     commit, so that a journal is replayed onto the file it was written for and no other.
 #pragma once
 
@@ -34,7 +36,7 @@ inline constexpr std::size_t kDefaultCachePages = sizeof(void*) >= 8 ? 65536 : 1
 struct PagerOptions {
     bool read_only = false;
     std::size_t cache_pages = kDefaultCachePages;
-    std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
+    std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is begun anew
     std::chrono::milliseconds sync_interval{250};  // a commit so long after the last sync point is one
 };
 
@@ -95,6 +97,7 @@ private:
     void require_own_process() const;
     void begin_generation();
     void collect_changes();
+    const std::uint8_t* image_in_journal(const UndoLog::Entry& entry) const;
     bool append_to_journal(bool is_sync_point);
     void accept_changes();
     void reach_sync_point(os::TimePoint now);
@@ -114,6 +117,7 @@ private:
     UndoLog undo_;
     DirtyPages dirty_;
     std::vector<JournalPage> changes_;  // of the commit under way
+    std::uint32_t generation_ = 0;      // of the journal
     std::function<void()> on_rollback_;
     os::TimePoint last_sync_;
     bool broken_ = false;  // the disk failed; no more commits

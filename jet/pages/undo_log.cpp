@@ -42,6 +42,15 @@ void UndoLog::add_new(FrameRef place) {
 
 std::span<UndoLog::Entry> UndoLog::entries() { return std::span(entries_).subspan(levels_.back().first_entry); }
 
+bool UndoLog::find_changes() {
+    bool any = false;
+    for (Entry& entry : entries()) {
+        entry.changed = !entry.image || std::memcmp(entry.image.get(), entry.place.bytes, jet4::kPageSize) != 0;
+        any = any || entry.changed;
+    }
+    return any;
+}
+
 void UndoLog::end_level(std::size_t entries_left) {
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(entries_left), entries_.end());
     levels_.pop_back();

@@ -20,6 +20,7 @@ public:
         FrameRef place;
         int saved_level_before = 0;
         std::unique_ptr<std::uint8_t[]> image;  // null: the page did not exist before
+        bool changed = true;                    // as find_changes() has found it
     };
 
     UndoLog();
@@ -38,6 +39,8 @@ public:
 
     // What the innermost level has changed.
     std::span<Entry> entries();
+    // Marks the entries of the innermost level whose bytes differ from their images; false when there are none.
+    bool find_changes();
 
     // Ends the innermost level; its changes stand, as the outer level's.
     void merge();

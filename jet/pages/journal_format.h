@@ -75,7 +75,7 @@ std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> page
 bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit);
 // The checksum that a commit must have, after one with checksum `before`.
 std::uint64_t commit_checksum(ByteSpan header, ByteSpan body, std::uint64_t before);
-// Takes the record at `at` apart and moves `at` behind it. False when it is none.
+// Takes the record at `at` apart and moves `at` past it. False when it is none.
 bool load_record(ByteSpan body, std::size_t& at, Record& record);
 // Writes the ranges of a record into a page. False when they leave it.
 bool apply_ranges(ByteSpan ranges, MutableByteSpan page);

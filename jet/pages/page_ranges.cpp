@@ -7,7 +7,7 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kWord = 8;
-constexpr std::size_t kBlock = 8 * kWord;
+constexpr std::size_t kBlock = 256;  // compared at once; most of a page is as it was
 static_assert(jet4::kPageSize % kBlock == 0);
 
 std::uint64_t difference(const std::uint8_t* a, const std::uint8_t* b) {
@@ -16,12 +16,6 @@ std::uint64_t difference(const std::uint8_t* a, const std::uint8_t* b) {
     std::memcpy(&x, a, kWord);
     std::memcpy(&y, b, kWord);
     return x ^ y;
-}
-
-bool is_equal_block(const std::uint8_t* a, const std::uint8_t* b) {
-    std::uint64_t sum = 0;
-    for (std::size_t at = 0; at < kBlock; at += kWord) sum |= difference(a + at, b + at);
-    return sum == 0;
 }
 
 // The first byte of a word that is not zero, and the bytes after the last such one, in order of memory.
@@ -40,7 +34,7 @@ std::size_t bytes_after(std::uint64_t word) {
 
 PageRanges::PageRanges(const std::uint8_t* now, const std::uint8_t* before) {
     for (std::size_t block = 0; block < jet4::kPageSize; block += kBlock) {
-        if (is_equal_block(now + block, before + block)) continue;
+        if (std::memcmp(now + block, before + block, kBlock) == 0) continue;
         for (std::size_t at = block; at < block + kBlock; at += kWord) {
             const std::uint64_t word = difference(now + at, before + at);
             if (word != 0) add(at + bytes_before(word), at + kWord - bytes_after(word));

@@ -10,8 +10,8 @@
 namespace jet {
 
 struct PageRange {
-    std::uint16_t at = 0;
-    std::uint16_t bytes = 0;
+    std::uint16_t at;
+    std::uint16_t bytes;
 };
 
 // Ranges in ascending order, at least kGap equal bytes between two of them. Needs no memory of its own.

@@ -107,7 +107,6 @@ void Pager::commit() {
     bool is_sync_point = is_sync_point_due(now);
     try {
         require_writable();
-        require_own_process();
         with_engine_errors([&] {
             if (!journal_->started()) begin_generation();
             collect_changes();
@@ -127,8 +126,10 @@ void Pager::require_own_process() const {
     }
 }
 
-// Moves the change counter, as part of the generation's first commit.
+// Moves the change counter, as part of the generation's first commit. A forked child makes no journal; into one that
+// its parent has made, os::File lets it write nothing.
 void Pager::begin_generation() {
+    require_own_process();
     const std::uint64_t identity = file_identity(load(jet4::kHeaderPage).page());
     MutablePage page = modify(jet4::kObjectsPage);
     const std::uint64_t counter = load_u64(page.bytes(), jet4::tdef::kFiller);

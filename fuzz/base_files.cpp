@@ -5,6 +5,7 @@
 #include "jet/indexes/index.h"
 #include "jet/storage/data_page.h"
 #include "jet/tables/database.h"
+#include "tests/jet/new_column.h"
 #include "tests/jet/sparse_file_system.h"
 #include "tests/support/fault_file_system.h"
 
@@ -16,15 +17,6 @@ using enum ColumnType;
 namespace {
 
 constexpr char kPath[] = "base.mdb";
-
-NewColumn made(std::u16string name, ColumnType type, bool autonumber = false) {
-    NewColumn column;
-    column.name = std::move(name);
-    column.type = type;
-    column.allow_zero_length = true;
-    column.autonumber = autonumber;
-    return column;
-}
 
 // Gives a table an index, as another writer would have: the engine itself makes none for tables of the user.
 void add_index(Database& database, std::u16string_view table_name, std::vector<KeyColumn> columns) {
@@ -96,14 +88,16 @@ ByteVector file_after(Work&& work) {
 
 ByteVector file_of_every_kind() {
     return file_after([](Database& database) {
-        const NewColumn columns[] = {made(u"Id", kLong, true), made(u"Flag", kBoolean),   made(u"Small", kByte),
-                                     made(u"Short", kInteger), made(u"Price", kCurrency), made(u"Single", kSingle),
-                                     made(u"Double", kDouble), made(u"Day", kDate),       made(u"Title", kText),
-                                     made(u"Notes", kMemo),    made(u"Picture", kOle),    made(u"Count", kLong)};
+        const NewColumn columns[] = {
+            new_column(u"Id", kLong, true), new_column(u"Flag", kBoolean),   new_column(u"Small", kByte),
+            new_column(u"Short", kInteger), new_column(u"Price", kCurrency), new_column(u"Single", kSingle),
+            new_column(u"Double", kDouble), new_column(u"Day", kDate),       new_column(u"Title", kText),
+            new_column(u"Notes", kMemo),    new_column(u"Picture", kOle),    new_column(u"Count", kLong)};
         database.create_table(u"Rich", columns);
         database.delete_column(u"Rich", u"Double");
-        database.add_column(u"Rich", made(u"Later", kText));
-        const NewColumn plain[] = {made(u"Number", kLong), made(u"Done", kBoolean), made(u"Title", kText)};
+        database.add_column(u"Rich", new_column(u"Later", kText));
+        const NewColumn plain[] = {new_column(u"Number", kLong), new_column(u"Done", kBoolean),
+                                   new_column(u"Title", kText)};
         database.create_table(u"Plain", plain);
         add_index(database, u"Plain", {{0, true}, {2, false}});
         database.close();
@@ -118,10 +112,11 @@ ByteVector file_of_large_structures() {
     return file_after([](Database& database) {
         std::vector<NewColumn> many;
         for (std::size_t i = 0; i < 60; ++i) {
-            many.push_back(made(from_utf8(std::to_string(i)) + u" a column of a long name", i % 3 ? kLong : kText));
+            many.push_back(
+                new_column(from_utf8(std::to_string(i)) + u" a column of a long name", i % 3 ? kLong : kText));
         }
         database.create_table(u"Wide", many);
-        const NewColumn one[] = {made(u"Id", kLong)};
+        const NewColumn one[] = {new_column(u"Id", kLong)};
         for (int i = 0; i < 30; ++i)
             database.create_table(std::u16string(60, u'n') + from_utf8(std::to_string(i)), one);
         const Table& wide = *database.find_table(u"Wide");
@@ -138,7 +133,8 @@ ByteVector file_of_large_structures() {
 
 const ByteVector& smallest_file() {
     static const ByteVector file = file_after([](Database& database) {
-        const NewColumn columns[] = {made(u"Id", kLong, true), made(u"Title", kText), made(u"Notes", kMemo)};
+        const NewColumn columns[] = {new_column(u"Id", kLong, true), new_column(u"Title", kText),
+                                     new_column(u"Notes", kMemo)};
         database.create_table(u"Small", columns);
         fill(*database.find_table(u"Small"), 6);
     });

@@ -165,10 +165,9 @@ MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& 
         store_bytes(pager.modify(page_no).bytes(), 0, bytes);
     };
     {
-        // The first commit is synced and written at once.
+        // The first commit is synced and written at once. The pager itself sets the counter.
         Transaction transaction(pager);
-        const Page page = pager.read(jet4::kObjectsPage);
-        commit_page(jet4::kObjectsPage, ByteVector(page.bytes().begin(), page.bytes().end()));
+        pager.modify(jet4::kObjectsPage).bytes()[jet4::tdef::kFiller] ^= 1;
         transaction.commit();
     }
     {

@@ -2,9 +2,6 @@
 // library loaded, and it lets go of it with its last step; so nobody ever waits for the end of a thread, which the
 // system brings about under the lock that DllMain is called with. What is waited for is the work alone, and not even
 // that while the process ends: the thread is gone by then, wherever it was.
-#define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
-#include <windows.h>
 
 #include <algorithm>
 #include <memory>
@@ -14,6 +11,7 @@
 #include "os/clock.h"
 #include "os/critical_section_win32.h"
 #include "os/module_win32.h"
+#include "os/windows_api.h"
 
 namespace os {
 namespace {

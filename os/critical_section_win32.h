@@ -1,13 +1,7 @@
 // A lock of the system itself: no runtime library stands between, so it works while libraries come and go.
 #pragma once
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
+#include "os/windows_api.h"
 
 namespace os {
 

@@ -59,8 +59,7 @@ void remove_unless_in_use(const std::string& path) {
     }
 }
 
-void clear_drafts(const std::string& path) {
-    FileSystem& files = file_system();
+void clear_drafts(const std::string& path, FileSystem& files) {
     try {
         for (const std::string& name : files.longer_names(path)) {
             if (!is_draft_suffix(std::string_view(name).substr(path.size()))) continue;

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "os/file.h"
+
 namespace os {
 
 // `path`, "-new-" and 16 hexadecimal digits by chance.
@@ -15,6 +17,6 @@ void remove_unless_in_use(const std::string& path);
 
 // Removes drafts of `path` that no process has open, drafts of such drafts, and whatever else begins with their names
 // (journals). What cannot be removed stays; nothing is thrown for what the system refuses.
-void clear_drafts(const std::string& path);
+void clear_drafts(const std::string& path, FileSystem& files = file_system());
 
 }  // namespace os

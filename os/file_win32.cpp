@@ -7,9 +7,6 @@
 //  4. What another program (a virus scanner, an indexer, a backup) holds for a moment is tried again for about a
 //     second before it is an error.
 //  5. Paths are wide from end to end; "not there" is said only when the system said so.
-#define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
-#include <windows.h>
 
 #include <algorithm>
 #include <limits>
@@ -23,6 +20,7 @@
 #include "os/path_text.h"
 #include "os/system.h"
 #include "os/system_error.h"
+#include "os/windows_api.h"
 
 namespace os {
 namespace {

@@ -1,13 +1,7 @@
 // Modules of a Windows process: where a piece of code lives.
 #pragma once
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
+#include "os/windows_api.h"
 
 namespace os {
 

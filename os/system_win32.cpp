@@ -1,8 +1,5 @@
 // Owns what the component asks of Windows besides files: its own place, the system locale's date format,
 // the ANSI code page and the local clock.
-#define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
-#include <windows.h>
 
 #include <algorithm>
 #include <array>
@@ -12,6 +9,7 @@
 #include "os/module_win32.h"
 #include "os/path_text.h"
 #include "os/system_parts.h"
+#include "os/windows_api.h"
 
 namespace os {
 namespace {

@@ -1,102 +1,34 @@
-// Pages in memory, and transactions over them.
+// Transactions over the pages of a file, and the sync points at which what they committed reaches the .mdb.
 //
 // Invariants
 //  1. The .mdb is never written before the new content of the pages is safe in the journal.
 //  2. A page changed by the open transaction, or committed but not yet in the .mdb, is not evicted.
 //  3. A transaction that is not committed leaves every page, and the page count, as it found them.
-//  4. The change counter of the file moves once per journal generation, inside the generation's first
+//  4. A page gets into the .mdb only when the journal's generation holds it whole: what a power failure tears there,
+//     the replay makes anew from the journal alone.
+//  5. The change counter of the file moves once per journal generation, inside the generation's first
 //     commit, so that a journal is replayed onto the file it was written for and no other.
 #pragma once
 
-#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "jet/base/bytes.h"
 #include "jet/base/jet4.h"
 #include "jet/base/types.h"
+#include "jet/pages/dirty_pages.h"
+#include "jet/pages/page_cache.h"
+#include "jet/pages/undo_log.h"
 #include "os/file.h"
 
 namespace jet {
 
 class Journal;
-class Pager;
-
-namespace detail {
-
-struct Frame;
-struct FrameGroup;
-
-// A frame and the page it holds, kPageSize bytes; of none when `frame` is null.
-struct FrameRef {
-    Frame* frame = nullptr;
-    std::uint8_t* bytes = nullptr;
-    explicit operator bool() const { return frame != nullptr; }
-};
-
-// Numbers of frames by page number, in chunks made at first use: a large file costs nothing until its pages are read.
-class FrameTable {
-public:
-    static constexpr std::uint32_t kNone = 0xFFFFFFFF;
-
-    std::uint32_t find(PageNumber page_no) const {
-        const std::size_t chunk = page_no / kChunk;
-        return chunk < chunks_.size() && chunks_[chunk] ? (*chunks_[chunk])[page_no % kChunk] : kNone;
-    }
-    void set(PageNumber page_no, std::uint32_t frame_no) {
-        const std::size_t chunk = page_no / kChunk;
-        if (chunk >= chunks_.size()) chunks_.resize(chunk + 1);
-        if (!chunks_[chunk]) {
-            chunks_[chunk] = std::make_unique<Chunk>();
-            chunks_[chunk]->fill(kNone);
-        }
-        (*chunks_[chunk])[page_no % kChunk] = frame_no;
-    }
-    // Needs no memory.
-    void clear(PageNumber page_no) {
-        if (find(page_no) != kNone) set(page_no, kNone);
-    }
-
-private:
-    static constexpr std::size_t kChunk = 1024;
-    using Chunk = std::array<std::uint32_t, kChunk>;
-    std::vector<std::unique_ptr<Chunk>> chunks_;
-};
-
-}  // namespace detail
-
-// A pinned page: its bytes stay in place while the object lives. `bytes()` is always kPageSize long.
-class Page {
-public:
-    Page() = default;
-    Page(Page&& other) noexcept : place_(std::exchange(other.place_, {})) {}
-    Page& operator=(Page&& other) noexcept;
-    ~Page();
-
-    ByteSpan bytes() const;
-    PageNumber number() const;
-
-protected:
-    friend class Pager;
-    explicit Page(detail::FrameRef place);
-    detail::FrameRef place_;
-};
-
-// A pinned page of the open transaction that may be written.
-class MutablePage : public Page {
-public:
-    MutablePage() = default;
-    MutableByteSpan bytes() const;
-
-private:
-    friend class Pager;
-    using Page::Page;
-};
+struct JournalPage;
 
 // Taken as pages are read: 256 MiB, or 64 MiB where a process has little room for addresses.
 inline constexpr std::size_t kDefaultCachePages = sizeof(void*) >= 8 ? 65536 : 16384;
@@ -104,16 +36,16 @@ inline constexpr std::size_t kDefaultCachePages = sizeof(void*) >= 8 ? 65536 : 1
 struct PagerOptions {
     bool read_only = false;
     std::size_t cache_pages = kDefaultCachePages;
-    std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is emptied
+    std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is begun anew
     std::chrono::milliseconds sync_interval{250};  // a commit so long after the last sync point is one
 };
 
 class Pager {
 public:
-    // Takes over `file` (open and locked) at `path`, which has no links in it. Replays or sets aside a journal beside
-    // the file; a read-only pager takes the journal's pages into memory only. The size of the file must be
-    // a multiple of the page size (a torn tail from a crash is cut off by the replay).
-    Pager(std::unique_ptr<os::File> file, std::string path, PagerOptions options = {});
+    // Takes over `file` (open and locked) at `path`, which has no links in it; journal and time are those of `files`.
+    // Replays or sets aside a journal beside the file; a read-only pager takes the journal's pages into memory only.
+    // The size of the file must be a multiple of the page size (the replay cuts off a torn tail from a crash).
+    Pager(os::FileSystem& files, std::unique_ptr<os::File> file, std::string path, PagerOptions options = {});
     // As close(); failures are swallowed, the journal then stays and the next open replays it.
     ~Pager();
 
@@ -126,9 +58,9 @@ public:
     // Pages of the file as the open transaction sees it.
     std::uint32_t page_count() const { return page_count_; }
 
-    Page read(PageNumber page_no);
-    // Says that the page, should it be in memory, will soon be read. Any number will do.
-    void prefetch(PageNumber page_no) const;
+    Page read(PageNumber page_no) { return Page(load(page_no)); }
+    // CPU prefetch hint for a page that will soon be read; any page number is allowed.
+    void prefetch(PageNumber page_no) const { cache_.prefetch(page_no); }
     // Only inside a transaction.
     MutablePage modify(PageNumber page_no);
     // Appends a zeroed page (only inside a transaction); 3183 at the 2 GiB limit.
@@ -136,10 +68,10 @@ public:
 
     // Transactions nest; an inner one that is rolled back undoes its own changes only. The outermost
     // commit writes the journal. Use Transaction.
-    void begin();
+    void begin() { undo_.begin(page_count_); }
     void commit();
     void rollback();
-    bool in_transaction() const { return !levels_.empty(); }
+    bool in_transaction() const { return undo_.depth() > 0; }
 
     // A sync point now: everything committed is on disk in the journal and written to the .mdb.
     void sync_point();
@@ -148,33 +80,32 @@ public:
     // afterwards.
     void close();
 
-    // Called after pages have been taken back, so that whoever derived something from them forgets it.
+    // Called after pages have been rolled back, so that whoever derived something from them forgets it.
     void set_rollback_listener(std::function<void()> listener) { on_rollback_ = std::move(listener); }
 
     // How many pages have been read from and written to the .mdb, for tests and benchmarks.
     std::uint64_t pages_read() const { return pages_read_; }
-    std::uint64_t pages_written() const { return pages_written_; }
+    std::uint64_t pages_written() const { return dirty_.written(); }
 
 private:
-    struct Undo;
-    struct Level;
-
-    detail::FrameRef frame_at(std::uint32_t frame_no) const;
-    // The frame that holds the page, if one does.
-    detail::FrameRef cached(PageNumber page_no) const;
-    detail::FrameRef load(PageNumber page_no);
-    std::uint32_t evicted_frame();
-    std::uint32_t added_frame();
-    detail::FrameRef new_frame(PageNumber page_no);
-    void free_frame(detail::Frame* frame);
-    void save_for_undo(detail::FrameRef place);
-    void keep_buffer(std::unique_ptr<std::uint8_t[]> buffer) noexcept;
-    void restore_level(Level& level);
-    void bump_change_counter();
-    void sync_file();
-    void write_back();
-    void reset_journal();
+    FrameRef load(PageNumber page_no);
     void require_writable() const;
+    void require_transaction(const char* what) const;
+
+    // The steps of commit().
+    bool is_sync_point_due(os::TimePoint now) const { return now - last_sync_ >= options_.sync_interval; }
+    void require_own_process() const;
+    void begin_generation();
+    void collect_changes();
+    const std::uint8_t* image_in_journal(const UndoLog::Entry& entry) const;
+    bool append_to_journal(bool is_sync_point);
+    void accept_changes();
+    void reach_sync_point(os::TimePoint now);
+
+    bool is_journal_full() const;
+    void write_back();
+    void sync_file();
+    void reset_journal();
 
     os::Clock& clock_;
     std::unique_ptr<os::File> file_;
@@ -182,21 +113,16 @@ private:
     PagerOptions options_;
     std::unique_ptr<Journal> journal_;
     std::uint32_t page_count_ = 0;
-    detail::FrameTable table_;
-    std::vector<std::unique_ptr<detail::FrameGroup>> groups_;
-    std::uint32_t frame_count_ = 0;  // frames in use, the first ones of the groups
-    std::uint32_t clock_hand_ = 0;
-    std::uint32_t search_from_ = 0;  // frames below which none can be free
-    PageNumber last_loaded_ = jet4::kMaxPages;
-    std::vector<Level> levels_;
-    std::vector<PageNumber> dirty_;  // committed, not yet in the .mdb
-    std::vector<std::unique_ptr<std::uint8_t[]>> spare_buffers_;
+    PageCache cache_;
+    UndoLog undo_;
+    DirtyPages dirty_;
+    std::vector<JournalPage> changes_;  // of the commit under way
+    std::uint32_t generation_ = 0;      // of the journal
     std::function<void()> on_rollback_;
     os::TimePoint last_sync_;
     bool broken_ = false;  // the disk failed; no more commits
     bool closed_ = false;
     std::uint64_t pages_read_ = 0;
-    std::uint64_t pages_written_ = 0;
 };
 
 // Begins a transaction; rolls it back when it goes out of scope uncommitted.

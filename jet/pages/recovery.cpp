@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <memory>
+#include <utility>
 
 #include "jet/base/error.h"
 #include "jet/base/jet4.h"
+#include "jet/pages/checksum.h"
 #include "jet/pages/journal.h"
+#include "jet/pages/journal_reader.h"
 #include "os/draft.h"
 
 namespace jet {
@@ -26,13 +29,30 @@ bool is_bound_to(const JournalBinding& binding, os::File& database) {
 }
 
 // Every page that the file is to grow by is in the journal: a commit holds the pages it has added.
-void check_growth(const JournalContent& content, std::uint32_t page_count) {
+void check_content(const JournalContent& content, std::uint32_t page_count) {
+    if (!content.is_sound) corrupt(0, "the journal contradicts itself");
     if (content.page_count > jet4::kMaxPages) corrupt(0, "the journal names more pages than a file may have");
     if (content.page_count <= page_count) return;
-    const auto added = std::count_if(content.last_images.begin(), content.last_images.end(),
-                                     [&](const JournalContent::Image& image) { return image.page_no >= page_count; });
-    if (static_cast<std::uint64_t>(added) < content.page_count - page_count) {
-        corrupt(0, "the journal lacks pages that the file is to grow by");
+    std::uint32_t added = 0;
+    for (std::size_t i = 0; i < content.changes.size(); i += content.of_page(i).size()) {
+        if (content.changes[i].page_no >= page_count) ++added;
+    }
+    if (added < content.page_count - page_count) corrupt(0, "the journal lacks pages that the file is to grow by");
+}
+
+// Brings each page to where the journal leaves it: into the file, or with `images` into memory alone.
+void replay(os::File& journal, const JournalContent& content, os::File& database,
+            std::vector<Recovered::PageImage>* images) {
+    for (std::size_t i = 0; i < content.changes.size();) {
+        const auto changes = content.of_page(i);
+        const PageNumber page_no = changes.front().page_no;
+        ByteVector page = read_journal_page(journal, changes);
+        if (images != nullptr) {
+            images->push_back({page_no, std::move(page)});
+        } else {
+            database.write(std::uint64_t{page_no} * jet4::kPageSize, page);
+        }
+        i += changes.size();
     }
 }
 
@@ -76,7 +96,7 @@ Recovered recover(os::FileSystem& files, os::File& database, const std::string& 
     bool is_link = false;
     std::unique_ptr<os::File> journal = open_journal(files, journal_path, read_only, is_link);
     // What a host that was killed while it removed its journal has left.
-    if (!read_only) os::clear_drafts(journal_path);
+    if (!read_only) os::clear_drafts(journal_path, files);
     if (!journal && !is_link) return result;
     if (journal && journal->size() == 0) {
         journal.reset();
@@ -84,23 +104,15 @@ Recovered recover(os::FileSystem& files, os::File& database, const std::string& 
         return result;
     }
     JournalContent content;
-    if (is_link || result.page_count <= jet4::kObjectsPage || !Journal::read(*journal, content) ||
+    if (is_link || result.page_count <= jet4::kObjectsPage || !read_journal(*journal, content) ||
         !is_bound_to(content.binding, database)) {
         journal.reset();
         if (!read_only) set_aside(files, journal_path);
         return result;
     }
-    check_growth(content, result.page_count);
+    check_content(content, result.page_count);
     if (content.page_count > 0) result.page_count = content.page_count;
-    for (const JournalContent::Image& last : content.last_images) {
-        ByteVector image(jet4::kPageSize);
-        if (journal->read(last.at, image) != jet4::kPageSize) corrupt(last.page_no, "the journal ends inside the page");
-        if (read_only) {
-            result.images.push_back({last.page_no, std::move(image)});
-        } else {
-            database.write(std::uint64_t{last.page_no} * jet4::kPageSize, image);
-        }
-    }
+    replay(*journal, content, database, read_only ? &result.images : nullptr);
     if (read_only) return result;
     if (content.page_count > 0) database.truncate(std::uint64_t{result.page_count} * jet4::kPageSize);
     database.sync();

@@ -16,8 +16,9 @@ namespace jet {
 
 class Storage {
 public:
-    Storage(std::unique_ptr<os::File> file, const std::string& path, const PagerOptions& options)
-        : pager_(std::move(file), path, options), allocator_(pager_) {}
+    // As Pager.
+    Storage(os::FileSystem& files, std::unique_ptr<os::File> file, const std::string& path, const PagerOptions& options)
+        : pager_(files, std::move(file), path, options), allocator_(pager_) {}
 
     Pager& pager() { return pager_; }
     PageAllocator& allocator() { return allocator_; }

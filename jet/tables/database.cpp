@@ -96,7 +96,7 @@ FileHeader read_header(os::File& file, const std::string& path) {
 
 struct Database::Impl {
     Impl(std::unique_ptr<os::File> file, const std::string& path, const PagerOptions& options)
-        : storage(std::move(file), path, options), definitions(storage) {
+        : storage(os::file_system(), std::move(file), path, options), definitions(storage) {
         if (!options.read_only) open_path.emplace(path);
     }
 

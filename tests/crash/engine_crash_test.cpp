@@ -130,10 +130,10 @@ TEST_F(EngineCrash, killed_with_every_commit_synced_loses_nothing_acknowledged) 
     kill_with(pager);
 }
 
-TEST_F(EngineCrash, killed_with_a_journal_emptied_often_loses_nothing_acknowledged) {
+TEST_F(EngineCrash, killed_with_a_journal_begun_anew_often_loses_nothing_acknowledged) {
     PagerOptions pager;
     pager.sync_interval = std::chrono::milliseconds(2);
-    pager.journal_limit_bytes = 200 * 1024;
+    pager.journal_limit_bytes = 40 * 1024;
     pager.cache_pages = 16;
     kill_with(pager);
 }

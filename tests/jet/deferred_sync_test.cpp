@@ -127,7 +127,8 @@ protected:
         Database::create(path_, options)->close();
     }
     std::unique_ptr<Pager> open() const {
-        return std::make_unique<Pager>(os::file_system().open(path_, os::OpenMode::kExclusive), path_);
+        return std::make_unique<Pager>(os::file_system(), os::file_system().open(path_, os::OpenMode::kExclusive),
+                                       path_);
     }
     static void put(Pager& pager, std::uint8_t mark) {
         Transaction transaction(pager);
@@ -195,7 +196,7 @@ TEST_F(DeferredSyncOnDisk, child_of_a_fork_that_closes_or_commits_changes_nothin
     const std::string copy = folder_.file("copy.mdb");
     std::filesystem::copy_file(path_, copy);
     std::filesystem::copy_file(path_ + "-journal", copy + "-journal");
-    Pager found(os::file_system().open(copy, os::OpenMode::kExclusive), copy);
+    Pager found(os::file_system(), os::file_system().open(copy, os::OpenMode::kExclusive), copy);
     EXPECT_EQ(found.read(7).bytes()[3000], 3);
     pager->close();
     EXPECT_FALSE(std::filesystem::exists(path_ + "-journal"));

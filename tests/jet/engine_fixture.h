@@ -10,6 +10,7 @@
 #include "jet/check/check.h"
 #include "jet/pages/header.h"
 #include "jet/tables/database.h"
+#include "tests/jet/new_column.h"
 #include "tests/support/fault_file_system.h"
 
 namespace jet {
@@ -23,15 +24,6 @@ int error_number(Work&& work) {
         return error.number();
     }
     return 0;
-}
-
-inline NewColumn new_column(std::u16string name, ColumnType type, bool autonumber = false) {
-    NewColumn column;
-    column.name = std::move(name);
-    column.type = type;
-    column.allow_zero_length = true;
-    column.autonumber = autonumber;
-    return column;
 }
 
 inline void expect_sound(Database& database, const std::string& where = {}) {

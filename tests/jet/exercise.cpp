@@ -1,6 +1,7 @@
 #include "tests/jet/exercise.h"
 
 #include "jet/check/check.h"
+#include "tests/jet/new_column.h"
 #include "tests/support/fault_file_system.h"
 
 namespace jet {
@@ -17,15 +18,6 @@ int attempt(Work&& work) {
     } catch (const Error& error) {
         return error.number();
     }
-}
-
-NewColumn made(std::u16string name, ColumnType type, bool autonumber = false) {
-    NewColumn column;
-    column.name = std::move(name);
-    column.type = type;
-    column.allow_zero_length = true;
-    column.autonumber = autonumber;
-    return column;
 }
 
 // A value for a column, of a size that `n` decides.
@@ -110,10 +102,11 @@ ByteVector make_rich_file() {
     CreateOptions options;
     options.creation_date = 42329.5;
     auto database = Database::create(kPath, options);
-    const NewColumn columns[] = {made(u"Id", kLong, true), made(u"Flag", kBoolean),   made(u"Small", kByte),
-                                 made(u"Short", kInteger), made(u"Price", kCurrency), made(u"Single", kSingle),
-                                 made(u"Double", kDouble), made(u"Day", kDate),       made(u"Title", kText),
-                                 made(u"Notes", kMemo),    made(u"Picture", kOle),    made(u"Count", kLong)};
+    const NewColumn columns[] = {
+        new_column(u"Id", kLong, true), new_column(u"Flag", kBoolean),   new_column(u"Small", kByte),
+        new_column(u"Short", kInteger), new_column(u"Price", kCurrency), new_column(u"Single", kSingle),
+        new_column(u"Double", kDouble), new_column(u"Day", kDate),       new_column(u"Title", kText),
+        new_column(u"Notes", kMemo),    new_column(u"Picture", kOle),    new_column(u"Count", kLong)};
     database->create_table(u"Rich", columns);
     Table& rich = *database->find_table(u"Rich");
     add_rows(rich, 0, 30);
@@ -124,15 +117,15 @@ ByteVector make_rich_file() {
     }
     for (std::size_t i = 1; i < rows.size(); i += 5) rich.erase(rows[i]);
     database->delete_column(u"Rich", u"Double");
-    database->add_column(u"Rich", made(u"Later", kText));
+    database->add_column(u"Rich", new_column(u"Later", kText));
     add_rows(rich, 50, 10);
-    const NewColumn plain[] = {made(u"Number", kLong), made(u"Done", kBoolean)};
+    const NewColumn plain[] = {new_column(u"Number", kLong), new_column(u"Done", kBoolean)};
     database->create_table(u"Plain", plain);
     add_rows(*database->find_table(u"Plain"), 0, 300);
     std::vector<NewColumn> many;
     for (std::size_t i = 0; i < 60; ++i) {
         const std::u16string name = from_utf8(std::to_string(i)) + u" is the number of a column with a long name";
-        many.push_back(made(name, i % 2 ? kText : kLong));
+        many.push_back(new_column(name, i % 2 ? kText : kLong));
     }
     database->create_table(u"Wide", many);  // its definition needs more than one page
     add_rows(*database->find_table(u"Wide"), 0, 3);
@@ -168,13 +161,13 @@ void change_a_little(Database& database) {
             if (Table* table = database.find_table(name)) change_table(*table);
         });
     }
-    const NewColumn columns[] = {made(u"A", kLong, true), made(u"B", kMemo)};
+    const NewColumn columns[] = {new_column(u"A", kLong, true), new_column(u"B", kMemo)};
     attempt([&] { database.create_table(u"Made later", columns); });
     attempt([&] {
         if (Table* table = database.find_table(u"Made later")) add_rows(*table, 0, 3);
     });
     for (const std::u16string& name : names) {
-        attempt([&] { database.add_column(name, made(u"Added later", kMemo)); });
+        attempt([&] { database.add_column(name, new_column(u"Added later", kMemo)); });
         attempt([&] {
             const Table* table = database.find_table(name);
             if (table) database.delete_column(name, table->def().columns.front().name);

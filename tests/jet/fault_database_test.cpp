@@ -27,7 +27,7 @@ std::vector<Variant> variants() {
     always.pager.sync_interval = std::chrono::milliseconds(0);
     Variant rarely{"rarely synced", {}};
     rarely.pager.sync_interval = std::chrono::hours(24);
-    rarely.pager.journal_limit_bytes = 150 * 1024;
+    rarely.pager.journal_limit_bytes = 40 * 1024;
     rarely.pager.cache_pages = 8;
     return {always, rarely};
 }

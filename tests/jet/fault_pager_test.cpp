@@ -137,7 +137,8 @@ TEST_F(PagerFault, refused_replay_is_repeated_by_the_next_opening) {
             SCOPED_TRACE(std::to_string(static_cast<int>(operation)) + " " + std::to_string(nth));
             auto file = after->open(path_, os::OpenMode::kExclusive);
             after->plan({.operation = operation, .nth = nth});
-            const int error = error_number([&] { const Pager refused(std::move(file), path_, rarely_synced()); });
+            const int error =
+                error_number([&] { const Pager refused(*after, std::move(file), path_, rarely_synced()); });
             after->clear_faults();
             if (after->faults_raised() == 0) break;
             // A journal that cannot be removed is emptied instead.

@@ -99,7 +99,7 @@ TEST(DatabasePowerCrash, between_sync_points_only_the_last_stretch_is_lost) {
 
 TEST(DatabasePowerCrash, small_journal_emptied_often_loses_nothing_more) {
     PagerOptions options = rarely_synced();
-    options.journal_limit_bytes = 60 * 1024;
+    options.journal_limit_bytes = 30 * 1024;
     options.cache_pages = 4;
     cut_in_every_mode(options, 6, promised_rarely);
 }
@@ -147,7 +147,7 @@ TEST(DatabasePowerCrash, cut_a_quarter_of_a_second_after_a_success_loses_nothing
 TEST(DatabasePowerCrash, cut_during_the_replay_changes_nothing) {
     FaultFileSystem disk;
     PagerOptions options = rarely_synced();
-    options.journal_limit_bytes = 100 * 1024;
+    options.journal_limit_bytes = 40 * 1024;
     std::uint64_t second_cuts = 0;
     cut_everywhere(disk, options, promised_rarely, [&](Expected expected, std::uint64_t change) {
         if (change % 5 != 0) return;

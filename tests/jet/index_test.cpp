@@ -45,7 +45,7 @@ protected:
         map_row[jet4::usage::kBitmap] = 0x80;  // pages 0..6 are in use
         add_row(map_page, jet4::kGlobalMapPage, map_row);
         file->write(0, pages);
-        pager_ = std::make_unique<Pager>(std::move(file), path);
+        pager_ = std::make_unique<Pager>(os::file_system(), std::move(file), path);
         allocator_ = std::make_unique<PageAllocator>(*pager_);
         Transaction transaction(*pager_);
         const MutablePage root = allocator_->allocate();

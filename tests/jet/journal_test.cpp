@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "jet/pages/journal_reader.h"
+#include "jet/pages/recovery.h"
+#include "tests/jet/former_journal.h"
 #include "tests/jet/pager_fixture.h"
 
 namespace jet {
@@ -10,164 +13,6 @@ namespace {
 using testing_support::CrashMode;
 using testing_support::FaultFileSystem;
 using testing_support::UseFileSystem;
-
-constexpr std::size_t kCommitHeader = 24;
-
-// A journal written by the class itself, on a disk of its own.
-class JournalTest : public ::testing::Test {
-protected:
-    void append(Journal& journal, const std::vector<PageNumber>& page_numbers, std::uint8_t fill,
-                std::uint32_t page_count) {
-        const ByteVector bytes(jet4::kPageSize, fill);
-        std::vector<JournalPage> pages;
-        for (const PageNumber page_no : page_numbers) pages.push_back({page_no, bytes.data()});
-        journal.append(pages, page_count);
-    }
-    // Three commits: pages {5, 9}, {5}, {20, 6}.
-    ByteVector three_commits(std::uint8_t first_fill = 1) {
-        Journal journal(disk_, kPath);
-        if (disk_.exists(journal.path())) disk_.remove(journal.path());
-        journal.start({77, 5});
-        append(journal, {5, 9}, first_fill, 18);
-        append(journal, {5}, static_cast<std::uint8_t>(first_fill + 1), 18);
-        append(journal, {20, 6}, static_cast<std::uint8_t>(first_fill + 2), 21);
-        return disk_.content(journal.path());
-    }
-    bool read(ByteVector bytes, JournalContent& content) {
-        disk_.set_content("x", std::move(bytes));
-        return Journal::read(*disk_.open("x", os::OpenMode::kReadOnly), content);
-    }
-    std::uint8_t fill_at(const ByteVector& journal, const JournalContent& content, PageNumber page_no) {
-        for (const JournalContent::Image& image : content.last_images) {
-            if (image.page_no == page_no)
-                return slice(journal, static_cast<std::size_t>(image.at), jet4::kPageSize)[100];
-        }
-        return 0;
-    }
-    // Where each commit ends.
-    static std::vector<std::size_t> ends() {
-        const auto commit = [](std::size_t pages) { return kCommitHeader + pages * (4 + jet4::kPageSize); };
-        const std::size_t first = Journal::kHeaderBytes + commit(2);
-        return {Journal::kHeaderBytes, first, first + commit(1), first + commit(1) + commit(2)};
-    }
-
-    static constexpr char kPath[] = "d/a.mdb";
-    FaultFileSystem disk_;
-};
-
-TEST_F(JournalTest, last_image_of_each_page_is_found) {
-    const ByteVector bytes = three_commits();
-    ASSERT_EQ(bytes.size(), ends().back());
-    JournalContent content;
-    ASSERT_TRUE(read(bytes, content));
-    EXPECT_EQ(content.binding.identity, 77u);
-    EXPECT_EQ(content.binding.base_counter, 5u);
-    EXPECT_EQ(content.page_count, 21u);
-    ASSERT_EQ(content.last_images.size(), 4u);
-    EXPECT_EQ(fill_at(bytes, content, 5), 2);
-    EXPECT_EQ(fill_at(bytes, content, 9), 1);
-    EXPECT_EQ(fill_at(bytes, content, 6), 3);
-    EXPECT_EQ(fill_at(bytes, content, 20), 3);
-}
-
-// How many whole commits a reader must find in the first `size` bytes.
-std::size_t whole_commits(const std::vector<std::size_t>& ends, std::size_t size) {
-    std::size_t commits = 0;
-    while (commits + 1 < ends.size() && ends[commits + 1] <= size) ++commits;
-    return commits;
-}
-
-void expect_commits(const JournalContent& content, std::size_t commits, std::size_t at) {
-    constexpr std::uint32_t kPageCounts[] = {0, 18, 18, 21};
-    constexpr std::size_t kImages[] = {0, 2, 2, 4};
-    ASSERT_EQ(content.page_count, kPageCounts[commits]) << at;
-    ASSERT_EQ(content.last_images.size(), kImages[commits]) << at;
-}
-
-TEST_F(JournalTest, tail_torn_at_any_byte_ends_behind_the_last_whole_commit) {
-    const ByteVector bytes = three_commits();
-    for (std::size_t size = 0; size < bytes.size(); ++size) {
-        JournalContent content;
-        const bool valid = read(ByteVector(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(size)), content);
-        ASSERT_EQ(valid, size >= Journal::kHeaderBytes) << size;
-        if (valid) expect_commits(content, whole_commits(ends(), size), size);
-        if (HasFatalFailure()) return;
-    }
-}
-
-TEST_F(JournalTest, changed_byte_ends_the_journal_before_its_commit) {
-    const ByteVector bytes = three_commits();
-    for (std::size_t at = 0; at < bytes.size(); ++at) {
-        ByteVector changed = bytes;
-        changed[at] = static_cast<std::uint8_t>(changed[at] ^ 1u << (at % 8));
-        JournalContent content;
-        const bool valid = read(std::move(changed), content);
-        ASSERT_EQ(valid, at >= Journal::kHeaderBytes) << at;
-        if (valid) expect_commits(content, whole_commits(ends(), at), at);
-        if (HasFatalFailure()) return;
-    }
-}
-
-TEST_F(JournalTest, commits_of_an_older_generation_behind_the_newer_are_ignored) {
-    const ByteVector older = three_commits(10);
-    ByteVector newer = three_commits(1);
-    ASSERT_EQ(older.size(), newer.size());
-    const std::size_t first_end = ends()[1];
-    std::copy(older.begin() + static_cast<std::ptrdiff_t>(first_end), older.end(),
-              newer.begin() + static_cast<std::ptrdiff_t>(first_end));
-    JournalContent content;
-    ASSERT_TRUE(read(newer, content));
-    expect_commits(content, 1, 0);
-    EXPECT_EQ(fill_at(newer, content, 5), 1);
-}
-
-TEST_F(JournalTest, reordered_and_repeated_commits_break_the_chain) {
-    const ByteVector bytes = three_commits();
-    const auto part = [&](std::size_t from, std::size_t to) {
-        return ByteVector(bytes.begin() + static_cast<std::ptrdiff_t>(ends()[from]),
-                          bytes.begin() + static_cast<std::ptrdiff_t>(ends()[to]));
-    };
-    ByteVector swapped(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(ends()[0]));
-    append_bytes(swapped, part(1, 2));
-    append_bytes(swapped, part(0, 1));
-    JournalContent content;
-    ASSERT_TRUE(read(swapped, content));
-    expect_commits(content, 0, 0);
-    ByteVector repeated(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(ends()[2]));
-    append_bytes(repeated, part(1, 2));
-    ASSERT_TRUE(read(repeated, content));
-    expect_commits(content, 2, 0);
-}
-
-TEST_F(JournalTest, hostile_page_count_allocates_nothing) {
-    ByteVector bytes = three_commits();
-    store_u32(bytes, Journal::kHeaderBytes + 4, 0xFFFFFFFF);
-    JournalContent content;
-    ASSERT_TRUE(read(bytes, content));
-    expect_commits(content, 0, 0);
-}
-
-TEST_F(JournalTest, generations_differ_even_with_the_same_binding) {
-    const ByteVector one = three_commits();
-    const ByteVector two = three_commits();
-    EXPECT_NE(ByteVector(one.begin(), one.begin() + Journal::kHeaderBytes),
-              ByteVector(two.begin(), two.begin() + Journal::kHeaderBytes));
-}
-
-TEST_F(JournalTest, checksum_depends_on_every_byte_its_place_and_the_seed) {
-    ByteVector bytes(100, 0);
-    const std::uint64_t plain = checksum64(bytes, 1);
-    EXPECT_NE(plain, checksum64(bytes, 2));
-    EXPECT_NE(plain, checksum64(ByteSpan(bytes).first(99), 1));
-    std::set<std::uint64_t> seen{plain};
-    for (std::size_t at = 0; at < bytes.size(); ++at) {
-        for (const int value : {1, 128, 255}) {
-            bytes[at] = static_cast<std::uint8_t>(value);
-            EXPECT_TRUE(seen.insert(checksum64(bytes, 1)).second) << at;
-        }
-        bytes[at] = 0;
-    }
-}
 
 // Journals left beside a file by a program that was killed, and what opening the file makes of them.
 class JournalBindingTest : public PagerFixture {
@@ -284,7 +129,7 @@ TEST_F(JournalBindingTest, journal_without_a_whole_commit_changes_nothing_and_is
     copy.set_content(path_, before);
     write(copy, path_, 3, 4, true);
     ByteVector journal = copy.content(journal_path());
-    journal.resize(Journal::kHeaderBytes + 500);
+    journal.resize(journal::kHeaderBytes + 500);
     disk().set_content(journal_path(), journal);
     open(rarely_synced())->close();
     EXPECT_EQ(disk().content(path_), before);
@@ -299,7 +144,8 @@ TEST_F(JournalBindingTest, journal_that_cannot_be_looked_for_keeps_the_file_from
         options.read_only = read_only;
         auto file = disk().open(path_, read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive);
         disk().plan({.operation = testing_support::Operation::kOpen});
-        EXPECT_EQ(error_number([&] { const Pager refused(std::move(file), path_, options); }), errors::kDiskError);
+        EXPECT_EQ(error_number([&] { const Pager refused(disk(), std::move(file), path_, options); }),
+                  errors::kDiskError);
         EXPECT_EQ(disk().content(journal_path()), journal);
         disk().clear_faults();
     }
@@ -342,13 +188,14 @@ TEST_F(JournalBindingTest, journal_that_lacks_the_pages_it_grows_the_file_by_is_
     write(disk(), path_, 1, 2, true);
     const ByteVector before = disk().content(path_);
     JournalContent content;
-    ASSERT_TRUE(Journal::read(*disk().open(journal_path(), os::OpenMode::kReadSide), content));
+    ASSERT_TRUE(read_journal(*disk().open(journal_path(), os::OpenMode::kReadSide), content));
     for (const std::uint32_t page_count : {kPages + 2, jet4::kMaxPages}) {
         disk().remove(journal_path());
         Journal forged(disk(), path_);
         forged.start(content.binding);
         const ByteVector page(jet4::kPageSize, 0);
-        forged.append({{kPages, page.data()}}, page_count);
+        const JournalPage added{kPages, page.data()};
+        forged.append({&added, 1}, page_count);
         forged.release();
         EXPECT_EQ(error_number([&] { open(rarely_synced()); }), errors::kDamaged);
         EXPECT_EQ(disk().content(path_), before);

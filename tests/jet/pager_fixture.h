@@ -41,7 +41,7 @@ protected:
     std::unique_ptr<Pager> open(const PagerOptions& options) const { return open(path_, options); }
     static std::unique_ptr<Pager> open(const std::string& path, const PagerOptions& options) {
         const os::OpenMode mode = options.read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive;
-        return std::make_unique<Pager>(os::file_system().open(path, mode), path, options);
+        return std::make_unique<Pager>(os::file_system(), os::file_system().open(path, mode), path, options);
     }
 
     // One transaction that leaves `mark` in byte kMarkAt of the page.

@@ -27,7 +27,7 @@ protected:
         PagerOptions options;
         options.sync_interval = std::chrono::hours(24);
         options.cache_pages = 2000;
-        pager_ = std::make_unique<Pager>(sparse_.open(kPath, os::OpenMode::kExclusive), kPath, options);
+        pager_ = std::make_unique<Pager>(sparse_, sparse_.open(kPath, os::OpenMode::kExclusive), kPath, options);
         allocator_ = std::make_unique<PageAllocator>(*pager_);
         pager_->set_rollback_listener([this] { allocator_->forget(); });
         pager_->begin();

@@ -107,6 +107,23 @@ protected:
         }
         return rows;
     }
+    // One edit with memory for `granted` requests: it is saved whole, which `saved` notes, or not at all. How many
+    // requests were refused.
+    template <class Edit, class Saved>
+    int whole_or_not_at_all(int granted, Edit&& edit, Saved&& saved) {
+        int refused = 0;
+        HRESULT result = S_OK;
+        {
+            const RefusedMemory refusal(granted, GetParam());
+            result = edit();
+            refused = refusal.refused();
+        }
+        if (result == S_OK) saved();
+        EXPECT_TRUE(result == S_OK || refused != 0);
+        EXPECT_EQ(rows_by_gate(), rows_) << "after " << granted << " requests";
+        return refused;
+    }
+
     // Rows through the open gate.
     Rows rows_by_gate() {
         Rows rows;
@@ -173,17 +190,8 @@ TEST_P(GateMemoryFault, add_saves_the_whole_row_or_nothing) {
     ASSERT_EQ(gate_->OpenDB(), S_OK);
     at_every_request([&](int n, int granted) {
         ProjInfo record = record_of(100 + n);
-        int refused = 0;
-        HRESULT result = S_OK;
-        {
-            const RefusedMemory refusal(granted, GetParam());
-            result = gate_->AddProj(address(record));
-            refused = refusal.refused();
-        }
-        if (result == S_OK) rows_[record.ProjID] = row_of(100 + n);
-        EXPECT_TRUE(result == S_OK || refused != 0);
-        EXPECT_EQ(rows_by_gate(), rows_) << "after " << granted << " requests";
-        return refused;
+        return whole_or_not_at_all(
+            granted, [&] { return gate_->AddProj(address(record)); }, [&] { rows_[record.ProjID] = row_of(100 + n); });
     });
     gate_->CloseDB();
     expect_files("after adding");
@@ -196,17 +204,8 @@ TEST_P(GateMemoryFault, update_saves_the_whole_change_or_nothing) {
         const LONG key = std::next(rows_.begin(), n % static_cast<int>(rows_.size()))->first;
         ProjInfo record = record_of(200 + n);
         record.ProjID = key;
-        int refused = 0;
-        HRESULT result = S_OK;
-        {
-            const RefusedMemory refusal(granted, GetParam());
-            result = gate_->UpdateProj(address(record));
-            refused = refusal.refused();
-        }
-        if (result == S_OK) rows_[key] = row_of(200 + n);
-        EXPECT_TRUE(result == S_OK || refused != 0);
-        EXPECT_EQ(rows_by_gate(), rows_) << "after " << granted << " requests";
-        return refused;
+        return whole_or_not_at_all(
+            granted, [&] { return gate_->UpdateProj(address(record)); }, [&] { rows_[key] = row_of(200 + n); });
     });
     gate_->CloseDB();
     expect_files("after changing");
@@ -218,17 +217,8 @@ TEST_P(GateMemoryFault, delete_takes_the_row_or_nothing) {
     at_every_request([&](int n, int granted) {
         if (rows_.size() < 10) add(300 + n);
         const LONG key = rows_.begin()->first;
-        int refused = 0;
-        HRESULT result = S_OK;
-        {
-            const RefusedMemory refusal(granted, GetParam());
-            result = gate_->DeleteProj(key);
-            refused = refusal.refused();
-        }
-        if (result == S_OK) rows_.erase(key);
-        EXPECT_TRUE(result == S_OK || refused != 0);
-        EXPECT_EQ(rows_by_gate(), rows_) << "after " << granted << " requests";
-        return refused;
+        return whole_or_not_at_all(
+            granted, [&] { return gate_->DeleteProj(key); }, [&] { rows_.erase(key); });
     });
     gate_->CloseDB();
     expect_files("after deleting");

@@ -1,7 +1,4 @@
 // What is Windows' own about files: share modes, devices, long paths, and the meaning of its error numbers.
-#define WIN32_LEAN_AND_MEAN
-#define NOMINMAX
-#include <windows.h>
 
 #include <gtest/gtest.h>
 
@@ -15,6 +12,7 @@
 #include "os/module_win32.h"
 #include "os/system.h"
 #include "os/system_error.h"
+#include "os/windows_api.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

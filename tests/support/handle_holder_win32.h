@@ -1,13 +1,7 @@
 // Another program's handle on a file, for a while: a virus scanner's, an indexer's, a backup's.
 #pragma once
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#include <windows.h>
+#include "os/windows_api.h"
 
 #include <string>
 

@@ -1,0 +1,13 @@
+// The checksum of journals and of what a journal is bound to.
+#pragma once
+
+#include <cstdint>
+
+#include "jet/base/bytes.h"
+
+namespace jet {
+
+// A 64-bit checksum of `bytes`, chained on `seed`. On disk: it never changes. Not a defence against intent.
+std::uint64_t checksum64(ByteSpan bytes, std::uint64_t seed);
+
+}  // namespace jet

@@ -1,0 +1,84 @@
+// The journal on disk: its header and its commits, as bytes. docs/file-format.md describes them.
+//
+// Invariants
+//  1. A commit's checksum covers all of it and the checksum before it, the first one's the header's: bytes of another
+//     generation, or in another place, never pass.
+//  2. The first record of a page in a generation is its whole image, so that replaying the generation needs nothing of
+//     the page's old content, which a power failure may have torn.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "jet/base/bytes.h"
+#include "jet/base/types.h"
+
+namespace jet {
+
+// What a journal is bound to.
+struct JournalBinding {
+    std::uint64_t identity = 0;      // of the file: what never changes in its header, and its commit words
+    std::uint64_t base_counter = 0;  // change counter of the file when the generation began
+    std::uint64_t next_counter = 0;  // what the generation's first commit makes of it
+};
+
+// A page of a commit, kPageSize bytes.
+struct JournalPage {
+    PageNumber page_no = 0;
+    const std::uint8_t* bytes = nullptr;
+    const std::uint8_t* before = nullptr;  // as the generation holds it already; null: not yet, it is written whole
+};
+
+namespace journal {
+
+inline constexpr std::size_t kHeaderBytes = 64;
+inline constexpr std::size_t kCommitHeaderBytes = 24;
+
+enum class Kind {
+    kChanges,  // what is written: whole pages and ranges of bytes
+    kPages,    // the former kind, still replayed: whole pages only
+};
+
+struct Header {
+    Kind kind = Kind::kChanges;
+    JournalBinding binding;
+    std::uint64_t checksum = 0;  // the chain begins with it
+};
+
+// A commit's header. The body follows: for kChanges its records; for kPages the page numbers, then the pages.
+struct CommitHeader {
+    std::uint32_t pages = 0;
+    std::uint32_t page_count = 0;  // of the file afterwards
+    std::uint64_t body_bytes = 0;
+    std::uint64_t checksum = 0;
+};
+
+// A record of a commit's body.
+struct Record {
+    PageNumber page_no = 0;
+    std::size_t at = 0;     // in the body: the page's bytes, or the ranges
+    std::size_t bytes = 0;  // of the ranges; 0: a whole page
+};
+
+// Fills kHeaderBytes; returns the checksum that the chain begins with.
+std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt);
+// False for what is no header of a journal.
+bool load_header(ByteSpan bytes, Header& header);
+
+// The most that a commit of so many pages takes.
+std::size_t most_commit_bytes(std::size_t pages);
+// Writes a commit, chained on `checksum`, which becomes its own. Returns the bytes it takes.
+std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> pages, std::uint32_t page_count,
+                         std::uint64_t& checksum);
+
+// False for what is no header of a commit.
+bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit);
+// The checksum that a commit must have, after one with checksum `before`.
+std::uint64_t commit_checksum(ByteSpan header, ByteSpan body, std::uint64_t before);
+// Takes the record at `at` apart and moves `at` past it. False when it is none.
+bool load_record(ByteSpan body, std::size_t& at, Record& record);
+// Writes the ranges of a record into a page. False when they leave it.
+bool apply_ranges(ByteSpan ranges, MutableByteSpan page);
+
+}  // namespace journal
+}  // namespace jet

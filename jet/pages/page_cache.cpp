@@ -1,0 +1,101 @@
+#include "jet/pages/page_cache.h"
+
+#include <algorithm>
+#include <array>
+
+#include "os/page_memory.h"
+
+namespace jet {
+namespace {
+
+constexpr std::uint8_t kMaxUses = 3;
+
+void prefetch_line([[maybe_unused]] const void* address) {
+#ifdef __GNUC__
+    __builtin_prefetch(address);
+#endif
+}
+
+}  // namespace
+
+// Frames made at once, as many as fill a large page of memory.
+struct PageCache::Group {
+    static constexpr std::uint32_t kFrames = os::PageMemory::kLargePage / jet4::kPageSize;
+
+    // The first is all that most databases need; its untouched part costs nothing.
+    explicit Group(bool first)
+        : bytes(os::PageMemory::kLargePage, first ? os::PageMemory::Source::kHeap : os::PageMemory::Source::kSystem) {}
+    std::array<Frame, kFrames> frames;
+    os::PageMemory bytes;
+};
+
+PageCache::PageCache(std::size_t pages) : limit_(pages) {}
+
+PageCache::~PageCache() = default;
+
+FrameRef PageCache::frame_at(std::uint32_t frame_no) const {
+    Group& group = *groups_[frame_no / Group::kFrames];
+    const std::size_t at = frame_no % Group::kFrames;
+    return {&group.frames[at], group.bytes.data() + at * jet4::kPageSize};
+}
+
+FrameRef PageCache::use(PageNumber page_no) {
+    const FrameRef place = find(page_no);
+    if (!place) return place;
+    // Many readings in a row, as an enumeration makes, count as one.
+    if (page_no != last_used_ && place.frame->uses < kMaxUses) ++place.frame->uses;
+    last_used_ = page_no;
+    return place;
+}
+
+void PageCache::prefetch(PageNumber page_no) const {
+    if (const FrameRef place = find(page_no)) {
+        prefetch_line(place.frame);
+        prefetch_line(place.bytes);
+    }
+}
+
+FrameRef PageCache::add(PageNumber page_no) {
+    std::uint32_t frame_no = FrameTable::kNone;
+    if (frame_count_ >= std::max<std::size_t>(limit_, search_from_)) frame_no = evicted_frame();
+    if (frame_no == FrameTable::kNone) frame_no = added_frame();
+    table_.set(page_no, frame_no);
+    const FrameRef place = frame_at(frame_no);
+    *place.frame = {};
+    place.frame->page_no = page_no;
+    last_used_ = page_no;
+    return place;
+}
+
+void PageCache::remove(Frame& frame) {
+    if (frame.page_no < jet4::kMaxPages) table_.clear(frame.page_no);
+    const std::uint32_t pins = frame.pins;
+    frame = {};
+    frame.pins = pins;
+}
+
+// Clock eviction: skips pinned, dirty and changed frames, takes the first without uses left.
+std::uint32_t PageCache::evicted_frame() {
+    for (std::uint64_t i = 0; i < (kMaxUses + 1) * std::uint64_t{frame_count_}; ++i) {
+        const std::uint32_t frame_no = clock_hand_;
+        clock_hand_ = clock_hand_ + 1 < frame_count_ ? clock_hand_ + 1 : 0;
+        Frame& frame = *frame_at(frame_no).frame;
+        if (frame.pins > 0 || frame.dirty || frame.saved_level > 0) continue;
+        if (frame.uses > 0) {
+            --frame.uses;
+            continue;
+        }
+        remove(frame);
+        return frame_no;
+    }
+    // One large transaction holds them all: searching again for each of its pages would take ever longer.
+    search_from_ = frame_count_ + frame_count_ / 4;
+    return FrameTable::kNone;
+}
+
+std::uint32_t PageCache::added_frame() {
+    if (frame_count_ == groups_.size() * Group::kFrames) groups_.push_back(std::make_unique<Group>(groups_.empty()));
+    return frame_count_++;
+}
+
+}  // namespace jet

@@ -1,0 +1,39 @@
+// Where two images of a page differ.
+#pragma once
+
+#include <array>
+#include <cstdint>
+
+#include "jet/base/bytes.h"
+#include "jet/base/jet4.h"
+
+namespace jet {
+
+struct PageRange {
+    std::uint16_t at;
+    std::uint16_t bytes;
+};
+
+// Ranges in ascending order, at least kGap equal bytes between two of them. Needs no memory of its own.
+class PageRanges {
+public:
+    // Fewer equal bytes are not worth a range of their own.
+    static constexpr std::size_t kGap = 9;
+
+    // Each image is kPageSize bytes long.
+    PageRanges(const std::uint8_t* now, const std::uint8_t* before);
+
+    const PageRange* begin() const { return ranges_.data(); }
+    const PageRange* end() const { return ranges_.data() + count_; }
+    std::size_t size() const { return count_; }
+    // Of all ranges together.
+    std::size_t bytes() const;
+
+private:
+    void add(std::size_t first, std::size_t end);
+
+    std::size_t count_ = 0;
+    std::array<PageRange, jet4::kPageSize / (1 + kGap) + 1> ranges_;
+};
+
+}  // namespace jet

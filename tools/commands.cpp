@@ -4,9 +4,26 @@ namespace tools {
 
 std::span<const Command* const> all_commands() {
     static constexpr const Command* kCommands[] = {
-        &kInfoCommand,   &kListCommand, &kShowCommand,    &kProjectsCommand, &kTablesCommand,
-        &kSchemaCommand, &kRowsCommand, &kCheckCommand,   &kAddCommand,      &kSetCommand,
-        &kDeleteCommand, &kDemoCommand, &kUpgradeCommand,
+        // What there is.
+        &kInfoCommand,
+        &kListCommand,
+        &kShowCommand,
+        &kSearchCommand,
+        &kProjectsCommand,
+        &kTablesCommand,
+        &kSchemaCommand,
+        &kRowsCommand,
+        &kSqlCommand,
+        // Changes of rows.
+        &kAddCommand,
+        &kSetCommand,
+        &kDeleteCommand,
+        &kImportCommand,
+        // Ways out, and care of the files.
+        &kExportCommand,
+        &kDemoCommand,
+        &kCheckCommand,
+        &kUpgradeCommand,
     };
     return kCommands;
 }

@@ -22,10 +22,16 @@ public:
     virtual std::string name() const = 0;
     // The columns of the rows that list and show give.
     virtual Names columns() const = 0;
-    // Calls `visit` with every row of the enumeration until it returns false. What the engine cannot deliver is a
-    // CommandError behind the rows before it.
+    // What add and set can be given.
+    virtual Names members() const = 0;
+    virtual std::string key_column() const = 0;
+    // The statement of the rows that the gate's enumeration gives for the filter; with none, of all rows.
+    virtual std::string statement(const Assignments& filter) const = 0;
+    // The statement of the row with that key; "" for a key that no row has.
+    virtual std::string statement_of(const std::string& key) const = 0;
+    // Calls `visit` with every row of the gate's enumeration until it returns false. What the engine cannot deliver is
+    // a CommandError behind the rows before it.
     virtual void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const = 0;
-    virtual Row show(Studio& studio, const std::string& key) const = 0;
     // The new row's key.
     virtual std::string add(Studio& studio, const Assignments& members) const = 0;
     virtual void set(Studio& studio, const std::string& key, const Assignments& members) const = 0;

@@ -2,10 +2,12 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "jet/base/types.h"
+#include "tools/aligned_printer.h"
 #include "tools/names.h"
 
 namespace tools {
@@ -17,8 +19,8 @@ using RowVisitor = std::function<bool(const Row& row)>;
 
 enum class RowFormat { kPlain, kCsv, kJson };
 
-// Row after row: plain with tabs between the values, CSV with a line of names, or one JSON array. Nothing is printed
-// before the first row or the end.
+// Row after row: a table on a terminal and else plain with tabs between the values, CSV with a line of names, or one
+// JSON array. Nothing is printed before the first row or the end.
 class RowPrinter {
 public:
     RowPrinter(RowFormat format, Names names);
@@ -31,6 +33,7 @@ private:
 
     RowFormat format_;
     Names names_;
+    std::unique_ptr<AlignedPrinter> aligned_;  // for people
     bool has_begun_ = false;
     bool any_ = false;
 };

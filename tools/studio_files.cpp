@@ -147,6 +147,12 @@ std::vector<const char*> StudioFile::upgrade_plan() const {
     return plan;
 }
 
+bool StudioFile::declares(const std::string& table) const {
+    const auto is_called = [&](const db::TableSchema& schema) { return is_same_name(table, schema.name); };
+    if (std::any_of(schema_.begin(), schema_.end(), is_called)) return true;
+    return is_called(db::engineers_table()) && is_same_name(name_, kStudioFile);
+}
+
 bool StudioFile::has(const db::UpgradeStep& step) const {
     return std::any_of(upgrade_.begin(), upgrade_.end(), [&](const db::UpgradeStep& own) { return &own == &step; });
 }

@@ -34,6 +34,10 @@ public:
 
     Names columns() const override { return names_of(shown_columns()); }
 
+    Names members() const override { return names_of(mapping_.write); }
+
+    std::string key_column() const override { return mapping_.key.column; }
+
     void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const override {
         Record record = RecordFilter<Record>(mapping_).record(filter);
         Gate& gate = opened_gate<Gate>(studio);
@@ -44,7 +48,16 @@ public:
         if (!goes_on && !is_left_out(afx::last_error().number)) require_no_engine_error(name() + " cannot be read");
     }
 
-    Row show(Studio& studio, const std::string& key) const override { return row_of(find(studio, key)); }
+    std::string statement(const Assignments& filter) const override {
+        if (filter.empty()) return studio::whole_table(mapping_.table);
+        const Record record = RecordFilter<Record>(mapping_).record(filter);
+        return mapping_.statement(&record);
+    }
+
+    std::string statement_of(const std::string& key) const override {
+        const LONG number = parse_number("the key of " + name(), key);
+        return number == 0 ? std::string() : studio::rows_where(mapping_.table, mapping_.key.column, number);
+    }
 
     std::string add(Studio& studio, const Assignments& members) const override {
         Record record;

@@ -3,6 +3,7 @@
 #include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/gate_table.h"
+#include "tools/record_reader.h"
 
 namespace tools {
 namespace {
@@ -12,15 +13,18 @@ struct Options {
     std::string table;
     std::vector<std::string> filter;
     std::vector<std::string> more_filter;
+    SelectionOptions selection;
     FormatOption format;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.folder(options.folder);
     declare.table(options.table);
-    declare.repeated_option("--filter", options.filter, "member=value", "filter as the gate's enumeration does");
+    declare.repeated_option("--filter", options.filter, "member=value",
+                            "what the gate's enumeration gives for these members of its record; may be repeated");
     // One --filter may be followed by several assignments.
     declare.optional_words("member=value", options.more_filter, "more of the filter");
+    options.selection.declare(declare);
     declare.format(options.format);
 }
 
@@ -28,10 +32,10 @@ int run(const Options& options) {
     Assignments filter = assignments_of(options.filter);
     for (const Assignment& more : assignments_of(options.more_filter)) filter.push_back(more);
     const GateTable& table = gate_table(options.table);
-    Studio studio(options.folder, Studio::Purpose::kRead);
-    tell_damage_of_gates();
-    RowPrinter printer(options.format.format(), table.columns());
-    print_rows(printer, [&](const RowVisitor& print) { table.list(studio, filter, print); });
+    const std::string statement = table.statement(filter);
+    const RecordReader records(table, options.folder, options.selection);
+    RowPrinter printer(options.format.format(), records.names());
+    print_rows(printer, [&](const RowVisitor& print) { records.for_each(statement, print); });
     require_undamaged();
     return 0;
 }

@@ -4,9 +4,10 @@
 #include "tools/commands.h"
 #include "tools/damage.h"
 #include "tools/declaration.h"
-#include "tools/errors.h"
 #include "tools/gate_table.h"
 #include "tools/output.h"
+#include "tools/record_reader.h"
+#include "tools/terminal.h"
 
 namespace tools {
 namespace {
@@ -30,27 +31,23 @@ int run(const Options& options) {
     if (options.client) filter.push_back({"ClientID", std::to_string(*options.client)});
     if (options.type) filter.push_back({"Type", *options.type});
     const GateTable& table = gate_table("Projects");
-    Studio studio(options.folder, Studio::Purpose::kRead);
-    tell_damage_of_gates();
+    const std::string statement = table.statement(filter);
+    SelectionOptions selection;
+    if (!options.json) selection.columns = "ProjID,Name,Client,Type,ProjCreateDate,DiscountVal";
+    const RecordReader records(table, options.folder, selection);
     if (options.json) {
-        RowPrinter printer(RowFormat::kJson, table.columns());
-        print_rows(printer, [&](const RowVisitor& print) { table.list(studio, filter, print); });
+        RowPrinter printer(RowFormat::kJson, records.names());
+        print_rows(printer, [&](const RowVisitor& print) { records.for_each(statement, print); });
     } else {
-        std::vector<Row> rows;
-        std::string failure;
-        try {
-            table.list(studio, filter, [&](const Row& row) {
-                rows.push_back(row);
-                return true;
-            });
-        } catch (const CommandError& error) {
-            if (rows.empty()) throw;
-            failure = error.what();
-        }
-        const Names names{"ProjID", "Name", "Client", "Type", "ProjCreateDate", "DiscountVal"};
-        print_aligned(names, chosen(table.columns(), rows, names));
-        output().print("%zu project%s\n", rows.size(), rows.size() == 1 ? "" : "s");
-        if (!failure.empty()) throw CommandError(failure);
+        std::size_t count = 0;
+        AlignedPrinter printer(records.names(), terminal_columns());
+        records.for_each(statement, [&](const Row& row) {
+            ++count;
+            printer.print(row);
+            return !output().is_lost();
+        });
+        printer.finish();
+        output().print("%zu project%s\n", count, count == 1 ? "" : "s");
     }
     require_undamaged();
     return 0;

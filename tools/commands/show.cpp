@@ -3,6 +3,7 @@
 #include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/gate_table.h"
+#include "tools/record_reader.h"
 
 namespace tools {
 namespace {
@@ -17,15 +18,15 @@ struct Options {
 void bind(Declaration& declare, Options& options) {
     declare.folder(options.folder);
     declare.table(options.table);
-    declare.word("KEY", options.key, "key of the record");
+    declare.word("KEY", options.key,
+                 "key of the record, or its number on paper: of an invoice, a serial number, a repair's claim");
     declare.format(options.format);
 }
 
 int run(const Options& options) {
     const GateTable& table = gate_table(options.table);
-    Studio studio(options.folder, Studio::Purpose::kRead);
-    tell_damage_of_gates();
-    print_record(options.format.format(), table.columns(), table.show(studio, options.key));
+    const RecordReader records(table, options.folder);
+    print_record(options.format.format(), records.names(), records.find(options.key));
     require_undamaged();
     return 0;
 }

@@ -47,9 +47,12 @@ const ExportFormat& format_called(const std::string& name) {
     throw UsageError("--to takes no '" + name + "'" + (hint.empty() ? "; it takes " + listed(names) : hint));
 }
 
-// The number of dates that no calendar has.
-std::size_t write_table(const ExportTable& table, ExportWriter& writer, Progress& progress) {
-    std::size_t impossible_dates = 0;
+struct Counts {
+    std::uint64_t rows = 0;
+    std::uint64_t impossible_dates = 0;  // which no calendar has
+};
+
+void write_table(const ExportTable& table, ExportWriter& writer, Progress& progress, Counts& counts) {
     std::vector<jet::Value> values(table.columns.size());
     jet::RowView row;
     writer.begin(table);
@@ -59,12 +62,12 @@ std::size_t write_table(const ExportTable& table, ExportWriter& writer, Progress
         if (!table.table->read(*id, row)) continue;
         for (std::size_t i = 0; i < values.size(); ++i) {
             row.value(i, values[i]);
-            if (make_exportable(values[i])) ++impossible_dates;
+            if (make_exportable(values[i])) ++counts.impossible_dates;
         }
         writer.row(table, values);
+        ++counts.rows;
     }
     writer.end(table);
-    return impossible_dates;
 }
 
 int run(const Options& options) {
@@ -81,20 +84,20 @@ int run(const Options& options) {
     for (const ExportTable& table : tables) rows += table.rows;
     catch_interrupts();
     Draft draft(options.out, format.is_folder);
-    std::size_t impossible_dates = 0;
+    Counts counts;
     {
         const std::unique_ptr<ExportWriter> writer = format.make(draft.path(), options.schema);
         Progress progress("rows", rows);
-        for (const ExportTable& table : tables) impossible_dates += write_table(table, *writer, progress);
+        for (const ExportTable& table : tables) write_table(table, *writer, progress, counts);
         writer->finish(tables);
     }
     draft.keep();
-    if (impossible_dates != 0) {
-        std::fprintf(stderr, "kvdb: %zu date%s outside of the years 1 to 9999 became Null\n", impossible_dates,
-                     impossible_dates == 1 ? "" : "s");
+    if (counts.impossible_dates != 0) {
+        std::fprintf(stderr, "kvdb: %ju date%s outside of the years 1 to 9999 became Null\n",
+                     static_cast<std::uintmax_t>(counts.impossible_dates), counts.impossible_dates == 1 ? "" : "s");
     }
-    output().print("%s: %zu table%s, %ju rows\n", options.out.c_str(), tables.size(), tables.size() == 1 ? "" : "s",
-                   static_cast<std::uintmax_t>(rows));
+    output().print("%s: %zu table%s, %ju row%s\n", options.out.c_str(), tables.size(), tables.size() == 1 ? "" : "s",
+                   static_cast<std::uintmax_t>(counts.rows), counts.rows == 1 ? "" : "s");
     require_undamaged();
     return 0;
 }

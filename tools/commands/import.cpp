@@ -41,15 +41,17 @@ void bind(Declaration& declare, Options& options) {
 class StudioTransaction {
 public:
     StudioTransaction() {
-        for (CDaoDatabase* const database : {&db::obtain_main(false), &db::obtain_invoice(false)}) {
-            database->m_pWorkspace->BeginTrans();
-            begun_.push_back(database);
+        for (const CDaoDatabase* const database : {&db::obtain_main(false), &db::obtain_invoice(false)}) {
+            CDaoWorkspace* const workspace = database->m_pWorkspace;
+            if (std::find(begun_.begin(), begun_.end(), workspace) != begun_.end()) continue;
+            workspace->BeginTrans();
+            begun_.push_back(workspace);
         }
     }
     ~StudioTransaction() {
-        for (CDaoDatabase* const database : begun_) {
+        for (CDaoWorkspace* const workspace : begun_) {
             try {
-                database->m_pWorkspace->Rollback();
+                workspace->Rollback();
             } catch (CDaoException* exception) {
                 exception->Delete();
             }
@@ -60,10 +62,10 @@ public:
 
     void keep() {
         while (!begun_.empty()) {
-            CDaoDatabase* const database = begun_.back();
+            CDaoWorkspace* const workspace = begun_.back();
             begun_.pop_back();
             try {
-                database->m_pWorkspace->CommitTrans();
+                workspace->CommitTrans();
             } catch (CDaoException* exception) {
                 exception->Delete();
                 throw CommandError("what was added could not be written, and nothing of it stays" + engine_reason());
@@ -72,7 +74,7 @@ public:
     }
 
 private:
-    std::vector<CDaoDatabase*> begun_;
+    std::vector<CDaoWorkspace*> begun_;
 };
 
 // By column of the file: the member that it goes to; "" for none.
@@ -130,7 +132,9 @@ int run(const Options& options) {
             require_uninterrupted();
             progress.step();
             try {
+                StudioTransaction line;  // a gate keeps what it could set of a record that it refuses
                 table.add(studio, assignments(members, *fields));
+                line.keep();
                 ++added;
             } catch (const std::runtime_error& error) {
                 ++refused;

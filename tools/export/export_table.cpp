@@ -49,10 +49,26 @@ bool leads_to_another_table(const ExportColumn& column) {
            name.compare(name.size() - 2, 2, "ID") == 0;
 }
 
+bool has(const Names& names, const std::string& name) {
+    return std::any_of(names.begin(), names.end(), [&](const std::string& other) { return is_same_name(other, name); });
+}
+
+// A table's name may hold what leads out of a folder, or what Windows takes in no name.
+std::string safe_file_name(const std::string& table, const Names& used) {
+    std::string name = table;
+    for (char& c : name) {
+        if (static_cast<unsigned char>(c) < 0x20 || std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos)
+            c = '_';
+    }
+    if (name.front() == '.') name.front() = '_';
+    while (has(used, name)) name += "_";
+    return name;
+}
+
 }  // namespace
 
-ExportTable::ExportTable(const jet::Table& from, std::string table_name, std::string file_name)
-    : table(&from), name(std::move(table_name)), file(std::move(file_name)) {
+ExportTable::ExportTable(const jet::Table& from, std::string table_name, std::string source)
+    : table(&from), name(std::move(table_name)), file(std::move(source)) {
     const jet::TableDef& def = from.def();
     last_autonumber = def.last_autonumber;
     rows = def.row_count;
@@ -74,21 +90,19 @@ std::vector<ExportTable> export_tables(const std::vector<std::unique_ptr<jet::Da
                                        const std::vector<std::string>& wanted) {
     std::vector<ExportTable> tables;
     Names all;
-    Names found;
+    Names file_names;
     for (const auto& database : databases) {
         const std::string stem = std::filesystem::path(database->path()).stem().string();
         for (const std::u16string& wide_name : database->table_names()) {
             const jet::Table* const table = database->find_table(wide_name);
             if (table == nullptr) continue;
             const std::string own_name = jet::to_utf8(wide_name);
-            const auto has = [](const Names& names, const std::string& name) {
-                return std::any_of(names.begin(), names.end(),
-                                   [&](const std::string& other) { return is_same_name(other, name); });
-            };
             const std::string name = has(all, own_name) ? stem + "_" + own_name : own_name;
             all.push_back(name);
             if (!wanted.empty() && !has(wanted, name)) continue;
             tables.emplace_back(*table, name, std::filesystem::path(database->path()).filename().string());
+            tables.back().file_name = safe_file_name(name, file_names);
+            file_names.push_back(tables.back().file_name);
         }
     }
     for (const std::string& name : wanted) {

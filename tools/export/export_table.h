@@ -22,15 +22,16 @@ struct ExportColumn {
 
 struct ExportTable {
     const jet::Table* table = nullptr;
-    std::string name;  // unique in the export
-    std::string file;  // that it comes from, without the folder
+    std::string name;       // unique in the export
+    std::string file_name;  // the same as a name that every file system takes, without an ending
+    std::string file;       // that it comes from, without the folder
     std::vector<ExportColumn> columns;
     std::optional<std::size_t> key;  // the column whose values tell the rows apart
     std::int32_t last_autonumber = 0;
     std::uint64_t rows = 0;  // as the file counts them
 
     // Looks at the rows to see whether the auto-number really is a key, as in a damaged file it need not be.
-    ExportTable(const jet::Table& table, std::string name, std::string file);
+    ExportTable(const jet::Table& table, std::string table_name, std::string source);
 };
 
 // Of all databases in their order; a name that a file before it has gets the file's name in front. With names given,

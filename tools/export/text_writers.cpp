@@ -13,7 +13,7 @@ std::string schema_json(std::span<const ExportTable> tables, const std::string& 
     const char* before = "\n";
     for (const ExportTable& table : tables) {
         text += before + std::string("  {\"name\": ") + json_string(table.name) +
-                ", \"file\": " + json_string(table.name + ending) + ", \"from\": " + json_string(table.file) +
+                ", \"file\": " + json_string(table.file_name + ending) + ", \"from\": " + json_string(table.file) +
                 ", \"key\": " + (table.key ? json_string(table.columns[*table.key].name) : "null") + ", \"columns\": [";
         const char* between = "\n";
         for (const ExportColumn& column : table.columns) {
@@ -32,7 +32,9 @@ class TextWriter : public ExportWriter {
 public:
     TextWriter(std::string folder, std::string ending) : folder_(std::move(folder)), ending_(std::move(ending)) {}
 
-    void begin(const ExportTable& table) override { out_ = std::make_unique<OutFile>(path_of(table.name + ending_)); }
+    void begin(const ExportTable& table) override {
+        out_ = std::make_unique<OutFile>(path_of(table.file_name + ending_));
+    }
     void end(const ExportTable&) override {
         out_->close();
         out_.reset();

@@ -12,7 +12,10 @@ namespace {
 
 constexpr std::size_t kRowsToLookAt = 500;
 constexpr std::size_t kGap = 2;
-constexpr std::size_t kNarrowest = 8;  // to which a wide column is narrowed before another one is left out
+constexpr std::size_t kNarrowestText = 12;  // to which a column is narrowed before another one is left out
+
+// What says something else when its end is missing.
+bool is_whole_or_nothing(const jet::Value& value) { return !std::holds_alternative<std::u16string>(value); }
 
 bool is_number(const jet::Value& value) {
     return std::holds_alternative<std::int32_t>(value) || std::holds_alternative<std::int16_t>(value) ||
@@ -35,6 +38,7 @@ AlignedPrinter::Line AlignedPrinter::line_of(const std::vector<jet::Value>& row)
     for (const jet::Value& value : row) {
         line.cells.push_back(escaped(plain_text(value)));
         line.is_number.push_back(is_number(value));
+        line.is_whole.push_back(is_whole_or_nothing(value));
     }
     return line;
 }
@@ -49,27 +53,31 @@ void AlignedPrinter::print(const std::vector<jet::Value>& row) {
 void AlignedPrinter::lay_out() {
     is_laid_out_ = true;
     std::vector<bool> is_empty(names_.size(), true);
+    std::vector<std::size_t> least(names_.size(), 0);  // to which each column may be narrowed
     for (const std::string& name : names_) widths_.push_back(display_width(name));
     for (const Line& line : waiting_) {
         for (std::size_t i = 0; i < line.cells.size(); ++i) {
-            widths_[i] = std::max(widths_[i], display_width(line.cells[i]));
+            const std::size_t width = display_width(line.cells[i]);
+            widths_[i] = std::max(widths_[i], width);
+            least[i] = std::max(least[i], line.is_whole[i] ? width : std::min(width, kNarrowestText));
             if (!line.cells[i].empty() && line.cells[i] != "0") is_empty[i] = false;
         }
     }
-    const auto least = [&] {
-        std::vector<std::size_t> narrow = widths_;
-        for (std::size_t& width : narrow) width = std::min(width, kNarrowest);
-        return total(narrow);
-    };
+    constexpr std::size_t kNarrowestName = 4;
+    for (std::size_t i = 0; i < names_.size(); ++i) least[i] = std::max(least[i], std::min(kNarrowestName, widths_[i]));
+    const auto leave_out = [&](std::size_t i) { widths_[i] = least[i] = 0; };
     if (columns_ != 0) {
-        for (std::size_t i = widths_.size(); i-- > 0 && total(widths_) > columns_;) {
-            if (is_empty[i]) widths_[i] = 0;
+        for (std::size_t i = names_.size(); i-- > 0 && total(widths_) > columns_;) {
+            if (is_empty[i]) leave_out(i);
         }
-        for (std::size_t i = widths_.size(); i-- > 1 && least() > columns_;) widths_[i] = 0;
+        for (std::size_t i = names_.size(); i-- > 1 && total(least) > columns_;) leave_out(i);
         while (total(widths_) > columns_) {
-            const auto widest = std::max_element(widths_.begin(), widths_.end());
-            if (*widest <= kNarrowest) break;
-            --*widest;
+            std::size_t widest = names_.size();
+            for (std::size_t i = 0; i < names_.size(); ++i) {
+                if (widths_[i] > least[i] && (widest == names_.size() || widths_[i] > widths_[widest])) widest = i;
+            }
+            if (widest == names_.size()) break;
+            --widths_[widest];
         }
     }
     Line head;

@@ -25,6 +25,7 @@ private:
     struct Line {
         Names cells;
         std::vector<bool> is_number;
+        std::vector<bool> is_whole;  // not to be cut
     };
 
     Line line_of(const std::vector<jet::Value>& row) const;

@@ -28,6 +28,12 @@ inline std::string engine_reason() {
     return ": " + text;
 }
 
+// The same for a call whose record holds these texts: a gate puts some of them into a statement between double quotes.
+inline std::string engine_reason(bool has_double_quote) {
+    const bool is_syntax = afx::last_error().number == jet::errors::kExpressionSyntax;
+    return is_syntax && has_double_quote ? ": the gate takes no name with a double quote in it" : engine_reason();
+}
+
 // To be called after a call that failed where an end or an absent row is no error.
 inline void require_no_engine_error(const std::string& what) {
     if (afx::last_error().number != 0) throw CommandError(what + engine_reason());

@@ -59,7 +59,8 @@ std::string NameListTable::add(Studio& studio, const Assignments& members) const
     parse(column(), members[0].value, text);
     require_fits(name(), column(), text);
     if (!call(methods_.add, studio, text)) {
-        throw CommandError("'" + members[0].value + "' could not be added to " + name() + engine_reason());
+        throw CommandError("'" + members[0].value + "' could not be added to " + name() +
+                           engine_reason(members[0].value.find('"') != std::string::npos));
     }
     return members[0].value;
 }

@@ -72,7 +72,11 @@ std::unique_ptr<jet::Database> open_to_read(const std::string& path, const std::
 
 std::vector<std::string> jet_files_of(const std::string& file_or_folder) {
     std::error_code error;
-    if (!fs::is_directory(file_or_folder, error)) return {file_or_folder};
+    const fs::file_status status = fs::status(file_or_folder, error);
+    if (status.type() == fs::file_type::not_found) {
+        throw CommandError("there is no file or folder " + file_or_folder);
+    }
+    if (!fs::is_directory(status)) return {file_or_folder};
     std::vector<std::string> files;
     for (const char* const name : {kStudioFile, kInvoiceFile}) {
         const std::string path = os::join_path(file_or_folder, name);

@@ -79,6 +79,11 @@ void require_current_version(const StudioFile& file, const std::string& folder) 
 
 }  // namespace
 
+bool is_other_file(const std::string& path) {
+    std::error_code error;
+    return fs::is_regular_file(path, error) && !is_studio_file(path);
+}
+
 StudioFile::StudioFile(const std::string& folder, const char* name, std::span<const db::UpgradeStep> upgrade,
                        std::span<const db::TableSchema> schema)
     : path_(os::join_path(folder, name)), name_(name), upgrade_(upgrade), schema_(schema) {}

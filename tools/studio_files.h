@@ -51,6 +51,9 @@ private:
     std::span<const db::TableSchema> schema_;
 };
 
+// Whether the path is a file, and by its name none of a studio's.
+bool is_other_file(const std::string& path);
+
 class StudioFiles {
 public:
     // CommandError when there is no such folder.

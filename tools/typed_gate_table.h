@@ -2,6 +2,9 @@
 // works.
 #pragma once
 
+#include <algorithm>
+#include <cstring>
+
 #include "db/schema.h"
 #include "tools/column_limits.h"
 #include "tools/gate_call.h"
@@ -68,7 +71,7 @@ public:
         require_fits(record);
         Gate& gate = opened_gate<Gate>(studio);
         if (!succeeds([&] { return (gate.*methods_.add)(address_of(record)); })) {
-            throw CommandError("nothing could be added to " + name() + engine_reason());
+            throw CommandError("nothing could be added to " + name() + engine_reason(has_double_quote(record)));
         }
         // A name that the table holds once is there already: a success of the gate that adds nothing.
         if (record.*mapping_.key.member == 0)
@@ -133,6 +136,12 @@ private:
     // Used where a file has it, but part of no new one: a table that is not there has no rows.
     bool is_left_out(int error_number) const {
         return error_number == jet::errors::kNoSuchTable && is_same_name(name(), db::engineers_table().name);
+    }
+
+    bool has_double_quote(const Record& record) const {
+        return std::any_of(mapping_.write.begin(), mapping_.write.end(), [&](const studio::Column<Record>& column) {
+            return column.text != nullptr && std::strchr((record.*column.text).GetString(), '"') != nullptr;
+        });
     }
 
     // What is not given is empty, and at times that is no value of the column either.

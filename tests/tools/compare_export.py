@@ -2,7 +2,7 @@
 """Reads an export back and compares it with the tables it was made of, value by value. Exit code 1 and a line for
 each difference; 77 when what is needed for the comparison is not on the machine.
 
-usage: compare_export.py KVDB FORM FILE EXPORT     FORM: sqlite, csv, jsonl or postgres
+usage: compare_export.py KVDB FORM FILE EXPORT [FILE EXPORT ...]     FORM: sqlite, csv, jsonl or postgres
 
 What the tables hold is what `kvdb rows --json` prints, with every digit.
 """
@@ -148,28 +148,33 @@ def compare(form, table, wanted, given):
 
 
 def main():
-    kvdb, form, file, export = sys.argv[1:]
+    kvdb, form, *rest = sys.argv[1:]
+    pairs = list(zip(rest[::2], rest[1::2]))
     csv.field_size_limit(1 << 30)
     values = 0
     differences = 0
 
-    def go(read):
+    def go(file, read):
         nonlocal values, differences
+        before = values
         for table, rows in tables_of(kvdb, file):
             differences += compare(form, table, rows, read(table))
             values += sum(len(row) for row in rows)
+        if values == before:
+            sys.exit(f"{file}: there was nothing to compare")
 
     if form == "postgres":
         with Postgres() as server:
-            server.psql("-f", export)
-            go(server.read)
-            keys = server.psql("-At", "-c", "SELECT count(*) FROM pg_constraint WHERE contype = 'p' AND connamespace = "
-                               f"(SELECT oid FROM pg_namespace WHERE nspname = '{SCHEMA}')")
-            print(f"{keys.strip()} primary keys")
+            for file, export in pairs:
+                server.psql("-f", export)
+                go(file, server.read)
+                server.psql("-c", f"DROP SCHEMA \"{SCHEMA.replace(chr(34), chr(34) * 2)}\" CASCADE")
     else:
-        go(lambda table: {"sqlite": read_sqlite, "csv": read_csv, "jsonl": read_jsonl}[form](export, table))
-    print(f"{values} values compared, {differences} differences")
-    sys.exit(1 if differences or values == 0 else 0)
+        read = {"sqlite": read_sqlite, "csv": read_csv, "jsonl": read_jsonl}[form]
+        for file, export in pairs:
+            go(file, lambda table, export=export: read(export, table))
+    print(f"{len(pairs)} files, {values} values compared, {differences} differences")
+    sys.exit(1 if differences else 0)
 
 
 main()

@@ -1,6 +1,7 @@
 // A studio as a script for SQLite's shell: sqlite3 FILE < SCRIPT.
 #include <charconv>
 #include <cmath>
+#include <string_view>
 
 #include "tools/export/draft.h"
 #include "tools/export/export_writer.h"
@@ -21,8 +22,8 @@ struct ToLiteral {
         return digits.find_first_of(".e") == std::string::npos ? digits + ".0" : digits;
     }
     std::string operator()(const std::string& v) const {
-        // The shell's statements end at a character 0.
-        return v.find('\0') == std::string::npos
+        // A statement of the shell ends at a character 0, and its lines end at one return or two characters alike.
+        return v.find_first_of(std::string_view("\0\r", 2)) == std::string::npos
                    ? sql_string(v)
                    : "CAST(" + (*this)(std::vector<std::uint8_t>(v.begin(), v.end())) + " AS TEXT)";
     }

@@ -18,6 +18,57 @@ TEST_F(Tool, demo_makes_a_studio_and_shows_what_it_did) {
     EXPECT_EQ(names(), kBothFiles);  // and nothing else
 }
 
+TEST_F(Tool, what_demo_advises_works) {
+    const std::string text = demo().out;
+    std::size_t tried = 0;
+    for (std::size_t at = text.find("\nTry: kvdb "); at != std::string::npos; at = text.find("     kvdb ", at + 1)) {
+        const std::size_t begin = text.find("kvdb ", at) + 5;
+        const std::string advice = text.substr(begin, text.find('\n', begin) - begin);
+        const Outcome outcome = run(advice);
+        EXPECT_EQ(outcome.code, 0) << advice << ": " << outcome.errors;
+        EXPECT_NE(outcome.out, "") << advice;
+        ++tried;
+    }
+    EXPECT_EQ(tried, 5U) << text;
+}
+
+TEST_F(Tool, message_says_which_file_why_and_what_to_do) {
+    demo();
+    const std::string folder = in_quotes(studio_);
+    expect_failure(run("add " + folder + " Projects Name=" + std::string(300, 'n')), 2,
+                   "Name of Projects takes at most 255 characters, not 300");
+    expect_failure(run("add " + folder + " Def_TrackTypes 'Name=2\" tape'"), 1,
+                   "the gate takes no name with a double quote in it");
+    expect_failure(run("list " + in_quotes(studio_ + "/nowhere") + " Projects"), 1, "there is no folder ");
+    expect_failure(run("rows " + in_quotes(studio_ + "/nowhere.mdb") + " Projects"), 1, "there is no file or folder ");
+    // A later format's first bytes.
+    std::string later = contents(file("sldb.mdb"));
+    later.replace(4, 15, "Standard ACE DB");
+    std::ofstream(scratch_.file("later.accdb"), std::ios::binary) << later;
+    for (const std::string command : {"tables", "check", "info"}) {
+        expect_failure(
+            run(command + " " + in_quotes(scratch_.file("later.accdb"))), 1,
+            "later.accdb is of the format of Access 2007 and later (.accdb), which this engine does not read; "
+            "save it as an .mdb of Access 2000 to 2003");
+    }
+}
+
+TEST_F(Tool, info_tells_the_tables_of_another_file) {
+    demo();
+    jet::Database::create(scratch_.file("other.mdb"), {})->close();
+    const jet::NewColumn columns[] = {{.name = u"Name", .type = jet::ColumnType::kText}};
+    {
+        const auto database = jet::Database::open(scratch_.file("other.mdb"), {});
+        database->create_table(u"Things", columns);
+        database->find_table(u"Things")->insert({std::u16string(u"one")});
+        database->close();
+    }
+    const Outcome outcome = run("info " + in_quotes(scratch_.file("other.mdb")));
+    EXPECT_EQ(outcome.code, 0) << outcome.errors;
+    EXPECT_NE(outcome.out.find("none of a studio's"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("Things                          1 row\n"), std::string::npos) << outcome.out;
+}
+
 TEST_F(Tool, demo_refuses_a_folder_that_holds_one_of_the_files) {
     demo();
     for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
@@ -63,7 +114,7 @@ TEST_F(Tool, one_of_the_two_files_stands_for_its_folder) {
         }
     }
     std::ofstream(scratch_.file("notes.txt")) << "no studio";
-    expect_failure(run("info " + in_quotes(scratch_.file("notes.txt"))), 1, "notes.txt is a file, and none of");
+    expect_failure(run("projects " + in_quotes(scratch_.file("notes.txt"))), 1, "notes.txt is a file, and none of");
 }
 
 TEST_F(Tool, folder_stands_for_both_its_files) {
@@ -169,7 +220,7 @@ TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
 TEST_F(Tool, help_is_everywhere_and_succeeds) {
     EXPECT_EQ(run("--help").code, 0);
     for (const std::string command : {"demo", "info", "upgrade", "projects", "list", "show", "add", "set", "delete",
-                                      "tables", "schema", "rows", "check"}) {
+                                      "tables", "schema", "rows", "check", "search", "sql", "export", "import"}) {
         const Outcome outcome = run(command + " --help");
         EXPECT_EQ(outcome.code, 0) << command;
         EXPECT_NE(outcome.out.find("kvdb " + command), std::string::npos);
@@ -209,7 +260,8 @@ TEST_F(Tool, what_is_not_understood_is_a_usage_error) {
     expect_failure(run("projects x --client many"), 2, "--client");
     expect_failure(run("projects x --colour red"), 2, "--colour");
     expect_failure(run("rows a b --json --csv"), 2, "--csv");
-    for (const std::string command : {"list", "show", "add", "set", "delete", "tables", "schema", "rows", "check"}) {
+    for (const std::string command : {"list", "show", "add", "set", "delete", "tables", "schema", "rows", "check",
+                                      "search", "sql", "export", "import"}) {
         expect_failure(run(command), 2, "usage: kvdb " + command);
     }
     expect_failure(run("demo one two"), 2, "usage: kvdb demo");

@@ -335,10 +335,12 @@ int run(const Options& options) {
     studio.close();
     output().print("\nFiles, readable by any Jet tool:\n");
     show_files(files);
-    output().print(
-        "\nTry: kvdb projects %s --client %s\n     kvdb list %s Tracks --filter SongID=%s\n     kvdb schema %s "
-        "Projects\n",
-        folder.c_str(), keys.singer.c_str(), folder.c_str(), keys.song.c_str(), files.studio.path().c_str());
+    const std::string place = folder.find(' ') == std::string::npos ? folder : "\"" + folder + "\"";
+    output().print("\nTry: kvdb list %s Tracks --where SongID=%s\n", place.c_str(), keys.song.c_str());
+    output().print("     kvdb show %s Invoices %s\n", place.c_str(), keys.invoice.c_str());
+    output().print("     kvdb search %s Lindstr\u00f6m\n", place.c_str());
+    output().print("     kvdb schema %s Projects\n", place.c_str());
+    output().print("     kvdb check %s\n", place.c_str());
     return 0;
 }
 

@@ -43,6 +43,7 @@ TEST_F(Export, what_cannot_be_meant_is_refused_and_leaves_nothing) {
                    "no folder");
     expect_failure(run("export " + in_quotes(out("nothing")) + " " + in_quotes(out("x")) + " --to csv"), 1,
                    "there is no file or folder");
+    expect_failure(run("export " + in_quotes(studio_) + " '' --to csv"), 2, "its name is empty");
     EXPECT_FALSE(std::filesystem::exists(out("x")));
     EXPECT_FALSE(std::filesystem::exists(out("x.draft")));
 }

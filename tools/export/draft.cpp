@@ -10,7 +10,8 @@ namespace tools {
 
 namespace fs = std::filesystem;
 
-Draft::Draft(const std::string& path, bool is_folder) : path_(path), draft_(path + ".draft") {
+Draft::Draft(const std::string& path, bool is_folder) : path_(path) {
+    if (path_.empty()) throw UsageError("there is no place to write to: its name is empty");
     std::error_code error;
     while (path_.size() > 1 && (path_.back() == '/' || path_.back() == '\\')) path_.pop_back();
     draft_ = path_ + ".draft";

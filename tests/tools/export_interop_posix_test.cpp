@@ -125,14 +125,14 @@ TEST_F(ExportInterop, interrupted_export_leaves_nothing) {
         const std::string to = scratch_.file("interrupted." + form);
         const pid_t child = start({"export", scratch_.file("rich.mdb"), to, "--to", form});
         ASSERT_GT(child, 0);
-        while (!std::filesystem::exists(to + ".draft")) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        while (!std::filesystem::exists(to + ".kvdb-draft")) std::this_thread::sleep_for(std::chrono::milliseconds(1));
         ::kill(child, SIGINT);
         int status = 0;
         ::waitpid(child, &status, 0);
         ASSERT_TRUE(WIFEXITED(status));
         EXPECT_EQ(WEXITSTATUS(status), 1);
         EXPECT_FALSE(std::filesystem::exists(to));
-        EXPECT_FALSE(std::filesystem::exists(to + ".draft"));
+        EXPECT_FALSE(std::filesystem::exists(to + ".kvdb-draft"));
     }
 }
 
@@ -151,7 +151,7 @@ TEST_F(ExportInterop, export_that_cannot_be_written_leaves_nothing) {
         EXPECT_EQ(WEXITSTATUS(status), 1);
         EXPECT_NE(contents(errors).find("cannot be written"), std::string::npos) << contents(errors);
         EXPECT_FALSE(std::filesystem::exists(to));
-        EXPECT_FALSE(std::filesystem::exists(to + ".draft"));
+        EXPECT_FALSE(std::filesystem::exists(to + ".kvdb-draft"));
     }
 }
 

@@ -26,7 +26,7 @@ TEST_F(Export, every_form_is_written_and_overwrites_nothing) {
         EXPECT_EQ(outcome.code, 0) << outcome.errors;
         EXPECT_TRUE(has(outcome.out, ": 37 tables, ")) << outcome.out;
         EXPECT_TRUE(std::filesystem::exists(out(form)));
-        EXPECT_FALSE(std::filesystem::exists(out(form) + ".draft"));
+        EXPECT_FALSE(std::filesystem::exists(out(form) + ".kvdb-draft"));
         expect_failure(write(form), 1, "overwrites nothing");
     }
     EXPECT_EQ(names(), kBothFiles);
@@ -45,7 +45,7 @@ TEST_F(Export, what_cannot_be_meant_is_refused_and_leaves_nothing) {
                    "there is no file or folder");
     expect_failure(run("export " + in_quotes(studio_) + " '' --to csv"), 2, "its name is empty");
     EXPECT_FALSE(std::filesystem::exists(out("x")));
-    EXPECT_FALSE(std::filesystem::exists(out("x.draft")));
+    EXPECT_FALSE(std::filesystem::exists(out("x.kvdb-draft")));
 }
 
 TEST_F(Export, tables_alone_are_those_that_are_named) {

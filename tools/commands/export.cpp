@@ -91,6 +91,7 @@ int run(const Options& options) {
         for (const ExportTable& table : tables) write_table(table, *writer, progress, counts);
         writer->finish(tables);
     }
+    require_uninterrupted();
     draft.keep();
     if (counts.impossible_dates != 0) {
         std::fprintf(stderr, "kvdb: %ju date%s outside of the years 1 to 9999 became Null\n",

@@ -141,6 +141,7 @@ int run(const Options& options) {
                 output().print("line %zu: %s\n", csv.line(), error.what());
             }
         }
+        require_uninterrupted();
         if (!options.dry_run && (refused == 0 || options.partly)) transaction.keep();
     }
     const std::string of_lines = std::to_string(added + refused) + (added + refused == 1 ? " line" : " lines");

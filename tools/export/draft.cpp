@@ -14,7 +14,7 @@ Draft::Draft(const std::string& path, bool is_folder) : path_(path) {
     if (path_.empty()) throw UsageError("there is no place to write to: its name is empty");
     std::error_code error;
     while (path_.size() > 1 && (path_.back() == '/' || path_.back() == '\\')) path_.pop_back();
-    draft_ = path_ + ".draft";
+    draft_ = path_ + ".kvdb-draft";  // a name that nobody gives to anything else
     const fs::path folder = fs::path(path_).parent_path();
     if (!folder.empty() && !fs::is_directory(folder, error)) {
         throw CommandError("there is no folder " + folder.string() + " to write to");

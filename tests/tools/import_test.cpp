@@ -46,7 +46,7 @@ TEST_F(Import, partly_keeps_the_lines_that_are_accepted) {
     const Outcome outcome = take("Projects", kMixed, "--partly");
     EXPECT_EQ(outcome.code, 1);
     EXPECT_NE(outcome.out.find("2 of 4 lines added to Projects\n"), std::string::npos) << outcome.out;
-    EXPECT_EQ(rows("Projects", "--where ProjID\\>4 --columns ProjID,Name,Type,ProjCreateDate,DiscountVal"),
+    EXPECT_EQ(rows("Projects", "--where 'ProjID>4' --columns ProjID,Name,Type,ProjCreateDate,DiscountVal"),
               "ProjID,Name,Type,ProjCreateDate,DiscountVal\r\n5,First,Album,2026-03-04,1.5\r\n"
               "6,Third,\"two\r\nlines\",,0\r\n");
     EXPECT_EQ(run("check " + in_quotes(studio_)).code, 0);
@@ -79,7 +79,7 @@ TEST_F(Import, what_list_prints_can_be_taken_in_again) {
 
 TEST_F(Import, files_of_spreadsheets_are_understood) {
     EXPECT_EQ(take("Projects", "\xEF\xBB\xBFName;Type\r\n\"a;b\";Demo\r\n\r\nc;Album").code, 0);
-    EXPECT_EQ(rows("Projects", "--where ProjID\\>4 --columns Name,Type"), "Name,Type\r\na;b,Demo\r\nc,Album\r\n");
+    EXPECT_EQ(rows("Projects", "--where 'ProjID>4' --columns Name,Type"), "Name,Type\r\na;b,Demo\r\nc,Album\r\n");
 }
 
 TEST_F(Import, column_that_fits_no_member_is_a_usage_error) {

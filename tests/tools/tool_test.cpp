@@ -23,7 +23,8 @@ TEST_F(Tool, what_demo_advises_works) {
     std::size_t tried = 0;
     for (std::size_t at = text.find("\nTry: kvdb "); at != std::string::npos; at = text.find("     kvdb ", at + 1)) {
         const std::size_t begin = text.find("kvdb ", at) + 5;
-        const std::string advice = text.substr(begin, text.find('\n', begin) - begin);
+        std::string advice = text.substr(begin, text.find('\n', begin) - begin);
+        std::replace(advice.begin(), advice.end(), '"', '\'');  // as the fixture takes words with blanks
         const Outcome outcome = run(advice);
         EXPECT_EQ(outcome.code, 0) << advice << ": " << outcome.errors;
         EXPECT_NE(outcome.out, "") << advice;

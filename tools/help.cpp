@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "tools/command.h"
+#include "tools/names.h"
 
 namespace tools {
 namespace {
@@ -59,6 +60,18 @@ std::string first_sentence(const std::string& text) {
     return end == std::string::npos ? text : text.substr(0, end + 1);
 }
 
+// The command, then what stands together: a word, or an option with its value.
+Names usage_parts(const CLI::App& command) {
+    Names parts{command.get_parent() != nullptr ? "kvdb " + command.get_name() : "kvdb COMMAND"};
+    for (const bool positional : {true, false}) {
+        for (const CLI::Option* const option : command.get_options()) {
+            if (is_help(command, option) || option->get_positional() != positional) continue;
+            parts.push_back(usage_of(*option));
+        }
+    }
+    return parts;
+}
+
 }  // namespace
 
 std::string wrapped(const std::string& text, std::size_t indent, std::size_t width) {
@@ -83,25 +96,30 @@ std::string wrapped(const std::string& text, std::size_t indent, std::size_t wid
 }
 
 std::string usage_line(const CLI::App& command) {
-    std::string text = command.get_parent() != nullptr ? "kvdb " + command.get_name() : "kvdb COMMAND";
-    for (const bool positional : {true, false}) {
-        for (const CLI::Option* const option : command.get_options()) {
-            if (is_help(command, option) || option->get_positional() != positional) continue;
-            text += " " + usage_of(*option);
-        }
-    }
+    std::string text;
+    for (const std::string& part : usage_parts(command)) text += (text.empty() ? "" : " ") + part;
     return text;
 }
 
 std::string help_of(const CLI::App& command) {
-    std::string text = "usage: " + wrapped(usage_line(command), 11, kWidth).substr(11) + "\n";
-    text += wrapped(command.get_description(), 0, kWidth) + "\n";
+    std::string text = "usage:";
+    std::size_t width = text.size();
+    for (const std::string& part : usage_parts(command)) {
+        if (width + 1 + part.size() > kWidth) {
+            text += "\n         ";
+            width = 9;
+        }
+        text += " " + part;
+        width += 1 + part.size();
+    }
+    text += "\n\n" + wrapped(command.get_description(), 0, kWidth) + "\n";
     for (const bool positional : {true, false}) {
         for (const CLI::Option* const option : command.get_options()) {
-            if (option->get_positional() == positional) text += explained(name_of(*option), option->get_description());
+            if (is_help(command, option) || option->get_positional() != positional) continue;
+            text += explained(name_of(*option), option->get_description());
         }
     }
-    return text;
+    return text + explained(name_of(*command.get_help_ptr()), command.get_help_ptr()->get_description());
 }
 
 std::string help_of_all(const CLI::App& tree) {

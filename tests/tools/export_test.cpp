@@ -56,6 +56,14 @@ TEST_F(Export, tables_alone_are_those_that_are_named) {
     EXPECT_FALSE(std::filesystem::exists(out("csv") + "/Songs.csv"));
 }
 
+TEST_F(Export, missing_file_of_the_studio_is_told) {
+    std::filesystem::remove(file("kvinvdb.mdb"));
+    const Outcome outcome = write("csv");
+    EXPECT_EQ(outcome.code, 0);
+    EXPECT_TRUE(has(outcome.out, ": 34 tables, ")) << outcome.out;
+    EXPECT_TRUE(has(outcome.errors, "only one of the studio's two files")) << outcome.errors;
+}
+
 TEST_F(Export, csv_is_as_rfc_4180_has_it) {
     EXPECT_EQ(write("csv").code, 0);
     EXPECT_EQ(contents(out("csv") + "/Def_Rooms.csv"),

@@ -240,6 +240,9 @@ TEST_F(Tool, help_tells_version_commands_and_options) {
         EXPECT_EQ(outcome.out.find("usage: kvdb " + command), 0U) << outcome.out;
     }
     EXPECT_NE(run("help upgrade").out.find("--lower"), std::string::npos);
+    const std::string help = run("help list").out;
+    EXPECT_NE(help.find("[--where CONDITION ...]"), std::string::npos) << help;
+    EXPECT_LT(help.find("--limit N"), help.rfind("-h, --help")) << help;
     expect_failure(run("help lits"), 2, "did you mean list?");
 }
 

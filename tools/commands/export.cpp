@@ -1,5 +1,6 @@
 // export: all of a studio, or some of its tables, in a form that other programs read.
 #include <cstdio>
+#include <filesystem>
 
 #include "tools/commands.h"
 #include "tools/damage.h"
@@ -76,6 +77,11 @@ int run(const Options& options) {
     std::vector<std::unique_ptr<jet::Database>> databases;
     for (const std::string& file : jet_files_of(options.folder)) {
         databases.push_back(open_to_read(file, options.password, damage_teller(file)));
+    }
+    if (databases.size() == 1 && std::filesystem::is_directory(options.folder)) {
+        std::fprintf(stderr,
+                     "kvdb: only one of the studio's two files is in %s; the tables of the other one are missing\n",
+                     options.folder.c_str());
     }
     const Names wanted = options.tables ? split_list(*options.tables) : Names();
     if (options.tables && wanted.empty()) throw UsageError("--tables names no table");

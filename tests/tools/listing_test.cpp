@@ -151,6 +151,21 @@ TEST_F(Listing, values_are_the_same_in_every_command) {
     EXPECT_NE(selected.find("\"Total\": 1234.5,"), std::string::npos) << selected;
 }
 
+TEST_F(Listing, tables_schema_and_projects_have_every_form) {
+    const std::string invoices = in_quotes(file("kvinvdb.mdb"));
+    const std::string tables = run("tables " + invoices + " --json").out;
+    EXPECT_NE(tables.find("\"Table\": \"InvoiceParams\", \"Rows\": 2}"), std::string::npos) << tables;
+    EXPECT_NE(run("tables " + invoices + " --csv").out.find(",Invoices,1\r\n"), std::string::npos);
+    EXPECT_EQ(run("tables " + invoices).out, "DBHeader\nInvoices\nInvoiceParams\n");
+    const std::string schema = on("schema", "Invoices --json").out;
+    EXPECT_NE(schema.find("\"Position\": 1, \"Column\": \"RecID\", \"Type\": \"long auto-number\""), std::string::npos)
+        << schema;
+    EXPECT_NE(schema.find("\"Column\": \"Total\", \"Type\": \"currency\""), std::string::npos) << schema;
+    EXPECT_NE(on("schema", "--csv").out.find(",Def_Rooms,3,BasePrice,currency,false,"), std::string::npos);
+    EXPECT_EQ(on("projects", "--csv").out, on("list", "Projects --csv").out);
+    EXPECT_EQ(on("projects", "--json").out, on("list", "Projects --json").out);
+}
+
 TEST_F(Listing, amount_keeps_all_its_digits) {
     const std::string path = scratch_.file("money.mdb");
     {

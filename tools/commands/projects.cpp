@@ -16,14 +16,14 @@ struct Options {
     std::string folder;
     std::optional<int> client;
     std::optional<std::string> type;
-    bool json = false;
+    FormatOption format;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.folder(options.folder);
     declare.option("--client", options.client, "N", "those of the client with this key");
     declare.option("--type", options.type, "TEXT", "those of this type");
-    declare.flag("--json", options.json, "print JSON");
+    declare.format(options.format);
 }
 
 int run(const Options& options) {
@@ -32,11 +32,12 @@ int run(const Options& options) {
     if (options.type) filter.push_back({"Type", *options.type});
     const GateTable& table = gate_table("Projects");
     const std::string statement = table.statement(filter);
+    const bool is_plain = options.format.format() == RowFormat::kPlain;
     SelectionOptions selection;
-    if (!options.json) selection.columns = "ProjID,Name,Client,Type,ProjCreateDate,DiscountVal";
+    if (is_plain) selection.columns = "ProjID,Name,Client,Type,ProjCreateDate,DiscountVal";
     const RecordReader records(table, options.folder, selection);
-    if (options.json) {
-        RowPrinter printer(RowFormat::kJson, records.names());
+    if (!is_plain) {
+        RowPrinter printer(options.format.format(), records.names());
         print_rows(printer, [&](const RowVisitor& print) { records.for_each(statement, print); });
     } else {
         std::size_t count = 0;

@@ -11,12 +11,14 @@ namespace {
 struct Options {
     std::string file;
     std::string table;
+    FormatOption format;
     std::optional<std::string> password;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.file(options.file);
     declare.optional_word("TABLE", options.table, "that table alone");
+    declare.format(options.format);
     declare.password(options.password);
 }
 
@@ -65,17 +67,34 @@ void print_schema(const jet::TableDef& def) {
     }
 }
 
-int run(const Options& options) {
-    if (!options.table.empty()) {
-        print_schema(FoundTable(options.file, options.table, options.password).table().def());
-        return 0;
+// A row for each column.
+void print_columns(const jet::TableDef& def, const std::string& file, RowPrinter& printer) {
+    std::int32_t position = 0;
+    for (const jet::ColumnDef& column : def.columns) {
+        printer.print({jet::from_utf8(file), def.name, ++position, column.name, jet::from_utf8(type_text(column)),
+                       column.required, column.allow_zero_length});
     }
-    for (const std::string& file : jet_files_of(options.file)) {
-        const auto database = open_to_read(file, options.password);
-        for (const std::u16string& name : database->table_names()) {
-            if (const jet::Table* const table = database->find_table(name)) print_schema(table->def());
+}
+
+int run(const Options& options) {
+    const bool is_plain = options.format.format() == RowFormat::kPlain;
+    RowPrinter printer(options.format.format(),
+                       {"File", "Table", "Position", "Column", "Type", "Required", "AllowsEmptyText"});
+    const auto print = [&](const jet::Table& table) {
+        if (is_plain) return print_schema(table.def());
+        print_columns(table.def(), table.database().path(), printer);
+    };
+    if (!options.table.empty()) {
+        print(FoundTable(options.file, options.table, options.password).table());
+    } else {
+        for (const std::string& file : jet_files_of(options.file)) {
+            const auto database = open_to_read(file, options.password);
+            for (const std::u16string& name : database->table_names()) {
+                if (const jet::Table* const table = database->find_table(name)) print(*table);
+            }
         }
     }
+    if (!is_plain) printer.finish();
     return 0;
 }
 

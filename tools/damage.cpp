@@ -2,8 +2,7 @@
 
 #include <cstdio>
 
-#include "afx/damage.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 
 namespace tools {
 namespace {
@@ -21,14 +20,10 @@ jet::DamageListener damage_teller(const std::string& path) {
     return [path](const jet::DamagedPlace& place) { tell(path, place); };
 }
 
-void tell_damage_of_gates() {
-    afx::set_damage_listener([](const std::string& path, const jet::DamagedPlace& place) { tell(path, place); });
-}
-
 void require_undamaged() {
     if (places == 0) return;
     throw CommandError("the file is damaged: " + std::to_string(places) + (places == 1 ? " place" : " places") +
-                       " could not be read, and what was printed is not all; kvdb check tells more");
+                       " could not be read, and what was given out is not all; kvdb check tells more");
 }
 
 }  // namespace tools

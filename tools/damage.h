@@ -7,12 +7,10 @@
 
 namespace tools {
 
-// For files opened below the gates: a listener that tells, and counts.
+// A listener that tells, and counts.
 jet::DamageListener damage_teller(const std::string& path);
-// For the files that the gates open for reading.
-void tell_damage_of_gates();
 
-// CommandError when some place was told: what was printed is not all.
+// CommandError when some place was told: what was given out is not all.
 void require_undamaged();
 
 }  // namespace tools

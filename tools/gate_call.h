@@ -7,7 +7,7 @@
 #include <string>
 
 #include "afx/dao_error.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/open_file.h"
 
 namespace tools {
@@ -26,6 +26,12 @@ inline std::string engine_reason() {
     std::string text = error.text;
     while (!text.empty() && text.back() == '.') text.pop_back();
     return ": " + text;
+}
+
+// The same for a call whose record holds these texts: a gate puts some of them into a statement between double quotes.
+inline std::string engine_reason(bool has_double_quote) {
+    const bool is_syntax = afx::last_error().number == jet::errors::kExpressionSyntax;
+    return is_syntax && has_double_quote ? ": the gate takes no name with a double quote in it" : engine_reason();
 }
 
 // To be called after a call that failed where an end or an absent row is no error.

@@ -7,22 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "tools/assignments.h"
 #include "tools/row_printer.h"
 #include "tools/studio.h"
 
 namespace tools {
 
-// member=value, as the user gave it.
-struct Assignment {
-    std::string member;
-    std::string value;
-};
-using Assignments = std::vector<Assignment>;
-
 // What is wrong with the words is a UsageError before the studio is touched; what the gate refuses, and a key
 // that is not there, is a CommandError.
-using RowVisitor = std::function<bool(const Row& row)>;
-
 class GateTable {
 public:
     virtual ~GateTable() = default;
@@ -30,10 +22,16 @@ public:
     virtual std::string name() const = 0;
     // The columns of the rows that list and show give.
     virtual Names columns() const = 0;
-    // Calls `visit` with every row of the enumeration until it returns false. What the engine cannot deliver is a
-    // CommandError behind the rows before it.
+    // What add and set can be given.
+    virtual Names members() const = 0;
+    virtual std::string key_column() const = 0;
+    // The statement of the rows that the gate's enumeration gives for the filter; with none, of all rows.
+    virtual std::string statement(const Assignments& filter) const = 0;
+    // The statement of the row with that key; "" for a key that no row has.
+    virtual std::string statement_of(const std::string& key) const = 0;
+    // Calls `visit` with every row of the gate's enumeration until it returns false. What the engine cannot deliver is
+    // a CommandError behind the rows before it.
     virtual void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const = 0;
-    virtual Row show(Studio& studio, const std::string& key) const = 0;
     // The new row's key.
     virtual std::string add(Studio& studio, const Assignments& members) const = 0;
     virtual void set(Studio& studio, const std::string& key, const Assignments& members) const = 0;
@@ -46,10 +44,5 @@ const GateTable& gate_table(const std::string& name);
 
 // All rows that the enumeration gives.
 std::vector<Row> rows_of(const GateTable& table, Studio& studio, const Assignments& filter);
-
-// Whether two names of tables or members are the same: without regard to case.
-bool is_same_name(const std::string& a, const std::string& b);
-// "a, b, c"
-std::string listed(const Names& names);
 
 }  // namespace tools

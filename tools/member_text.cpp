@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "os/system.h"
-#include "tools/arguments.h"
 #include "tools/column_limits.h"
+#include "tools/errors.h"
 
 namespace tools {
 namespace {
@@ -95,7 +95,9 @@ void parse(const std::string& name, const std::string& text, studio::Conversion 
         member = CTime(-1);
         return;
     }
-    const bool has_time = is_to_the_minute(conversion) && matches(text, "9999-99-99T99:99");
+    // What the tool prints can be given back.
+    const bool has_time =
+        is_to_the_minute(conversion) && (matches(text, "9999-99-99T99:99") || matches(text, "9999-99-99T99:99:00"));
     const char* const wanted =
         is_to_the_minute(conversion) ? "a moment as YYYY-MM-DDTHH:MM" : "a date as YYYY-MM-DD from 1970 to 2038";
     if (!has_time && !matches(text, "9999-99-99")) refuse(name, wanted, text);

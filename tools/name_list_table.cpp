@@ -16,7 +16,7 @@ void NameListTable::for_each_name(Studio& studio, Visit&& visit) const {
 }
 
 void NameListTable::list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const {
-    if (!filter.empty()) throw UsageError(name() + " is a list of names and has no filter");
+    statement(filter);
     for_each_name(studio, [&](const CString& entry) { return visit({shown(entry)}); });
 }
 
@@ -34,7 +34,16 @@ CString NameListTable::find(Studio& studio, const std::string& key) const {
     return found;
 }
 
-Row NameListTable::show(Studio& studio, const std::string& key) const { return {shown(find(studio, key))}; }
+std::string NameListTable::statement(const Assignments& filter) const {
+    if (!filter.empty()) throw UsageError(name() + " is a list of names and has no filter");
+    return studio::whole_table(mapping_.table);
+}
+
+std::string NameListTable::statement_of(const std::string& key) const {
+    CString wanted;
+    parse(column(), key, wanted);
+    return studio::rows_named(mapping_.table, column(), wanted.GetString());
+}
 
 bool NameListTable::call(NameListMethods::Method method, Studio& studio, const CString& text) const {
     std::string buffer = text.GetString();
@@ -50,7 +59,8 @@ std::string NameListTable::add(Studio& studio, const Assignments& members) const
     parse(column(), members[0].value, text);
     require_fits(name(), column(), text);
     if (!call(methods_.add, studio, text)) {
-        throw CommandError("'" + members[0].value + "' could not be added to " + name() + engine_reason());
+        throw CommandError("'" + members[0].value + "' could not be added to " + name() +
+                           engine_reason(members[0].value.find('"') != std::string::npos));
     }
     return members[0].value;
 }

@@ -22,8 +22,11 @@ public:
 
     std::string name() const override { return mapping_.table; }
     Names columns() const override { return {column()}; }
+    Names members() const override { return {column()}; }
+    std::string key_column() const override { return column(); }
     void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const override;
-    Row show(Studio& studio, const std::string& key) const override;
+    std::string statement(const Assignments& filter) const override;
+    std::string statement_of(const std::string& key) const override;
     std::string add(Studio& studio, const Assignments& members) const override;
     // A list's names are added and deleted, never changed: always a UsageError.
     void set(Studio& studio, const std::string& key, const Assignments& members) const override;

@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "tools/output.h"
+#include "tools/terminal.h"
+#include "tools/text_width.h"
 #include "tools/value_text.h"
 
 namespace tools {
@@ -29,19 +31,12 @@ void print_line(const Cells& cells, const char* between, const char* end, Text&&
     output().write(line += end);
 }
 
-std::size_t width_of(const std::string& utf8) {
-    return static_cast<std::size_t>(
-        std::count_if(utf8.begin(), utf8.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
-
 }  // namespace
 
-RowFormat row_format(const Arguments& arguments) {
-    if (arguments.has("--json") && arguments.has("--csv")) throw UsageError("--json and --csv exclude each other");
-    return arguments.has("--json") ? RowFormat::kJson : arguments.has("--csv") ? RowFormat::kCsv : RowFormat::kPlain;
+RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(std::move(names)) {
+    const std::size_t columns = format_ == RowFormat::kPlain ? terminal_columns() : 0;
+    if (columns != 0) aligned_ = std::make_unique<AlignedPrinter>(names_, columns);
 }
-
-RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(std::move(names)) {}
 
 void RowPrinter::begin() {
     if (has_begun_) return;
@@ -54,6 +49,7 @@ void RowPrinter::begin() {
 }
 
 void RowPrinter::print(const Row& row) {
+    if (aligned_ != nullptr) return aligned_->print(row);
     begin();
     switch (format_) {
         case RowFormat::kPlain: print_line(row, "\t", "\n", plain_text); break;
@@ -64,8 +60,24 @@ void RowPrinter::print(const Row& row) {
 }
 
 void RowPrinter::finish() {
+    if (aligned_ != nullptr) return aligned_->finish();
     begin();
     if (format_ == RowFormat::kJson) output().write("\n]\n");
+}
+
+void print_rows(RowPrinter& printer, const std::function<void(const RowVisitor&)>& rows) {
+    bool any = false;
+    try {
+        rows([&](const Row& row) {
+            any = true;
+            printer.print(row);
+            return !output().is_lost();
+        });
+    } catch (const std::exception&) {
+        if (any) printer.finish();
+        throw;
+    }
+    printer.finish();
 }
 
 void print_record(RowFormat format, const Names& names, const Row& row) {
@@ -74,7 +86,11 @@ void print_record(RowFormat format, const Names& names, const Row& row) {
     } else if (format == RowFormat::kJson) {
         output().write(json_object(names, row) + "\n");
     } else {
-        for (std::size_t i = 0; i < names.size(); ++i) output().write(names[i] + ": " + plain_text(row[i]) + "\n");
+        const bool is_for_people = terminal_columns() != 0;
+        for (std::size_t i = 0; i < names.size(); ++i) {
+            const std::string text = plain_text(row[i]);
+            output().write(names[i] + ": " + (is_for_people ? escaped(text) : text) + "\n");
+        }
     }
 }
 
@@ -88,21 +104,9 @@ std::vector<Row> chosen(const Names& columns, const std::vector<Row>& rows, cons
 }
 
 void print_aligned(const Names& names, const std::vector<Row>& rows) {
-    std::vector<Names> lines{names};
-    for (const Row& row : rows) {
-        Names& line = lines.emplace_back();
-        for (const jet::Value& value : row) line.push_back(plain_text(value));
-    }
-    std::vector<std::size_t> widths(names.size());
-    for (const Names& line : lines) {
-        for (std::size_t i = 0; i < line.size(); ++i) widths[i] = std::max(widths[i], width_of(line[i]));
-    }
-    for (const Names& line : lines) {
-        std::string text;
-        for (std::size_t i = 0; i < line.size(); ++i) text += "  " + padded(line[i], widths[i]);
-        text.erase(text.find_last_not_of(' ') + 1);
-        output().write(text + "\n");
-    }
+    AlignedPrinter printer(names, 0);
+    for (const Row& row : rows) printer.print(row);
+    printer.finish();
 }
 
 }  // namespace tools

@@ -4,7 +4,7 @@
 #include "db/database_files.h"
 #include "db/session.h"
 #include "frame/entry_points.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/member_text.h"
 #include "tools/open_file.h"
 #include "tools/studio_files.h"
@@ -43,12 +43,7 @@ void open_databases(Gate& gate, const std::string& folder) {
 }
 
 db::Opening opening_for(Studio::Purpose purpose) {
-    switch (purpose) {
-        case Studio::Purpose::kRead: return db::Opening::kReadOnly;
-        case Studio::Purpose::kChange: return db::Opening::kAsTheyAre;
-        case Studio::Purpose::kUpgrade: break;
-    }
-    return db::Opening::kMakeAndUpgrade;
+    return purpose == Studio::Purpose::kChange ? db::Opening::kAsTheyAre : db::Opening::kMakeAndUpgrade;
 }
 
 }  // namespace

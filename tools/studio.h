@@ -13,8 +13,7 @@ namespace tools {
 class Studio {
 public:
     enum class Purpose {
-        kRead,     // both files must be there and of the current version; nothing is opened for writing
-        kChange,   // the same, but rows may be changed
+        kChange,   // both files must be there and of the current version; rows may be changed
         kUpgrade,  // the files are made where they are missing and brought up to date, as for any host
     };
 

@@ -37,6 +37,8 @@ public:
     std::string missing_text() const;
     // What the next opening by a host would do; empty where that is nothing.
     std::vector<const char*> upgrade_plan() const;
+    // Whether a file of the current version has, or may have, the table.
+    bool declares(const std::string& table) const;
     // Whether the step is one of this file's.
     bool has(const db::UpgradeStep& step) const;
 
@@ -48,6 +50,9 @@ private:
     std::span<const db::UpgradeStep> upgrade_;
     std::span<const db::TableSchema> schema_;
 };
+
+// Whether the path is a file, and by its name none of a studio's.
+bool is_other_file(const std::string& path);
 
 class StudioFiles {
 public:

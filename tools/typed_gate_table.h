@@ -2,6 +2,9 @@
 // works.
 #pragma once
 
+#include <algorithm>
+#include <cstring>
+
 #include "db/schema.h"
 #include "tools/column_limits.h"
 #include "tools/gate_call.h"
@@ -34,6 +37,10 @@ public:
 
     Names columns() const override { return names_of(shown_columns()); }
 
+    Names members() const override { return names_of(mapping_.write); }
+
+    std::string key_column() const override { return mapping_.key.column; }
+
     void list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const override {
         Record record = RecordFilter<Record>(mapping_).record(filter);
         Gate& gate = opened_gate<Gate>(studio);
@@ -44,7 +51,16 @@ public:
         if (!goes_on && !is_left_out(afx::last_error().number)) require_no_engine_error(name() + " cannot be read");
     }
 
-    Row show(Studio& studio, const std::string& key) const override { return row_of(find(studio, key)); }
+    std::string statement(const Assignments& filter) const override {
+        if (filter.empty()) return studio::whole_table(mapping_.table);
+        const Record record = RecordFilter<Record>(mapping_).record(filter);
+        return mapping_.statement(&record);
+    }
+
+    std::string statement_of(const std::string& key) const override {
+        const LONG number = parse_number("the key of " + name(), key);
+        return number == 0 ? std::string() : studio::rows_where(mapping_.table, mapping_.key.column, number);
+    }
 
     std::string add(Studio& studio, const Assignments& members) const override {
         Record record;
@@ -55,7 +71,7 @@ public:
         require_fits(record);
         Gate& gate = opened_gate<Gate>(studio);
         if (!succeeds([&] { return (gate.*methods_.add)(address_of(record)); })) {
-            throw CommandError("nothing could be added to " + name() + engine_reason());
+            throw CommandError("nothing could be added to " + name() + engine_reason(has_double_quote(record)));
         }
         // A name that the table holds once is there already: a success of the gate that adds nothing.
         if (record.*mapping_.key.member == 0)
@@ -120,6 +136,12 @@ private:
     // Used where a file has it, but part of no new one: a table that is not there has no rows.
     bool is_left_out(int error_number) const {
         return error_number == jet::errors::kNoSuchTable && is_same_name(name(), db::engineers_table().name);
+    }
+
+    bool has_double_quote(const Record& record) const {
+        return std::any_of(mapping_.write.begin(), mapping_.write.end(), [&](const studio::Column<Record>& column) {
+            return column.text != nullptr && std::strchr((record.*column.text).GetString(), '"') != nullptr;
+        });
     }
 
     // What is not given is empty, and at times that is no value of the column either.

@@ -122,7 +122,8 @@ bool is_json_literal(const jet::Value& value) {
     if (const auto* v = std::get_if<float>(&value)) return std::isfinite(*v);
     if (const auto* v = std::get_if<double>(&value)) return std::isfinite(*v);
     return std::holds_alternative<bool>(value) || std::holds_alternative<std::uint8_t>(value) ||
-           std::holds_alternative<std::int16_t>(value) || std::holds_alternative<std::int32_t>(value);
+           std::holds_alternative<std::int16_t>(value) || std::holds_alternative<std::int32_t>(value) ||
+           std::holds_alternative<jet::Currency>(value) || std::holds_alternative<jet::Numeric>(value);
 }
 
 }  // namespace
@@ -161,12 +162,6 @@ std::string json_string(std::string_view utf8) {
         }
     }
     return text + "\"";
-}
-
-std::string padded(std::string_view utf8, std::size_t width) {
-    std::string text(utf8);
-    for (const char c : utf8) width -= width > 0 && (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
-    return text.append(width, ' ');
 }
 
 std::string json_value(const jet::Value& value) {

@@ -14,10 +14,8 @@ std::string plain_text(const jet::Value& value);
 // One CSV field; a Null is an empty field, an empty text is a quoted empty one.
 std::string csv_field(const jet::Value& value);
 std::string csv_quoted(std::string_view utf8);
-// One JSON value; dates, bytes, GUIDs and currency are strings so that nothing is rounded.
+// One JSON value: numbers of every kind with all their digits, everything else but truth values as a text.
 std::string json_value(const jet::Value& value);
 std::string json_string(std::string_view utf8);
-// Text filled up with blanks to `width` characters (not bytes).
-std::string padded(std::string_view utf8, std::size_t width);
 
 }  // namespace tools

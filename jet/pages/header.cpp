@@ -65,7 +65,14 @@ FileHeader parse_header(ByteSpan page, const std::string& path) {
     }
     const ByteSpan magic = slice(page, header::kMagic, sizeof header::kMagicText);
     if (!std::equal(magic.begin(), magic.end(), header::kMagicText)) {
-        not_ours(errors::kNotADatabase, "is not a Jet database (its engine text is another one).");
+        static constexpr std::string_view kLaterEngine = "Standard ACE DB";
+        const bool is_later = std::equal(kLaterEngine.begin(), kLaterEngine.end(), magic.begin());
+        not_ours(
+            errors::kNotADatabase,
+            is_later
+                ? "is of the format of Access 2007 and later (.accdb), which this engine does not read; save it as "
+                  "an .mdb of Access 2000 to 2003 in the program that it comes from."
+                : "is not a Jet database: it begins like one, but names another engine.");
     }
     const std::uint32_t version = load_u32(page, header::kVersion);
     if (version == header::kVersionJet3) {

@@ -61,7 +61,7 @@ void expect_damage(const Outcome& outcome, const std::string& place) {
     EXPECT_EQ(outcome.code, 1);
     EXPECT_NE(outcome.errors.find("sldb.mdb: "), std::string::npos) << outcome.errors;
     EXPECT_NE(outcome.errors.find(place), std::string::npos) << outcome.errors;
-    EXPECT_NE(outcome.errors.find("1 place could not be read, and what was printed is not all"), std::string::npos)
+    EXPECT_NE(outcome.errors.find("1 place could not be read, and what was given out is not all"), std::string::npos)
         << outcome.errors;
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 2) << outcome.errors;
 }

@@ -29,6 +29,11 @@ protected:
                 "list " + in_quotes(studio_) + " Gear",
                 "list " + in_quotes(studio_) + " Def_ProjTypes",
                 "show " + in_quotes(studio_) + " Invoices 1",
+                "list " + in_quotes(studio_) + " Projects --where ProjID=1 --sort Name --limit 1",
+                "search " + in_quotes(studio_) + " Aurora",
+                "sql " + in_quotes(studio_) + " 'SELECT * FROM Projects'",
+                "tables " + in_quotes(studio_),
+                "rows " + in_quotes(studio_) + " Invoices",
                 "tables " + main_file() + password,
                 "schema " + main_file() + password,
                 "rows " + main_file() + " Projects" + password,
@@ -189,12 +194,16 @@ TEST_F(OtherFolder, file_that_a_host_has_open_is_in_use_for_every_command) {
     commands.push_back("set " + in_quotes(studio_) + " Projects 1 Name=x");
     commands.push_back("delete " + in_quotes(studio_) + " Projects 1");
     commands.push_back("upgrade " + in_quotes(studio_));
+    commands.push_back("export " + in_quotes(studio_) + " " + in_quotes(scratch_.file("x")) + " --to csv");
+    std::ofstream(scratch_.file("in.csv")) << "Name\nx\n";
+    commands.push_back("import " + in_quotes(studio_) + " Projects " + in_quotes(scratch_.file("in.csv")));
     for (const std::string& command : commands) {
         SCOPED_TRACE(command);
         const Outcome outcome = run(command);
         expect_failure(outcome, 1, "sldb.mdb is in use by another program");
         EXPECT_TRUE(outcome.out.empty()) << outcome.out;
     }
+    EXPECT_FALSE(std::filesystem::exists(scratch_.file("x")));
 }
 
 }  // namespace

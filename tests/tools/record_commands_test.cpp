@@ -49,7 +49,7 @@ constexpr Sample kSamples[] = {
     {"MediaLibs", "GroupID=1 Name=Rain", "\"Name\": \"Rain\"", "Descript=wet", "\"Descript\": \"wet\"", "GroupID=1"},
     {"MediaFiles", "LibID=1 Path=rain.wav", "\"Path\": \"rain.wav\"", "Descript=wet", "\"Descript\": \"wet\"",
      "LibID=1"},
-    {"Bookings", "DateStart=2026-05-06T07:08 RoomID=1", "\"DateStart\": \"2026-05-06T07:08\"", "StatusID=2",
+    {"Bookings", "DateStart=2026-05-06T07:08 RoomID=1", "\"DateStart\": \"2026-05-06T07:08:00\"", "StatusID=2",
      "\"StatusID\": 2", "DateStart=2026-05-01"},
     {"Invoices", "InvoiceID=7 Date=2026-05-06 Balance=-1.25", "\"Balance\": -1.25", "Total=3.5", "\"Total\": 3.5", ""},
     {"InvoiceParams", "InvoiceID=7 Total=3.5", "\"Total\": 3.5", "TaxIDs=1", "\"TaxIDs\": \"1\"", "InvoiceID=7"},
@@ -117,7 +117,9 @@ TEST_P(EveryTable, what_is_wrong_is_a_usage_error_and_key_0_is_not_there) {
     const std::string table = GetParam().table;
     expect_failure(on("add", table + " Colour=red"), 2, "has no member 'Colour'");
     expect_failure(on("set", table + " 1 Colour=red"), 2, "has no member 'Colour'");
-    expect_failure(on("show", table + " first"), 2, "whole number");
+    if (table != "Gear" && table != "GearRepairs") {  // which are found by what stands on a label, too
+        expect_failure(on("show", table + " first"), 2, "whole number");
+    }
     expect_failure(on("delete", table + " 1x"), 2, "whole number");
     expect_failure(on("list", table + " --filter Colour=red"), 2, "not filtered by 'Colour'");
     const std::string before = on("list", table + " " + GetParam().filter).out;
@@ -195,7 +197,7 @@ TEST_F(Records, what_is_refused_lists_the_valid_names) {
     expect_failure(on("list", "Nothing"), 2, "Projects, Songs, Tracks");
     expect_failure(on("add", "Def_Sequencer SequencerID=1"), 2, "it has Name, Path");
     expect_failure(on("list", "Tracks --filter Mode=1"), 2, "it is by DestinationID, PerformerID, SongID");
-    expect_failure(on("list", "MixFiles"), 2, "--filter SongID=N");
+    expect_failure(on("list", "MixFiles --filter Colour=1"), 2, "it is by SongID");
     expect_failure(on("list", "GearRentals --filter FromDate="), 2, "FromDate needs a date");
     expect_failure(on("list", "Songs --json --csv"), 2, "--csv");
 }

@@ -1,6 +1,7 @@
 // The command-line tool as a user meets it: what it prints, where, and its exit codes.
 #include <filesystem>
 
+#include "jet/tables/database.h"
 #include "tests/tools/tool_fixture.h"
 
 namespace {
@@ -15,6 +16,58 @@ TEST_F(Tool, demo_makes_a_studio_and_shows_what_it_did) {
     }
     EXPECT_NE(outcome.out.find("34 tables, structural check: sound"), std::string::npos);
     EXPECT_EQ(names(), kBothFiles);  // and nothing else
+}
+
+TEST_F(Tool, what_demo_advises_works) {
+    const std::string text = demo().out;
+    std::size_t tried = 0;
+    for (std::size_t at = text.find("\nTry: kvdb "); at != std::string::npos; at = text.find("     kvdb ", at + 1)) {
+        const std::size_t begin = text.find("kvdb ", at) + 5;
+        std::string advice = text.substr(begin, text.find('\n', begin) - begin);
+        std::replace(advice.begin(), advice.end(), '"', '\'');  // as the fixture takes words with blanks
+        const Outcome outcome = run(advice);
+        EXPECT_EQ(outcome.code, 0) << advice << ": " << outcome.errors;
+        EXPECT_NE(outcome.out, "") << advice;
+        ++tried;
+    }
+    EXPECT_EQ(tried, 5U) << text;
+}
+
+TEST_F(Tool, message_says_which_file_why_and_what_to_do) {
+    demo();
+    const std::string folder = in_quotes(studio_);
+    expect_failure(run("add " + folder + " Projects Name=" + std::string(300, 'n')), 2,
+                   "Name of Projects takes at most 255 characters, not 300");
+    expect_failure(run("add " + folder + " Def_TrackTypes 'Name=2\" tape'"), 1,
+                   "the gate takes no name with a double quote in it");
+    expect_failure(run("list " + in_quotes(studio_ + "/nowhere") + " Projects"), 1, "there is no folder ");
+    expect_failure(run("rows " + in_quotes(studio_ + "/nowhere.mdb") + " Projects"), 1, "there is no file or folder ");
+    // A later format's first bytes.
+    std::string later = contents(file("sldb.mdb"));
+    later.replace(4, 15, "Standard ACE DB");
+    std::ofstream(scratch_.file("later.accdb"), std::ios::binary) << later;
+    for (const std::string command : {"tables", "check", "info"}) {
+        expect_failure(
+            run(command + " " + in_quotes(scratch_.file("later.accdb"))), 1,
+            "later.accdb is of the format of Access 2007 and later (.accdb), which this engine does not read; "
+            "save it as an .mdb of Access 2000 to 2003");
+    }
+}
+
+TEST_F(Tool, info_tells_the_tables_of_another_file) {
+    demo();
+    jet::Database::create(scratch_.file("other.mdb"), {})->close();
+    const jet::NewColumn columns[] = {{.name = u"Name", .type = jet::ColumnType::kText}};
+    {
+        const auto database = jet::Database::open(scratch_.file("other.mdb"), {});
+        database->create_table(u"Things", columns);
+        database->find_table(u"Things")->insert({std::u16string(u"one")});
+        database->close();
+    }
+    const Outcome outcome = run("info " + in_quotes(scratch_.file("other.mdb")));
+    EXPECT_EQ(outcome.code, 0) << outcome.errors;
+    EXPECT_NE(outcome.out.find("none of a studio's"), std::string::npos) << outcome.out;
+    EXPECT_NE(outcome.out.find("Things                          1 row\n"), std::string::npos) << outcome.out;
 }
 
 TEST_F(Tool, demo_refuses_a_folder_that_holds_one_of_the_files) {
@@ -50,11 +103,36 @@ TEST_F(Tool, info_on_a_folder_without_studio_fails_and_makes_nothing) {
     expect_failure(run("info " + in_quotes(studio_ + "/nowhere")), 1, "no folder");
 }
 
-TEST_F(Tool, file_in_place_of_the_folder_is_told) {
+TEST_F(Tool, one_of_the_two_files_stands_for_its_folder) {
     demo();
-    for (const std::string command : {"info ", "projects ", "upgrade "}) {
-        expect_failure(run(command + main_file()), 1, "sldb.mdb is no folder");
+    for (const std::string command : {"info", "projects", "upgrade"}) {
+        const Outcome by_folder = run(command + " " + in_quotes(studio_));
+        EXPECT_EQ(by_folder.code, 0) << by_folder.errors;
+        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+            const Outcome by_file = run(command + " " + in_quotes(file(name)));
+            EXPECT_EQ(by_file.code, 0) << by_file.errors;
+            EXPECT_EQ(by_file.out, by_folder.out);
+        }
     }
+    std::ofstream(scratch_.file("notes.txt")) << "no studio";
+    expect_failure(run("projects " + in_quotes(scratch_.file("notes.txt"))), 1, "notes.txt is a file, and none of");
+}
+
+TEST_F(Tool, folder_stands_for_both_its_files) {
+    demo();
+    const std::string folder = in_quotes(studio_);
+    const std::string invoices = in_quotes(file("kvinvdb.mdb"));
+    EXPECT_EQ(run("tables " + folder).out, run("tables " + main_file()).out + run("tables " + invoices).out);
+    EXPECT_EQ(run("schema " + folder).out, run("schema " + main_file()).out + run("schema " + invoices).out);
+    EXPECT_EQ(run("rows " + folder + " Invoices").out, run("rows " + invoices + " Invoices").out);
+    EXPECT_EQ(run("rows " + folder + " Projects").out, run("rows " + main_file() + " Projects").out);
+    const Outcome check = run("check " + folder);
+    EXPECT_EQ(check.code, 0) << check.out;
+    EXPECT_NE(check.out.find("sldb.mdb: 0 violations"), std::string::npos) << check.out;
+    EXPECT_NE(check.out.find("kvinvdb.mdb: 0 violations"), std::string::npos) << check.out;
+    expect_failure(run("rows " + folder + " Invoces"), 1, "did you mean Invoices?");
+    std::filesystem::create_directory(scratch_.file("empty"));
+    expect_failure(run("tables " + in_quotes(scratch_.file("empty"))), 1, "no studio in");
 }
 
 TEST_F(Tool, missing_file_is_an_error_and_is_not_made) {
@@ -84,10 +162,20 @@ TEST_F(Tool, projects_filters_and_prints_json) {
     EXPECT_NE(none.out.find("0 projects"), std::string::npos);
 }
 
-TEST_F(Tool, engine_commands_read_a_file_and_ask_for_its_password) {
+TEST_F(Tool, studio_passwords_are_tried_and_another_one_is_asked_for) {
     demo();
-    expect_failure(run("tables " + main_file()), 1, "password");
+    for (const std::string command : {"tables", "schema", "check"}) {
+        const Outcome outcome = run(command + " " + main_file());
+        EXPECT_EQ(outcome.code, 0) << outcome.errors;
+        EXPECT_NE(outcome.out, "");
+    }
+    EXPECT_NE(run("rows " + main_file() + " Projects").out.find("Night Trains"), std::string::npos);
     expect_failure(run("rows " + main_file() + " Projects --password wrong"), 1, "password");
+    jet::CreateOptions create;
+    create.password = u"own";
+    jet::Database::create(scratch_.file("other.mdb"), create)->close();
+    expect_failure(run("tables " + in_quotes(scratch_.file("other.mdb"))), 1, "give it with --password");
+    EXPECT_EQ(run("tables " + in_quotes(scratch_.file("other.mdb")) + " --password own").code, 0);
     expect_failure(run("check " + in_quotes(studio_ + "/nothing.mdb")), 1, "nothing.mdb");
 }
 
@@ -133,12 +221,38 @@ TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
 TEST_F(Tool, help_is_everywhere_and_succeeds) {
     EXPECT_EQ(run("--help").code, 0);
     for (const std::string command : {"demo", "info", "upgrade", "projects", "list", "show", "add", "set", "delete",
-                                      "tables", "schema", "rows", "check"}) {
+                                      "tables", "schema", "rows", "check", "search", "sql", "export", "import"}) {
         const Outcome outcome = run(command + " --help");
         EXPECT_EQ(outcome.code, 0) << command;
         EXPECT_NE(outcome.out.find("kvdb " + command), std::string::npos);
         EXPECT_NE(run("--help").out.find("kvdb " + command), std::string::npos);
     }
+}
+
+TEST_F(Tool, help_tells_version_commands_and_options) {
+    EXPECT_EQ(run("--version").out.substr(0, 5), "kvdb ");
+    EXPECT_EQ(run("-h").out, run("--help").out);
+    EXPECT_EQ(run("help").out, run("--help").out);
+    for (const std::string command : {"list", "upgrade", "rows"}) {
+        const Outcome outcome = run("help " + command);
+        EXPECT_EQ(outcome.code, 0) << outcome.errors;
+        EXPECT_EQ(outcome.out, run(command + " -h").out);
+        EXPECT_EQ(outcome.out.find("usage: kvdb " + command), 0U) << outcome.out;
+    }
+    EXPECT_NE(run("help upgrade").out.find("--lower"), std::string::npos);
+    const std::string help = run("help list").out;
+    EXPECT_NE(help.find("[--where CONDITION ...]"), std::string::npos) << help;
+    EXPECT_LT(help.find("--limit N"), help.rfind("-h, --help")) << help;
+    expect_failure(run("help lits"), 2, "did you mean list?");
+}
+
+TEST_F(Tool, mistyped_command_or_option_gets_a_suggestion) {
+    expect_failure(run("lst x Projects"), 2, "unknown command 'lst'; did you mean list?");
+    expect_failure(run("uprgade x"), 2, "did you mean upgrade?");
+    expect_failure(run("rows x Projects --jsn"), 2, "unknown option --jsn; did you mean --json?");
+    const Outcome far_off = run("xylophone");
+    expect_failure(far_off, 2, "unknown command 'xylophone'");
+    EXPECT_EQ(far_off.errors.find("did you mean"), std::string::npos) << far_off.errors;
 }
 
 TEST_F(Tool, what_is_not_understood_is_a_usage_error) {
@@ -150,7 +264,8 @@ TEST_F(Tool, what_is_not_understood_is_a_usage_error) {
     expect_failure(run("projects x --client many"), 2, "--client");
     expect_failure(run("projects x --colour red"), 2, "--colour");
     expect_failure(run("rows a b --json --csv"), 2, "--csv");
-    for (const std::string command : {"list", "show", "add", "set", "delete", "tables", "schema", "rows", "check"}) {
+    for (const std::string command : {"list", "show", "add", "set", "delete", "tables", "schema", "rows", "check",
+                                      "search", "sql", "export", "import"}) {
         expect_failure(run(command), 2, "usage: kvdb " + command);
     }
     expect_failure(run("demo one two"), 2, "usage: kvdb demo");

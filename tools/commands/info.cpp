@@ -2,18 +2,33 @@
 #include <cstdint>
 #include <filesystem>
 
-#include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
+#include "tools/open_file.h"
 #include "tools/output.h"
 #include "tools/studio_files.h"
 
 namespace tools {
 namespace {
 
+struct Options {
+    std::string folder;
+    std::optional<std::string> password;
+};
+
+void bind(Declaration& declare, Options& options) {
+    declare.word("FOLDER", options.folder, "folder of the studio, one of its two files, or another Jet 4 file");
+    declare.password(options.password);
+}
+
 void print_plan(const StudioFile& file) {
     const std::vector<const char*> plan = file.upgrade_plan();
     if (plan.empty()) {
-        output().print("  upgrade: %s\n", file.version() ? "nothing to do" : "not possible");
+        output().print("  upgrade: %s\n", file.version()
+                                              ? "nothing to do"
+                                              : "not possible, for its table DBHeader has no row that tells the "
+                                                "version; kvdb rows and kvdb export read the tables as they are");
     } else if (file.is_newer()) {
         output().print(
             "  upgrade: none, it is newer than this program; the next opening by a host of this version would\n");
@@ -39,11 +54,23 @@ void print_file(const char* what, const StudioFile& file) {
     }
 }
 
-}  // namespace
+// Any Jet file.
+int print_other_file(const std::string& path, const std::optional<std::string>& password) {
+    const auto database = open_to_read(path, password);
+    output().print("%s (%ju bytes), a Jet 4 file that is none of a studio's\n", path.c_str(),
+                   static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
+    for (const std::u16string& name : database->table_names()) {
+        const jet::Table* const table = database->find_table(name);
+        if (table == nullptr) continue;
+        const std::uint32_t rows = table->def().row_count;
+        output().print("  %-24s %8u row%s\n", jet::to_utf8(name).c_str(), rows, rows == 1 ? "" : "s");
+    }
+    return 0;
+}
 
-int run_info(const Words& words) {
-    const Arguments arguments(words, {}, {});
-    const StudioFiles files(arguments.expect(1, 1, "info FOLDER")[0]);
+int run(const Options& options) {
+    if (is_other_file(options.folder)) return print_other_file(options.folder, options.password);
+    const StudioFiles files(options.folder);
     files.require_studio();
     output().print("schema version %s, colours %d and %d\n", files.studio.version_text().c_str(),
                    static_cast<int>(files.studio.header("Color1")), static_cast<int>(files.studio.header("Color2")));
@@ -52,5 +79,13 @@ int run_info(const Words& words) {
     if (!files.invoices.exists()) throw CommandError(files.invoices.path() + " is not there");
     return 0;
 }
+
+}  // namespace
+
+const Command kInfoCommand{
+    "info", kLookGroup,
+    "Print version, files, tables and rows of a studio, and what an upgrade would do. Changes nothing. Of another Jet "
+    "file its tables and rows.",
+    declared<Options, bind, run>};
 
 }  // namespace tools

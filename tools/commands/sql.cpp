@@ -1,0 +1,95 @@
+// sql: a statement of the engine's own.
+#include <algorithm>
+#include <iterator>
+
+#include "jet/sql/row_set.h"
+#include "tools/commands.h"
+#include "tools/damage.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
+#include "tools/open_file.h"
+#include "tools/output.h"
+#include "tools/progress.h"
+
+namespace tools {
+namespace {
+
+struct Options {
+    std::string file;
+    std::string statement;
+    FormatOption format;
+    std::optional<std::string> password;
+};
+
+void bind(Declaration& declare, Options& options) {
+    declare.file(options.file);
+    declare.word("STATEMENT", options.statement,
+                 "SELECT * or SUM(COLUMN) FROM TABLE, with WHERE and ORDER BY; dates stand between #, as #2026-03-31#");
+    declare.format(options.format);
+    declare.password(options.password);
+}
+
+// Whether the engine's number says that the words are at fault.
+bool is_of_the_statement(int number) {
+    using namespace jet::errors;
+    static constexpr int kNumbers[] = {kUnknownColumn,  kExpressionSyntax, kNoSuchTable, kSortOnMemo,
+                                       kMixedAggregate, kBadStatement,     kBadFrom,     kBadOrderBy,
+                                       kBadSelect,      kTextAfterEnd,     kBadWhere,    kTypeMismatch};
+    return std::find(std::begin(kNumbers), std::end(kNumbers), number) != std::end(kNumbers);
+}
+
+// Prepared on the file that has the table.
+jet::sql::Query prepare(const std::vector<std::unique_ptr<jet::Database>>& databases, const std::u16string& statement) {
+    for (std::size_t i = 0;; ++i) {
+        try {
+            return jet::sql::Query::prepare(*databases[i], statement);
+        } catch (const jet::Error& error) {
+            if (error.number() == jet::errors::kNoSuchTable && i + 1 < databases.size()) continue;
+            if (is_of_the_statement(error.number())) throw UsageError(error.what());
+            throw;
+        }
+    }
+}
+
+int run(const Options& options) {
+    std::vector<std::unique_ptr<jet::Database>> databases;
+    for (const std::string& file : jet_files_of(options.file)) {
+        databases.push_back(open_to_read(file, options.password, damage_teller(file)));
+    }
+    jet::sql::Query query = prepare(databases, jet::from_utf8(options.statement));
+    Names names;
+    for (const jet::sql::ResultColumn& column : query.columns()) names.push_back(jet::to_utf8(column.name));
+    RowPrinter printer(options.format.format(), names);
+    if (query.is_aggregate()) {
+        printer.print({query.aggregate()});
+        printer.finish();
+        require_undamaged();
+        return 0;
+    }
+    const jet::Table& table = query.table();
+    const std::vector<jet::sql::ResultColumn> columns = query.columns();
+    jet::sql::RowSet rows(std::move(query));
+    Progress progress("rows", 0, true);
+    print_rows(printer, [&](const RowVisitor& print) {
+        jet::RowView view;
+        Row row;
+        for (auto id = rows.first(); id; id = rows.next()) {
+            progress.step();
+            if (!table.read(*id, view)) continue;
+            row.clear();
+            for (const jet::sql::ResultColumn& column : columns) row.push_back(view.value(column.position));
+            if (!print(row)) return;
+        }
+    });
+    require_undamaged();
+    return 0;
+}
+
+}  // namespace
+
+const Command kSqlCommand{"sql", kLookGroup,
+                          "Print what a SELECT statement gives. The statements are the engine's own, over one table, "
+                          "and change nothing.",
+                          declared<Options, bind, run>};
+
+}  // namespace tools

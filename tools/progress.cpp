@@ -1,0 +1,62 @@
+#include "tools/progress.h"
+
+#include <cstdio>
+
+#include "tools/terminal.h"
+
+namespace tools {
+namespace {
+
+constexpr std::uint64_t kBetweenLooks = 256;
+
+std::string with_commas(std::uint64_t number) {
+    std::string digits = std::to_string(number);
+    for (std::size_t at = digits.size(); at > 3;) digits.insert(at -= 3, ",");
+    return digits;
+}
+
+std::string duration_text(double seconds) {
+    const auto whole = static_cast<std::uint64_t>(seconds + 0.5);
+    return whole < 60 ? std::to_string(whole) + " s"
+                      : std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
+}
+
+}  // namespace
+
+Progress::Progress(std::string what, std::uint64_t total, bool among_rows)
+    : what_(std::move(what)),
+      total_(total),
+      is_wanted_(errors_go_to_terminal() && (!among_rows || terminal_columns() == 0)),
+      begin_(Clock::now()),
+      shown_(begin_) {}
+
+Progress::~Progress() {
+    if (is_shown_) std::fprintf(stderr, "\r\033[K");
+}
+
+void Progress::step(std::uint64_t count) {
+    done_ += count;
+    if (!is_wanted_ || done_ < next_look_) return;
+    next_look_ = done_ + kBetweenLooks;
+    look();
+}
+
+void Progress::look() {
+    const Clock::time_point now = Clock::now();
+    if (now - shown_ < std::chrono::seconds(1)) return;
+    shown_ = now;
+    is_shown_ = true;
+    const double seconds = std::chrono::duration<double>(now - begin_).count();
+    std::fprintf(stderr, "\r%s\033[K", text(what_, done_, total_, seconds).c_str());
+}
+
+std::string Progress::text(const std::string& what, std::uint64_t done, std::uint64_t total, double seconds) {
+    std::string text = with_commas(done) + " " + what;
+    const double rate = seconds > 0 ? static_cast<double>(done) / seconds : 0;
+    if (total >= done && total > 0) text += ", " + std::to_string(done * 100 / total) + " %";
+    text += ", " + with_commas(static_cast<std::uint64_t>(rate)) + " a second";
+    if (total >= done && rate > 0) text += ", " + duration_text(static_cast<double>(total - done) / rate) + " left";
+    return text;
+}
+
+}  // namespace tools

@@ -8,7 +8,6 @@
 #include <utility>
 
 #include "afx/component_lock.h"
-#include "afx/damage.h"
 #include "afx/dao_error.h"
 #include "afx/engine_database.h"
 #include "os/system.h"
@@ -183,7 +182,6 @@ void CDaoDatabase::Open(const char* name, BOOL exclusive, BOOL read_only, const 
         jet::OpenOptions open;
         open.password = os::widen(password_in(connect));
         open.read_only = read_only != FALSE;
-        if (open.read_only) open.on_damage = afx::damage_listener_for(name != nullptr ? name : "");
         opened(std::make_unique<afx::EngineDatabase>(jet::Database::open(name != nullptr ? name : "", open),
                                                      exclusive != FALSE));
     });

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jet/base/types.h"
+#include "jet/indexes/collation.h"
 
 namespace tools {
 namespace {

@@ -37,8 +37,12 @@ std::vector<Content> steps_of(OldFile::Kind kind, std::int32_t version, std::vec
         if (!step.applies_to(version)) continue;
         CDaoDatabase database;
         database.Open(kPath, TRUE, FALSE, (";PWD=" + password_in(kPath)).c_str());
-        if (step.run(database) != 0)
+        try {
+            step.run(database);
+        } catch (CDaoException* e) {
+            e->Delete();
             throw std::runtime_error(std::string("a step of the upgrade failed: ") + step.effect);
+        }
         database.Close();
         if (!step.with_next) contents.push_back(content_of(kPath));
     }

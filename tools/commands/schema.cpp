@@ -82,7 +82,7 @@ int run(const Options& options) {
                        {"File", "Table", "Position", "Column", "Type", "Required", "AllowsEmptyText"});
     const auto print = [&](const jet::Table& table) {
         if (is_plain) return print_schema(table.def());
-        print_columns(table.def(), table.database().path(), printer);
+        print_columns(table.def(), table.storage().pager().path(), printer);
     };
     if (!options.table.empty()) {
         print(FoundTable(options.file, options.table, options.password).table());

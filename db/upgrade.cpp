@@ -10,6 +10,7 @@
 #include "db/dated_records.h"
 #include "db/invoice_totals.h"
 #include "db/rows.h"
+#include "db/schema_history.h"
 #include "db/values.h"
 
 namespace db {
@@ -43,55 +44,34 @@ int mark_as_current(CDaoDatabase& database) {
     return has_row ? done : -1;
 }
 
-int create_studio_tables(CDaoDatabase& database, std::span<const char* const> names) {
-    for (const char* const name : names) {
+int create_studio_tables(CDaoDatabase& database, std::int32_t version) {
+    for (const char* const name : additions_of(version)->studio_tables) {
+        // The gear tables are made in one pass, after the others.
+        if (find_table(gear_tables(), name) != nullptr) continue;
         if (create_table(database, *find_table(studio_tables(), name)) != 0) return -1;
     }
     return 0;
 }
 
-int create_tables_of_200000(CDaoDatabase& database) {
-    // An upgraded file has no row of invoice defaults, deliberately.
-    static constexpr const char* kTables[] = {"LibGroups", "MediaLibs", "MediaFiles",
-                                              "Bookings",  "Def_Rooms", "Def_Invoice"};
-    return create_studio_tables(database, kTables);
-}
+// An upgraded file has no row of invoice defaults, deliberately.
+int create_tables_of_200000(CDaoDatabase& database) { return create_studio_tables(database, 200000); }
 
-int create_tables_of_200010(CDaoDatabase& database) {
-    static constexpr const char* kTables[] = {"Def_Tax"};
-    return create_studio_tables(database, kTables);
-}
+int create_tables_of_200010(CDaoDatabase& database) { return create_studio_tables(database, 200010); }
 
 int create_tables_of_210000(CDaoDatabase& database) {
-    static constexpr const char* kTables[] = {"ContactCategories", "ProjPayments", "ProjActivities", "MixFiles",
-                                              "Messages",          "Services",     "Participants"};
-    return create_studio_tables(database, kTables) != 0 ? -1 : create_gear_tables(database);
+    return create_studio_tables(database, 210000) != 0 ? -1 : create_gear_tables(database);
 }
 
 int add_fields_of_210000(CDaoDatabase& database) {
-    static const AddedFields kFields[] = {
-        {"Bookings", {"StatusID"}},
-        {"Clients",
-         {"CategoryID", "CatIDs", "Company", "Title", "Country", "State", "City", "ZipCode", "WebSite", "Phone4",
-          "Phone5", "Phone1Descript", "Phone2Descript", "Phone3Descript", "Phone4Descript", "Phone5Descript"}},
-        {"Projects", {"ProjCreateDate", "ProjTypeID", "ProducerID", "DirectorID", "DiscountType", "DiscountVal"}},
-        {"Sessions", {"SongID", "ArtistID"}},
-        {"Songs", {"ArtistID", "CopyrightsID", "ProducerID", "ComposerID", "WriterID"}},
-        {"Stock", {"Date", "SupplierID", "Cost"}},
-        {"Tracks", {"TypeID", "TDate", "PerformerID", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode"}},
-    };
-    return add_fields(database, studio_tables(), kFields);
+    return add_fields(database, studio_tables(), additions_of(210000)->studio_fields);
 }
 
 int add_tax_lists(CDaoDatabase& database) {
-    static const AddedFields kFields[] = {{"Invoices", {"InvTaxIDs"}}, {"InvoiceParams", {"TaxIDs"}}};
-    return add_fields(database, invoice_tables(), kFields);
+    return add_fields(database, invoice_tables(), additions_of(200010)->invoice_fields);
 }
 
 int add_invoice_totals(CDaoDatabase& database) {
-    static const AddedFields kFields[] = {{"Invoices", {"fTax", "fDiscount", "Paymetns", "Balance"}},
-                                          {"InvoiceParams", {"Date", "Details"}}};
-    return add_fields(database, invoice_tables(), kFields);
+    return add_fields(database, invoice_tables(), additions_of(210000)->invoice_fields);
 }
 
 // ---- What applies below which version

@@ -1,0 +1,120 @@
+#include "tools/rescue/new_file.h"
+
+#include "jet/check/check.h"
+#include "os/draft.h"
+#include "os/file.h"
+#include "tools/arguments.h"
+
+namespace tools {
+namespace {
+
+constexpr std::size_t kRowsOfATransaction = 500;
+
+void remove_quietly(const std::string& path) {
+    try {
+        if (os::file_system().exists(path)) os::file_system().remove(path);
+    } catch (const os::FileError&) {
+        // It is in nobody's way: the next attempt clears it.
+    }
+}
+
+}  // namespace
+
+NewFile::NewFile(const std::string& path, const std::u16string& password) : path_(path), draft_(os::draft_name(path)) {
+    if (os::file_system().exists(path)) throw CommandError(path + " is there already; nothing is written over it");
+    os::clear_drafts(path);
+    jet::CreateOptions options;
+    options.password = password;
+    database_ = jet::Database::create(draft_, options);
+}
+
+NewFile::~NewFile() {
+    filling_.reset();
+    database_.reset();
+    if (is_published_) return;
+    remove_quietly(draft_);
+    remove_quietly(draft_ + "-journal");
+}
+
+void NewFile::set_last_number(std::u16string_view table, std::int32_t number) {
+    for (const jet::CatalogEntry& entry : database_->catalog()) {
+        if (entry.type != 1 || entry.name != table) continue;
+        jet::Transaction change(database_->pager());
+        {
+            const jet::MutablePage page = database_->pager().modify(static_cast<jet::PageNumber>(entry.id));
+            jet::store_u32(page.bytes(), jet::jet4::tdef::kLastAutoNumber, static_cast<std::uint32_t>(number));
+        }
+        change.commit();
+    }
+}
+
+jet::RowId NewFile::insert(jet::Table& table, std::vector<jet::Value> values) {
+    if (!filling_) filling_ = std::make_unique<jet::Transaction>(database_->pager());
+    const jet::RowId row = table.insert(std::move(values));
+    if (++waiting_ >= kRowsOfATransaction) commit();
+    return row;
+}
+
+void NewFile::commit() {
+    if (filling_) filling_->commit();
+    filling_.reset();
+    waiting_ = 0;
+}
+
+void NewFile::finish() {
+    commit();
+    const std::vector<jet::Violation> violations = jet::check_structure(*database_);
+    database_->close();
+    database_.reset();
+    if (violations.empty()) return;
+    throw CommandError("the new file is not sound, and is not kept: page " + std::to_string(violations.front().page) +
+                       ": " + violations.front().detail);
+}
+
+void NewFile::publish() {
+    try {
+        os::file_system().rename(draft_, path_);
+    } catch (const os::FileError& error) {
+        if (error.fault() != os::FileFault::kExists) throw;
+        throw CommandError(path_ + " has come to be there meanwhile; nothing is written over it");
+    }
+    is_published_ = true;
+    os::file_system().sync_folder_of(path_);
+}
+
+jet::NewColumn new_column_like(const jet::ColumnDef& column, bool& is_same) {
+    using jet::ColumnType;
+    jet::NewColumn made;
+    made.name = column.name;
+    made.type = column.type;
+    made.allow_zero_length = column.allow_zero_length;
+    is_same = true;
+    switch (column.type) {
+        case ColumnType::kLong: made.autonumber = column.is_autonumber(); break;
+        case ColumnType::kText: {
+            const int characters = column.length_bytes / 2;
+            made.text_characters = static_cast<std::uint16_t>(characters < 1 || characters > 255 ? 255 : characters);
+            is_same = !column.is_fixed();
+            break;
+        }
+        case ColumnType::kGuid:
+        case ColumnType::kNumeric:
+            made.type = ColumnType::kText;
+            made.text_characters = 64;
+            is_same = false;
+            break;
+        case ColumnType::kBinary:
+        case ColumnType::kFixedBinary:
+            made.type = ColumnType::kOle;
+            is_same = false;
+            break;
+        case ColumnType::kComplexId:
+            made.type = ColumnType::kLong;
+            is_same = false;
+            break;
+        default: break;
+    }
+    return made;
+}
+
+}  // namespace tools

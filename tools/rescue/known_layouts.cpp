@@ -166,6 +166,11 @@ const std::vector<KnownLayout>& known_layouts(DatabaseFile file) {
     return file == DatabaseFile::kMain ? kMain : kInvoice;
 }
 
+jet::TableDef layout_at(DatabaseFile file, const TableSchema& table, std::int32_t version) {
+    const bool has_text_date = removed_from(file, table) != nullptr && version < 200000;
+    return make_layout(file, table, {version, version, has_text_date ? TextDate::kInItsPlace : TextDate::kNone}).def;
+}
+
 std::vector<const TableSchema*> known_tables(DatabaseFile file) {
     std::vector<const TableSchema*> tables;
     for (const TableSchema& table : file == DatabaseFile::kMain ? db::studio_tables() : db::invoice_tables()) {

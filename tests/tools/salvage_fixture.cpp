@@ -356,6 +356,12 @@ Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string
             if (is_whole) {
                 ++score.undamaged;
                 score.came_back += is_back ? 1 : 0;
+                if (!is_back && std::getenv("KVDB_SALVAGE_LOUD") != nullptr) {
+                    std::printf("   missing %s %s:", name.c_str(), row.key.c_str());
+                    for (const Extent& e : row.extents)
+                        std::printf(" %u[%zu,%zu)%s", e.page, e.begin, e.end, damaged.moved.count(e.page) ? "!" : "");
+                    std::printf("\n");
+                }
                 if (!is_back && score.first_missing.empty()) score.first_missing = name + ": " + row.content;
             } else {
                 ++score.touched;

@@ -17,17 +17,15 @@ constexpr std::size_t kNextPointer = 4;
 
 }  // namespace
 
-void LongValueFinder::note_page(PageNumber page_no, const FoundPage& page) {
-    long_pages_.push_back(page_no);
-    if (page.stamp != 0) stamps_[page.stamp].push_back(page_no);
-}
+void LongValueFinder::note_page(PageNumber page_no) { long_pages_.push_back(page_no); }
 
 void LongValueFinder::note_reference(ByteSpan reference) {
     if (reference.size() < lv::kReference) return;
     const std::uint32_t head = jet::load_u32(reference, 0);
-    if ((head & lv::kKindMask) != lv::kSingle) return;
+    const std::size_t length = head & lv::kLengthMask;
     const RowId row = RowId::unpack(jet::load_u32(reference, 4));
-    references_[row.page].push_back({row.slot, head & lv::kLengthMask});
+    if ((head & lv::kKindMask) == lv::kSingle) references_[row.page].push_back({row.slot, head & lv::kLengthMask});
+    if ((head & lv::kKindMask) == 0) chains_.push_back({row, length, jet::load_u32(reference, 8)});
 }
 
 const LongValueFinder::CachedPage& LongValueFinder::load(PageNumber page_no) {
@@ -68,6 +66,11 @@ bool LongValueFinder::is_exactly(PageNumber page_no, const std::vector<Wanted>& 
 }
 
 void LongValueFinder::settle() {
+    settle_pages();
+    settle_chains();
+}
+
+void LongValueFinder::settle_pages() {
     for (const auto& [page_no, wanted] : references_) {
         if (2 * agreeing(page_no, wanted) < wanted.size()) distrusted_.insert(page_no);
     }
@@ -96,26 +99,120 @@ FoundLongValue LongValueFinder::read_single(RowId row, std::size_t length) {
     return {jet::ByteVector(bytes.begin(), bytes.end()), true};
 }
 
-FoundLongValue LongValueFinder::read_chain(RowId row, std::size_t length, std::uint32_t stamp) {
-    FoundLongValue value;
-    RowId next = row;
-    // The first page carries the stamp that its reference names, wherever it lies now.
-    const auto stamped = stamps_.find(stamp);
-    const bool is_in_its_place = next.page < pages_.page_count() && load(next.page).look.stamp == stamp;
-    if (stamp != 0 && !is_in_its_place && stamped != stamps_.end() && stamped->second.size() == 1) {
-        next.page = stamped->second.front();
+// The piece that begins a page's rows, where the page can be one of a chain.
+std::optional<LongValueFinder::Link> LongValueFinder::link_at(RowId row, std::uint32_t stamp) {
+    const ByteSpan bytes = piece(row);
+    if (bytes.size() <= kNextPointer || load(row.page).look.stamp != stamp) return std::nullopt;
+    return Link{row.page, bytes.size() - kNextPointer, RowId::unpack(jet::load_u32(bytes, 0))};
+}
+
+// What may stand for the page that a chain goes on with, the likeliest first.
+std::vector<LongValueFinder::Link> LongValueFinder::candidates(RowId expected, std::size_t left, std::uint32_t stamp,
+                                                               bool looks_elsewhere) {
+    std::vector<Link> found;
+    const auto fits = [&](const Link& link) {
+        return link.bytes <= left && (link.bytes == left) == link.next.is_null() && !chained_.contains(link.page);
+    };
+    if (expected.page < pages_.page_count()) {
+        if (const auto link = link_at(expected, stamp); link && fits(*link)) found.push_back(*link);
     }
-    for (bool is_first = true; value.bytes.size() < length; is_first = false) {
-        const ByteSpan bytes = piece(next);
-        const std::size_t left = length - value.bytes.size();
-        const bool is_right = bytes.size() > kNextPointer && bytes.size() - kNextPointer <= left &&
-                              load(next.page).look.stamp == (is_first ? stamp : 0);
-        if (!is_right || !chained_.insert(next.page).second) {
-            value.is_whole = false;
-            break;
+    if (!looks_elsewhere || expected.slot != 0) return found;
+    const std::size_t in_place = found.size();
+    for (const Link& link : stamp == 0 ? spare_links_ : spare_heads_) {
+        const bool is_head = stamp == 0 || load(link.page).look.stamp == stamp;
+        if (is_head && link.page != expected.page && fits(link)) found.push_back(link);
+    }
+    if (stamp != 0) return found;
+    // Pages of a chain mostly follow each other: one that leads to the page after the expected one is likely it.
+    const auto is_likely = [&](const Link& link) { return link.next.page == expected.page + 1; };
+    if (std::any_of(found.begin(), found.end(), is_likely)) {
+        std::erase_if(found, [&](const Link& link) { return !is_likely(link); });
+    }
+    // Of several last pages nobody can say which it is.
+    const bool is_last = left <= lv::kChainData;
+    if (is_last && in_place == 0 && found.size() > 1) found.clear();
+    return found;
+}
+
+// Depth first; false when the pages found do not add up to the value.
+bool LongValueFinder::follow(const Chain& chain, bool looks_elsewhere, std::vector<PageNumber>& path) {
+    struct Step {
+        std::vector<Link> choices;
+        std::size_t left = 0;
+        std::size_t tried = 0;
+    };
+    constexpr std::size_t kMostTries = 10000;
+    std::vector<Step> steps;
+    steps.push_back({candidates(chain.first, chain.length, chain.stamp, looks_elsewhere), chain.length});
+    for (std::size_t tries = 0; !steps.empty() && tries < kMostTries; ++tries) {
+        Step& step = steps.back();
+        if (step.tried == step.choices.size()) {
+            steps.pop_back();
+            if (!path.empty()) path.pop_back();
+            continue;
         }
-        jet::append_bytes(value.bytes, bytes.subspan(kNextPointer));
-        next = RowId::unpack(jet::load_u32(bytes, 0));
+        const Link link = step.choices[step.tried++];
+        if (std::find(path.begin(), path.end(), link.page) != path.end()) continue;
+        path.push_back(link.page);
+        const std::size_t left = step.left - link.bytes;
+        if (left == 0) return true;
+        steps.push_back({candidates(link.next, left, 0, looks_elsewhere), left});
+    }
+    path.clear();
+    return false;
+}
+
+// Pages of one full or last piece each that no chain has claimed.
+void LongValueFinder::find_spare_links() {
+    for (const PageNumber page : long_pages_) {
+        const FoundPage& look = load(page).look;
+        if (look.slots.size() != 1 || look.slots[0].number != 0 || chained_.contains(page)) continue;
+        const std::uint32_t stamp = look.stamp;
+        const auto link = link_at({page, 0}, stamp);
+        if (!link || (link->bytes != lv::kChainData && !link->next.is_null())) continue;
+        (stamp == 0 ? spare_links_ : spare_heads_).push_back(*link);
+    }
+}
+
+// First the chains that are where they should be; what they leave may be the missing pages of the others.
+void LongValueFinder::settle_chains() {
+    for (const bool looks_elsewhere : {false, true}) {
+        if (looks_elsewhere && !chains_.empty()) find_spare_links();
+        std::erase_if(chains_, [&](const Chain& chain) {
+            std::vector<PageNumber> path;
+            if (!follow(chain, looks_elsewhere, path)) return false;
+            chained_.insert(path.begin(), path.end());
+            paths_[std::uint64_t{chain.first.pack()} << 32 | chain.stamp] = std::move(path);
+            return true;
+        });
+    }
+    chains_.clear();
+}
+
+FoundLongValue LongValueFinder::read_chain(const Chain& chain) {
+    FoundLongValue value;
+    const auto known = paths_.find(std::uint64_t{chain.first.pack()} << 32 | chain.stamp);
+    if (known != paths_.end()) {
+        RowId row = chain.first;
+        for (const PageNumber page : known->second) {
+            const ByteSpan bytes = piece({page, row.slot});
+            jet::append_bytes(value.bytes, bytes.subspan(kNextPointer));
+            row = RowId::unpack(jet::load_u32(bytes, 0));
+        }
+        value.is_whole = value.bytes.size() == chain.length;
+        return value;
+    }
+    // The beginning, as far as it is there.
+    std::set<PageNumber> seen;
+    std::uint32_t stamp = chain.stamp;
+    for (RowId next = chain.first; value.bytes.size() < chain.length; stamp = 0) {
+        const auto link = next.page < pages_.page_count() ? link_at(next, stamp) : std::nullopt;
+        const bool is_right =
+            link && value.bytes.size() + link->bytes <= chain.length && !chained_.contains(link->page);
+        value.is_whole = is_right && seen.insert(link->page).second;
+        if (!value.is_whole) break;
+        jet::append_bytes(value.bytes, piece(next).subspan(kNextPointer));
+        next = link->next;
     }
     return value;
 }
@@ -131,7 +228,7 @@ FoundLongValue LongValueFinder::read(ByteSpan reference) {
             return {jet::ByteVector(bytes.begin(), bytes.end()), true};
         }
         case lv::kSingle: return read_single(row, length);
-        default: return read_chain(row, length, jet::load_u32(reference, 8));
+        default: return read_chain({row, length, jet::load_u32(reference, 8)});
     }
 }
 

@@ -86,7 +86,7 @@ void FileSurvey::note_pages() {
         if (!is_head && look.holds_rows) {
             const bool is_long = look.owner == jet::jet4::data::kLongValueOwner;
             notes_[page_no] = {is_long ? Kind::kLongValues : Kind::kRows, look.owner};
-            if (is_long) long_values_.note_page(page_no, look);
+            if (is_long) long_values_.note_page(page_no);
         } else if (is_definition_page(page)) {
             definition_pages_.push_back(page_no);
         }

@@ -1,16 +1,22 @@
 # The command-line tool. It contains the component and tells it the folder, so that it loads nothing from a studio; for
 # a look into a file it uses the engine directly, and what a record is made of it knows from the component's
-# declarations.
-file(GLOB kvdb_rescue_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/rescue/*.cpp)
-file(GLOB kvdb_tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
+# declarations. The command line is parsed by CLI11, headers alone: those of the machine that builds serve the Windows
+# tool too, and a folder of their own keeps the rest of its headers from that compiler.
+file(GLOB_RECURSE kvdb_tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
+# What the commands do, without the command line: tests use it in-process, beside a disk that fails.
+set(kvdb_tool_parts ${kvdb_tool_sources})
+list(FILTER kvdb_tool_parts EXCLUDE REGEX "/tools/(commands/.*|main|commands|command_line|declaration|help)\\.cpp$")
+find_path(KVDB_CLI11 CLI/CLI.hpp REQUIRED PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)
+file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/cli11)
+file(CREATE_LINK ${KVDB_CLI11}/CLI ${PROJECT_BINARY_DIR}/cli11/CLI SYMBOLIC)
 if(kvdb_tool_sources)
-    # Keeping and rescuing, without the command line: tests use it beside a disk that fails.
-    add_library(kvdb_rescue STATIC ${kvdb_rescue_sources} ${PROJECT_SOURCE_DIR}/tools/open_file.cpp
-        ${PROJECT_SOURCE_DIR}/tools/value_text.cpp)
-    target_link_libraries(kvdb_rescue PUBLIC kvdb_frame kvdb_options)
-    list(REMOVE_ITEM kvdb_tool_sources ${PROJECT_SOURCE_DIR}/tools/open_file.cpp ${PROJECT_SOURCE_DIR}/tools/value_text.cpp)
+    add_library(kvdb_tool_parts STATIC ${kvdb_tool_parts})
+    target_link_libraries(kvdb_tool_parts PUBLIC kvdb_frame kvdb_options)
+    list(REMOVE_ITEM kvdb_tool_sources ${kvdb_tool_parts})
     add_executable(kvdb_tool ${kvdb_tool_sources})
-    target_link_libraries(kvdb_tool PRIVATE kvdb_rescue kvdb_options)
+    target_link_libraries(kvdb_tool PRIVATE kvdb_tool_parts)
+    target_include_directories(kvdb_tool SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/cli11)
+    target_compile_definitions(kvdb_tool PRIVATE KVDB_VERSION="${PROJECT_VERSION}")
     if(WIN32)
         target_sources(kvdb_tool PRIVATE ${PROJECT_SOURCE_DIR}/db/string_table.rc)
         target_link_libraries(kvdb_tool PRIVATE shell32)

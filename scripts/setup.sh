@@ -30,6 +30,7 @@ has_package() {
         pkg-config) command -v pkg-config >/dev/null ;;
         libgtest-dev) has_header gtest/gtest.h ;;
         libgmock-dev) has_header gmock/gmock.h ;;
+        libcli11-dev) has_header CLI/CLI.hpp ;;
         libbenchmark-dev) has_header benchmark/benchmark.h ;;
         libsqlite3-dev) has_header sqlite3.h ;;
         mdbtools) command -v mdb-export >/dev/null ;;

@@ -7,7 +7,7 @@
 #include "db/values.h"
 #include "os/system.h"
 #include "studio/lookup_lists.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 
 namespace tools {
 namespace {

@@ -3,7 +3,7 @@
 #include <cstdio>
 
 #include "afx/damage.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 
 namespace tools {
 namespace {

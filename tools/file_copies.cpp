@@ -10,7 +10,7 @@
 #include "afx/ole_date_time.h"
 #include "jet/tables/database.h"
 #include "os/file.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/open_file.h"
 
 namespace tools {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "afx/dao_error.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/open_file.h"
 
 namespace tools {

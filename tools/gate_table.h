@@ -7,22 +7,14 @@
 #include <string>
 #include <vector>
 
+#include "tools/assignments.h"
 #include "tools/row_printer.h"
 #include "tools/studio.h"
 
 namespace tools {
 
-// member=value, as the user gave it.
-struct Assignment {
-    std::string member;
-    std::string value;
-};
-using Assignments = std::vector<Assignment>;
-
 // What is wrong with the words is a UsageError before the studio is touched; what the gate refuses, and a key
 // that is not there, is a CommandError.
-using RowVisitor = std::function<bool(const Row& row)>;
-
 class GateTable {
 public:
     virtual ~GateTable() = default;
@@ -46,10 +38,5 @@ const GateTable& gate_table(const std::string& name);
 
 // All rows that the enumeration gives.
 std::vector<Row> rows_of(const GateTable& table, Studio& studio, const Assignments& filter);
-
-// Whether two names of tables or members are the same: without regard to case.
-bool is_same_name(const std::string& a, const std::string& b);
-// "a, b, c"
-std::string listed(const Names& names);
 
 }  // namespace tools

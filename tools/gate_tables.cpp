@@ -297,7 +297,9 @@ const GateTable& gate_table(const std::string& name) {
         if (is_same_name(table->name(), name)) return *table;
         names.push_back(table->name());
     }
-    throw UsageError("no records in a table '" + name + "'; there are " + listed(names));
+    const std::string hint = suggestion(name, names);
+    throw UsageError("no records in a table '" + name + "'" + hint + (hint.empty() ? "; there are " : " There are ") +
+                     listed(names));
 }
 
 std::vector<Row> rows_of(const GateTable& table, Studio& studio, const Assignments& filter) {
@@ -307,16 +309,6 @@ std::vector<Row> rows_of(const GateTable& table, Studio& studio, const Assignmen
         return true;
     });
     return rows;
-}
-
-bool is_same_name(const std::string& a, const std::string& b) {
-    return jet::same_name(jet::from_utf8(a), jet::from_utf8(b));
-}
-
-std::string listed(const Names& names) {
-    std::string text;
-    for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
-    return text;
 }
 
 }  // namespace tools

@@ -7,8 +7,8 @@
 #include <optional>
 
 #include "os/system.h"
-#include "tools/arguments.h"
 #include "tools/column_limits.h"
+#include "tools/errors.h"
 
 namespace tools {
 namespace {

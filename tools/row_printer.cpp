@@ -36,11 +36,6 @@ std::size_t width_of(const std::string& utf8) {
 
 }  // namespace
 
-RowFormat row_format(const Arguments& arguments) {
-    if (arguments.has("--json") && arguments.has("--csv")) throw UsageError("--json and --csv exclude each other");
-    return arguments.has("--json") ? RowFormat::kJson : arguments.has("--csv") ? RowFormat::kCsv : RowFormat::kPlain;
-}
-
 RowPrinter::RowPrinter(RowFormat format, Names names) : format_(format), names_(std::move(names)) {}
 
 void RowPrinter::begin() {
@@ -66,6 +61,21 @@ void RowPrinter::print(const Row& row) {
 void RowPrinter::finish() {
     begin();
     if (format_ == RowFormat::kJson) output().write("\n]\n");
+}
+
+void print_rows(RowPrinter& printer, const std::function<void(const RowVisitor&)>& rows) {
+    bool any = false;
+    try {
+        rows([&](const Row& row) {
+            any = true;
+            printer.print(row);
+            return !output().is_lost();
+        });
+    } catch (const std::exception&) {
+        if (any) printer.finish();
+        throw;
+    }
+    printer.finish();
 }
 
 void print_record(RowFormat format, const Names& names, const Row& row) {

@@ -1,21 +1,21 @@
 // Rows of named values on standard output, in the forms that the commands offer.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "jet/base/types.h"
-#include "tools/arguments.h"
+#include "tools/names.h"
 
 namespace tools {
 
 using Row = std::vector<jet::Value>;
-using Names = std::vector<std::string>;
+
+// Takes a row; false when no more are wanted.
+using RowVisitor = std::function<bool(const Row& row)>;
 
 enum class RowFormat { kPlain, kCsv, kJson };
-
-// What --json and --csv ask for; UsageError for both at once.
-RowFormat row_format(const Arguments& arguments);
 
 // Row after row: plain with tabs between the values, CSV with a line of names, or one JSON array. Nothing is printed
 // before the first row or the end.
@@ -34,6 +34,10 @@ private:
     bool has_begun_ = false;
     bool any_ = false;
 };
+
+// Prints what `rows` gives to its argument, as long as somebody takes it. What came before a failure is printed as a
+// whole.
+void print_rows(RowPrinter& printer, const std::function<void(const RowVisitor&)>& rows);
 
 // One row by itself: a line per value, CSV, or one JSON object.
 void print_record(RowFormat format, const Names& names, const Row& row);

@@ -4,7 +4,7 @@
 #include "db/database_files.h"
 #include "db/session.h"
 #include "frame/entry_points.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/member_text.h"
 #include "tools/open_file.h"
 #include "tools/studio_files.h"

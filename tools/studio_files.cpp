@@ -7,7 +7,8 @@
 #include "db/content.h"
 #include "os/file.h"
 #include "os/system.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
+#include "tools/names.h"
 #include "tools/open_file.h"
 
 namespace tools {
@@ -34,15 +35,28 @@ std::optional<std::int32_t> header_value(jet::Database& database, const char* co
     return position ? number_of(row.value(*position)) : 0;
 }
 
-std::string full_path(const std::string& folder) {
+bool is_studio_file(const fs::path& path) {
+    const std::string name = path.filename().string();
+    return is_same_name(name, kStudioFile) || is_same_name(name, kInvoiceFile);
+}
+
+// Of a folder, or of one of its two files.
+std::string full_path(const std::string& place) {
     std::error_code error;
-    const fs::file_status status = fs::status(folder, error);
-    if (status.type() == fs::file_type::not_found) throw CommandError("there is no folder " + folder);
-    if (status.type() == fs::file_type::none) throw CommandError("cannot look at " + folder + ": " + error.message());
-    if (!fs::is_directory(status)) {
-        throw CommandError(folder + " is no folder; wanted is the one that holds sldb.mdb and kvinvdb.mdb");
+    const fs::file_status status = fs::status(place, error);
+    fs::path path = fs::absolute(place).lexically_normal();
+    if (status.type() == fs::file_type::not_found) {
+        throw CommandError("there is no folder " + place + "; wanted is the one that holds sldb.mdb and kvinvdb.mdb");
     }
-    fs::path path = fs::absolute(folder).lexically_normal();
+    if (status.type() == fs::file_type::none) throw CommandError("cannot look at " + place + ": " + error.message());
+    if (!fs::is_directory(status)) {
+        if (!is_studio_file(path)) {
+            throw CommandError(place +
+                               " is a file, and none of a studio's two; wanted is the folder that holds "
+                               "sldb.mdb and kvinvdb.mdb");
+        }
+        path = path.parent_path();
+    }
     if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();  // a separator at its end
     return path.string();
 }
@@ -139,8 +153,8 @@ bool StudioFile::has(const db::UpgradeStep& step) const {
 
 StudioFiles::StudioFiles(const std::string& folder)
     : folder_(full_path(folder)),
-      studio(folder_, "sldb.mdb", db::studio_upgrade(), db::studio_tables()),
-      invoices(folder_, "kvinvdb.mdb", db::invoice_upgrade(), db::invoice_tables()) {}
+      studio(folder_, kStudioFile, db::studio_upgrade(), db::studio_tables()),
+      invoices(folder_, kInvoiceFile, db::invoice_upgrade(), db::invoice_tables()) {}
 
 void StudioFiles::require_studio() const {
     if (studio.exists()) return;

@@ -84,9 +84,7 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
     return totals;
 }
 
-TEST(SalvageCorrupt, what_is_undamaged_comes_back_and_nothing_else) {
-    measure(4000, 30, 7);
-}
+TEST(SalvageCorrupt, what_is_undamaged_comes_back_and_nothing_else) { measure(4000, 30, 7); }
 
 TEST(SalvageMeasureSlow, fifty_thousand_rows_damaged_in_a_hundred_ways) { measure(50000, 100, 1); }
 

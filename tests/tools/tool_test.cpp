@@ -1,6 +1,7 @@
 // The command-line tool as a user meets it: what it prints, where, and its exit codes.
 #include <filesystem>
 
+#include "jet/tables/database.h"
 #include "tests/tools/tool_fixture.h"
 
 namespace {
@@ -50,11 +51,36 @@ TEST_F(Tool, info_on_a_folder_without_studio_fails_and_makes_nothing) {
     expect_failure(run("info " + in_quotes(studio_ + "/nowhere")), 1, "no folder");
 }
 
-TEST_F(Tool, file_in_place_of_the_folder_is_told) {
+TEST_F(Tool, one_of_the_two_files_stands_for_its_folder) {
     demo();
-    for (const std::string command : {"info ", "projects ", "upgrade "}) {
-        expect_failure(run(command + main_file()), 1, "sldb.mdb is no folder");
+    for (const std::string command : {"info", "projects", "upgrade"}) {
+        const Outcome by_folder = run(command + " " + in_quotes(studio_));
+        EXPECT_EQ(by_folder.code, 0) << by_folder.errors;
+        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+            const Outcome by_file = run(command + " " + in_quotes(file(name)));
+            EXPECT_EQ(by_file.code, 0) << by_file.errors;
+            EXPECT_EQ(by_file.out, by_folder.out);
+        }
     }
+    std::ofstream(scratch_.file("notes.txt")) << "no studio";
+    expect_failure(run("info " + in_quotes(scratch_.file("notes.txt"))), 1, "notes.txt is a file, and none of");
+}
+
+TEST_F(Tool, folder_stands_for_both_its_files) {
+    demo();
+    const std::string folder = in_quotes(studio_);
+    const std::string invoices = in_quotes(file("kvinvdb.mdb"));
+    EXPECT_EQ(run("tables " + folder).out, run("tables " + main_file()).out + run("tables " + invoices).out);
+    EXPECT_EQ(run("schema " + folder).out, run("schema " + main_file()).out + run("schema " + invoices).out);
+    EXPECT_EQ(run("rows " + folder + " Invoices").out, run("rows " + invoices + " Invoices").out);
+    EXPECT_EQ(run("rows " + folder + " Projects").out, run("rows " + main_file() + " Projects").out);
+    const Outcome check = run("check " + folder);
+    EXPECT_EQ(check.code, 0) << check.out;
+    EXPECT_NE(check.out.find("sldb.mdb: 0 violations"), std::string::npos) << check.out;
+    EXPECT_NE(check.out.find("kvinvdb.mdb: 0 violations"), std::string::npos) << check.out;
+    expect_failure(run("rows " + folder + " Invoces"), 1, "did you mean Invoices?");
+    std::filesystem::create_directory(scratch_.file("empty"));
+    expect_failure(run("tables " + in_quotes(scratch_.file("empty"))), 1, "no studio in");
 }
 
 TEST_F(Tool, missing_file_is_an_error_and_is_not_made) {
@@ -84,10 +110,20 @@ TEST_F(Tool, projects_filters_and_prints_json) {
     EXPECT_NE(none.out.find("0 projects"), std::string::npos);
 }
 
-TEST_F(Tool, engine_commands_read_a_file_and_ask_for_its_password) {
+TEST_F(Tool, studio_passwords_are_tried_and_another_one_is_asked_for) {
     demo();
-    expect_failure(run("tables " + main_file()), 1, "password");
+    for (const std::string command : {"tables", "schema", "check"}) {
+        const Outcome outcome = run(command + " " + main_file());
+        EXPECT_EQ(outcome.code, 0) << outcome.errors;
+        EXPECT_NE(outcome.out, "");
+    }
+    EXPECT_NE(run("rows " + main_file() + " Projects").out.find("Night Trains"), std::string::npos);
     expect_failure(run("rows " + main_file() + " Projects --password wrong"), 1, "password");
+    jet::CreateOptions create;
+    create.password = u"own";
+    jet::Database::create(scratch_.file("other.mdb"), create)->close();
+    expect_failure(run("tables " + in_quotes(scratch_.file("other.mdb"))), 1, "give it with --password");
+    EXPECT_EQ(run("tables " + in_quotes(scratch_.file("other.mdb")) + " --password own").code, 0);
     expect_failure(run("check " + in_quotes(studio_ + "/nothing.mdb")), 1, "nothing.mdb");
 }
 
@@ -139,6 +175,29 @@ TEST_F(Tool, help_is_everywhere_and_succeeds) {
         EXPECT_NE(outcome.out.find("kvdb " + command), std::string::npos);
         EXPECT_NE(run("--help").out.find("kvdb " + command), std::string::npos);
     }
+}
+
+TEST_F(Tool, help_tells_version_commands_and_options) {
+    EXPECT_EQ(run("--version").out.substr(0, 5), "kvdb ");
+    EXPECT_EQ(run("-h").out, run("--help").out);
+    EXPECT_EQ(run("help").out, run("--help").out);
+    for (const std::string command : {"list", "upgrade", "rows"}) {
+        const Outcome outcome = run("help " + command);
+        EXPECT_EQ(outcome.code, 0) << outcome.errors;
+        EXPECT_EQ(outcome.out, run(command + " -h").out);
+        EXPECT_EQ(outcome.out.find("usage: kvdb " + command), 0U) << outcome.out;
+    }
+    EXPECT_NE(run("help upgrade").out.find("--lower"), std::string::npos);
+    expect_failure(run("help lits"), 2, "did you mean list?");
+}
+
+TEST_F(Tool, mistyped_command_or_option_gets_a_suggestion) {
+    expect_failure(run("lst x Projects"), 2, "unknown command 'lst'; did you mean list?");
+    expect_failure(run("uprgade x"), 2, "did you mean upgrade?");
+    expect_failure(run("rows x Projects --jsn"), 2, "unknown option --jsn; did you mean --json?");
+    const Outcome far_off = run("xylophone");
+    expect_failure(far_off, 2, "unknown command 'xylophone'");
+    EXPECT_EQ(far_off.errors.find("did you mean"), std::string::npos) << far_off.errors;
 }
 
 TEST_F(Tool, what_is_not_understood_is_a_usage_error) {

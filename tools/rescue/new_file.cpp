@@ -3,7 +3,7 @@
 #include "jet/check/check.h"
 #include "os/draft.h"
 #include "os/file.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 
 namespace tools {
 namespace {

@@ -5,7 +5,7 @@
 #include "jet/base/jet4.h"
 #include "jet/pages/journal.h"
 #include "jet/pages/recovery.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/open_file.h"
 
 namespace tools {

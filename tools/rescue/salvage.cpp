@@ -9,7 +9,7 @@
 #include "db/schema_history.h"
 #include "jet/pages/header.h"
 #include "jet/storage/row_codec.h"
-#include "tools/arguments.h"
+#include "tools/errors.h"
 #include "tools/rescue/known_layouts.h"
 #include "tools/rescue/new_file.h"
 #include "tools/rescue/page_source.h"

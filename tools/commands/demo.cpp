@@ -2,8 +2,9 @@
 #include <filesystem>
 
 #include "jet/check/check.h"
-#include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
 #include "tools/gate_table.h"
 #include "tools/member_text.h"
 #include "tools/open_file.h"
@@ -301,16 +302,19 @@ void show_files(const StudioFiles& files) {
     }
 }
 
-}  // namespace
-
-int run_demo(const Words& words) {
-    const Arguments arguments(words, {}, {});
-    const auto& positional = arguments.expect(0, 1, "demo [FOLDER]");
+struct Options {
     std::string folder;
-    if (positional.empty()) {
+};
+
+void bind(Declaration& declare, Options& options) {
+    declare.optional_word("FOLDER", options.folder, "folder for the studio; without it, a new temporary one");
+}
+
+int run(const Options& options) {
+    std::string folder = options.folder;
+    if (folder.empty()) {
         folder = fresh_folder();
     } else {
-        folder = positional[0];
         std::error_code error;
         fs::create_directories(folder, error);
         if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
@@ -337,5 +341,10 @@ int run_demo(const Words& words) {
         folder.c_str(), keys.singer.c_str(), folder.c_str(), keys.song.c_str(), files.studio.path().c_str());
     return 0;
 }
+
+}  // namespace
+
+const Command kDemoCommand{"demo", kMoveGroup, "Make a studio, do a day's work on it, and show it.",
+                           declared<Options, bind, run>};
 
 }  // namespace tools

@@ -5,8 +5,9 @@
 
 #include "db/content.h"
 #include "os/file.h"
-#include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
 #include "tools/file_copies.h"
 #include "tools/gate_call.h"
 #include "tools/output.h"
@@ -136,14 +137,23 @@ std::string put_back(const Before& before) {
     throw CommandError(text + (trouble.empty() ? "; both files are as they were before" : trouble));
 }
 
-}  // namespace
+struct Options {
+    std::string folder;
+    bool no_copy = false;
+    bool lower = false;
+};
 
-int run_upgrade(const Words& words) {
-    const Arguments arguments(words, {"--no-copy", "--lower"}, {});
-    const StudioFiles files(arguments.expect(1, 1, "upgrade FOLDER [--no-copy] [--lower]")[0]);
+void bind(Declaration& declare, Options& options) {
+    declare.word("FOLDER", options.folder, "folder of the studio");
+    declare.flag("--no-copy", options.no_copy, "remove the copies when all is done");
+    declare.flag("--lower", options.lower, "take a newer studio down to this version, for good");
+}
+
+int run(const Options& options) {
+    const StudioFiles files(options.folder);
     files.require_studio();
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
-        refuse_what_cannot_be_upgraded(*file, arguments.has("--lower"));
+        refuse_what_cannot_be_upgraded(*file, options.lower);
     }
     Before studio(files.studio);
     Before invoices(files.invoices);
@@ -157,7 +167,7 @@ int run_upgrade(const Words& words) {
     for (Before* const before : {&studio, &invoices}) {
         if (!before->is_there) continue;
         before->copy = dated_copy(before->file.path());
-        if (arguments.has("--no-copy")) continue;
+        if (options.no_copy) continue;
         output().print("copy: %s%s\n", before->copy.path.c_str(), before->copy.is_new ? "" : " (it was there already)");
     }
     Failures failures(files);
@@ -174,9 +184,17 @@ int run_upgrade(const Words& words) {
                            ", but not all was done: " + failures.text() + "; the copies hold them as they were");
     }
     for (const Before* const before : {&studio, &invoices}) {
-        if (arguments.has("--no-copy") && before->copy.is_new) remove_closed(before->copy.path);
+        if (options.no_copy && before->copy.is_new) remove_closed(before->copy.path);
     }
     return 0;
 }
+
+}  // namespace
+
+const Command kUpgradeCommand{
+    "upgrade", kKeepGroup,
+    "Bring a studio up to date as a host's opening does, after dated copies of both files. Shows versions and rows "
+    "before and after. Where a step stops, both files are taken back from the copies.",
+    declared<Options, bind, run>};
 
 }  // namespace tools

@@ -2,13 +2,20 @@
 #include <cstdint>
 #include <filesystem>
 
-#include "tools/arguments.h"
 #include "tools/commands.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
 #include "tools/output.h"
 #include "tools/studio_files.h"
 
 namespace tools {
 namespace {
+
+struct Options {
+    std::string folder;
+};
+
+void bind(Declaration& declare, Options& options) { declare.folder(options.folder); }
 
 void print_plan(const StudioFile& file) {
     const std::vector<const char*> plan = file.upgrade_plan();
@@ -39,11 +46,8 @@ void print_file(const char* what, const StudioFile& file) {
     }
 }
 
-}  // namespace
-
-int run_info(const Words& words) {
-    const Arguments arguments(words, {}, {});
-    const StudioFiles files(arguments.expect(1, 1, "info FOLDER")[0]);
+int run(const Options& options) {
+    const StudioFiles files(options.folder);
     files.require_studio();
     output().print("schema version %s, colours %d and %d\n", files.studio.version_text().c_str(),
                    static_cast<int>(files.studio.header("Color1")), static_cast<int>(files.studio.header("Color2")));
@@ -52,5 +56,12 @@ int run_info(const Words& words) {
     if (!files.invoices.exists()) throw CommandError(files.invoices.path() + " is not there");
     return 0;
 }
+
+}  // namespace
+
+const Command kInfoCommand{
+    "info", kLookGroup,
+    "Print version, files, tables and rows of a studio, and what an upgrade would do. Changes nothing.",
+    declared<Options, bind, run>};
 
 }  // namespace tools

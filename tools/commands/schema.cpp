@@ -1,0 +1,88 @@
+// schema: the columns and indexes of a file's tables.
+#include "tools/commands.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
+#include "tools/open_file.h"
+#include "tools/output.h"
+
+namespace tools {
+namespace {
+
+struct Options {
+    std::string file;
+    std::string table;
+    std::optional<std::string> password;
+};
+
+void bind(Declaration& declare, Options& options) {
+    declare.file(options.file);
+    declare.optional_word("TABLE", options.table, "that table alone");
+    declare.password(options.password);
+}
+
+std::string type_text(const jet::ColumnDef& column) {
+    switch (column.type) {
+        case jet::ColumnType::kBoolean: return "boolean";
+        case jet::ColumnType::kByte: return "byte";
+        case jet::ColumnType::kInteger: return "integer";
+        case jet::ColumnType::kLong: return column.is_autonumber() ? "long auto-number" : "long";
+        case jet::ColumnType::kCurrency: return "currency";
+        case jet::ColumnType::kSingle: return "single";
+        case jet::ColumnType::kDouble: return "double";
+        case jet::ColumnType::kDate: return "date";
+        case jet::ColumnType::kBinary: return "binary(" + std::to_string(column.length_bytes) + ")";
+        case jet::ColumnType::kText: return "text(" + std::to_string(column.length_bytes / 2) + ")";
+        case jet::ColumnType::kOle: return "ole";
+        case jet::ColumnType::kMemo: return "memo";
+        case jet::ColumnType::kGuid: return "guid";
+        case jet::ColumnType::kNumeric:
+            return "numeric(" + std::to_string(column.precision) + "," + std::to_string(column.scale) + ")";
+        case jet::ColumnType::kFixedBinary: return "fixed binary(" + std::to_string(column.length_bytes) + ")";
+        case jet::ColumnType::kComplexId: return "complex";
+    }
+    return "type " + std::to_string(static_cast<int>(column.type));
+}
+
+void print_schema(const jet::TableDef& def) {
+    output().print("%s (%u rows)\n", jet::to_utf8(def.name).c_str(), def.row_count);
+    for (const jet::ColumnDef& column : def.columns) {
+        std::string notes;
+        const bool is_text = column.type == jet::ColumnType::kText || column.type == jet::ColumnType::kMemo;
+        if (is_text && !column.allow_zero_length) notes += ", no zero length";
+        if (column.required) notes += ", required";
+        output().print("  %-24s %s%s\n", jet::to_utf8(column.name).c_str(), type_text(column).c_str(), notes.c_str());
+    }
+    for (const jet::LogicalIndex& index : def.logical_indexes) {
+        output().print("  index %s%s:", jet::to_utf8(index.name).c_str(), index.type == 1 ? " (primary key)" : "");
+        if (index.real_index < def.real_indexes.size()) {
+            for (const jet::KeyColumn& key : def.real_indexes[index.real_index].columns) {
+                const auto position = def.column_by_number(key.column_number);
+                output().print(" %s%s", position ? jet::to_utf8(def.columns[*position].name).c_str() : "?",
+                               key.ascending ? "" : " desc");
+            }
+        }
+        output().print("\n");
+    }
+}
+
+int run(const Options& options) {
+    if (!options.table.empty()) {
+        print_schema(FoundTable(options.file, options.table, options.password).table().def());
+        return 0;
+    }
+    for (const std::string& file : jet_files_of(options.file)) {
+        const auto database = open_to_read(file, options.password);
+        for (const std::u16string& name : database->table_names()) {
+            if (const jet::Table* const table = database->find_table(name)) print_schema(table->def());
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+const Command kSchemaCommand{"schema", kLookGroup,
+                             "Print the columns and indexes of a Jet file's tables, or of one table.",
+                             declared<Options, bind, run>};
+
+}  // namespace tools

@@ -1,0 +1,24 @@
+// The help, from the commands' declarations.
+#pragma once
+
+#include <string>
+
+namespace CLI {
+class App;
+}
+
+namespace tools {
+
+inline constexpr const char* kProgramHelp = "kvdb: looks at, keeps, moves and rescues the data of a recording studio.";
+
+// "kvdb list FOLDER TABLE [--json] ..."
+std::string usage_line(const CLI::App& command);
+// Usage, sentences, and a line for each word and option.
+std::string help_of(const CLI::App& command);
+// All commands by group, each with its usage and its first sentence.
+std::string help_of_all(const CLI::App& tree);
+
+// The text in lines of at most `width` characters, each behind `indent` blanks.
+std::string wrapped(const std::string& text, std::size_t indent, std::size_t width);
+
+}  // namespace tools

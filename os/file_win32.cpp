@@ -346,6 +346,18 @@ public:
         fail("rename", fault == FileFault::kExists ? to : from, code);
     }
 
+    void replace(const std::string& from, const std::string& to) override {
+        require_usable("replace", from);
+        require_usable("replace", to);
+        const std::wstring wide_from = system_path(from);
+        const std::wstring wide_to = system_path(to);
+        const auto move = [&] {
+            return ::MoveFileExW(wide_from.c_str(), wide_to.c_str(),
+                                 MOVEFILE_WRITE_THROUGH | MOVEFILE_REPLACE_EXISTING) != 0;
+        };
+        if (!tried_again(wide_to, move)) fail("replace", to, ::GetLastError());
+    }
+
     std::string resolved(const std::string& path) override {
         if (path.empty() || path.find('\0') != std::string::npos || !is_link(system_path(path))) return path;
         const Handle handle(::CreateFileW(system_path(path).c_str(), 0,

@@ -4,9 +4,9 @@ namespace tools {
 
 std::span<const Command* const> all_commands() {
     static constexpr const Command* kCommands[] = {
-        &kInfoCommand,   &kListCommand, &kShowCommand,    &kProjectsCommand, &kTablesCommand,
-        &kSchemaCommand, &kRowsCommand, &kCheckCommand,   &kAddCommand,      &kSetCommand,
-        &kDeleteCommand, &kDemoCommand, &kUpgradeCommand, &kSalvageCommand,
+        &kInfoCommand,    &kListCommand,   &kShowCommand,    &kProjectsCommand, &kTablesCommand,  &kSchemaCommand,
+        &kRowsCommand,    &kCheckCommand,  &kAddCommand,     &kSetCommand,      &kDeleteCommand,  &kDemoCommand,
+        &kUpgradeCommand, &kBackupCommand, &kRestoreCommand, &kCompactCommand,  &kSalvageCommand, &kDiffCommand,
     };
     return kCommands;
 }

@@ -334,6 +334,25 @@ void for_each_damage(const Truth& truth, std::size_t count, std::uint32_t seed,
     }
 }
 
+namespace {
+
+// Whether each value is the other's, or a beginning of it, or Null in its place.
+bool is_cut_of(const std::string& content, const std::string& whole) {
+    std::size_t at = 0;
+    std::size_t from = 0;
+    while (at < whole.size() && from < content.size()) {
+        const std::string value = content.substr(from, content.find('\x1f', from) - from);
+        const std::string right = whole.substr(at, whole.find('\x1f', at) - at);
+        const bool is_lost = value.ends_with('-') && right.starts_with(value.substr(0, value.size() - 1) + "=");
+        if (!right.starts_with(value) && !is_lost) return false;
+        from += value.size() + 1;
+        at += right.size() + 1;
+    }
+    return at >= whole.size() && from >= content.size();
+}
+
+}  // namespace
+
 Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string& salvaged) {
     Score score;
     const auto found = rows_of(salvaged);
@@ -348,6 +367,7 @@ Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string
             }
         }
         std::vector<const TrueRow*> touched;
+        std::vector<const TrueRow*> missing;
         for (const TrueRow& row : rows) {
             const bool is_whole = is_undamaged(truth, damaged, row);
             const auto same = back.find(row.content);
@@ -356,13 +376,8 @@ Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string
             if (is_whole) {
                 ++score.undamaged;
                 score.came_back += is_back ? 1 : 0;
-                if (!is_back && std::getenv("KVDB_SALVAGE_LOUD") != nullptr) {
-                    std::printf("   missing %s %s:", name.c_str(), row.key.c_str());
-                    for (const Extent& e : row.extents)
-                        std::printf(" %u[%zu,%zu)%s", e.page, e.begin, e.end, damaged.moved.count(e.page) ? "!" : "");
-                    std::printf("\n");
-                }
                 if (!is_back && score.first_missing.empty()) score.first_missing = name + ": " + row.content;
+                if (!is_back) missing.push_back(&row);
             } else {
                 ++score.touched;
                 score.touched_back += is_back ? 1 : 0;
@@ -386,6 +401,13 @@ Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string
                 });
                 if (source != touched.end()) {
                     touched.erase(source);
+                    continue;
+                }
+                const auto whole = std::find_if(missing.begin(), missing.end(),
+                                                [&](const TrueRow* row) { return is_cut_of(content, row->content); });
+                if (whole != missing.end()) {
+                    missing.erase(whole);
+                    ++score.cut;
                     continue;
                 }
                 ++score.invented;

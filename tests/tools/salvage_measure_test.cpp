@@ -47,6 +47,9 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
     Totals totals;
     const bool is_loud = std::getenv("KVDB_SALVAGE_LOUD") != nullptr;
     for_each_damage(truth, damages, 1000 * seed, [&](const DamagedFile& damaged) {
+        if (const char* only = std::getenv("KVDB_ONLY");
+            only != nullptr && damaged.name.find(only) == std::string::npos)
+            return;
         SCOPED_TRACE(damaged.name);
         const std::string from = folder.file("damaged.mdb");
         const std::string to = folder.file("new.mdb");
@@ -59,9 +62,10 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
         const Score score = score_of(truth, damaged, to);
         if (is_loud) {
             std::printf(
-                "%-40.40s %.1f s undamaged %zu back %zu (%.4f) touched %zu back %zu invented %zu doubtful %zu\n",
+                "%-40.40s %.1f s undamaged %zu back %zu (%.4f) touched %zu back %zu cut %zu invented %zu doubtful "
+                "%zu\n",
                 damaged.name.c_str(), took.count(), score.undamaged, score.came_back, score.share(), score.touched,
-                score.touched_back, score.invented, report.doubtful());
+                score.touched_back, score.cut, score.invented, report.doubtful());
             if (!score.first_missing.empty()) std::printf("   missing %.300s\n", score.first_missing.c_str());
             if (!score.first_invented.empty()) std::printf("   invented %.300s\n", score.first_invented.c_str());
             std::fflush(stdout);

@@ -14,6 +14,7 @@ using jet::PageNumber;
 using jet::RowId;
 
 constexpr std::size_t kNextPointer = 4;
+constexpr PageNumber kNearPages = 64;
 
 }  // namespace
 
@@ -79,7 +80,9 @@ void LongValueFinder::settle_pages() {
         std::vector<PageNumber> found;
         for (const PageNumber candidate : long_pages_) {
             const bool is_free = !references_.contains(candidate) || distrusted_.contains(candidate);
-            if (is_free && is_exactly(candidate, references_.at(missing))) found.push_back(candidate);
+            // One length alone says little of a page that nobody else misses.
+            const bool is_telling = references_.at(missing).size() > 1 || distrusted_.contains(candidate);
+            if (is_free && is_telling && is_exactly(candidate, references_.at(missing))) found.push_back(candidate);
         }
         if (found.size() == 1) displaced_[missing] = found.front();
     }
@@ -123,14 +126,18 @@ std::vector<LongValueFinder::Link> LongValueFinder::candidates(RowId expected, s
         if (is_head && link.page != expected.page && fits(link)) found.push_back(link);
     }
     if (stamp != 0) return found;
-    // Pages of a chain mostly follow each other: one that leads to the page after the expected one is likely it.
-    const auto is_likely = [&](const Link& link) { return link.next.page == expected.page + 1; };
-    if (std::any_of(found.begin(), found.end(), is_likely)) {
-        std::erase_if(found, [&](const Link& link) { return !is_likely(link); });
-    }
+    // Pages of a chain follow each other closely, as they were given out. What leads elsewhere is likely another's.
+    const auto gap = [&](const Link& link) { return link.next.page - expected.page; };
+    std::erase_if(found, [&](const Link& link) {
+        return !link.next.is_null() && (link.next.page <= expected.page || gap(link) > kNearPages);
+    });
+    std::stable_sort(found.begin(), found.end(), [&](const Link& a, const Link& b) {
+        return !a.next.is_null() && !b.next.is_null() && gap(a) < gap(b);
+    });
+    if (!found.empty() && !found.front().next.is_null()) found.resize(1);
     // Of several last pages nobody can say which it is.
-    const bool is_last = left <= lv::kChainData;
-    if (is_last && in_place == 0 && found.size() > 1) found.clear();
+    if (found.size() > 1 && in_place == 0) found.clear();
+    if (found.size() > 1) found.resize(1);
     return found;
 }
 
@@ -176,15 +183,23 @@ void LongValueFinder::find_spare_links() {
 
 // First the chains that are where they should be; what they leave may be the missing pages of the others.
 void LongValueFinder::settle_chains() {
-    for (const bool looks_elsewhere : {false, true}) {
-        if (looks_elsewhere && !chains_.empty()) find_spare_links();
-        std::erase_if(chains_, [&](const Chain& chain) {
+    const auto settle_some = [&](bool looks_elsewhere) {
+        return std::erase_if(chains_, [&](const Chain& chain) {
             std::vector<PageNumber> path;
             if (!follow(chain, looks_elsewhere, path)) return false;
             chained_.insert(path.begin(), path.end());
             paths_[std::uint64_t{chain.first.pack()} << 32 | chain.stamp] = std::move(path);
             return true;
         });
+    };
+    settle_some(false);
+    if (chains_.empty()) return;
+    find_spare_links();
+    // Each chain that is found leaves less to choose from.
+    while (settle_some(true) > 0) {
+        const auto is_claimed = [&](const Link& link) { return chained_.contains(link.page); };
+        std::erase_if(spare_links_, is_claimed);
+        std::erase_if(spare_heads_, is_claimed);
     }
     chains_.clear();
 }

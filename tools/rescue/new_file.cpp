@@ -4,27 +4,21 @@
 #include "os/draft.h"
 #include "os/file.h"
 #include "tools/errors.h"
+#include "tools/rescue/checked_copy.h"
 
 namespace tools {
 namespace {
 
 constexpr std::size_t kRowsOfATransaction = 500;
 
-void remove_quietly(const std::string& path) {
-    try {
-        if (os::file_system().exists(path)) os::file_system().remove(path);
-    } catch (const os::FileError&) {
-        // It is in nobody's way: the next attempt clears it.
-    }
-}
-
 }  // namespace
 
-NewFile::NewFile(const std::string& path, const std::u16string& password) : path_(path), draft_(os::draft_name(path)) {
-    if (os::file_system().exists(path)) throw CommandError(path + " is there already; nothing is written over it");
+NewFile::NewFile(const std::string& path, const jet::CreateOptions& options, Place place)
+    : path_(path), draft_(os::draft_name(path)), place_(place) {
+    if (place == Place::kNew && os::file_system().exists(path)) {
+        throw CommandError(path + " is there already; nothing is written over it");
+    }
     os::clear_drafts(path);
-    jet::CreateOptions options;
-    options.password = password;
     database_ = jet::Database::create(draft_, options);
 }
 
@@ -56,8 +50,9 @@ jet::RowId NewFile::insert(jet::Table& table, std::vector<jet::Value> values) {
 }
 
 void NewFile::commit() {
-    if (filling_) filling_->commit();
-    filling_.reset();
+    // Over either way, should the disk refuse.
+    const std::unique_ptr<jet::Transaction> filled = std::move(filling_);
+    if (filled) filled->commit();
     waiting_ = 0;
 }
 
@@ -73,7 +68,8 @@ void NewFile::finish() {
 
 void NewFile::publish() {
     try {
-        os::file_system().rename(draft_, path_);
+        if (place_ == Place::kNew) os::file_system().rename(draft_, path_);
+        if (place_ == Place::kReplace) os::file_system().replace(draft_, path_);
     } catch (const os::FileError& error) {
         if (error.fault() != os::FileFault::kExists) throw;
         throw CommandError(path_ + " has come to be there meanwhile; nothing is written over it");

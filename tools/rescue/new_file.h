@@ -11,8 +11,12 @@ namespace tools {
 
 class NewFile {
 public:
-    // CommandError when `path` is there. The draft lies beside it.
-    NewFile(const std::string& path, const std::u16string& password);
+    enum class Place {
+        kNew,      // CommandError when `path` is there
+        kReplace,  // it takes the place of the file that is there, in one step
+    };
+    // The draft lies beside `path`.
+    NewFile(const std::string& path, const jet::CreateOptions& options, Place place = Place::kNew);
     // Takes the draft away, unless it was published.
     ~NewFile();
     NewFile(const NewFile&) = delete;
@@ -23,21 +27,22 @@ public:
 
     // Says which number a table gives next, less one. Before the table is first used.
     void set_last_number(std::u16string_view table, std::int32_t number);
-    // Rows are added in one transaction for each some hundreds.
+    // Adds a row, in one transaction with some hundreds of others.
     jet::RowId insert(jet::Table& table, std::vector<jet::Value> values);
 
+    // Commits what was inserted.
+    void commit();
     // Closes the draft and looks at it with the structural check; CommandError where that finds fault.
     void finish();
     // Gives it its name. CommandError when that is taken meanwhile.
     void publish();
 
 private:
-    void commit();
-
     std::string path_;
     std::string draft_;
     std::unique_ptr<jet::Database> database_;
     std::unique_ptr<jet::Transaction> filling_;
+    Place place_;
     std::size_t waiting_ = 0;
     bool is_published_ = false;
 };

@@ -70,7 +70,9 @@ public:
         if (!is_anything && survey_.tables().empty()) {
             throw CommandError("nothing of " + pages_.path() + " can be read as a table; no file was made");
         }
-        NewFile file(to_, password());
+        jet::CreateOptions options;
+        options.password = password();
+        NewFile file(to_, options);
         make_tables(file);
         for (std::size_t i = 0; i < facts_.size(); ++i) copy_rows(file, i);
         mend_header(file);

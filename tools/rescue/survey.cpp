@@ -137,8 +137,14 @@ void FileSurvey::add_defined_tables() {
         const auto object = catalogue_.find(page);
         const bool is_listed = object != catalogue_.end();
         if (is_listed && (object->second.is_system() || object->second.type != 1)) continue;
-        // A table that was given up: nobody names it, and its page may be used again.
-        if (!is_listed && has_catalogue_ && free_pages && (*free_pages)[page]) continue;
+        const bool has_rows = std::any_of(notes_.begin(), notes_.end(), [&, owner = page](const PageNote& note) {
+            return note.kind == Kind::kRows && note.owner == owner;
+        });
+        // A table that was given up, or a definition that has come to lie on the page of another one.
+        if (!is_listed && has_catalogue_ && (!has_rows || (free_pages && (*free_pages)[page]))) {
+            strays_.push_back(def);
+            continue;
+        }
         SurveyedTable table;
         table.page = page;
         table.def = def;
@@ -149,6 +155,12 @@ void FileSurvey::add_defined_tables() {
 
 bool FileSurvey::is_taken(const db::TableSchema* schema) const {
     return std::any_of(tables_.begin(), tables_.end(), [&](const SurveyedTable& t) { return t.schema == schema; });
+}
+
+bool FileSurvey::is_listed(const db::TableSchema* schema) const {
+    return std::any_of(catalogue_.begin(), catalogue_.end(), [&](const auto& object) {
+        return object.second.type == 1 && jet::same_name(object.second.name, jet::from_utf8(schema->name));
+    });
 }
 
 void FileSurvey::name_by_schema() {
@@ -255,6 +267,18 @@ void FileSurvey::add_undefined_tables() {
         const LayoutGuess guess =
             table.schema != nullptr ? best_layout(table.rows, *studio_file_, *table.schema) : LayoutGuess{};
         if (guess.layout == nullptr || guess.share < 0.5) {
+            const auto stray = std::find_if(strays_.begin(), strays_.end(),
+                                            [&](const TableDef& def) { return share_of_rows(table.rows, def) >= 0.9; });
+            if (stray != strays_.end() && table.object != nullptr) {
+                SurveyedTable found;
+                found.page = table.page;
+                found.def = *stray;
+                found.def.page = table.page;
+                found.def.name = table.object->name;
+                found.is_rebuilt = true;
+                tables_.push_back(std::move(found));
+                continue;
+            }
             OrphanedRows orphan;
             orphan.owner = table.page;
             if (table.object != nullptr) orphan.name = table.object->name;
@@ -282,7 +306,11 @@ void FileSurvey::prefer_known_layouts() {
         const LayoutGuess guess = best_layout(rows, *studio_file_, *table.schema);
         const bool fits_better = guess.layout != nullptr && guess.share >= 0.9 && own < guess.share;
         const KnownLayout* const twin = twin_layout(table.def, *studio_file_, *table.schema);
-        const KnownLayout* const right = fits_better ? guess.layout : twin;
+        // Without rows to tell, another table's definition stands here.
+        const bool is_another = rows.empty() && !has_columns_of(table.def, *studio_file_, *table.schema);
+        const KnownLayout* const right = fits_better  ? guess.layout
+                                         : is_another ? newest_layout(*studio_file_, *table.schema)
+                                                      : twin;
         if (right == nullptr) continue;
         TableDef mended = right->def;
         mended.page = table.page;

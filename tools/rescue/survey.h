@@ -73,6 +73,7 @@ private:
     void drop_given_up_pages();
 
     std::size_t index_of(jet::PageNumber owner) const;
+    bool is_listed(const db::TableSchema* schema) const;
     bool is_taken(const db::TableSchema* schema) const;
     std::vector<jet::ByteVector> sample_rows(jet::PageNumber owner) const;
     std::optional<std::size_t> best_table(jet::PageNumber page_no) const;
@@ -84,6 +85,7 @@ private:
     std::map<jet::PageNumber, jet::TableDef> definitions_;
     FoundCatalogue catalogue_;
     bool has_catalogue_ = false;
+    std::vector<jet::TableDef> strays_;  // definitions of no table that the catalogue knows
     std::optional<db::DatabaseFile> studio_file_;
     std::vector<SurveyedTable> tables_;
     std::vector<OrphanedRows> orphans_;

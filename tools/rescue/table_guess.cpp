@@ -67,6 +67,14 @@ const KnownLayout* twin_layout(const TableDef& def, db::DatabaseFile file, const
     return twin;
 }
 
+const KnownLayout* newest_layout(db::DatabaseFile file, const db::TableSchema& table) {
+    const KnownLayout* newest = nullptr;
+    for_each_layout(file, table, [&](const KnownLayout& layout) {
+        if (newest == nullptr) newest = &layout;
+    });
+    return newest;
+}
+
 double share_of_rows(const std::vector<jet::ByteVector>& rows, const TableDef& def) {
     if (rows.empty()) return 0;
     const auto exact = std::count_if(rows.begin(), rows.end(),

@@ -18,6 +18,8 @@ bool is_known_layout(const jet::TableDef& def, db::DatabaseFile file, const db::
 // The layout that lies in a row exactly as the definition does, with most of the names; null for none.
 const KnownLayout* twin_layout(const jet::TableDef& def, db::DatabaseFile file, const db::TableSchema& table);
 
+const KnownLayout* newest_layout(db::DatabaseFile file, const db::TableSchema& table);
+
 // How many of the rows are exactly rows of the definition, 0 to 1; 0 without rows.
 double share_of_rows(const std::vector<jet::ByteVector>& rows, const jet::TableDef& def);
 

@@ -50,6 +50,9 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
         if (const char* only = std::getenv("KVDB_ONLY");
             only != nullptr && damaged.name.find(only) == std::string::npos)
             return;
+        if (const char* only = std::getenv("KVDB_ONLY");
+            only != nullptr && damaged.name.find(only) == std::string::npos)
+            return;
         SCOPED_TRACE(damaged.name);
         const std::string from = folder.file("damaged.mdb");
         const std::string to = folder.file("new.mdb");

@@ -120,7 +120,6 @@ std::vector<LongValueFinder::Link> LongValueFinder::candidates(RowId expected, s
         if (const auto link = link_at(expected, stamp); link && fits(*link)) found.push_back(*link);
     }
     if (!looks_elsewhere || expected.slot != 0) return found;
-    const std::size_t in_place = found.size();
     for (const Link& link : stamp == 0 ? spare_links_ : spare_heads_) {
         const bool is_head = stamp == 0 || load(link.page).look.stamp == stamp;
         if (is_head && link.page != expected.page && fits(link)) found.push_back(link);
@@ -135,8 +134,9 @@ std::vector<LongValueFinder::Link> LongValueFinder::candidates(RowId expected, s
         return !a.next.is_null() && !b.next.is_null() && gap(a) < gap(b);
     });
     if (!found.empty() && !found.front().next.is_null()) found.resize(1);
-    // Of several last pages nobody can say which it is.
-    if (found.size() > 1 && in_place == 0) found.clear();
+    // Of several last pages nobody can say which it is, unless one is where it should be.
+    const bool is_in_place = !found.empty() && found.front().page == expected.page;
+    if (found.size() > 1 && !is_in_place) found.clear();
     if (found.size() > 1) found.resize(1);
     return found;
 }
@@ -222,8 +222,11 @@ FoundLongValue LongValueFinder::read_chain(const Chain& chain) {
     std::uint32_t stamp = chain.stamp;
     for (RowId next = chain.first; value.bytes.size() < chain.length; stamp = 0) {
         const auto link = next.page < pages_.page_count() ? link_at(next, stamp) : std::nullopt;
-        const bool is_right =
-            link && value.bytes.size() + link->bytes <= chain.length && !chained_.contains(link->page);
+        // A page that leads far away is another chain's.
+        const std::size_t left = chain.length - value.bytes.size();
+        const bool is_near = link && link->next.page > next.page && link->next.page - next.page <= kNearPages;
+        const bool is_right = link && !chained_.contains(link->page) &&
+                              (link->next.is_null() ? link->bytes == left : link->bytes < left && is_near);
         value.is_whole = is_right && seen.insert(link->page).second;
         if (!value.is_whole) break;
         jet::append_bytes(value.bytes, piece(next).subspan(kNextPointer));

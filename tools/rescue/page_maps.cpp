@@ -24,8 +24,7 @@ std::optional<std::vector<bool>> read_page_map(const PageSource& pages, jet::Row
     if (row.is_null() || row.page >= pages.page_count()) return std::nullopt;
     const jet::ByteVector page = pages.page(row.page);
     const FoundPage found = look_at_page(page, pages.present(row.page));
-    const bool is_map_page = found.owner == jet::jet4::data::kUsageMapOwner || row.page == jet::jet4::kGlobalMapPage;
-    if (!found.holds_rows || !is_map_page) return std::nullopt;
+    if (!found.holds_rows) return std::nullopt;
     for (const FoundSlot& slot : found.slots) {
         if (slot.number != row.slot) continue;
         if (slot.flags != 0 || !slot.is_placed || slot.end - slot.begin < usage::kBitmap) return std::nullopt;

@@ -27,6 +27,7 @@ struct PageFit {
     std::size_t live = 0;
     std::size_t possible = 0;
     std::size_t exact = 0;
+    std::size_t full = 0;  // of these, with every column that the table has had
 };
 
 PageFit fit_of(const ByteVector& page, const FoundPage& look, const TableDef& def) {
@@ -34,9 +35,11 @@ PageFit fit_of(const ByteVector& page, const FoundPage& look, const TableDef& de
     for (const FoundSlot& slot : look.slots) {
         if (slot.is_deleted() || slot.is_pointer() || !slot.is_placed || slot.begin == slot.end) continue;
         ++fit.live;
-        const Fit row = take_apart(ByteSpan(page).subspan(slot.begin, slot.end - slot.begin), def).fit;
+        const ByteSpan bytes = ByteSpan(page).subspan(slot.begin, slot.end - slot.begin);
+        const Fit row = take_apart(bytes, def).fit;
         if (row != Fit::kNone) ++fit.possible;
         if (row == Fit::kExact) ++fit.exact;
+        if (row == Fit::kExact && jet::load_u16(bytes, 0) == def.max_columns) ++fit.full;
     }
     return fit;
 }
@@ -234,7 +237,13 @@ void FileSurvey::add_undefined_tables() {
         if (is_listed && (object->second.is_system() || object->second.type != 1)) continue;
         // A single page of an owner that nobody knows is more likely one with a damaged head.
         if (owner >= notes_.size() || (!is_listed && count < 2 && has_catalogue_)) continue;
-        lost.push_back({owner, is_listed ? &object->second : nullptr, sample_rows(owner)});
+        std::vector<ByteVector> rows = sample_rows(owner);
+        // So are several whose rows are those of a table that is there.
+        const bool is_of_another = std::any_of(tables_.begin(), tables_.end(), [&](const SurveyedTable& t) {
+            return t.def.columns.size() >= 3 && share_of_rows(rows, t.def) >= 0.8;
+        });
+        if (!is_listed && has_catalogue_ && is_of_another) continue;
+        lost.push_back({owner, is_listed ? &object->second : nullptr, std::move(rows)});
     }
     std::vector<const db::TableSchema*> open;
     if (studio_file_) {
@@ -362,12 +371,16 @@ std::optional<std::size_t> FileSurvey::best_table(PageNumber page_no) const {
     const ByteVector page = pages_.page(page_no);
     const FoundPage look = look_at_page(page, pages_.present(page_no));
     std::vector<std::size_t> fitting;
+    std::vector<std::size_t> full;
     for (std::size_t i = 0; i < tables_.size(); ++i) {
         const PageFit fit = fit_of(page, look, tables_[i].def);
         if (fit.live == 0 || 10 * fit.exact < 8 * fit.live) continue;
         if (tables_[i].owned && (*tables_[i].owned)[page_no]) return i;
         fitting.push_back(i);
+        if (10 * fit.full >= 8 * fit.live) full.push_back(i);
     }
+    // Rows of before a column was added fit many; those of today fit best.
+    if (!full.empty()) fitting = full;
     // Rows of one or two columns fit too much.
     if (fitting.size() != 1 || tables_[fitting.front()].def.columns.size() < 3) return std::nullopt;
     return fitting.front();

@@ -47,12 +47,6 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
     Totals totals;
     const bool is_loud = std::getenv("KVDB_SALVAGE_LOUD") != nullptr;
     for_each_damage(truth, damages, 1000 * seed, [&](const DamagedFile& damaged) {
-        if (const char* only = std::getenv("KVDB_ONLY");
-            only != nullptr && damaged.name.find(only) == std::string::npos)
-            return;
-        if (const char* only = std::getenv("KVDB_ONLY");
-            only != nullptr && damaged.name.find(only) == std::string::npos)
-            return;
         SCOPED_TRACE(damaged.name);
         const std::string from = folder.file("damaged.mdb");
         const std::string to = folder.file("new.mdb");

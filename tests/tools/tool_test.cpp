@@ -139,8 +139,8 @@ TEST_F(Tool, check_tells_sound_files_from_others) {
     EXPECT_EQ(sound.code, 0) << sound.out;
     EXPECT_NE(sound.out.find(": sound\n"), std::string::npos) << sound.out;
     const Outcome leaky = run("check " + in_quotes(KVDB_SAMPLES "/testV2000.mdb"));
-    EXPECT_EQ(leaky.code, 1);
-    EXPECT_NE(leaky.out.find("page 34: page-leaked"), std::string::npos) << leaky.out;
+    EXPECT_EQ(leaky.code, 0) << "what Access leaves behind is no damage";
+    EXPECT_NE(leaky.out.find("page-leaked (693)"), std::string::npos) << leaky.out;
 }
 
 TEST_F(Tool, engine_commands_show_tables_columns_and_rows) {

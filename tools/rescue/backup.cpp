@@ -37,11 +37,21 @@ std::string path_in(const std::string& folder, const char* file, const std::stri
     return os::join_path(folder, stem_of(file) + "-" + set + std::string(kEnding));
 }
 
+// None where there is no such folder.
+std::vector<std::string> names_beginning(const std::string& begin) {
+    try {
+        return os::file_system().longer_names(begin);
+    } catch (const os::FileError& error) {
+        if (error.fault() == os::FileFault::kNotFound || error.fault() == os::FileFault::kBadPath) return {};
+        throw;
+    }
+}
+
 // Names of the sets that have this one of the two files.
 std::vector<std::string> sets_with(const std::string& folder, const char* file) {
     const std::string begin = os::join_path(folder, stem_of(file) + "-");
     std::vector<std::string> sets;
-    for (const std::string& path : os::file_system().longer_names(begin)) {
+    for (const std::string& path : names_beginning(begin)) {
         if (!path.ends_with(kEnding)) continue;
         const std::string name = path.substr(begin.size(), path.size() - begin.size() - kEnding.size());
         if (is_set_name(name)) sets.push_back(name);
@@ -66,7 +76,7 @@ BackupSet set_in(const std::string& folder, const std::string& name) {
 // What an interrupted backup or restore has left: drafts, and a file whose set has no studio.
 void clear_leftovers(const std::string& folder, bool removes_files) {
     for (const char* const file : {kStudioFile, kInvoiceFile}) {
-        for (const std::string& path : os::file_system().longer_names(os::join_path(folder, stem_of(file) + "-"))) {
+        for (const std::string& path : names_beginning(os::join_path(folder, stem_of(file) + "-"))) {
             const std::size_t draft = path.find(".mdb-new-");
             if (draft != std::string::npos) os::clear_drafts(path.substr(0, draft + kEnding.size()));
         }
@@ -102,23 +112,20 @@ void publish(const std::string& draft, const std::string& path) {
     os::file_system().sync_folder_of(path);
 }
 
-// Opens the file as a host does, so that a journal comes into it; false for one that cannot be opened.
-bool bring_up_to_date(const std::string& path) {
+// Opens the file as a host does, so that a journal comes into it, where it can be opened.
+void bring_up_to_date(const std::string& path) {
     jet::OpenOptions options;
     options.ignore_password = true;
     try {
         jet::Database::open(path, options)->close();
-        return true;
     } catch (const jet::Error& error) {
         if (is_in_use(error.number())) throw CommandError(in_use_text(path));
-        return false;
     }
 }
 
 // A copy of what is there beside it, with its journal where that could not be brought in. "" where there is no file.
 std::string keep_present(const std::string& path, const std::string& now) {
     if (!exists(path)) return {};
-    bring_up_to_date(path);
     const std::string stem = path.substr(0, path.size() - kEnding.size());
     std::string kept = stem + "-before-restore-" + now + std::string(kEnding);
     for (int n = 2; exists(kept); ++n)
@@ -225,6 +232,10 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
             part.to = os::file_system().resolved(part.to);
             os::clear_drafts(part.to);
             part.draft = write_checked_draft(PageSource(part.from), part.to);
+        }
+        // Whether somebody has one of them open is seen before anything is made of either.
+        for (const Part& part : parts) {
+            if (exists(part.to)) bring_up_to_date(part.to);
         }
         for (Part& part : parts) part.kept = keep_present(part.to, now);
         for (Part& part : parts) {

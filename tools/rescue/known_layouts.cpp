@@ -17,6 +17,7 @@ using jet::ColumnDef;
 using jet::ColumnType;
 
 constexpr std::uint16_t kTextBytes = 510;
+constexpr std::int32_t kOldest = 100000;
 
 ColumnType type_of(FieldKind kind) {
     switch (kind) {
@@ -121,7 +122,7 @@ KnownLayout make_layout(DatabaseFile file, const TableSchema& table, const Origi
         if (!has(too_late, name)) maker.add(name, db::find_field(table, name)->kind);
     }
     if (origin.date != TextDate::kNone && origin.now >= 200000) maker.remove(removed->field);
-    return {&table, maker.def()};
+    return {&table, maker.def(), {origin.now}};
 }
 
 bool is_same_layout(const jet::TableDef& a, const jet::TableDef& b) {
@@ -133,7 +134,7 @@ bool is_same_layout(const jet::TableDef& a, const jet::TableDef& b) {
 }
 
 std::vector<KnownLayout> make_layouts(DatabaseFile file) {
-    std::vector<std::int32_t> versions{100000};
+    std::vector<std::int32_t> versions{kOldest};
     for (const db::VersionAdditions& version : db::schema_history()) versions.push_back(version.version);
     std::vector<KnownLayout> layouts;
     for (const TableSchema* const table : known_tables(file)) {
@@ -141,7 +142,9 @@ std::vector<KnownLayout> make_layouts(DatabaseFile file) {
         const auto add = [&](const Origin& origin) {
             KnownLayout layout = make_layout(file, *table, origin);
             for (std::size_t i = first; i < layouts.size(); ++i) {
-                if (is_same_layout(layouts[i].def, layout.def)) return;
+                if (!is_same_layout(layouts[i].def, layout.def)) continue;
+                layouts[i].versions.push_back(origin.now);
+                return;
             }
             layouts.push_back(std::move(layout));
         };
@@ -159,6 +162,14 @@ std::vector<KnownLayout> make_layouts(DatabaseFile file) {
 }
 
 }  // namespace
+
+std::int32_t history_version(std::int32_t version) {
+    std::int32_t at = kOldest;
+    for (const db::VersionAdditions& additions : db::schema_history()) {
+        if (additions.version <= version) at = additions.version;
+    }
+    return at;
+}
 
 const std::vector<KnownLayout>& known_layouts(DatabaseFile file) {
     static const std::vector<KnownLayout> kMain = make_layouts(DatabaseFile::kMain);

@@ -16,8 +16,11 @@ struct KnownLayout {
     const db::TableSchema* table = nullptr;
     // Its page, maps and counts are unset.
     jet::TableDef def;
+    std::vector<std::int32_t> versions;  // of the files that have it so, as history_version() gives them
 };
 
+// The version of the schema's history that a file of that version stands at; 100000 for the oldest.
+std::int32_t history_version(std::int32_t version);
 // All ways in which the tables of that file may be laid out, table by table in the order of creation.
 const std::vector<KnownLayout>& known_layouts(db::DatabaseFile file);
 // The columns of a table in a file that was created by that version.

@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <set>
 
+#include "db/content.h"
+#include "db/schema_history.h"
 #include "jet/schema/properties.h"
 #include "tools/rescue/found_row.h"
 #include "tools/rescue/page_maps.h"
@@ -62,6 +64,7 @@ FileSurvey::FileSurvey(const PageSource& pages) : pages_(pages), long_values_(pa
     note_pages();
     read_schema();
     find_studio_file();
+    if (studio_file_) find_version();
     add_defined_tables();
     if (studio_file_) name_by_schema();
     add_undefined_tables();
@@ -131,6 +134,41 @@ void FileSurvey::find_studio_file() {
     const std::string name = std::filesystem::path(pages_.path()).filename().string();
     if (name.starts_with("sldb")) studio_file_ = DatabaseFile::kMain;
     if (name.starts_with("kvinvdb")) studio_file_ = DatabaseFile::kInvoice;
+}
+
+// By the row of the header's table, else by the tables that the catalogue and the definitions know.
+void FileSurvey::find_version() {
+    const auto tables = *studio_file_ == DatabaseFile::kMain ? db::studio_tables() : db::invoice_tables();
+    const db::TableSchema& header = *db::find_table(tables, "DBHeader");
+    const TableDef layout = layout_at(*studio_file_, header, db::kCurrentVersion);
+    const auto try_rows_of = [&](PageNumber owner) {
+        for (const ByteVector& bytes : sample_rows(owner)) {
+            const FoundRow row = take_apart(bytes, layout);
+            const auto column = layout.find_column(u"DBversion");
+            if (row.fit == Fit::kNone || !column || !row.stored[*column]) continue;
+            const std::int32_t stored = jet::load_i32(*row.stored[*column], 0);
+            if (stored >= 100000 && stored <= 2 * db::kCurrentVersion) {
+                version_ = history_version(stored);
+                return true;
+            }
+        }
+        return false;
+    };
+    for (const auto& [page, object] : catalogue_) {
+        if (object.name == jet::from_utf8(header.name) && try_rows_of(page)) return;
+    }
+    for (const auto& [page, def] : definitions_) {
+        if (has_columns_of(def, *studio_file_, header) && try_rows_of(page)) return;
+    }
+    if (!has_catalogue_) return;
+    version_ = history_version(0);
+    for (const db::VersionAdditions& additions : db::schema_history()) {
+        for (const char* const name : additions.studio_tables) {
+            for (const auto& [page, object] : catalogue_) {
+                if (object.name == jet::from_utf8(name)) version_ = additions.version;
+            }
+        }
+    }
 }
 
 void FileSurvey::add_defined_tables() {
@@ -266,7 +304,7 @@ void FileSurvey::add_undefined_tables() {
     }
     const std::vector<std::size_t> matched =
         match_in_order(nameless.size(), open.size(), [&](std::size_t i, std::size_t k) {
-            const LayoutGuess guess = best_layout(lost[nameless[i]].rows, *studio_file_, *open[k]);
+            const LayoutGuess guess = best_layout(lost[nameless[i]].rows, *studio_file_, *open[k], version_);
             return guess.share >= 0.95 ? static_cast<double>(lost[nameless[i]].rows.size()) + 1 : 0.0;
         });
     for (std::size_t i = 0; i < nameless.size(); ++i) {
@@ -274,7 +312,7 @@ void FileSurvey::add_undefined_tables() {
     }
     for (const Lost& table : lost) {
         const LayoutGuess guess =
-            table.schema != nullptr ? best_layout(table.rows, *studio_file_, *table.schema) : LayoutGuess{};
+            table.schema != nullptr ? best_layout(table.rows, *studio_file_, *table.schema, version_) : LayoutGuess{};
         if (guess.layout == nullptr || guess.share < 0.5) {
             const auto stray = std::find_if(strays_.begin(), strays_.end(),
                                             [&](const TableDef& def) { return share_of_rows(table.rows, def) >= 0.9; });
@@ -312,13 +350,13 @@ void FileSurvey::prefer_known_layouts() {
         if (is_known_layout(table.def, *studio_file_, *table.schema)) continue;
         const std::vector<ByteVector> rows = sample_rows(table.page);
         const double own = share_of_rows(rows, table.def);
-        const LayoutGuess guess = best_layout(rows, *studio_file_, *table.schema);
+        const LayoutGuess guess = best_layout(rows, *studio_file_, *table.schema, version_);
         const bool fits_better = guess.layout != nullptr && guess.share >= 0.9 && own < guess.share;
         const KnownLayout* const twin = twin_layout(table.def, *studio_file_, *table.schema);
         // Without rows to tell, another table's definition stands here.
         const bool is_another = rows.empty() && !has_columns_of(table.def, *studio_file_, *table.schema);
         const KnownLayout* const right = fits_better  ? guess.layout
-                                         : is_another ? newest_layout(*studio_file_, *table.schema)
+                                         : is_another ? layout_of_version(*studio_file_, *table.schema, version_)
                                                       : twin;
         if (right == nullptr) continue;
         TableDef mended = right->def;

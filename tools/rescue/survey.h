@@ -10,10 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "db/content.h"
 #include "db/database_files.h"
 #include "db/schema.h"
 #include "jet/schema/table_def.h"
 #include "tools/rescue/found_catalogue.h"
+#include "tools/rescue/known_layouts.h"
 #include "tools/rescue/long_value_finder.h"
 #include "tools/rescue/page_source.h"
 
@@ -64,6 +66,7 @@ private:
     void note_pages();
     void read_schema();
     void find_studio_file();
+    void find_version();
     void add_defined_tables();
     void name_by_schema();
     void add_undefined_tables();
@@ -87,6 +90,7 @@ private:
     bool has_catalogue_ = false;
     std::vector<jet::TableDef> strays_;  // definitions of no table that the catalogue knows
     std::optional<db::DatabaseFile> studio_file_;
+    std::int32_t version_ = history_version(db::kCurrentVersion);  // of the studio's file, as far as that can be told
     std::vector<SurveyedTable> tables_;
     std::vector<OrphanedRows> orphans_;
 };

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <set>
 
+#include "jet/storage/text_codec.h"
 #include "tools/rescue/found_row.h"
 
 namespace tools {
@@ -27,6 +28,27 @@ std::optional<std::size_t> same_names(const TableDef& a, const TableDef& b) {
         if (other.name == column.name && other.is_autonumber() == column.is_autonumber()) ++same;
     }
     return same;
+}
+
+bool is_of(const KnownLayout& layout, std::int32_t version) {
+    return std::find(layout.versions.begin(), layout.versions.end(), version) != layout.versions.end();
+}
+
+// How many of the texts in the column that held dates once are made of digits and separators, 0 to 1.
+double date_share(const std::vector<jet::ByteVector>& rows, const TableDef& def) {
+    const auto column = def.find_column(u"Date");
+    if (!column || def.columns[*column].type != jet::ColumnType::kText) return 0;
+    std::size_t texts = 0;
+    std::size_t dates = 0;
+    for (const jet::ByteVector& bytes : rows) {
+        const FoundRow row = take_apart(bytes, def);
+        if (row.fit == Fit::kNone || !row.stored[*column]) continue;
+        const std::u16string text = jet::decode_text(*row.stored[*column]);
+        ++texts;
+        const bool is_date = std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= u'-' && c <= u'9'; });
+        if (is_date && text.size() >= 6) ++dates;
+    }
+    return texts == 0 ? 0 : static_cast<double>(dates) / static_cast<double>(texts);
 }
 
 template <class Visit>
@@ -67,12 +89,12 @@ const KnownLayout* twin_layout(const TableDef& def, db::DatabaseFile file, const
     return twin;
 }
 
-const KnownLayout* newest_layout(db::DatabaseFile file, const db::TableSchema& table) {
-    const KnownLayout* newest = nullptr;
+const KnownLayout* layout_of_version(db::DatabaseFile file, const db::TableSchema& table, std::int32_t version) {
+    const KnownLayout* found = nullptr;
     for_each_layout(file, table, [&](const KnownLayout& layout) {
-        if (newest == nullptr) newest = &layout;
+        if (found == nullptr && is_of(layout, version)) found = &layout;
     });
-    return newest;
+    return found;
 }
 
 double share_of_rows(const std::vector<jet::ByteVector>& rows, const TableDef& def) {
@@ -82,11 +104,21 @@ double share_of_rows(const std::vector<jet::ByteVector>& rows, const TableDef& d
     return static_cast<double>(exact) / static_cast<double>(rows.size());
 }
 
-LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, db::DatabaseFile file, const db::TableSchema& table) {
+LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, db::DatabaseFile file, const db::TableSchema& table,
+                        std::int32_t version) {
+    // Rows of before a column was added fit the layouts of after it as well.
+    constexpr double kOfTheVersion = 0.02;
+    constexpr double kOfTheDates = 0.01;
     LayoutGuess best;
+    double worth = 0;
     for_each_layout(file, table, [&](const KnownLayout& layout) {
         const double share = share_of_rows(rows, layout.def);
-        if (share > best.share) best = {&layout, share};
+        if (share <= 0) return;
+        const double own =
+            share + (is_of(layout, version) ? kOfTheVersion : 0) + kOfTheDates * date_share(rows, layout.def);
+        if (own <= worth) return;
+        worth = own;
+        best = {&layout, share};
     });
     return best;
 }

@@ -18,7 +18,8 @@ bool is_known_layout(const jet::TableDef& def, db::DatabaseFile file, const db::
 // The layout that lies in a row exactly as the definition does, with most of the names; null for none.
 const KnownLayout* twin_layout(const jet::TableDef& def, db::DatabaseFile file, const db::TableSchema& table);
 
-const KnownLayout* newest_layout(db::DatabaseFile file, const db::TableSchema& table);
+// One that files of the version have; null where they have no such table.
+const KnownLayout* layout_of_version(db::DatabaseFile file, const db::TableSchema& table, std::int32_t version);
 
 // How many of the rows are exactly rows of the definition, 0 to 1; 0 without rows.
 double share_of_rows(const std::vector<jet::ByteVector>& rows, const jet::TableDef& def);
@@ -27,8 +28,9 @@ struct LayoutGuess {
     const KnownLayout* layout = nullptr;
     double share = 0;
 };
-// The table's layout that most of the rows are in.
-LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, db::DatabaseFile file, const db::TableSchema& table);
+// The table's layout that most of the rows are in; of several, one that files of the version have.
+LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, db::DatabaseFile file, const db::TableSchema& table,
+                        std::int32_t version);
 
 inline constexpr std::size_t kNoMatch = static_cast<std::size_t>(-1);
 // For each of `things` the candidate that it is, or kNoMatch: both in their order, so that the worth of all matches is

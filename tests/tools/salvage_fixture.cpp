@@ -410,6 +410,14 @@ Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string
                     ++score.cut;
                     continue;
                 }
+                const auto same_key = std::find_if(missing.begin(), missing.end(), [&](const TrueRow* row) {
+                    return !row->key.empty() && row->key == key_of_content[content];
+                });
+                if (same_key != missing.end()) {
+                    missing.erase(same_key);
+                    ++score.mixed;
+                    continue;
+                }
                 ++score.invented;
                 if (score.first_invented.empty()) score.first_invented = name + ": " + content;
             }

@@ -56,7 +56,8 @@ struct Score {
     std::size_t came_back = 0;  // of these
     std::size_t touched = 0;    // rows that the damage touched
     std::size_t touched_back = 0;
-    std::size_t cut = 0;  // undamaged rows that came back with a part of a memo only
+    std::size_t cut = 0;    // undamaged rows that came back with a part of a memo only
+    std::size_t mixed = 0;  // undamaged rows that came back with a page of another memo
     std::size_t invented =
         0;  // rows of the new file that are no living row of the old one, nor what damage made of one
     std::string first_invented;

@@ -16,6 +16,7 @@ namespace {
 std::unique_ptr<jet::Database> open_exclusively(const std::string& path) {
     jet::OpenOptions options;
     options.ignore_password = true;
+    options.pager.cache_pages = kToolCachePages;
     try {
         return jet::Database::open(path, options);
     } catch (const jet::Error& error) {

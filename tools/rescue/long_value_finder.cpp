@@ -80,10 +80,14 @@ void LongValueFinder::settle_pages() {
         std::vector<PageNumber> found;
         for (const PageNumber candidate : long_pages_) {
             const bool is_free = !references_.contains(candidate) || distrusted_.contains(candidate);
-            // One length alone says little of a page that nobody else misses.
-            const bool is_telling = references_.at(missing).size() > 1 || distrusted_.contains(candidate);
-            if (is_free && is_telling && is_exactly(candidate, references_.at(missing))) found.push_back(candidate);
+            if (is_free && is_exactly(candidate, references_.at(missing))) found.push_back(candidate);
         }
+        // One length alone says little, unless something else has come to the page: then its own content may be
+        // elsewhere.
+        const jet::ByteVector& now = load(missing).bytes;
+        const bool is_displaced = now[0] >= jet::jet4::kDataPage && now[0] <= jet::jet4::kUsageBitmapPage &&
+                                  now[jet::jet4::kPageKindMark] <= 1;
+        if (references_.at(missing).size() < 2 && !is_displaced) continue;
         if (found.size() == 1) displaced_[missing] = found.front();
     }
     references_.clear();

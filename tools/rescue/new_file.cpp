@@ -4,6 +4,7 @@
 #include "os/draft.h"
 #include "os/file.h"
 #include "tools/errors.h"
+#include "tools/open_file.h"
 #include "tools/rescue/checked_copy.h"
 
 namespace tools {
@@ -19,7 +20,16 @@ NewFile::NewFile(const std::string& path, const jet::CreateOptions& options, Pla
         throw CommandError(path + " is there already; nothing is written over it");
     }
     os::clear_drafts(path);
-    database_ = jet::Database::create(draft_, options);
+    jet::OpenOptions open;
+    open.password = options.password;
+    open.pager.cache_pages = kToolCachePages;
+    try {
+        jet::Database::create(draft_, options)->close();
+        database_ = jet::Database::open(draft_, open);
+    } catch (...) {
+        remove_quietly(draft_);
+        throw;
+    }
 }
 
 NewFile::~NewFile() {

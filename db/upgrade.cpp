@@ -10,6 +10,7 @@
 #include "db/dated_records.h"
 #include "db/invoice_totals.h"
 #include "db/rows.h"
+#include "db/schema_history.h"
 #include "db/values.h"
 
 namespace db {
@@ -36,53 +37,34 @@ void mark_as_current(CDaoDatabase& database) {
     rows.Update();
 }
 
-void create_studio_tables(CDaoDatabase& database, std::span<const char* const> names) {
-    for (const char* const name : names) create_table(database, *find_table(studio_tables(), name));
+void create_studio_tables(CDaoDatabase& database, std::int32_t version) {
+    for (const char* const name : additions_of(version)->studio_tables) {
+        // The gear tables are made in one pass, after the others.
+        if (find_table(gear_tables(), name) != nullptr) continue;
+        create_table(database, *find_table(studio_tables(), name));
+    }
 }
 
-void create_tables_of_200000(CDaoDatabase& database) {
-    // An upgraded file has no row of invoice defaults, deliberately.
-    static constexpr const char* kTables[] = {"LibGroups", "MediaLibs", "MediaFiles",
-                                              "Bookings",  "Def_Rooms", "Def_Invoice"};
-    create_studio_tables(database, kTables);
-}
+// An upgraded file has no row of invoice defaults, deliberately.
+void create_tables_of_200000(CDaoDatabase& database) { create_studio_tables(database, 200000); }
 
-void create_tables_of_200010(CDaoDatabase& database) {
-    static constexpr const char* kTables[] = {"Def_Tax"};
-    create_studio_tables(database, kTables);
-}
+void create_tables_of_200010(CDaoDatabase& database) { create_studio_tables(database, 200010); }
 
 void create_tables_of_210000(CDaoDatabase& database) {
-    static constexpr const char* kTables[] = {"ContactCategories", "ProjPayments", "ProjActivities", "MixFiles",
-                                              "Messages",          "Services",     "Participants"};
-    create_studio_tables(database, kTables);
+    create_studio_tables(database, 210000);
     create_gear_tables(database);
 }
 
 void add_fields_of_210000(CDaoDatabase& database) {
-    static const AddedFields kFields[] = {
-        {"Bookings", {"StatusID"}},
-        {"Clients",
-         {"CategoryID", "CatIDs", "Company", "Title", "Country", "State", "City", "ZipCode", "WebSite", "Phone4",
-          "Phone5", "Phone1Descript", "Phone2Descript", "Phone3Descript", "Phone4Descript", "Phone5Descript"}},
-        {"Projects", {"ProjCreateDate", "ProjTypeID", "ProducerID", "DirectorID", "DiscountType", "DiscountVal"}},
-        {"Sessions", {"SongID", "ArtistID"}},
-        {"Songs", {"ArtistID", "CopyrightsID", "ProducerID", "ComposerID", "WriterID"}},
-        {"Stock", {"Date", "SupplierID", "Cost"}},
-        {"Tracks", {"TypeID", "TDate", "PerformerID", "DestinationID", "EngineerID", "ProducerID", "Status", "Mode"}},
-    };
-    add_fields(database, studio_tables(), kFields);
+    add_fields(database, studio_tables(), additions_of(210000)->studio_fields);
 }
 
 void add_tax_lists(CDaoDatabase& database) {
-    static const AddedFields kFields[] = {{"Invoices", {"InvTaxIDs"}}, {"InvoiceParams", {"TaxIDs"}}};
-    add_fields(database, invoice_tables(), kFields);
+    add_fields(database, invoice_tables(), additions_of(200010)->invoice_fields);
 }
 
 void add_invoice_totals(CDaoDatabase& database) {
-    static const AddedFields kFields[] = {{"Invoices", {"fTax", "fDiscount", "Paymetns", "Balance"}},
-                                          {"InvoiceParams", {"Date", "Details"}}};
-    add_fields(database, invoice_tables(), kFields);
+    add_fields(database, invoice_tables(), additions_of(210000)->invoice_fields);
 }
 
 // ---- What applies below which version

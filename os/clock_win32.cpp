@@ -11,7 +11,7 @@
 #include "os/clock.h"
 #include "os/critical_section_win32.h"
 #include "os/module_win32.h"
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 
 namespace os {
 namespace {

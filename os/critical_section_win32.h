@@ -1,7 +1,7 @@
 // A lock of the system itself: no runtime library stands between, so it works while libraries come and go.
 #pragma once
 
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 
 namespace os {
 

@@ -89,6 +89,8 @@ public:
     virtual void remove(const std::string& path) = 0;
     // Never replaces: kExists when `to` is there.
     virtual void rename(const std::string& from, const std::string& to) = 0;
+    // As rename, but takes the place of a file that is there, in one step: the name always leads to one or the other.
+    virtual void replace(const std::string& from, const std::string& to) = 0;
     // Makes created, renamed and removed names in the folder of `path` durable.
     virtual void sync_folder_of(const std::string& path) = 0;
 

@@ -296,6 +296,12 @@ public:
         if (::unlink(path.c_str()) != 0) fail("remove", path, errno);
     }
 
+    void replace(const std::string& from, const std::string& to) override {
+        require_usable("replace", from);
+        require_usable("replace", to);
+        if (std::rename(from.c_str(), to.c_str()) != 0) fail("replace", to, errno);
+    }
+
     void rename(const std::string& from, const std::string& to) override {
         require_usable("rename", from);
         require_usable("rename", to);

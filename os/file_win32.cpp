@@ -20,7 +20,7 @@
 #include "os/path_text.h"
 #include "os/system.h"
 #include "os/system_error.h"
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 
 namespace os {
 namespace {
@@ -342,6 +342,18 @@ public:
         const DWORD code = ::GetLastError();
         const FileFault fault = detail::fault_of_system_error(static_cast<std::int32_t>(code));
         fail("rename", fault == FileFault::kExists ? to : from, code);
+    }
+
+    void replace(const std::string& from, const std::string& to) override {
+        require_usable("replace", from);
+        require_usable("replace", to);
+        const std::wstring wide_from = system_path(from);
+        const std::wstring wide_to = system_path(to);
+        const auto move = [&] {
+            return ::MoveFileExW(wide_from.c_str(), wide_to.c_str(),
+                                 MOVEFILE_WRITE_THROUGH | MOVEFILE_REPLACE_EXISTING) != 0;
+        };
+        if (!tried_again(wide_to, move)) fail("replace", to, ::GetLastError());
     }
 
     std::string resolved(const std::string& path) override {

@@ -1,7 +1,7 @@
 // Modules of a Windows process: where a piece of code lives.
 #pragma once
 
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 
 namespace os {
 

@@ -9,7 +9,7 @@
 #include "os/module_win32.h"
 #include "os/path_text.h"
 #include "os/system_parts.h"
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 
 namespace os {
 namespace {

@@ -23,6 +23,11 @@ std::span<const Command* const> all_commands() {
         &kExportCommand,
         &kDemoCommand,
         &kCheckCommand,
+        &kBackupCommand,
+        &kRestoreCommand,
+        &kCompactCommand,
+        &kDiffCommand,
+        &kSalvageCommand,
         &kUpgradeCommand,
     };
     return kCommands;

@@ -24,6 +24,11 @@ extern const Command kSetCommand;
 extern const Command kDeleteCommand;
 extern const Command kDemoCommand;
 extern const Command kUpgradeCommand;
+extern const Command kBackupCommand;
+extern const Command kRestoreCommand;
+extern const Command kCompactCommand;
+extern const Command kSalvageCommand;
+extern const Command kDiffCommand;
 
 // In the order of the help.
 std::span<const Command* const> all_commands();

@@ -49,17 +49,17 @@ std::unique_ptr<jet::Database> open_to_read(const std::string& path, jet::OpenOp
 std::unique_ptr<jet::Database> open_to_read(const std::string& path) {
     jet::OpenOptions options;
     options.ignore_password = true;
+    options.pager.cache_pages = kToolCachePages;
     return open_to_read(path, options);
 }
 
 std::unique_ptr<jet::Database> open_to_read(const std::string& path, const std::optional<std::string>& password,
                                             jet::DamageListener on_damage) {
-    constexpr std::size_t kCachePages = 4096;  // of 4 KiB: what is read in passing is not to fill the memory
     for (const std::string& candidate : password ? std::vector<std::string>{*password} : known_passwords()) {
         jet::OpenOptions options;
         options.password = jet::from_utf8(candidate);
         options.on_damage = on_damage;
-        options.pager.cache_pages = kCachePages;
+        options.pager.cache_pages = kToolCachePages;
         try {
             return open_to_read(path, options);
         } catch (const jet::Error& error) {

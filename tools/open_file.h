@@ -14,6 +14,9 @@ namespace tools {
 inline constexpr const char* kStudioFile = "sldb.mdb";
 inline constexpr const char* kInvoiceFile = "kvinvdb.mdb";
 
+// Of 4 KiB: what a command reads in passing is not to fill the memory.
+inline constexpr std::size_t kToolCachePages = 4096;
+
 // Opens the file for reading only, which writes nothing and puts nothing beside it. CommandError where another program
 // has it open; jet::Error for the rest.
 std::unique_ptr<jet::Database> open_to_read(const std::string& path, jet::OpenOptions options);

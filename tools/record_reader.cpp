@@ -42,7 +42,7 @@ RecordReader::RecordReader(const GateTable& table, const std::string& folder, co
         if (!file->declares(table.name())) continue;
         database_ = open_to_read(file->path(), std::nullopt, damage_teller(file->path()));
         if (jet::Table* const found = database_->find_table(jet::from_utf8(table.name()))) {
-            selection_ = std::make_unique<RowSelection>(*found, options, names_);
+            selection_ = std::make_unique<RowSelection>(*database_, *found, options, names_);
             names_ = selection_->names();
         } else if (!is_same_name(table.name(), db::engineers_table().name)) {
             throw CommandError(table.name() + " cannot be read: " + file->path() + " has no such table");
@@ -72,7 +72,7 @@ Row RecordReader::find(const std::string& key) const {
         SelectionOptions options;
         options.where = {std::string(column) + "=" + key};
         jet::Table* const table = database_->find_table(jet::from_utf8(table_.name()));
-        if (table != nullptr && !key.empty()) RowSelection(*table, options, names_).for_each(keep);
+        if (table != nullptr && !key.empty()) RowSelection(*database_, *table, options, names_).for_each(keep);
         if (found.size() == 1) return found.front();
         if (found.size() > 1) {
             throw CommandError("several rows of " + table_.name() + " have " + column + " " + key +

@@ -34,7 +34,9 @@ Names split_list(const std::string& text) {
     return names;
 }
 
-RowSelection::RowSelection(jet::Table& table, const SelectionOptions& options, const Names& columns) : table_(table) {
+RowSelection::RowSelection(jet::Database& database, jet::Table& table, const SelectionOptions& options,
+                           const Names& columns)
+    : database_(database), table_(table) {
     for (const std::string& word : options.where) conditions_.emplace_back(table.def(), word);
     add_span(options);
     if (options.columns) {
@@ -120,7 +122,7 @@ void RowSelection::for_each_match(const std::string& statement, Visit&& visit) c
         for (auto id = table_.next_row({}); id && take(*id);) id = table_.next_row(*id);
         return;
     }
-    jet::sql::RowSet rows(jet::sql::Query::prepare(table_.database(), jet::from_utf8(statement)));
+    jet::sql::RowSet rows(jet::sql::Query::prepare(database_, jet::from_utf8(statement)));
     for (auto id = rows.first(); id && take(*id);) id = rows.next();
 }
 

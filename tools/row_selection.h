@@ -31,7 +31,8 @@ class RowSelection {
 public:
     // `columns`: those to be shown where the options choose none; empty: all of the table's. UsageError for options
     // that do not go with the table.
-    RowSelection(jet::Table& table, const SelectionOptions& options, const Names& columns = {});
+    RowSelection(jet::Database& database, jet::Table& table, const SelectionOptions& options,
+                 const Names& columns = {});
 
     const Names& names() const { return names_; }
     // Calls `visit` with each row of the table, or of the statement's rows, until it returns false.
@@ -53,6 +54,7 @@ private:
     template <class Visit>
     void for_each_match(const std::string& statement, Visit&& visit) const;
 
+    jet::Database& database_;
     jet::Table& table_;
     Names names_;
     std::vector<std::optional<std::size_t>> positions_;  // by name; none: the file lacks the column

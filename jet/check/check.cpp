@@ -10,7 +10,8 @@ namespace check {
 
 namespace {
 
-constexpr std::size_t kMaxViolations = 1000;
+constexpr std::size_t kMaxListed = 100;  // of one rule
+constexpr std::size_t kMaxFindings = 100000;
 
 const char* name_of(Use use) {
     switch (use) {
@@ -53,11 +54,18 @@ Context::Context(Database& checked, std::vector<Violation>& into)
     : database(checked), pager(checked.pager()), violations_(into), uses_(pager.page_count(), Use::kNone) {}
 
 void Context::report(PageNumber page, int row, std::string rule, std::string detail) {
-    if (violations_.size() == kMaxViolations) {
-        violations_.push_back({0, -1, "more", "There is more damage than is listed."});
-        throw Enough{};
-    }
+    if (++count_ > kMaxFindings) throw Enough{};
+    if (++counts_[rule] > kMaxListed) return;
     violations_.push_back({page, row, std::move(rule), std::move(detail)});
+}
+
+void Context::finish_counts() {
+    for (const auto& [rule, count] : counts_) {
+        if (count <= kMaxListed) continue;
+        const std::size_t more = count - kMaxListed;
+        violations_.push_back({0, -1, rule, "There are " + std::to_string(more) + " more of these.", more});
+    }
+    if (count_ > kMaxFindings) violations_.push_back({0, -1, "more", "There is more damage than was counted."});
 }
 
 bool Context::guard(PageNumber page, const char* rule, const std::function<void()>& part) {
@@ -167,6 +175,7 @@ std::vector<Violation> check_structure(Database& database) {
     } catch (const check::Enough&) {
         // The last of the violations says so.
     }
+    context.finish_counts();
     return violations;
 }
 

@@ -48,7 +48,7 @@ private:
     }
 
     // Checks the page and what is below it; returns the last leaf entry. `level` is what the parent calls
-    // for; the root's own is taken as it is.
+    // for, -1 where it does not say; the root's own is taken as it is.
     ByteVector walk(PageNumber page_no, std::size_t depth, int level) {
         if (depth == kMaxDepth) corrupt(page_no, "the index is too deep");
         if (!context_.claim(page_no, Use::kIndex)) {
@@ -61,11 +61,17 @@ private:
         if (load_u16(held.bytes(), format::kFree) + page.stored_bytes != format::kEntryBytes) {
             context_.report(page_no, -1, "index-free-count", "The page's free count is not what its entries leave.");
         }
-        if (depth > 0 && page.level() != level) {
-            context_.report(page_no, -1, "index-level", "The page's level does not fit its parent's.");
-        }
-        if (page.is_leaf() != (page.level() == 0)) {
-            context_.report(page_no, -1, "index-level", "The page's level does not fit its kind.");
+        // Some programs leave the level of every node 0, and find their way without it.
+        const bool is_unset = !page.is_leaf() && page.level() == 0;
+        if (is_unset) {
+            context_.report(page_no, -1, "index-level-unset", "The node's level is not set.");
+        } else {
+            if (depth > 0 && level >= 0 && page.level() != level) {
+                context_.report(page_no, -1, "index-level", "The page's level does not fit its parent's.");
+            }
+            if (page.is_leaf() != (page.level() == 0)) {
+                context_.report(page_no, -1, "index-level", "The page's level does not fit its kind.");
+            }
         }
         if (page.is_leaf()) return check_leaf(page_no, page, depth);
 

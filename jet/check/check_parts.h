@@ -51,7 +51,7 @@ class Context {
 public:
     Context(Database& checked, std::vector<Violation>& into);
 
-    // Throws Enough when the list is full.
+    // Throws Enough when there are too many altogether.
     void report(PageNumber page, int row, std::string rule, std::string detail);
     // Runs `part`; damage that it meets on its way is reported under `rule`. Returns whether it finished.
     bool guard(PageNumber page, const char* rule, const std::function<void()>& part);
@@ -75,6 +75,8 @@ public:
     // Rules about a whole: pages that hold map rows, and every page free or used but not both.
     void finish_map_pages();
     void finish_pages();
+    // Lists what was only counted, as one for each rule.
+    void finish_counts();
 
     // Something could not be followed: what it would have led to is unknown, so nothing is called lost.
     void mark_incomplete() { incomplete_ = true; }
@@ -84,6 +86,8 @@ public:
 
 private:
     std::vector<Violation>& violations_;
+    std::map<std::string, std::size_t> counts_;  // findings by rule
+    std::size_t count_ = 0;
     std::vector<Use> uses_;  // by page
     std::map<PageNumber, RowSet> map_rows_;
     bool incomplete_ = false;

@@ -190,6 +190,7 @@ public:
         if (fails_ == Fails::kRename) throw os::FileError(os::FileFault::kAccessDenied, "rename refused");
         own_.rename(from, to);
     }
+    void replace(const std::string& from, const std::string& to) override { own_.replace(from, to); }
     void sync_folder_of(const std::string& path) override {
         if (fails_ == Fails::kFolderSync) throw os::FileError(os::FileFault::kDiskFull, "no space");
         own_.sync_folder_of(path);

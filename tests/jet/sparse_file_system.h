@@ -28,6 +28,7 @@ public:
     void rename(const std::string& from, const std::string& to) override {
         files_[to] = std::move(files_.extract(from).mapped());
     }
+    void replace(const std::string& from, const std::string& to) override { rename(from, to); }
     void sync_folder_of(const std::string&) override {}
     std::vector<std::string> longer_names(const std::string&) override { return {}; }
     testing_support::ManualClock& clock() override { return clock_; }

@@ -12,7 +12,7 @@
 #include "os/module_win32.h"
 #include "os/system.h"
 #include "os/system_error.h"
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 #include "tests/support/temp_folder.h"
 
 namespace {

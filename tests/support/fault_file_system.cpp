@@ -246,6 +246,12 @@ void FaultFileSystem::rename(const std::string& from, const std::string& to) {
     notify(Operation::kRename, from);
 }
 
+void FaultFileSystem::replace(const std::string& from, const std::string& to) {
+    count_and_fail(Operation::kRename, from);
+    change_name({from, to, find(from, "replace")});
+    notify(Operation::kRename, from);
+}
+
 void FaultFileSystem::sync_folder_of(const std::string& path) {
     count_and_fail(Operation::kFolderSync, path);
     const std::string folder = os::folder_of(path);

@@ -66,6 +66,7 @@ public:
     bool exists(const std::string& path) override;
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
+    void replace(const std::string& from, const std::string& to) override;
     void sync_folder_of(const std::string& path) override;
     std::vector<std::string> longer_names(const std::string& path) override;
     // Time stands still until a test lets it pass, so that nothing is done behind its back.

@@ -1,7 +1,7 @@
 // Another program's handle on a file, for a while: a virus scanner's, an indexer's, a backup's.
 #pragma once
 
-#include "os/windows_api.h"
+#include "os/windows_api_win32.h"
 
 #include <string>
 

@@ -1,42 +1,56 @@
-// check: whether all that must hold in a file does.
-#include "jet/check/check.h"
+// check: whether all that must hold in a file does, and what it means where it does not.
+#include "jet/base/error.h"
 #include "tools/commands.h"
 #include "tools/declaration.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
+#include "tools/rescue/finding.h"
 
 namespace tools {
 namespace {
 
+constexpr std::size_t kListed = 5;
+constexpr std::size_t kAll = 100;
+
 struct Options {
     std::string file;
+    bool all = false;
     std::optional<std::string> password;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.file(options.file);
+    declare.flag("--all", options.all, "show up to 100 findings of each rule, not 5");
     declare.password(options.password);
+}
+
+CheckResult checked(const std::string& file, const Options& options) {
+    try {
+        return check_file(*open_to_read(file, options.password), file);
+    } catch (const jet::Error& error) {
+        if (error.number() != jet::errors::kDamaged) throw;
+        return unreadable_file(file, error.what());
+    }
 }
 
 int run(const Options& options) {
     bool is_sound = true;
     for (const std::string& file : jet_files_of(options.file)) {
-        const auto database = open_to_read(file, options.password);
-        const std::vector<jet::Violation> violations = jet::check_structure(*database);
-        for (const jet::Violation& violation : violations) {
-            const std::string row = violation.row < 0 ? "" : ", row " + std::to_string(violation.row);
-            output().print("page %u%s: %s: %s\n", violation.page, row.c_str(), violation.rule.c_str(),
-                           violation.detail.c_str());
-        }
-        output().print("%s: %zu violation%s\n", file.c_str(), violations.size(), violations.size() == 1 ? "" : "s");
-        is_sound = is_sound && violations.empty();
+        const CheckResult result = checked(file, options);
+        output().write(check_text(result, options.all ? kAll : kListed));
+        is_sound = is_sound && result.is_sound();
     }
     return is_sound ? 0 : 1;
 }
 
 }  // namespace
 
-const Command kCheckCommand{"check", kKeepGroup, "Check the structure of a Jet file, and list every violation.",
-                            declared<Options, bind, run>};
+const Command kCheckCommand{
+    "check", kKeepGroup,
+    "Check the structure of a Jet file, or of both files of a studio. There are two grades: damage, which costs data "
+    "or "
+    "may cost some with the next change (exit code 1), and remarks, which is what programs of the time left behind and "
+    "which costs nothing (exit code 0). Each kind of finding says what it means, and what helps.",
+    declared<Options, bind, run>};
 
 }  // namespace tools

@@ -26,7 +26,7 @@ void bind(Declaration& declare, Options& options) {
 
 int run(const Options& options) {
     const FoundTable found(options.file, options.table, options.password, damage_teller);
-    const RowSelection selection(found.table(), options.selection);
+    const RowSelection selection(found.database(), found.table(), options.selection);
     RowPrinter printer(options.format.format(), selection.names());
     print_rows(printer, [&](const RowVisitor& print) { selection.for_each(print); });
     require_undamaged();

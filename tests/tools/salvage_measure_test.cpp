@@ -1,0 +1,95 @@
+// How much of a damaged studio comes back: everything that is undamaged, and nothing that was not there.
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+
+#include "jet/pages/header.h"
+#include "jet/tables/database.h"
+#include "tests/support/figures.h"
+#include "tests/support/temp_folder.h"
+#include "tests/tools/salvage_fixture.h"
+#include "tools/rescue/salvage.h"
+
+namespace {
+
+using namespace testing_salvage;
+
+struct Totals {
+    std::size_t undamaged = 0;
+    std::size_t came_back = 0;
+    double worst = 1;
+    std::string worst_name;
+};
+
+// The component opens what is salvaged: its password and its version are right.
+void expect_opens(const std::string& path) {
+    jet::OpenOptions options;
+    options.read_only = true;
+    options.password = u"KvStudio2005sl";
+    const auto database = jet::Database::open(path, options);
+    const jet::Table* const header = database->find_table(u"DBHeader");
+    ASSERT_NE(header, nullptr);
+    const auto row = header->next_row({});
+    ASSERT_TRUE(row);
+    jet::RowView view;
+    ASSERT_TRUE(header->read(*row, view));
+    EXPECT_EQ(view.value(*header->def().find_column(u"DBversion")), jet::Value(std::int32_t{210000}));
+    EXPECT_FALSE(header->next_row(*row)) << "one row is enough";
+}
+
+Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
+    const testing_support::TempFolder folder;
+    const Truth truth = make_truth(folder.file("sound.mdb"), rows, seed);
+    EXPECT_GT(truth.rows(), rows * 9 / 10);
+    Totals totals;
+    const bool is_loud = std::getenv("KVDB_SALVAGE_LOUD") != nullptr;
+    for_each_damage(truth, damages, 1000 * seed, [&](const DamagedFile& damaged) {
+        SCOPED_TRACE(damaged.name);
+        const std::string from = folder.file("damaged.mdb");
+        const std::string to = folder.file("new.mdb");
+        std::ofstream(from, std::ios::binary | std::ios::trunc)
+            .write(reinterpret_cast<const char*>(damaged.bytes.data()),
+                   static_cast<std::streamsize>(damaged.bytes.size()));
+        const auto begin = std::chrono::steady_clock::now();
+        const tools::SalvageReport report = tools::salvage(from, to);
+        const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+        const Score score = score_of(truth, damaged, to);
+        if (is_loud) {
+            std::printf(
+                "%-40.40s %.1f s undamaged %zu back %zu (%.4f) touched %zu back %zu cut %zu mixed %zu invented %zu "
+                "doubtful "
+                "%zu\n",
+                damaged.name.c_str(), took.count(), score.undamaged, score.came_back, score.share(), score.touched,
+                score.touched_back, score.cut, score.mixed, score.invented, report.doubtful());
+            if (!score.first_missing.empty()) std::printf("   missing %.300s\n", score.first_missing.c_str());
+            if (!score.first_invented.empty()) std::printf("   invented %.300s\n", score.first_invented.c_str());
+            std::fflush(stdout);
+        }
+        EXPECT_GE(score.share(), 0.999) << score.first_missing;
+        EXPECT_EQ(score.invented, 0u) << score.first_invented;
+        // Of two last pages of one length that have changed places nobody can say which is whose.
+        EXPECT_LE(score.mixed, damaged.moved.empty() ? 0 : 1 + score.undamaged / 4000);
+        expect_opens(to);
+        totals.undamaged += score.undamaged;
+        totals.came_back += score.came_back;
+        if (score.share() < totals.worst) {
+            totals.worst = score.share();
+            totals.worst_name = damaged.name;
+        }
+        std::filesystem::remove(to);
+        testing_support::count_tried(testing_support::Figure::kDamagedFiles);
+    });
+    std::printf("salvaged: %zu of %zu undamaged rows came back (%.5f), worst %.5f (%s)\n", totals.came_back,
+                totals.undamaged, static_cast<double>(totals.came_back) / static_cast<double>(totals.undamaged),
+                totals.worst, totals.worst_name.c_str());
+    return totals;
+}
+
+TEST(SalvageCorrupt, what_is_undamaged_comes_back_and_nothing_else) { measure(4000, 30, 7); }
+
+TEST(SalvageMeasureSlow, fifty_thousand_rows_damaged_in_a_hundred_ways) { measure(50000, 100, 1); }
+
+}  // namespace

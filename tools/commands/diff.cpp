@@ -1,0 +1,166 @@
+// diff: what two studios, or two files, hold otherwise.
+#include <filesystem>
+#include <map>
+
+#include "tools/commands.h"
+#include "tools/declaration.h"
+#include "tools/errors.h"
+#include "tools/open_file.h"
+#include "tools/output.h"
+#include "tools/rescue/data_diff.h"
+#include "tools/value_text.h"
+
+namespace tools {
+namespace {
+
+namespace fs = std::filesystem;
+using Kind = RowDifference::Kind;
+
+struct Options {
+    std::string a;
+    std::string b;
+    bool json = false;
+    std::optional<std::string> password;
+};
+
+void bind(Declaration& declare, Options& options) {
+    declare.word("A", options.a, "folder of a studio, or a Jet file: as it was");
+    declare.word("B", options.b, "the same kind of thing: as it is");
+    declare.flag("--json", options.json, "one JSON object for each difference, in one array");
+    declare.password(options.password);
+}
+
+constexpr std::size_t kShownCharacters = 60;
+
+// A value as a person reads it in one line.
+std::string shown(const jet::Value& value) {
+    if (jet::is_null(value)) return "nothing";
+    if (!std::holds_alternative<std::u16string>(value)) return plain_text(value);
+    std::u16string text = std::get<std::u16string>(value);
+    const bool is_cut = text.size() > kShownCharacters;
+    if (is_cut) text.resize(kShownCharacters);
+    return json_string(jet::to_utf8(text)) + (is_cut ? "..." : "");
+}
+
+class Teller {
+public:
+    explicit Teller(bool json) : json_(json) {}
+
+    bool compare(const std::string& a, const std::string& b, const std::optional<std::string>& password) {
+        const auto left = open_to_read(a, password);
+        const auto right = open_to_read(b, password);
+        file_ = fs::path(b).filename().string();
+        const DiffVisitor visitor{[&](const RowDifference& row) { tell(row); },
+                                  [&](const std::string& table, const std::string& what) { tell_schema(table, what); }};
+        return diff_databases(*left, *right, visitor);
+    }
+
+    void only_one(const std::string& file, const char* which) {
+        if (json_) {
+            begin_object();
+            output().print("{\"file\": %s, \"change\": \"file\", \"in\": \"%s\"}", json_string(file).c_str(), which);
+        } else {
+            output().print("%s is in the %s only\n", file.c_str(), which);
+        }
+    }
+
+    void finish(bool is_same) {
+        if (json_) {
+            output().write(any_ ? "\n]\n" : "[]\n");
+        } else if (is_same) {
+            output().write("both hold the same\n");
+        } else {
+            output().print("%zu added, %zu removed, %zu changed\n", counts_[0], counts_[1], counts_[2]);
+        }
+    }
+
+private:
+    void begin_object() {
+        output().write(any_ ? ",\n" : "[\n");
+        any_ = true;
+    }
+
+    void tell_schema(const std::string& table, const std::string& what) {
+        if (json_) {
+            begin_object();
+            output().print("{\"table\": %s, \"change\": \"schema\", \"what\": %s}", json_string(table).c_str(),
+                           json_string(what).c_str());
+        } else {
+            output().print("%s: %s\n", table.c_str(), what.c_str());
+        }
+    }
+
+    void tell(const RowDifference& row) {
+        static constexpr const char* kNames[] = {"added", "removed", "changed"};
+        static constexpr char kMarks[] = {'+', '-', '~'};
+        const auto kind = static_cast<std::size_t>(row.kind);
+        ++counts_[kind];
+        if (json_) {
+            begin_object();
+            std::string text = "{\"table\": " + json_string(row.table) + ", \"change\": \"" + kNames[kind] +
+                               "\", \"key\": " + (row.key ? std::to_string(*row.key) : "null");
+            if (row.kind != Kind::kAdded) text += ", \"before\": " + object(row, &ChangedValue::before);
+            if (row.kind != Kind::kRemoved) text += ", \"after\": " + object(row, &ChangedValue::after);
+            output().write(text + "}");
+            return;
+        }
+        output().print("%c %s%s\n", kMarks[kind], row.table.c_str(),
+                       row.key ? (" " + std::to_string(*row.key)).c_str() : "");
+        for (const ChangedValue& value : row.values) {
+            const std::string text = row.kind == Kind::kChanged
+                                         ? shown(value.before) + " -> " + shown(value.after)
+                                         : shown(row.kind == Kind::kAdded ? value.after : value.before);
+            output().print("    %s: %s\n", value.column.c_str(), text.c_str());
+        }
+    }
+
+    static std::string object(const RowDifference& row, jet::Value ChangedValue::*member) {
+        std::string text = "{";
+        for (std::size_t i = 0; i < row.values.size(); ++i) {
+            text += (i == 0 ? "" : ", ") + json_string(row.values[i].column) + ": " + json_value(row.values[i].*member);
+        }
+        return text + "}";
+    }
+
+    bool json_;
+    bool any_ = false;
+    std::string file_;
+    std::size_t counts_[3] = {};
+};
+
+int run(const Options& options) {
+    const bool a_is_folder = fs::is_directory(options.a);
+    if (a_is_folder != fs::is_directory(options.b)) {
+        throw UsageError("diff wants two folders or two files, and one of each was given");
+    }
+    Teller teller(options.json);
+    bool is_same = true;
+    if (!a_is_folder) {
+        is_same = teller.compare(options.a, options.b, options.password);
+    } else {
+        std::map<std::string, std::pair<std::string, std::string>> files;
+        for (const std::string& path : jet_files_of(options.a)) files[fs::path(path).filename().string()].first = path;
+        for (const std::string& path : jet_files_of(options.b)) files[fs::path(path).filename().string()].second = path;
+        for (auto file = files.rbegin(); file != files.rend(); ++file) {
+            const auto& [a, b] = file->second;
+            if (a.empty() || b.empty()) {
+                is_same = false;
+                teller.only_one(file->first, a.empty() ? "second" : "first");
+                continue;
+            }
+            is_same = teller.compare(a, b, options.password) && is_same;
+        }
+    }
+    teller.finish(is_same);
+    return is_same ? 0 : 1;
+}
+
+}  // namespace
+
+const Command kDiffCommand{"diff", kKeepGroup,
+                           "Show what two studios, or two files, hold otherwise: rows added (+), removed (-) and "
+                           "changed (~), by their keys, and "
+                           "tables and columns that only one of them has. The exit code is 1 when they differ.",
+                           declared<Options, bind, run>};
+
+}  // namespace tools

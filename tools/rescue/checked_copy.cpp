@@ -1,0 +1,113 @@
+#include "tools/rescue/checked_copy.h"
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "jet/base/jet4.h"
+#include "os/draft.h"
+#include "os/file.h"
+#include "tools/errors.h"
+#include "tools/open_file.h"
+#include "tools/rescue/finding.h"
+
+namespace tools {
+namespace {
+
+constexpr std::size_t kShareBytes = 64 * jet::jet4::kPageSize;
+
+// Gives `into` up to its size of bytes from `at`; returns how many.
+using Reader = std::function<std::size_t(std::uint64_t at, jet::MutableByteSpan into)>;
+
+void write_all(const Reader& read, os::File& file) {
+    jet::ByteVector share(kShareBytes);
+    for (std::uint64_t at = 0;;) {
+        const std::size_t got = read(at, share);
+        if (got == 0) break;
+        file.write(at, jet::ByteSpan(share).first(got));
+        at += got;
+    }
+    file.sync();
+}
+
+void compare_all(const Reader& read, os::File& file, const std::string& path) {
+    jet::ByteVector share(kShareBytes);
+    jet::ByteVector written(kShareBytes);
+    for (std::uint64_t at = 0;;) {
+        const std::size_t got = read(at, share);
+        const std::size_t back = file.read(at, jet::MutableByteSpan(written).first(got == 0 ? 1 : got));
+        if (back != got ||
+            !std::equal(share.begin(), share.begin() + static_cast<std::ptrdiff_t>(got), written.begin())) {
+            throw CommandError(path + " does not hold what was written to it; the disk cannot be relied on");
+        }
+        if (got == 0) return;
+        at += got;
+    }
+}
+
+std::string write_draft(const Reader& read, const std::string& like, const std::string& target) {
+    os::FileSystem& files = os::file_system();
+    const std::string draft = os::draft_name(target);
+    try {
+        const auto file = files.open(draft, os::OpenMode::kCreateSide);
+        write_all(read, *file);
+        compare_all(read, *file, draft);
+        files.copy_access(like, draft);
+    } catch (...) {
+        remove_quietly(draft);
+        throw;
+    }
+    return draft;
+}
+
+// In the words that the owner is to read.
+void require_sound(const std::string& draft, const std::string& original) {
+    CheckResult result;
+    try {
+        result = check_file(*open_to_read(draft), original);
+    } catch (const jet::Error& error) {
+        result = unreadable_file(original, error.what());
+    }
+    if (!result.is_sound()) {
+        throw CommandError(original + " is damaged and was not taken for a copy; kvdb check tells more about it");
+    }
+}
+
+}  // namespace
+
+void remove_quietly(const std::string& path) {
+    try {
+        if (os::file_system().exists(path)) os::file_system().remove(path);
+    } catch (const os::FileError&) {
+        // A draft is in nobody's way.
+    }
+}
+
+std::string write_checked_draft(const PageSource& pages, const std::string& target) {
+    const Reader read = [&](std::uint64_t at, jet::MutableByteSpan into) {
+        const auto first = static_cast<jet::PageNumber>(at / jet::jet4::kPageSize);
+        std::size_t got = 0;
+        for (jet::PageNumber page = first; page < pages.page_count() && got + jet::jet4::kPageSize <= into.size();
+             ++page) {
+            pages.read(page, into.subspan(got, jet::jet4::kPageSize));
+            got += pages.present(page);
+        }
+        if (pages.refused() > 0) throw CommandError("the disk does not give all of " + pages.path() + " back");
+        return got;
+    };
+    const std::string draft = write_draft(read, pages.path(), target);
+    try {
+        require_sound(draft, pages.path());
+    } catch (...) {
+        remove_quietly(draft);
+        throw;
+    }
+    return draft;
+}
+
+std::string write_plain_draft(const std::string& from, const std::string& target) {
+    const auto file = os::file_system().open(from, os::OpenMode::kReadSide);
+    return write_draft([&](std::uint64_t at, jet::MutableByteSpan into) { return file->read(at, into); }, from, target);
+}
+
+}  // namespace tools

@@ -1,0 +1,21 @@
+// compact: a file made anew from its rows, without what has gathered in it.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace tools {
+
+struct CompactOutcome {
+    std::uint64_t bytes_before = 0;
+    std::uint64_t bytes_after = 0;
+    std::size_t rows = 0;
+};
+
+// Makes the file anew with the same tables, columns and properties, its rows in the same order with the same keys, the
+// same next numbers and the same password; compares both, then puts the new one in the old one's place in one step.
+// CommandError where the file is in use, damaged, or holds what could not be made anew (indexes, queries, links and
+// relationships of other programs); os::FileError and jet::Error. Then the file is as it was.
+CompactOutcome compact_file(const std::string& path);
+
+}  // namespace tools

@@ -1,0 +1,54 @@
+// A new database file in the making: nobody sees it before it is whole, checked and on the disk.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "jet/tables/database.h"
+
+namespace tools {
+
+class NewFile {
+public:
+    enum class Place {
+        kNew,      // CommandError when `path` is there
+        kReplace,  // it takes the place of the file that is there, in one step
+    };
+    // The draft lies beside `path`.
+    NewFile(const std::string& path, const jet::CreateOptions& options, Place place = Place::kNew);
+    // Takes the draft away, unless it was published.
+    ~NewFile();
+    NewFile(const NewFile&) = delete;
+    NewFile& operator=(const NewFile&) = delete;
+
+    jet::Database& database() { return *database_; }
+    const std::string& draft() const { return draft_; }
+
+    // Says which number a table gives next, less one. Before the table is first used.
+    void set_last_number(std::u16string_view table, std::int32_t number);
+    // Adds a row, in one transaction with some hundreds of others.
+    jet::RowId insert(jet::Table& table, std::vector<jet::Value> values);
+
+    // Commits what was inserted.
+    void commit();
+    // Closes the draft and looks at it with the structural check; CommandError where that finds fault.
+    void finish();
+    // Gives it its name. CommandError when that is taken meanwhile.
+    void publish();
+
+private:
+    std::string path_;
+    std::string draft_;
+    std::unique_ptr<jet::Database> database_;
+    std::unique_ptr<jet::Transaction> filling_;
+    Place place_;
+    std::size_t waiting_ = 0;
+    bool is_published_ = false;
+};
+
+// A column as another file has it, as far as it can be created: other types come as close as possible. `is_same` tells
+// whether it is the same type.
+jet::NewColumn new_column_like(const jet::ColumnDef& column, bool& is_same);
+
+}  // namespace tools

@@ -1,0 +1,503 @@
+#include "tools/rescue/survey.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+
+#include "db/content.h"
+#include "db/schema_history.h"
+#include "jet/indexes/collation.h"
+#include "jet/schema/properties.h"
+#include "tools/rescue/found_row.h"
+#include "tools/rescue/page_maps.h"
+#include "tools/rescue/table_guess.h"
+
+namespace tools {
+namespace {
+
+using db::DatabaseFile;
+using jet::ByteSpan;
+using jet::ByteVector;
+using jet::PageNumber;
+using jet::TableDef;
+
+constexpr PageNumber kLastFixedPage = jet::jet4::kRelationshipsPage;
+constexpr std::size_t kSampleRows = 300;
+constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+
+// What a page's live rows say of a table: how many there are, how many can be its rows, how many are so exactly.
+struct PageFit {
+    std::size_t live = 0;
+    std::size_t possible = 0;
+    std::size_t exact = 0;
+    std::size_t full = 0;  // of these, with every column that the table has had
+};
+
+PageFit fit_of(const ByteVector& page, const FoundPage& look, const TableDef& def) {
+    PageFit fit;
+    for (const FoundSlot& slot : look.slots) {
+        if (slot.is_deleted() || slot.is_pointer() || !slot.is_placed || slot.begin == slot.end) continue;
+        ++fit.live;
+        const ByteSpan bytes = ByteSpan(page).subspan(slot.begin, slot.end - slot.begin);
+        const Fit row = take_apart(bytes, def).fit;
+        if (row != Fit::kNone) ++fit.possible;
+        if (row == Fit::kExact) ++fit.exact;
+        if (row == Fit::kExact && jet::load_u16(bytes, 0) == def.max_columns) ++fit.full;
+    }
+    return fit;
+}
+
+std::size_t count_pages(const std::vector<bool>& map) {
+    return static_cast<std::size_t>(std::count(map.begin(), map.end(), true));
+}
+
+// One or two characters are others: what damage makes of a name.
+bool is_nearly(std::u16string_view a, std::u16string_view b) {
+    if (a.size() != b.size()) return false;
+    std::size_t others = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) others += a[i] != b[i] ? 1 : 0;
+    return others <= 2 && others < a.size();
+}
+
+}  // namespace
+
+FileSurvey::FileSurvey(const PageSource& pages) : pages_(pages), long_values_(pages), notes_(pages.page_count()) {
+    note_pages();
+    read_schema();
+    find_studio_file();
+    if (studio_file_) find_version();
+    add_defined_tables();
+    if (studio_file_) name_by_schema();
+    add_undefined_tables();
+    if (studio_file_) prefer_known_layouts();
+    read_properties();
+    std::sort(tables_.begin(), tables_.end(),
+              [](const SurveyedTable& a, const SurveyedTable& b) { return a.page < b.page; });
+    for (SurveyedTable& table : tables_) {
+        if (table.def.name.empty()) {
+            table.def.name = u"Table_" + jet::from_utf8(std::to_string(table.page));
+            table.is_named_by_guess = true;
+        }
+        table.owned = read_page_map(pages_, table.def.owned_map);
+    }
+    assign_pages();
+    drop_given_up_pages();
+}
+
+void FileSurvey::note_pages() {
+    ByteVector page(jet::jet4::kPageSize);
+    for (PageNumber page_no = 1; page_no < notes_.size(); ++page_no) {
+        pages_.read(page_no, page);
+        const bool is_head = jet::load_u32(page, jet::jet4::tdef::kMagic) == jet::jet4::tdef::kMagicValue;
+        const FoundPage look = look_at_page(page, pages_.present(page_no));
+        if (!is_head && look.holds_rows) {
+            const bool is_long = look.owner == jet::jet4::data::kLongValueOwner;
+            notes_[page_no] = {is_long ? Kind::kLongValues : Kind::kRows, look.owner};
+            if (is_long) long_values_.note_page(page_no);
+        } else if (is_definition_page(page)) {
+            definition_pages_.push_back(page_no);
+        }
+    }
+}
+
+void FileSurvey::read_schema() {
+    definitions_ = read_definitions(pages_, definition_pages_);
+    std::vector<PageNumber> catalogue_pages;
+    for (PageNumber page = 0; page < notes_.size(); ++page) {
+        const PageNote& note = notes_[page];
+        if (note.kind == Kind::kRows && note.owner == jet::jet4::kObjectsPage) catalogue_pages.push_back(page);
+    }
+    catalogue_ = read_catalogue(pages_, catalogue_pages, definitions_);
+    has_catalogue_ = !catalogue_.empty();
+}
+
+void FileSurvey::find_studio_file() {
+    std::size_t most = 0;
+    for (const DatabaseFile file : {DatabaseFile::kMain, DatabaseFile::kInvoice}) {
+        std::set<std::string> found;
+        for (const db::TableSchema* const table : known_tables(file)) {
+            const bool is_named = std::any_of(catalogue_.begin(), catalogue_.end(), [&](const auto& object) {
+                return jet::same_name(object.second.name, jet::from_utf8(table->name));
+            });
+            const bool is_defined =
+                table->fields.size() > 3 && std::any_of(definitions_.begin(), definitions_.end(), [&](const auto& def) {
+                    return has_columns_of(def.second, file, *table);
+                });
+            if (is_named || is_defined) found.insert(table->name);
+        }
+        const std::size_t enough = file == DatabaseFile::kMain ? 3 : 2;
+        if (found.size() < enough || found.size() <= most) continue;
+        most = found.size();
+        studio_file_ = file;
+    }
+    if (studio_file_ || has_catalogue_) return;
+    // With everything gone that says what a file is, there is its name.
+    const std::string name = std::filesystem::path(pages_.path()).filename().string();
+    if (name.starts_with("sldb")) studio_file_ = DatabaseFile::kMain;
+    if (name.starts_with("kvinvdb")) studio_file_ = DatabaseFile::kInvoice;
+}
+
+// By the row of the header's table, else by the tables that the catalogue and the definitions know.
+void FileSurvey::find_version() {
+    const auto tables = *studio_file_ == DatabaseFile::kMain ? db::studio_tables() : db::invoice_tables();
+    const db::TableSchema& header = *db::find_table(tables, "DBHeader");
+    const TableDef layout = layout_at(*studio_file_, header, db::kCurrentVersion);
+    const auto try_rows_of = [&](PageNumber owner) {
+        for (const ByteVector& bytes : sample_rows(owner)) {
+            const FoundRow row = take_apart(bytes, layout);
+            const auto column = layout.find_column(u"DBversion");
+            if (row.fit == Fit::kNone || !column || !row.stored[*column]) continue;
+            const std::int32_t stored = jet::load_i32(*row.stored[*column], 0);
+            if (stored >= 100000 && stored <= 2 * db::kCurrentVersion) {
+                version_ = history_version(stored);
+                return true;
+            }
+        }
+        return false;
+    };
+    for (const auto& [page, object] : catalogue_) {
+        if (object.name == jet::from_utf8(header.name) && try_rows_of(page)) return;
+    }
+    for (const auto& [page, def] : definitions_) {
+        if (has_columns_of(def, *studio_file_, header) && try_rows_of(page)) return;
+    }
+    if (!has_catalogue_) return;
+    version_ = history_version(0);
+    for (const db::VersionAdditions& additions : db::schema_history()) {
+        for (const char* const name : additions.studio_tables) {
+            for (const auto& [page, object] : catalogue_) {
+                if (object.name == jet::from_utf8(name)) version_ = additions.version;
+            }
+        }
+    }
+}
+
+void FileSurvey::add_defined_tables() {
+    const auto free_pages = read_page_map(pages_, {jet::jet4::kGlobalMapPage, 0});
+    for (const auto& [page, def] : definitions_) {
+        if (page <= kLastFixedPage || def.kind == jet::jet4::tdef::kSystemTable) continue;
+        const auto object = catalogue_.find(page);
+        const bool is_listed = object != catalogue_.end();
+        if (is_listed && (object->second.is_system() || object->second.type != 1)) continue;
+        const bool has_rows = std::any_of(notes_.begin(), notes_.end(), [&, owner = page](const PageNote& note) {
+            return note.kind == Kind::kRows && note.owner == owner;
+        });
+        // A table that was given up, or a definition that has come to lie on the page of another one.
+        if (!is_listed && has_catalogue_ && (!has_rows || (free_pages && (*free_pages)[page]))) {
+            strays_.push_back(def);
+            continue;
+        }
+        SurveyedTable table;
+        table.page = page;
+        table.def = def;
+        if (is_listed) table.def.name = object->second.name;
+        tables_.push_back(std::move(table));
+    }
+}
+
+bool FileSurvey::is_taken(const db::TableSchema* schema) const {
+    return std::any_of(tables_.begin(), tables_.end(), [&](const SurveyedTable& t) { return t.schema == schema; });
+}
+
+bool FileSurvey::is_listed(const db::TableSchema* schema) const {
+    return std::any_of(catalogue_.begin(), catalogue_.end(), [&](const auto& object) {
+        return object.second.type == 1 && jet::same_name(object.second.name, jet::from_utf8(schema->name));
+    });
+}
+
+void FileSurvey::name_by_schema() {
+    const std::vector<const db::TableSchema*> known = known_tables(*studio_file_);
+    for (SurveyedTable& table : tables_) {
+        for (const db::TableSchema* const schema : known) {
+            if (jet::same_name(table.def.name, jet::from_utf8(schema->name)) && !is_taken(schema))
+                table.schema = schema;
+        }
+    }
+    std::vector<SurveyedTable*> unnamed;
+    for (SurveyedTable& table : tables_) {
+        if (table.schema != nullptr) continue;
+        if (table.def.name.empty()) unnamed.push_back(&table);
+        for (const db::TableSchema* const schema : known) {
+            const std::u16string name = jet::from_utf8(schema->name);
+            if (is_taken(schema) || !is_nearly(table.def.name, name)) continue;
+            if (!has_columns_of(table.def, *studio_file_, *schema)) continue;
+            table.schema = schema;
+            table.def.name = name;
+        }
+    }
+    std::vector<const db::TableSchema*> open;
+    for (const db::TableSchema* const schema : known) {
+        if (!is_taken(schema)) open.push_back(schema);
+    }
+    const std::vector<std::size_t> matched =
+        match_in_order(unnamed.size(), open.size(), [&](std::size_t i, std::size_t k) {
+            return has_columns_of(unnamed[i]->def, *studio_file_, *open[k]) ? 1.0 : 0.0;
+        });
+    for (std::size_t i = 0; i < unnamed.size(); ++i) {
+        if (matched[i] == kNoMatch) continue;
+        unnamed[i]->schema = open[matched[i]];
+        unnamed[i]->def.name = jet::from_utf8(unnamed[i]->schema->name);
+        unnamed[i]->is_named_by_guess = true;
+    }
+}
+
+std::vector<ByteVector> FileSurvey::sample_rows(PageNumber owner) const {
+    std::vector<ByteVector> rows;
+    for (PageNumber page_no = 0; page_no < notes_.size() && rows.size() < kSampleRows; ++page_no) {
+        if (notes_[page_no].kind != Kind::kRows || notes_[page_no].owner != owner) continue;
+        const ByteVector page = pages_.page(page_no);
+        for (const FoundSlot& slot : look_at_page(page, pages_.present(page_no)).slots) {
+            if (slot.is_deleted() || slot.is_pointer() || !slot.is_placed || slot.begin == slot.end) continue;
+            rows.emplace_back(page.begin() + static_cast<std::ptrdiff_t>(slot.begin),
+                              page.begin() + static_cast<std::ptrdiff_t>(slot.end));
+        }
+    }
+    return rows;
+}
+
+// Owners whose definition is lost: a table of the studio's, or rows that nobody can read.
+void FileSurvey::add_undefined_tables() {
+    std::map<PageNumber, std::size_t> owners;
+    for (const PageNote& note : notes_) {
+        if (note.kind == Kind::kRows && note.owner > kLastFixedPage && !definitions_.contains(note.owner)) {
+            ++owners[note.owner];
+        }
+    }
+    struct Lost {
+        PageNumber page = 0;
+        const FoundObject* object = nullptr;
+        std::vector<ByteVector> rows;
+        const db::TableSchema* schema = nullptr;
+    };
+    std::vector<Lost> lost;
+    for (const auto& [owner, count] : owners) {
+        const auto object = catalogue_.find(owner);
+        const bool is_listed = object != catalogue_.end();
+        if (is_listed && (object->second.is_system() || object->second.type != 1)) continue;
+        // A single page of an owner that nobody knows is more likely one with a damaged head.
+        if (owner >= notes_.size() || (!is_listed && count < 2 && has_catalogue_)) continue;
+        std::vector<ByteVector> rows = sample_rows(owner);
+        // So are several whose rows are those of a table that is there.
+        const bool is_of_another = std::any_of(tables_.begin(), tables_.end(), [&](const SurveyedTable& t) {
+            return t.def.columns.size() >= 3 && share_of_rows(rows, t.def) >= 0.8;
+        });
+        if (!is_listed && has_catalogue_ && is_of_another) continue;
+        lost.push_back({owner, is_listed ? &object->second : nullptr, std::move(rows)});
+    }
+    std::vector<const db::TableSchema*> open;
+    if (studio_file_) {
+        for (Lost& table : lost) {
+            for (const db::TableSchema* const schema : known_tables(*studio_file_)) {
+                const bool is_its =
+                    table.object != nullptr && jet::same_name(table.object->name, jet::from_utf8(schema->name));
+                if (is_its && !is_taken(schema)) table.schema = schema;
+            }
+        }
+        for (const db::TableSchema* const schema : known_tables(*studio_file_)) {
+            const bool is_named =
+                std::any_of(lost.begin(), lost.end(), [&](const Lost& t) { return t.schema == schema; });
+            if (!is_taken(schema) && !is_named) open.push_back(schema);
+        }
+    }
+    std::vector<std::size_t> nameless;
+    for (std::size_t i = 0; i < lost.size(); ++i) {
+        if (lost[i].object == nullptr && !lost[i].rows.empty()) nameless.push_back(i);
+    }
+    const std::vector<std::size_t> matched =
+        match_in_order(nameless.size(), open.size(), [&](std::size_t i, std::size_t k) {
+            const LayoutGuess guess = best_layout(lost[nameless[i]].rows, *studio_file_, *open[k], version_);
+            return guess.share >= 0.95 ? static_cast<double>(lost[nameless[i]].rows.size()) + 1 : 0.0;
+        });
+    for (std::size_t i = 0; i < nameless.size(); ++i) {
+        if (matched[i] != kNoMatch) lost[nameless[i]].schema = open[matched[i]];
+    }
+    for (const Lost& table : lost) {
+        const LayoutGuess guess =
+            table.schema != nullptr ? best_layout(table.rows, *studio_file_, *table.schema, version_) : LayoutGuess{};
+        if (guess.layout == nullptr || guess.share < 0.5) {
+            const auto stray = std::find_if(strays_.begin(), strays_.end(),
+                                            [&](const TableDef& def) { return share_of_rows(table.rows, def) >= 0.9; });
+            if (stray != strays_.end() && table.object != nullptr) {
+                SurveyedTable found;
+                found.page = table.page;
+                found.def = *stray;
+                found.def.page = table.page;
+                found.def.name = table.object->name;
+                found.is_rebuilt = true;
+                tables_.push_back(std::move(found));
+                continue;
+            }
+            OrphanedRows orphan;
+            orphan.owner = table.page;
+            if (table.object != nullptr) orphan.name = table.object->name;
+            orphans_.push_back(std::move(orphan));
+            continue;
+        }
+        SurveyedTable found;
+        found.page = table.page;
+        found.schema = table.schema;
+        found.def = guess.layout->def;
+        found.def.page = table.page;
+        found.is_rebuilt = true;
+        found.is_named_by_guess = table.object == nullptr;
+        tables_.push_back(std::move(found));
+    }
+}
+
+// A definition that its own rows contradict has been damaged without becoming unreadable.
+void FileSurvey::prefer_known_layouts() {
+    for (SurveyedTable& table : tables_) {
+        if (table.schema == nullptr || table.is_rebuilt) continue;
+        if (is_known_layout(table.def, *studio_file_, *table.schema)) continue;
+        const std::vector<ByteVector> rows = sample_rows(table.page);
+        const double own = share_of_rows(rows, table.def);
+        const LayoutGuess guess = best_layout(rows, *studio_file_, *table.schema, version_);
+        const bool fits_better = guess.layout != nullptr && guess.share >= 0.9 && own < guess.share;
+        const KnownLayout* const twin = twin_layout(table.def, *studio_file_, *table.schema);
+        // Without rows to tell, another table's definition stands here.
+        const bool is_another = rows.empty() && !has_columns_of(table.def, *studio_file_, *table.schema);
+        const KnownLayout* const right = fits_better  ? guess.layout
+                                         : is_another ? layout_of_version(*studio_file_, *table.schema, version_)
+                                                      : twin;
+        if (right == nullptr) continue;
+        TableDef mended = right->def;
+        mended.page = table.page;
+        mended.owned_map = table.def.owned_map;
+        mended.free_map = table.def.free_map;
+        mended.row_count = table.def.row_count;
+        mended.last_autonumber = table.def.last_autonumber;
+        table.def = std::move(mended);
+        table.is_rebuilt = true;
+    }
+}
+
+void FileSurvey::read_properties() {
+    for (SurveyedTable& table : tables_) {
+        const auto object = catalogue_.find(table.page);
+        bool has_properties = false;
+        if (object != catalogue_.end() && !object->second.properties.empty()) {
+            const FoundLongValue blob = long_values_.read(object->second.properties);
+            try {
+                if (blob.is_whole && !blob.bytes.empty()) {
+                    const jet::PropertySet properties = jet::parse_properties(blob.bytes);
+                    for (jet::ColumnDef& column : table.def.columns) {
+                        column.allow_zero_length = properties.column_flag(column.name, u"AllowZeroLength", true);
+                    }
+                    has_properties = true;
+                }
+            } catch (const jet::Error&) {
+                // Properties that cannot be read say nothing.
+            }
+        }
+        if (has_properties || table.schema == nullptr) continue;
+        for (jet::ColumnDef& column : table.def.columns) {
+            const db::FieldSchema* const field = db::find_field(*table.schema, jet::to_utf8(column.name).c_str());
+            column.allow_zero_length =
+                field == nullptr || field->kind == db::FieldKind::kText || field->kind == db::FieldKind::kMemo;
+        }
+    }
+}
+
+std::size_t FileSurvey::index_of(PageNumber owner) const {
+    const auto at = std::lower_bound(tables_.begin(), tables_.end(), owner,
+                                     [](const SurveyedTable& t, PageNumber page) { return t.page < page; });
+    return at != tables_.end() && at->page == owner ? static_cast<std::size_t>(at - tables_.begin()) : kNone;
+}
+
+// The table that a page of rows with a wrong head belongs to: the one whose map lists it, or the only one whose rows
+// these can be.
+std::optional<std::size_t> FileSurvey::best_table(PageNumber page_no) const {
+    const ByteVector page = pages_.page(page_no);
+    const FoundPage look = look_at_page(page, pages_.present(page_no));
+    std::vector<std::size_t> fitting;
+    std::vector<std::size_t> full;
+    for (std::size_t i = 0; i < tables_.size(); ++i) {
+        const PageFit fit = fit_of(page, look, tables_[i].def);
+        if (fit.live == 0 || 10 * fit.exact < 8 * fit.live) continue;
+        if (tables_[i].owned && (*tables_[i].owned)[page_no]) return i;
+        fitting.push_back(i);
+        if (10 * fit.full >= 8 * fit.live) full.push_back(i);
+    }
+    // Rows of before a column was added fit many; those of today fit best.
+    if (!full.empty()) fitting = full;
+    // Rows of one or two columns fit too much.
+    if (fitting.size() != 1 || tables_[fitting.front()].def.columns.size() < 3) return std::nullopt;
+    return fitting.front();
+}
+
+void FileSurvey::assign_pages() {
+    for (PageNumber page_no = 0; page_no < notes_.size(); ++page_no) {
+        const PageNote& note = notes_[page_no];
+        if (note.kind != Kind::kRows) continue;
+        std::size_t table = index_of(note.owner);
+        bool is_guess = false;
+        if (table != kNone) {
+            const ByteVector page = pages_.page(page_no);
+            const PageFit fit = fit_of(page, look_at_page(page, pages_.present(page_no)), tables_[table].def);
+            if (2 * fit.possible < fit.live) {
+                if (const auto other = best_table(page_no)) {
+                    is_guess = *other != table;
+                    table = *other;
+                }
+            }
+        } else {
+            const bool is_map = note.owner == jet::jet4::data::kUsageMapOwner || page_no == jet::jet4::kGlobalMapPage;
+            const bool is_other = note.owner > 0 && definitions_.contains(note.owner);
+            const auto orphan = std::find_if(orphans_.begin(), orphans_.end(),
+                                             [&](const OrphanedRows& o) { return o.owner == note.owner; });
+            if (orphan != orphans_.end()) {
+                const ByteVector page = pages_.page(page_no);
+                ++orphan->pages;
+                orphan->rows += fit_of(page, look_at_page(page, pages_.present(page_no)), {}).live;
+            } else if (!is_map && !is_other && !(note.owner > 0 && note.owner <= kLastFixedPage)) {
+                if (const auto other = best_table(page_no)) table = *other;
+                is_guess = table != kNone;
+            }
+        }
+        if (table == kNone) continue;
+        tables_[table].row_pages.push_back(page_no);
+        if (is_guess) tables_[table].guessed_pages.push_back(page_no);
+    }
+    for (SurveyedTable& table : tables_) {
+        if (!table.owned) continue;
+        std::size_t held = 0;
+        for (const PageNumber page : table.row_pages) held += (*table.owned)[page] ? 1 : 0;
+        // A map that has little to do with the pages is damaged itself.
+        if (2 * held < table.row_pages.size()) {
+            table.owned.reset();
+        } else {
+            table.lost_pages = count_pages(*table.owned) - held;
+        }
+    }
+}
+
+// Pages that a table has given back keep their rows until they are used again. Both maps have to say so: one alone may
+// be damaged. Where pages of the table are missing, they may have come to lie on a free one.
+void FileSurvey::drop_given_up_pages() {
+    auto free_pages = read_page_map(pages_, {jet::jet4::kGlobalMapPage, 0});
+    std::size_t owned = 0;
+    std::size_t owned_and_free = 0;
+    for (const SurveyedTable& table : tables_) {
+        for (const PageNumber page : table.row_pages) {
+            if (!table.owned || !(*table.owned)[page]) continue;
+            ++owned;
+            if (free_pages && (*free_pages)[page]) ++owned_and_free;
+        }
+    }
+    if (!free_pages || 20 * owned_and_free > owned) return;
+    for (SurveyedTable& table : tables_) {
+        std::size_t missing = table.lost_pages;
+        std::erase_if(table.row_pages, [&](PageNumber page) {
+            if (!(*free_pages)[page] || (table.owned && (*table.owned)[page])) return false;
+            if (table.owned && missing > 0) {
+                --missing;
+                table.guessed_pages.push_back(page);
+                return false;
+            }
+            ++table.given_up_pages;
+            return true;
+        });
+    }
+}
+
+}  // namespace tools

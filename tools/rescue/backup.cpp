@@ -146,10 +146,12 @@ std::vector<BackupSet> backup_sets(const std::string& folder) {
 }
 
 BackupSet find_backup(const std::string& path, const std::optional<std::string>& at) {
+    const std::string folder = os::folder_of(path);
+    // With join_path's separator, whatever stood there.
+    const std::string same_path = os::join_path(folder, path.substr(folder.size()));
     for (const char* const file : {kStudioFile, kInvoiceFile}) {
-        const std::string folder = os::folder_of(path);
         for (const std::string& name : sets_with(folder, file)) {
-            if (path_in(folder, file, name) != path) continue;
+            if (path_in(folder, file, name) != same_path) continue;
             if (!exists(path_in(folder, kStudioFile, name))) {
                 throw CommandError(path + " is of a backup that was interrupted: the studio's file is not beside it");
             }

@@ -1,5 +1,5 @@
 // backup, restore and compact on a disk that fails or loses power at any step: the studio is always as it was or as it
-// is to be, what was replaced is kept, and a set of copies is whole or none.
+// is to be, what was replaced is kept, and a set of copies is whole or none. The disk in memory knows one separator.
 #include <gtest/gtest.h>
 
 #include <fstream>

@@ -1,5 +1,6 @@
 // The component, as a host has it: a copy of the library in the folder, loaded at run time.
 #include "bench/store.h"
+#include "db/database_files.h"
 #include "tools/studio.h"
 
 namespace bench {
@@ -7,7 +8,7 @@ namespace {
 
 class KvdbStore final : public Store {
 public:
-    explicit KvdbStore(const std::string& folder) : studio_(folder, tools::Studio::Purpose::kMake) {}
+    explicit KvdbStore(const std::string& folder) : studio_(folder, tools::Studio::Purpose::kUpgrade) {}
 
     void open() override { gate_ = &studio_.open(); }
     void close() override { studio_.close(); }
@@ -34,7 +35,7 @@ public:
         }
         return rows;
     }
-    std::string main_file() const override { return studio_.main_file(); }
+    std::string main_file() const override { return db::file_path(db::DatabaseFile::kMain); }
 
 private:
     tools::Studio studio_;

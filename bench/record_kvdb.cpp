@@ -9,7 +9,7 @@ using tools::address_of;
 
 class KvdbRecordStore final : public RecordStore {
 public:
-    explicit KvdbRecordStore(const std::string& folder) : studio_(folder, tools::Studio::Purpose::kMake) {}
+    explicit KvdbRecordStore(const std::string& folder) : studio_(folder, tools::Studio::Purpose::kUpgrade) {}
 
     void open() override {
         gate_ = &studio_.open();

@@ -27,14 +27,13 @@ bool makes_and_upgrades() { return opening == Opening::kMakeAndUpgrade; }
 void open_file(CDaoDatabase& database, DatabaseFile file) {
     const std::string path = file_path(file);
     const char* const former = former_password(file);
-    const BOOL read_only = opening == Opening::kReadOnly;
     try {
-        return database.Open(path.c_str(), TRUE, read_only, connect_text(file).c_str());
+        return database.Open(path.c_str(), TRUE, FALSE, connect_text(file).c_str());
     } catch (CDaoException* e) {
         if (former == nullptr || e->m_pErrorInfo->m_lErrorCode != afx::errors::kWrongPassword) throw;
         e->Delete();
     }
-    database.Open(path.c_str(), TRUE, read_only, connect_text(former).c_str());
+    database.Open(path.c_str(), TRUE, FALSE, connect_text(former).c_str());
 }
 
 void close_quietly(CDaoDatabase& database) {

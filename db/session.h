@@ -32,7 +32,6 @@ enum CloseFlags : unsigned {
 enum class Opening {
     kMakeAndUpgrade,  // a missing file is made, an older or newer one brought to the current version
     kAsTheyAre,       // for changes of rows; a missing file is an error, and a file keeps its version
-    kReadOnly,        // the same, and nothing is opened for writing
 };
 void set_opening(Opening opening);
 

@@ -36,12 +36,10 @@ TEST_F(Session, attach_makes_both_files_and_points_the_gate_at_them) {
 }
 
 TEST_F(Session, opening_that_makes_nothing_raises_an_error_for_a_missing_file) {
-    for (const db::Opening opening : {db::Opening::kAsTheyAre, db::Opening::kReadOnly}) {
-        db::set_opening(opening);
-        EXPECT_EQ(error_of([&] { db::open(gate_); }), 3024);
-        EXPECT_EQ(error_of([&] { db::attach(gate_); }), 3024);
-        EXPECT_EQ(files(), 0u);
-    }
+    db::set_opening(db::Opening::kAsTheyAre);
+    EXPECT_EQ(error_of([&] { db::open(gate_); }), 3024);
+    EXPECT_EQ(error_of([&] { db::attach(gate_); }), 3024);
+    EXPECT_EQ(files(), 0u);
 }
 
 TEST_F(Session, opening_that_upgrades_nothing_serves_files_of_other_versions_as_they_stand) {
@@ -60,28 +58,14 @@ TEST_F(Session, opening_that_upgrades_nothing_serves_files_of_other_versions_as_
     for (const LONG version : {100006, 220000}) {
         set_version(version);
         const std::string before = file_bytes("sldb.mdb") + file_bytes("kvinvdb.mdb");
-        for (const db::Opening opening : {db::Opening::kAsTheyAre, db::Opening::kReadOnly}) {
-            db::set_opening(opening);
-            EXPECT_EQ(db::open(gate_), S_OK);
-            LONG found = 0;
-            EXPECT_EQ(db::get_version(gate_, &found), S_OK);
-            EXPECT_EQ(found, version);
-            db::close(db::kCloseAll);
-            EXPECT_EQ(file_bytes("sldb.mdb") + file_bytes("kvinvdb.mdb"), before);
-            EXPECT_EQ(files(), 2u);
-        }
+        db::set_opening(db::Opening::kAsTheyAre);
+        EXPECT_EQ(db::open(gate_), S_OK);
+        LONG found = 0;
+        EXPECT_EQ(db::get_version(gate_, &found), S_OK);
+        EXPECT_EQ(found, version);
+        db::close(db::kCloseAll);
+        EXPECT_EQ(file_bytes("sldb.mdb") + file_bytes("kvinvdb.mdb"), before);
     }
-}
-
-TEST_F(Session, files_that_are_opened_for_reading_refuse_changes) {
-    db::attach(gate_);
-    db::close(db::kCloseAll);
-    db::set_opening(db::Opening::kReadOnly);
-    EXPECT_EQ(db::open(gate_), S_OK);
-    HeadInfo head;
-    EXPECT_EQ(db::get_head(gate_, &head), S_OK);
-    EXPECT_EQ(db::set_head(gate_, &head), E_FAIL);
-    EXPECT_EQ(files(), 2u);
 }
 
 TEST_F(Session, new_files_hold_their_tables_and_first_rows) {

@@ -32,18 +32,6 @@ std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode
 
 bool exists(const std::string& path) { return os::file_system().exists(path); }
 
-// Opens the file as a host does, and closes it: what a crash has left in a journal is in the file then.
-void write_journal_back(const std::string& path) {
-    jet::OpenOptions options;
-    options.ignore_password = true;
-    try {
-        jet::Database::open(path, options)->close();
-    } catch (const jet::Error& error) {
-        if (is_in_use(error.number())) throw CommandError(in_use_text(path));
-        throw;
-    }
-}
-
 // The file without a journal, locked.
 std::unique_ptr<os::File> lock_whole_file(const std::string& path) {
     write_journal_back(path);
@@ -173,6 +161,17 @@ std::string find_equal_copy(os::File& file, const CopyName& name) {
 }
 
 }  // namespace
+
+void write_journal_back(const std::string& path) {
+    jet::OpenOptions options;
+    options.ignore_password = true;
+    try {
+        jet::Database::open(path, options)->close();
+    } catch (const jet::Error& error) {
+        if (is_in_use(error.number())) throw CommandError(in_use_text(path));
+        throw;
+    }
+}
 
 DatedCopy dated_copy(const std::string& path) {
     const std::unique_ptr<os::File> file = lock_whole_file(path);

@@ -23,6 +23,10 @@ DatedCopy dated_copy(const std::string& path);
 // jet::Error; then the file is as it was.
 void take_back(const std::string& copy, const std::string& path);
 
+// Opens the file as a host does, and closes it: what a crash has left in a journal is in the file then. CommandError
+// where it is in use, else jet::Error.
+void write_journal_back(const std::string& path);
+
 // Removes a file that nobody has open.
 void remove_closed(const std::string& path);
 

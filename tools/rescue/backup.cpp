@@ -8,6 +8,7 @@
 #include "os/file.h"
 #include "os/system.h"
 #include "tools/errors.h"
+#include "tools/file_copies.h"
 #include "tools/open_file.h"
 #include "tools/rescue/checked_copy.h"
 #include "tools/rescue/page_source.h"
@@ -112,14 +113,12 @@ void publish(const std::string& draft, const std::string& path) {
     os::file_system().sync_folder_of(path);
 }
 
-// Opens the file as a host does, so that a journal comes into it, where it can be opened.
+// A journal comes into the file, where that can be opened.
 void bring_up_to_date(const std::string& path) {
-    jet::OpenOptions options;
-    options.ignore_password = true;
     try {
-        jet::Database::open(path, options)->close();
-    } catch (const jet::Error& error) {
-        if (is_in_use(error.number())) throw CommandError(in_use_text(path));
+        write_journal_back(path);
+    } catch (const jet::Error&) {
+        // What is there is kept as it is, its journal beside it.
     }
 }
 

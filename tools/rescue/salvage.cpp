@@ -204,11 +204,17 @@ private:
         }
     }
 
-    std::u16string free_name(std::u16string name) {
+    // One that the engine takes.
+    static std::u16string valid_name(std::u16string name) {
         for (char16_t& c : name) {
             if (c < u' ' || std::u16string_view(u".!`[]").find(c) != std::u16string_view::npos) c = u'_';
         }
         if (name.empty() || name.front() == u' ') name.insert(0, u"_");
+        return name;
+    }
+
+    std::u16string free_name(const std::u16string& found) {
+        std::u16string name = valid_name(found);
         const std::u16string base = name.substr(0, 56);
         for (int n = 2; !names_.insert(jet::to_utf8(name)).second; ++n)
             name = base + u"_" + jet::from_utf8(std::to_string(n));
@@ -235,10 +241,7 @@ private:
             if (column.autonumber && has_key) column.autonumber = false;
             has_key = has_key || column.autonumber;
             if (facts_[i].has_empty_text.contains(c)) column.allow_zero_length = true;
-            for (char16_t& unit : column.name) {
-                if (unit < u' ' || std::u16string_view(u".!`[]").find(unit) != std::u16string_view::npos) unit = u'_';
-            }
-            if (column.name.empty() || column.name.front() == u' ') column.name.insert(0, u"_");
+            column.name = valid_name(std::move(column.name));
             while (!column_names.insert(column.name).second) column.name += u"_";
             columns.push_back(std::move(column));
         }
@@ -481,34 +484,6 @@ private:
 };
 
 }  // namespace
-
-bool SalvagedTable::is_untouched() const {
-    return doubtful == 0 && cut_values == 0 && unreadable == 0 && left_out == 0 && lost_pages == 0 && lost_rows == 0 &&
-           !is_rebuilt && !is_made_anew && !is_named_by_guess && notes.empty();
-}
-
-std::size_t SalvageReport::saved() const {
-    std::size_t sum = 0;
-    for (const SalvagedTable& table : tables) sum += table.saved;
-    return sum;
-}
-
-std::size_t SalvageReport::doubtful() const {
-    std::size_t sum = 0;
-    for (const SalvagedTable& table : tables) sum += table.doubtful;
-    return sum;
-}
-
-std::size_t SalvageReport::lost() const {
-    std::size_t sum = 0;
-    for (const SalvagedTable& table : tables) sum += std::max(table.lost_rows, table.unreadable) + table.left_out;
-    return sum;
-}
-
-bool SalvageReport::is_complete() const {
-    return notes.empty() &&
-           std::all_of(tables.begin(), tables.end(), [](const SalvagedTable& t) { return t.is_untouched(); });
-}
 
 SalvageReport salvage(const std::string& from, const std::string& to) { return Salvage(from, to).run(); }
 

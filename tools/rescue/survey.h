@@ -63,12 +63,23 @@ private:
         std::uint32_t owner = 0;
     };
 
+    // A table whose definition is lost.
+    struct LostTable {
+        jet::PageNumber page = 0;
+        const FoundObject* object = nullptr;  // what the catalogue says of it
+        std::vector<jet::ByteVector> rows;    // some of them
+        const db::TableSchema* schema = nullptr;
+    };
+
     void note_pages();
     void read_schema();
     void find_studio_file();
     void find_version();
     void add_defined_tables();
     void name_by_schema();
+    std::vector<LostTable> find_lost_tables() const;
+    void name_lost_tables(std::vector<LostTable>& lost) const;
+    std::optional<jet::TableDef> definition_of(const LostTable& table) const;
     void add_undefined_tables();
     void prefer_known_layouts();
     void read_properties();

@@ -20,7 +20,7 @@ set(version_numbers ${PROJECT_VERSION_MAJOR},${PROJECT_VERSION_MINOR},${PROJECT_
 set_source_files_properties(${kvdb_rc} PROPERTIES
     COMPILE_DEFINITIONS "KVDB_VERSION_NUMBERS=${version_numbers};KVDB_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\"")
 # The resource compiler does not tell what it reads.
-file(GLOB scripts ${PROJECT_SOURCE_DIR}/frame/*.rgs)
+file(GLOB scripts ${PROJECT_SOURCE_DIR}/frame/registration/*.rgs)
 set_property(SOURCE ${kvdb_rc} PROPERTY OBJECT_DEPENDS ${kvdb_tlb} ${scripts})
 set_property(SOURCE ${kvdb_string_table} PROPERTY OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/db/string_resources.h)
 set_target_properties(kvdb PROPERTIES PREFIX "" IMPORT_PREFIX "")

@@ -7,7 +7,7 @@
 #include "db/create_files.h"
 #include "db/database_files.h"
 #include "db/rows.h"
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 #include "db/values.h"
 
 namespace db {

@@ -7,7 +7,7 @@
 #include "frame/com_object.h"
 #include "frame/gate1.h"
 #include "frame/gear_gates.h"
-#include "frame/registrar.h"
+#include "frame/registration/registrar.h"
 
 namespace frame {
 

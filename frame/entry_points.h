@@ -3,7 +3,7 @@
 
 #include <kvdb/com.h>
 
-#include "frame/registrar.h"
+#include "frame/registration/registrar.h"
 
 namespace frame {
 

@@ -4,6 +4,8 @@
 
 #include <kvdb/com.h>
 
+#include "frame/com_ptr.h"
+
 namespace frame {
 
 // What an object answers when it is asked for IMarshal: the platform's free-threaded marshaler, made when it is first
@@ -11,7 +13,6 @@ namespace frame {
 class Marshaler {
 public:
     Marshaler() = default;
-    ~Marshaler();
     Marshaler(const Marshaler&) = delete;
     Marshaler& operator=(const Marshaler&) = delete;
 
@@ -19,7 +20,7 @@ public:
     HRESULT query(IUnknown* object, REFIID riid, void** marshal);
 
 private:
-    IUnknown* inner_ = nullptr;  // counts its references on the object but for this one
+    ComPtr<IUnknown> inner_;  // counts its references on the object but for this one
 };
 
 }  // namespace frame

@@ -7,15 +7,11 @@
 
 namespace frame {
 
-Marshaler::~Marshaler() {
-    if (inner_ != nullptr) inner_->Release();
-}
-
 HRESULT Marshaler::query(IUnknown* object, REFIID riid, void** marshal) {
     if (riid != IID_IMarshal) return E_NOINTERFACE;
     const MethodFrame method;
-    if (inner_ == nullptr) {
-        const HRESULT made = CoCreateFreeThreadedMarshaler(object, &inner_);
+    if (!inner_) {
+        const HRESULT made = CoCreateFreeThreadedMarshaler(object, inner_.put_typed());
         if (FAILED(made)) return made;
     }
     return inner_->QueryInterface(riid, marshal);

@@ -1,6 +1,7 @@
 // The platform keeps a loaded library in memory for as long as somebody uses it, so nothing is kept here.
 #include "frame/type_information.h"
 
+#include "frame/com_ptr.h"
 #include "frame/type_library_win32.h"
 
 namespace frame {
@@ -10,12 +11,10 @@ HRESULT load_type_library(ITypeLib** library) { return LoadTypeLibEx(own_file().
 UINT type_information_count() { return 1; }
 
 HRESULT type_information(REFIID interface_id, ITypeInfo** info) {
-    ITypeLib* library = nullptr;
-    const HRESULT result = load_type_library(&library);
+    ComPtr<ITypeLib> library;
+    const HRESULT result = load_type_library(library.put_typed());
     if (FAILED(result)) return result;
-    const HRESULT found = library->GetTypeInfoOfGuid(interface_id, info);
-    library->Release();
-    return found;
+    return library->GetTypeInfoOfGuid(interface_id, info);
 }
 
 }  // namespace frame

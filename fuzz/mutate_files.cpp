@@ -22,6 +22,7 @@
 #include <thread>
 
 #include "fuzz/mutated_run.h"
+#include "jet/pages/journal.h"
 
 namespace {
 
@@ -115,7 +116,7 @@ void keep_case(const Options& options, std::uint64_t seed) {
     std::filesystem::create_directories(options.out);
     const std::filesystem::path base = std::filesystem::path(options.out) / (std::to_string(seed) + ".mdb");
     write_bytes(base, files.database);
-    if (!files.journal.empty()) write_bytes(base.string() + "-journal", files.journal);
+    if (!files.journal.empty()) write_bytes(jet::Journal::path_for(base.string()), files.journal);
     std::printf("failed: seed %llu, kept as %s\n", static_cast<unsigned long long>(seed), base.c_str());
     for (const std::string& step : files.steps) std::printf("    %s\n", step.c_str());
     std::printf("    to repeat: %s --seed %llu --count 1\n", options.program.c_str(),

@@ -6,6 +6,7 @@
 #include "fuzz/base_files.h"
 #include "fuzz/page_fields.h"
 #include "jet/base/rc4.h"
+#include "jet/pages/journal.h"
 #include "jet/tables/database.h"
 #include "tests/support/fault_file_system.h"
 
@@ -183,7 +184,7 @@ MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& 
         transaction.commit();
     }
     changed.database = disk.content(kPath);
-    const std::string journal = std::string(kPath) + "-journal";
+    const std::string journal = jet::Journal::path_for(kPath);
     if (disk.exists(journal)) changed.journal = disk.content(journal);
     changed.steps.push_back("all of it in a journal");
     if (!changed.journal.empty() && chance.one_in(3)) {

@@ -3,6 +3,7 @@
 #include "os/system.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "os/code_page.h"
 #include "os/system_parts.h"
@@ -12,17 +13,6 @@ namespace {
 
 detail::DateFormat date_format_override;
 CodePage code_page = CodePage::kSystem;
-
-// Days from 1970-01-01 to a date of the Gregorian calendar, after 0000-03-01. Years are counted from
-// March, so that the leap day is a year's last and the months before it follow one line.
-std::int32_t days_from_1970(std::int32_t year, std::int32_t month, std::int32_t day) {
-    const std::int32_t march_year = month > 2 ? year : year - 1;
-    const std::int32_t march_month = month > 2 ? month - 3 : month + 9;
-    const std::int32_t day_of_year = (153 * march_month + 2) / 5 + day - 1;
-    const std::int32_t leap_days = march_year / 4 - march_year / 100 + march_year / 400;
-    constexpr std::int32_t kDaysToMarchYear1970 = 719468;
-    return march_year * 365 + leap_days + day_of_year - kDaysToMarchYear1970;
-}
 
 }  // namespace
 
@@ -89,9 +79,12 @@ std::string narrow(std::u16string_view wide) {
 void set_code_page(CodePage page) { code_page = page; }
 
 double detail::ole_date_of(const LocalTime& time) {
-    constexpr std::int32_t kDays1899To1970 = 25569;
     constexpr std::int64_t kMillisecondsPerDay = 86'400'000;
-    const std::int64_t days = days_from_1970(time.year, time.month, time.day) + kDays1899To1970;
+    constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
+    const std::chrono::year_month_day date(std::chrono::year(time.year),
+                                           std::chrono::month(static_cast<unsigned>(time.month)),
+                                           std::chrono::day(static_cast<unsigned>(time.day)));
+    const std::int64_t days = (std::chrono::sys_days(date) - kDayZero).count();
     // A leap second has no place in a day of fixed length.
     const std::int64_t seconds = time.hour * 3600 + time.minute * 60 + std::min(time.second, 59);
     const std::int64_t milliseconds = seconds * 1000 + time.millisecond;

@@ -7,7 +7,7 @@
 #include "tools/command_line.h"
 #include "tools/errors.h"
 #include "tools/output.h"
-#include "tools/words.h"
+#include "tools/program_arguments.h"
 
 namespace {
 
@@ -33,7 +33,7 @@ int main(int argc, char** argv) {
     tools::open_standard_streams();
     // Whatever the environment says: a change writes back the whole row, and no text of it may lose a character.
     os::set_code_page(os::CodePage::kUtf8);
-    const int code = run(tools::command_line_words(argc, argv));
+    const int code = run(tools::program_arguments(argc, argv));
     tools::Output& out = tools::output();
     out.finish();
     if (!out.is_lost()) return code;

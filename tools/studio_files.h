@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "db/schema.h"
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 
 namespace tools {
 

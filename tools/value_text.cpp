@@ -1,6 +1,7 @@
 #include "tools/value_text.h"
 
 #include <charconv>
+#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <vector>
@@ -51,7 +52,7 @@ std::string numeric_text(const jet::Numeric& value) {
     return decimal(digits.empty() ? "0" : digits, (value.bytes[0] & 0x80) != 0, value.scale);
 }
 
-// The date of a day counted from 1899-12-30, by the usual civil calendar arithmetic.
+// The date of a day counted from 1899-12-30.
 std::string date_text(double days) {
     if (!(std::abs(days) < 3e6)) return "invalid date";
     const double whole = std::trunc(days);
@@ -61,17 +62,11 @@ std::string date_text(double days) {
         milliseconds -= 86400000;
         ++day;
     }
-    const std::int64_t since_era = day - 25569 + 719468;  // days since 0000-03-01
-    const std::int64_t era = (since_era >= 0 ? since_era : since_era - 146096) / 146097;
-    const std::int64_t day_of_era = since_era - era * 146097;
-    const std::int64_t year_of_era = (day_of_era - day_of_era / 1460 + day_of_era / 36524 - day_of_era / 146096) / 365;
-    const std::int64_t day_of_year = day_of_era - (365 * year_of_era + year_of_era / 4 - year_of_era / 100);
-    const std::int64_t month_index = (5 * day_of_year + 2) / 153;
-    const int month = static_cast<int>(month_index < 10 ? month_index + 3 : month_index - 9);
-    const int year = static_cast<int>(year_of_era + era * 400 + (month <= 2 ? 1 : 0));
+    constexpr std::chrono::sys_days kDayZero = std::chrono::year(1899) / 12 / 30;
+    const std::chrono::year_month_day date(kDayZero + std::chrono::days(day));
     char text[64];
-    std::snprintf(text, sizeof text, "%04d-%02d-%02d", year, month,
-                  static_cast<int>(day_of_year - (153 * month_index + 2) / 5 + 1));
+    std::snprintf(text, sizeof text, "%04d-%02u-%02u", static_cast<int>(date.year()),
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
     std::string result = text;
     if (milliseconds != 0) {
         std::snprintf(text, sizeof text, "T%02d:%02d:%02d", static_cast<int>(milliseconds / 3600000),

@@ -1,5 +1,5 @@
 // Checks a parsed statement against a table's definition.
-#include "jet/sql/condition.h"
+#include "jet/sql/binder.h"
 #include "jet/sql/scalar.h"
 
 namespace jet::sql {

@@ -1,4 +1,4 @@
-#include "jet/sql/condition.h"
+#include "jet/sql/evaluator.h"
 #include "jet/sql/scalar.h"
 
 namespace jet::sql {

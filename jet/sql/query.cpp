@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "jet/sql/condition.h"
+#include "jet/sql/evaluator.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/scalar.h"
 #include "jet/sql/table_name.h"

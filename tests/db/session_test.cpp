@@ -10,7 +10,7 @@
 #include "db/create_files.h"
 #include "db/database_files.h"
 #include "db/schema.h"
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 #include "db/values.h"
 #include "os/file.h"
 #include "os/system.h"

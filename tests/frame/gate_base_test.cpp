@@ -15,7 +15,7 @@
 #include "tests/frame/gate_host.h"
 #include "tests/frame/late_binding.h"
 
-using testing_support::ComPtr;
+using frame::ComPtr;
 using testing_support::Variant;
 
 namespace {

@@ -30,8 +30,8 @@
 #include <dlfcn.h>
 #endif
 
+#include "frame/com_ptr.h"
 #include "os/system.h"
-#include "tests/frame/com_ptr.h"
 #include "tests/frame/invoke_gate.h"
 #include "tests/support/temp_folder.h"
 #ifdef _WIN32

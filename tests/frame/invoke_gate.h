@@ -15,12 +15,14 @@
 #include <utility>
 #include <vector>
 
+#include "frame/com_ptr.h"
 #include "os/system.h"
-#include "tests/frame/com_ptr.h"
 #include "tests/frame/gate_members.h"
 #include "tests/frame/late_binding.h"
 
 namespace testing_support {
+
+using frame::ComPtr;
 
 namespace invoke_detail {
 

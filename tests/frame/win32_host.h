@@ -12,12 +12,14 @@
 #include <string>
 #include <vector>
 
+#include "frame/com_ptr.h"
 #include "os/system.h"
 #include "tests/frame/activation_win32.h"
-#include "tests/frame/com_ptr.h"
 #include "tests/support/temp_folder.h"
 
 namespace testing_support {
+
+using frame::ComPtr;
 
 inline std::string bytes_of(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);

@@ -6,7 +6,7 @@
 #include <map>
 
 #include "jet/base/error.h"
-#include "jet/sql/condition.h"
+#include "jet/sql/evaluator.h"
 #include "jet/sql/parser.h"
 
 namespace sql_test {

@@ -9,9 +9,9 @@
 
 #include "db/database_files.h"
 #include "db/session.h"
+#include "frame/com_ptr.h"
 #include "frame/entry_points.h"
 #include "jet/check/check.h"
-#include "tests/frame/com_ptr.h"
 #include "tests/frame/late_binding.h"
 #include "tests/gates/closed_file.h"
 #include "tests/memory/refused_memory.h"
@@ -19,6 +19,7 @@
 #include "tests/support/temp_folder.h"
 
 using namespace testing_support;
+using frame::ComPtr;
 
 namespace {
 

@@ -21,6 +21,7 @@ namespace soak {
 namespace {
 
 using namespace testing_support;
+using frame::ComPtr;
 
 template <class Gate>
 Gate& gate_of(const Gates& gates) {

@@ -11,15 +11,15 @@
 #include <string>
 #include <vector>
 
-#include "tests/frame/com_ptr.h"
+#include "frame/com_ptr.h"
 
 namespace soak {
 
 // The three gates of one studio.
 struct Gates {
-    testing_support::ComPtr<IDBgate1> main;
-    testing_support::ComPtr<IDBgate2> gear2;
-    testing_support::ComPtr<IDBGate3> gear3;
+    frame::ComPtr<IDBgate1> main;
+    frame::ComPtr<IDBgate2> gear2;
+    frame::ComPtr<IDBGate3> gear3;
 
     // S_OK, or E_FAIL for an exception too; `reason` (may be null) then says which.
     HRESULT open(std::string* reason = nullptr) const;

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "afx/dao_database.h"
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 #include "tests/support/fault_file_system.h"
 
 namespace soak {

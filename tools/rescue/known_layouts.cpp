@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-#include "db/schema_history.h"
+#include "db/upgrade/schema_history.h"
 
 namespace tools {
 namespace {

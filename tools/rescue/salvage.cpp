@@ -6,7 +6,7 @@
 #include <unordered_map>
 
 #include "db/content.h"
-#include "db/schema_history.h"
+#include "db/upgrade/schema_history.h"
 #include "jet/indexes/collation.h"
 #include "jet/pages/header.h"
 #include "jet/storage/row_codec.h"

@@ -5,7 +5,7 @@
 #include <set>
 
 #include "db/content.h"
-#include "db/schema_history.h"
+#include "db/upgrade/schema_history.h"
 #include "jet/indexes/collation.h"
 #include "jet/schema/properties.h"
 #include "tools/rescue/found_row.h"

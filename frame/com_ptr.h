@@ -3,7 +3,7 @@
 
 #include <utility>
 
-namespace testing_support {
+namespace frame {
 
 // An interface pointer that holds one reference.
 template <class Interface>
@@ -30,13 +30,14 @@ public:
     Interface& operator*() const { return *pointer_; }
     explicit operator bool() const { return pointer_ != nullptr; }
     // Where a call may store a new reference; the old one is released.
-    void** put() {
+    void** put() { return reinterpret_cast<void**>(put_typed()); }
+    Interface** put_typed() {
         reset();
-        return reinterpret_cast<void**>(&pointer_);
+        return &pointer_;
     }
 
 private:
     Interface* pointer_ = nullptr;
 };
 
-}  // namespace testing_support
+}  // namespace frame

@@ -1,9 +1,9 @@
-#include "db/dated_records.h"
+#include "db/upgrade/dated_records.h"
 
 #include "afx/dao_table_def.h"
-#include "db/added_fields.h"
-#include "db/date_reader.h"
 #include "db/rows.h"
+#include "db/upgrade/added_fields.h"
+#include "db/upgrade/date_reader.h"
 #include "db/values.h"
 
 namespace db {

@@ -1,4 +1,4 @@
-#include "db/added_fields.h"
+#include "db/upgrade/added_fields.h"
 
 #include "afx/dao_table_def.h"
 #include "afx/engine_errors.h"

@@ -1,4 +1,4 @@
-#include "db/duration.h"
+#include "db/upgrade/duration.h"
 
 #include <charconv>
 #include <cmath>

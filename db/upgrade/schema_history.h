@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-#include "db/added_fields.h"
+#include "db/upgrade/added_fields.h"
 
 namespace db {
 

@@ -1,4 +1,4 @@
-#include "db/date_reader.h"
+#include "db/upgrade/date_reader.h"
 
 #include <array>
 #include <charconv>

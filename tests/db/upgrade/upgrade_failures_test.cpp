@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "afx/dao_error.h"
-#include "tests/db/upgrade_fixture.h"
+#include "tests/db/upgrade/upgrade_fixture.h"
 
 namespace {
 

@@ -1,5 +1,5 @@
 // Hosts without a class registry: an application loads the library itself.
-#include "frame/registrar.h"
+#include "frame/registration/registrar.h"
 
 namespace frame {
 

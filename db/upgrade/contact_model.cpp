@@ -1,4 +1,4 @@
-#include "db/contact_model.h"
+#include "db/upgrade/contact_model.h"
 
 #include <cstring>
 #include <initializer_list>
@@ -6,10 +6,10 @@
 #include <string>
 #include <utility>
 
-#include "db/date_reader.h"
-#include "db/duration.h"
 #include "db/rows.h"
 #include "db/schema.h"
+#include "db/upgrade/date_reader.h"
+#include "db/upgrade/duration.h"
 #include "db/values.h"
 
 namespace db {

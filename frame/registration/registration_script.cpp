@@ -1,5 +1,5 @@
 // A parser by recursive descent over words.
-#include "frame/registration_script.h"
+#include "frame/registration/registration_script.h"
 
 #include <charconv>
 

@@ -1,16 +1,16 @@
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 
 #include <exception>
 #include <new>
 
-#include "db/added_fields.h"
-#include "db/contact_model.h"
 #include "db/content.h"
 #include "db/database_files.h"
-#include "db/dated_records.h"
-#include "db/invoice_totals.h"
 #include "db/rows.h"
-#include "db/schema_history.h"
+#include "db/upgrade/added_fields.h"
+#include "db/upgrade/contact_model.h"
+#include "db/upgrade/dated_records.h"
+#include "db/upgrade/invoice_totals.h"
+#include "db/upgrade/schema_history.h"
 #include "db/values.h"
 
 namespace db {

@@ -5,7 +5,7 @@
 
 #include "afx/dao_database.h"
 #include "db/database_files.h"
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 #include "tests/afx/dao_test_support.h"
 #include "tests/old_files/file_content.h"
 #include "tests/old_files/old_files.h"

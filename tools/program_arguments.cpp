@@ -1,4 +1,4 @@
-#include "tools/words.h"
+#include "tools/program_arguments.h"
 
 #ifdef _WIN32
 
@@ -14,7 +14,7 @@
 
 namespace tools {
 
-std::vector<std::string> command_line_words(int, char**) {
+std::vector<std::string> program_arguments(int, char**) {
     constexpr UINT kUtf8 = 65001;
     SetConsoleOutputCP(kUtf8);
     _setmode(_fileno(stdout), _O_BINARY);
@@ -33,7 +33,7 @@ std::vector<std::string> command_line_words(int, char**) {
 
 namespace tools {
 
-std::vector<std::string> command_line_words(int argc, char** argv) { return {argv + 1, argv + argc}; }
+std::vector<std::string> program_arguments(int argc, char** argv) { return {argv + 1, argv + argc}; }
 
 }  // namespace tools
 

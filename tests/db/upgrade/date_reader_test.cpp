@@ -1,8 +1,8 @@
-#include "db/date_reader.h"
+#include "db/upgrade/date_reader.h"
 
 #include <gtest/gtest.h>
 
-#include "db/duration.h"
+#include "db/upgrade/duration.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "db/invoice_totals.h"
+#include "db/upgrade/invoice_totals.h"
 
 #include "db/rows.h"
 #include "db/values.h"

@@ -8,6 +8,6 @@ namespace tools {
 
 // What main was given, without the program's name. On Windows what the program writes is UTF-8 from then on,
 // with line ends as everywhere.
-std::vector<std::string> command_line_words(int argc, char** argv);
+std::vector<std::string> program_arguments(int argc, char** argv);
 
 }  // namespace tools

@@ -1,13 +1,13 @@
 // The upgrade of the studio file: what it does to the rows of small studios written out by hand, and to the
 // tables and rows of full ones of every version.
-#include "db/upgrade.h"
+#include "db/upgrade/upgrade.h"
 
 #include <kvdb/ctime.h>
 
 #include <cstdio>
 #include <sstream>
 
-#include "tests/db/upgrade_fixture.h"
+#include "tests/db/upgrade/upgrade_fixture.h"
 #include "tests/interop/expected_schema.h"
 
 namespace {

@@ -1,5 +1,5 @@
 // The language of registration scripts.
-#include "frame/registration_script.h"
+#include "frame/registration/registration_script.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "db/schema_history.h"
+#include "db/upgrade/schema_history.h"
 
 namespace db {
 namespace {

@@ -1,4 +1,4 @@
-#include "frame/registry_win32.h"
+#include "frame/registration/registry_win32.h"
 
 #include <array>
 #include <utility>

@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "db/session.h"
-#include "tests/db/upgrade_fixture.h"
+#include "tests/db/upgrade/upgrade_fixture.h"
 #include "tests/support/fault_file_system.h"
 #include "tests/support/figures.h"
 

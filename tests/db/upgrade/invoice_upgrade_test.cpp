@@ -1,5 +1,5 @@
 // The upgrade of the invoice file.
-#include "tests/db/upgrade_fixture.h"
+#include "tests/db/upgrade/upgrade_fixture.h"
 
 namespace {
 

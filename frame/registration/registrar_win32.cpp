@@ -1,6 +1,6 @@
 // Runs registration scripts against the registry. Before a script, and before the platform registers the type library,
 // everything that may change is saved; that is what taking back restores.
-#include "frame/registrar.h"
+#include "frame/registration/registrar.h"
 
 #include <kvdb/gates.h>
 
@@ -9,9 +9,11 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/registration_script.h"
-#include "frame/registry_win32.h"
+#include "frame/com_ptr.h"
+#include "frame/registration/registration_script.h"
+#include "frame/registration/registry_win32.h"
 #include "frame/type_library_win32.h"
+#include "frame/wide_text.h"
 #include "os/module_win32.h"
 #include "os/system.h"
 
@@ -161,14 +163,12 @@ public:
             if (!registry_.exists(path + L"\\1.0")) return S_OK;
             return UnRegisterTypeLib(LIBID_KVDBLib, kMajorVersion, kMinorVersion, kAnyLanguage, SYS_WIN32);
         }
-        ITypeLib* library = nullptr;
-        const HRESULT loaded = load_type_library(&library);
+        ComPtr<ITypeLib> library;
+        const HRESULT loaded = load_type_library(library.put_typed());
         if (FAILED(loaded)) return loaded;
         std::wstring file = own_file();
         std::wstring folder = folder_of(file);
-        const HRESULT registered = RegisterTypeLib(library, file.data(), folder.data());
-        library->Release();
-        return registered;
+        return RegisterTypeLib(library.get(), file.data(), folder.data());
     }
 
     void keep() { saved_.clear(); }
@@ -196,15 +196,13 @@ private:
             for (const InterfaceName& entry : kInterfaces) registry_.remove_tree(interface_path(entry));
             return S_OK;
         }
-        ITypeLib* library = nullptr;
-        const HRESULT loaded = load_type_library(&library);
+        ComPtr<ITypeLib> library;
+        const HRESULT loaded = load_type_library(library.put_typed());
         if (FAILED(loaded)) return loaded;
-        BSTR text = nullptr;
-        const HRESULT described = library->GetDocumentation(MEMBERID_NIL, nullptr, &text, nullptr, nullptr);
-        library->Release();
+        OwnedBstr text;
+        const HRESULT described = library->GetDocumentation(MEMBERID_NIL, nullptr, text.put(), nullptr, nullptr);
         if (FAILED(described)) return described;
-        const std::wstring description(text, SysStringLen(text));
-        SysFreeString(text);
+        const std::wstring description(text.get(), SysStringLen(text.get()));
         install_user_type_library(registry_, path, description);
         for (const InterfaceName& entry : kInterfaces) install_user_interface(registry_, entry);
         return S_OK;

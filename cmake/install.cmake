@@ -34,6 +34,7 @@ if(WIN32)
     install(FILES ${kvdb_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.manifest
         ${kvdb_runtime} ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/hosting.md
+        ${PROJECT_SOURCE_DIR}/docs/reference.md
         DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/install-windows.txt DESTINATION . RENAME README.txt
         COMPONENT package EXCLUDE_FROM_ALL)

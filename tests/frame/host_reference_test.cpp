@@ -1,4 +1,4 @@
-// The method tables of docs/hosting.md.
+// The method tables of docs/reference.md.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 
 // The document for hosts, in which tests look for what they know.
 std::string document() {
-    std::ifstream in(KVDB_DOCS "/hosting.md");
+    std::ifstream in(KVDB_DOCS "/reference.md");
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
@@ -42,7 +42,7 @@ void expect_listed(const std::string& text, const testing_support::PublishedMeth
 
 }  // namespace
 
-TEST(HostingDocument, lists_every_method_with_slot_and_parameters) {
+TEST(HostReference, lists_every_method_with_slot_and_parameters) {
     const std::string text = document();
     const std::size_t gear = text.find("### IDBgate2 and IDBGate3");
     ASSERT_NE(gear, std::string::npos);

@@ -74,10 +74,15 @@ void LazyRows::row_inserted(RowId row) {
 
 void LazyRows::row_changing(RowId row) {
     if (!query_.has_condition() || is_beyond_end(row) || verdicts_.contains(row.pack())) return;
-    verdicts_[row.pack()] = meets_condition(row);
+    const bool member = meets_condition(row);
+    verdicts_[row.pack()] = member;
+    a_member_changed_ = a_member_changed_ || member;
 }
 
-std::unique_ptr<SetRows> LazyRows::successor_for_use() { return source_ == Source::kCollect ? collect() : nullptr; }
+std::unique_ptr<SetRows> LazyRows::successor_for_use() {
+    const bool members_may_be_lost = source_ == Source::kKey && a_member_changed_ && position_ < furthest_;
+    return source_ == Source::kCollect || members_may_be_lost ? collect() : nullptr;
+}
 
 std::unique_ptr<SetRows> LazyRows::successor_before_change(RowId row) {
     if (source_ == Source::kCollect) return collect();

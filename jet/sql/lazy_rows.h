@@ -22,7 +22,8 @@ public:
     void row_changing(RowId row) override;
 
     // Sets with an order, or over a range of a map, are collected when they are first used, and before the first
-    // change.
+    // change; those of one key when they are passed through again after a member has changed, since the map may have
+    // lost sight of it.
     std::unique_ptr<SetRows> successor_for_use() override;
     // The map would lose sight of a member still to come.
     std::unique_ptr<SetRows> successor_before_change(RowId row) override;
@@ -46,6 +47,7 @@ private:
     RowId position_;            // where next() continues
     RowId furthest_;            // rows up to here have been looked at
     std::optional<RowId> end_;  // members stand before this row
+    bool a_member_changed_ = false;
     // Whether rows changed or added since the opening are members.
     std::unordered_map<std::uint32_t, bool> verdicts_;
     mutable RowView row_;  // buffer

@@ -98,200 +98,211 @@ struct Hostile {
     std::function<void(ByteVector& file)> change = {};
 };
 
-std::vector<Hostile> hostile_files() {
-    return {
-        {"many_values_of_one_long_name",
-         [](Database& database) {
-             make_table(database, u"T");
-             ByteVector blob = blob_of_names(32000);
-             ByteVector values;
-             append_u32(values, jet4::properties::kOwnerHeader + 4);
-             append_u16(values, 4);
-             append_u32(values, 0x00640049);  // "Id"
-             for (int i = 0; i < 60000; ++i) {
-                 append_u16(values, jet4::properties::kValueHeader);
-                 append_u32(values, 0x00000101);
-                 append_u16(values, 0);
-             }
-             append_block(blob, jet4::properties::kColumnBlock, values);
-             store_properties(database, u"T", blob);
-         }},
-        {"many_blocks_of_properties",
-         [](Database& database) {
-             make_table(database, u"T");
-             ByteVector blob = blob_of_names(1);
-             for (int i = 0; i < 60000; ++i) {
-                 ByteVector empty;
-                 append_u32(empty, jet4::properties::kOwnerHeader);
-                 append_u16(empty, 0);
-                 append_block(blob, jet4::properties::kColumnBlock, empty);
-             }
-             store_properties(database, u"T", blob);
-         }},
-        {"many_rows_of_one_chain",
-         [](Database& database) {
-             Table& table = make_table(database, u"T");
-             table.insert({std::int32_t{1}, std::u16string(300000, u'x'), std::u16string()});
-             RowView view;
-             table.read(*table.next_row({}), view);
-             const ByteSpan reference = *view.stored(1);
-             std::vector<StoredValue> values(3);
-             values[0] = ByteVector(4);
-             values[1] = ByteVector(reference.begin(), reference.end());
-             const ByteVector row = encode_row(table.def(), values);
-             RawRows rows(database, table.def());
-             for (int i = 0; i < 20000; ++i) rows.add(row);
-         }},
-        {"chains_that_share_their_end",
-         [](Database& database) {
-             Table& table = make_table(database, u"T");
-             table.insert({std::int32_t{1}, std::u16string(300000, u'x'), std::u16string()});
-             RowView view;
-             table.read(*table.next_row({}), view);
-             const ByteVector reference(view.stored(1)->begin(), view.stored(1)->end());
-             const RowId second = [&] {
-                 const RowId first = RowId::unpack(load_u32(reference, 4));
-                 const Page page = database.pager().read(first.page);
-                 const DataPage data(page.bytes(), first.page);
-                 return RowId::unpack(load_u32(data.row(data.slot(0)), 0));
-             }();
-             UsageMap owned(database.pager(), database.allocator(), table.def().columns[1].owned_map);
-             RawRows rows(database, table.def());
-             for (int i = 0; i < 300; ++i) {
-                 const MutablePage page = database.allocator().allocate();
-                 format_data_page(page.bytes(), jet4::data::kLongValueOwner);
-                 ByteVector piece = packed(second);
-                 piece.resize(4076, 'y');
-                 add_row(page.bytes(), page.number(), piece);
-                 owned.add(page.number());
-                 std::vector<StoredValue> values(3);
-                 values[1] = reference;
-                 store_u32(*values[1], 4, RowId{page.number(), 0}.pack());
-                 rows.add(encode_row(table.def(), values));
-             }
-         }},
-        {"chains_that_go_in_a_circle",
-         [](Database& database) {
-             Table& table = make_table(database, u"T");
-             UsageMap owned(database.pager(), database.allocator(), table.def().columns[1].owned_map);
-             RawRows rows(database, table.def());
-             for (int i = 0; i < 400; ++i) {
-                 const MutablePage page = database.allocator().allocate();
-                 format_data_page(page.bytes(), jet4::data::kLongValueOwner);
-                 ByteVector piece = packed({page.number(), 0});
-                 piece.resize(4076, 'y');
-                 add_row(page.bytes(), page.number(), piece);
-                 owned.add(page.number());
-                 std::vector<StoredValue> values(3);
-                 values[1] = ByteVector(12);
-                 store_u32(*values[1], 0, jet4::long_value::kLengthMask);
-                 store_u32(*values[1], 4, RowId{page.number(), 0}.pack());
-                 rows.add(encode_row(table.def(), values));
-             }
-         }},
-        {"many_addresses_of_one_row",
-         [](Database& database) {
-             Table& table = make_table(database, u"T");
-             std::vector<StoredValue> values(3);
-             values[0] = ByteVector(4);
-             values[2] = ByteVector(510, 'z');
-             RawRows rows(database, table.def());
-             const RowId body = rows.add(encode_row(table.def(), values), jet4::data::kBodyFlag);
-             for (int i = 0; i < 100000; ++i) rows.add(packed(body), jet4::data::kMovedFlag);
-         }},
-        {"many_addresses_of_one_catalogue_row",
-         [](Database& database) {
-             make_table(database, std::u16string(64, u'T'));
-             const Table& objects = *database.table_by_page(jet4::kObjectsPage);
-             RowId last;
-             for (auto row = objects.next_row({}); row; row = objects.next_row(*row)) last = *row;
-             RowView view;
-             objects.read(last, view);
-             std::vector<StoredValue> values(objects.def().columns.size());
-             for (std::size_t i = 0; i < values.size(); ++i) {
-                 if (const auto stored = view.stored(i)) values[i].emplace(stored->begin(), stored->end());
-             }
-             RawRows rows(database, objects.def());
-             const RowId body = rows.add(encode_row(objects.def(), values), jet4::data::kBodyFlag);
-             for (int i = 0; i < 100000; ++i) rows.add(packed(body), jet4::data::kMovedFlag);
-         }},
-        {"many_names_of_one_table",
-         [](Database& database) {
-             Table& table = make_table(database, u"T");
-             for (int i = 0; i < 2000; ++i) {
-                 table.insert({std::int32_t{i}, std::u16string(100, u'm'), std::u16string(100, u'n')});
-             }
-             Table& objects = *database.table_by_page(jet4::kObjectsPage);
-             RawRows rows(database, objects.def());
-             for (int i = 0; i < 5000; ++i) {
-                 std::vector<StoredValue> values(objects.def().columns.size());
-                 const auto set = [&](std::u16string_view column, const Value& value) {
-                     const std::size_t position = *objects.def().find_column(column);
-                     values[position] = encode_value(value, objects.def().columns[position]);
-                 };
-                 set(catalog_columns::kId, static_cast<std::int32_t>(table.def().page));
-                 set(catalog_columns::kParentId, jet4::kTablesContainer);
-                 set(catalog_columns::kType, std::int16_t{1});
-                 set(catalog_columns::kName, from_utf8("N" + std::to_string(i)));
-                 rows.add(encode_row(objects.def(), values));
-             }
-         }},
-        {"tables_that_share_a_definition_page",
-         [](Database& database) {
-             std::vector<NewColumn> columns;
-             for (int i = 0; i < 250; ++i) {
-                 columns.push_back(
-                     new_column(from_utf8("a column with a name " + std::to_string(i)), ColumnType::kLong));
-             }
-             database.create_table(u"Wide", columns);
-             const PageNumber first = database.find_table(u"Wide")->def().page;
-             for (int i = 0; i < 300; ++i) {
-                 const std::u16string name = from_utf8("T" + std::to_string(i));
-                 make_table(database, name);
-                 const PageNumber copy = database.find_table(name)->def().page;
-                 const MutablePage page = database.pager().modify(copy);
-                 const Page original = database.pager().read(first);
-                 store_bytes(page.bytes(), 0, original.bytes());
-             }
-         }},
-        {"map_of_every_page",
-         [](Database& database) {
-             for (int i = 0; i < 60; ++i) {
-                 const Table& table = make_table(database, from_utf8("T" + std::to_string(i)));
-                 const RowId map = table.def().free_map;
-                 const MutablePage page = database.pager().modify(map.page);
-                 const Slot slot = DataPage(page.bytes(), map.page).slot(map.slot);
-                 for (std::size_t at = jet4::usage::kBitmap; at < slot.length; ++at)
-                     page.bytes()[slot.offset + at] = 0xFF;
-             }
-         }},
-        {"leaves_of_an_index_in_a_circle",
-         [](Database& database) {
-             const TableDef& def = database.table_by_page(jet4::kObjectsPage)->def();
-             for (const RealIndex& index : def.real_indexes) {
-                 const MutablePage page = database.pager().modify(index.root);
-                 store_u32(page.bytes(), jet4::index::kNext, index.root);
-                 store_u32(page.bytes(), jet4::index::kPrevious, index.root);
-             }
-         }},
-        {"definition_of_three_megabytes",
-         [](Database& database) {
-             const PageNumber first = make_table(database, u"T").def().page;
-             PageNumber before = first;
-             for (int i = 0; i < 800; ++i) {
-                 const MutablePage page = database.allocator().allocate();
-                 page.bytes()[0] = jet4::kTableDefPage;
-                 page.bytes()[1] = 1;
-                 store_u32(database.pager().modify(before).bytes(), jet4::tdef::kNext, page.number());
-                 before = page.number();
-             }
-             const MutablePage page = database.pager().modify(first);
-             store_u32(page.bytes(), jet4::tdef::kLength, 800 * 4088);
-             store_u32(page.bytes(), jet4::tdef::kRealIndexes, 20000);
-             store_u32(page.bytes(), jet4::tdef::kLogicalIndexes, 40000);
-         }},
-    };
+void many_values_of_one_long_name(Database& database) {
+    make_table(database, u"T");
+    ByteVector blob = blob_of_names(32000);
+    ByteVector values;
+    append_u32(values, jet4::properties::kOwnerHeader + 4);
+    append_u16(values, 4);
+    append_u32(values, 0x00640049);  // "Id"
+    for (int i = 0; i < 60000; ++i) {
+        append_u16(values, jet4::properties::kValueHeader);
+        append_u32(values, 0x00000101);
+        append_u16(values, 0);
+    }
+    append_block(blob, jet4::properties::kColumnBlock, values);
+    store_properties(database, u"T", blob);
 }
+
+void many_blocks_of_properties(Database& database) {
+    make_table(database, u"T");
+    ByteVector blob = blob_of_names(1);
+    for (int i = 0; i < 60000; ++i) {
+        ByteVector empty;
+        append_u32(empty, jet4::properties::kOwnerHeader);
+        append_u16(empty, 0);
+        append_block(blob, jet4::properties::kColumnBlock, empty);
+    }
+    store_properties(database, u"T", blob);
+}
+
+void many_rows_of_one_chain(Database& database) {
+    Table& table = make_table(database, u"T");
+    table.insert({std::int32_t{1}, std::u16string(300000, u'x'), std::u16string()});
+    RowView view;
+    table.read(*table.next_row({}), view);
+    const ByteSpan reference = *view.stored(1);
+    std::vector<StoredValue> values(3);
+    values[0] = ByteVector(4);
+    values[1] = ByteVector(reference.begin(), reference.end());
+    const ByteVector row = encode_row(table.def(), values);
+    RawRows rows(database, table.def());
+    for (int i = 0; i < 20000; ++i) rows.add(row);
+}
+
+void chains_that_share_their_end(Database& database) {
+    Table& table = make_table(database, u"T");
+    table.insert({std::int32_t{1}, std::u16string(300000, u'x'), std::u16string()});
+    RowView view;
+    table.read(*table.next_row({}), view);
+    const ByteVector reference(view.stored(1)->begin(), view.stored(1)->end());
+    const RowId second = [&] {
+        const RowId first = RowId::unpack(load_u32(reference, 4));
+        const Page page = database.pager().read(first.page);
+        const DataPage data(page.bytes(), first.page);
+        return RowId::unpack(load_u32(data.row(data.slot(0)), 0));
+    }();
+    UsageMap owned(database.pager(), database.allocator(), table.def().columns[1].owned_map);
+    RawRows rows(database, table.def());
+    for (int i = 0; i < 300; ++i) {
+        const MutablePage page = database.allocator().allocate();
+        format_data_page(page.bytes(), jet4::data::kLongValueOwner);
+        ByteVector piece = packed(second);
+        piece.resize(4076, 'y');
+        add_row(page.bytes(), page.number(), piece);
+        owned.add(page.number());
+        std::vector<StoredValue> values(3);
+        values[1] = reference;
+        store_u32(*values[1], 4, RowId{page.number(), 0}.pack());
+        rows.add(encode_row(table.def(), values));
+    }
+}
+
+void chains_that_go_in_a_circle(Database& database) {
+    Table& table = make_table(database, u"T");
+    UsageMap owned(database.pager(), database.allocator(), table.def().columns[1].owned_map);
+    RawRows rows(database, table.def());
+    for (int i = 0; i < 400; ++i) {
+        const MutablePage page = database.allocator().allocate();
+        format_data_page(page.bytes(), jet4::data::kLongValueOwner);
+        ByteVector piece = packed({page.number(), 0});
+        piece.resize(4076, 'y');
+        add_row(page.bytes(), page.number(), piece);
+        owned.add(page.number());
+        std::vector<StoredValue> values(3);
+        values[1] = ByteVector(12);
+        store_u32(*values[1], 0, jet4::long_value::kLengthMask);
+        store_u32(*values[1], 4, RowId{page.number(), 0}.pack());
+        rows.add(encode_row(table.def(), values));
+    }
+}
+
+void many_addresses_of_one_row(Database& database) {
+    Table& table = make_table(database, u"T");
+    std::vector<StoredValue> values(3);
+    values[0] = ByteVector(4);
+    values[2] = ByteVector(510, 'z');
+    RawRows rows(database, table.def());
+    const RowId body = rows.add(encode_row(table.def(), values), jet4::data::kBodyFlag);
+    for (int i = 0; i < 100000; ++i) rows.add(packed(body), jet4::data::kMovedFlag);
+}
+
+void many_addresses_of_one_catalogue_row(Database& database) {
+    make_table(database, std::u16string(64, u'T'));
+    const Table& objects = *database.table_by_page(jet4::kObjectsPage);
+    RowId last;
+    for (auto row = objects.next_row({}); row; row = objects.next_row(*row)) last = *row;
+    RowView view;
+    objects.read(last, view);
+    std::vector<StoredValue> values(objects.def().columns.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (const auto stored = view.stored(i)) values[i].emplace(stored->begin(), stored->end());
+    }
+    RawRows rows(database, objects.def());
+    const RowId body = rows.add(encode_row(objects.def(), values), jet4::data::kBodyFlag);
+    for (int i = 0; i < 100000; ++i) rows.add(packed(body), jet4::data::kMovedFlag);
+}
+
+void many_names_of_one_table(Database& database) {
+    Table& table = make_table(database, u"T");
+    for (int i = 0; i < 2000; ++i) {
+        table.insert({std::int32_t{i}, std::u16string(100, u'm'), std::u16string(100, u'n')});
+    }
+    Table& objects = *database.table_by_page(jet4::kObjectsPage);
+    RawRows rows(database, objects.def());
+    for (int i = 0; i < 5000; ++i) {
+        std::vector<StoredValue> values(objects.def().columns.size());
+        const auto set = [&](std::u16string_view column, const Value& value) {
+            const std::size_t position = *objects.def().find_column(column);
+            values[position] = encode_value(value, objects.def().columns[position]);
+        };
+        set(catalog_columns::kId, static_cast<std::int32_t>(table.def().page));
+        set(catalog_columns::kParentId, jet4::kTablesContainer);
+        set(catalog_columns::kType, std::int16_t{1});
+        set(catalog_columns::kName, from_utf8("N" + std::to_string(i)));
+        rows.add(encode_row(objects.def(), values));
+    }
+}
+
+void tables_that_share_a_definition_page(Database& database) {
+    std::vector<NewColumn> columns;
+    for (int i = 0; i < 250; ++i) {
+        columns.push_back(new_column(from_utf8("a column with a name " + std::to_string(i)), ColumnType::kLong));
+    }
+    database.create_table(u"Wide", columns);
+    const PageNumber first = database.find_table(u"Wide")->def().page;
+    for (int i = 0; i < 300; ++i) {
+        const std::u16string name = from_utf8("T" + std::to_string(i));
+        make_table(database, name);
+        const PageNumber copy = database.find_table(name)->def().page;
+        const MutablePage page = database.pager().modify(copy);
+        const Page original = database.pager().read(first);
+        store_bytes(page.bytes(), 0, original.bytes());
+    }
+}
+
+void map_of_every_page(Database& database) {
+    for (int i = 0; i < 60; ++i) {
+        const Table& table = make_table(database, from_utf8("T" + std::to_string(i)));
+        const RowId map = table.def().free_map;
+        const MutablePage page = database.pager().modify(map.page);
+        const Slot slot = DataPage(page.bytes(), map.page).slot(map.slot);
+        for (std::size_t at = jet4::usage::kBitmap; at < slot.length; ++at) page.bytes()[slot.offset + at] = 0xFF;
+    }
+}
+
+void leaves_of_an_index_in_a_circle(Database& database) {
+    const TableDef& def = database.table_by_page(jet4::kObjectsPage)->def();
+    for (const RealIndex& index : def.real_indexes) {
+        const MutablePage page = database.pager().modify(index.root);
+        store_u32(page.bytes(), jet4::index::kNext, index.root);
+        store_u32(page.bytes(), jet4::index::kPrevious, index.root);
+    }
+}
+
+void definition_of_three_megabytes(Database& database) {
+    const PageNumber first = make_table(database, u"T").def().page;
+    PageNumber before = first;
+    for (int i = 0; i < 800; ++i) {
+        const MutablePage page = database.allocator().allocate();
+        page.bytes()[0] = jet4::kTableDefPage;
+        page.bytes()[1] = 1;
+        store_u32(database.pager().modify(before).bytes(), jet4::tdef::kNext, page.number());
+        before = page.number();
+    }
+    const MutablePage page = database.pager().modify(first);
+    store_u32(page.bytes(), jet4::tdef::kLength, 800 * 4088);
+    store_u32(page.bytes(), jet4::tdef::kRealIndexes, 20000);
+    store_u32(page.bytes(), jet4::tdef::kLogicalIndexes, 40000);
+}
+
+#define HOSTILE(make) \
+    { #make, make }
+const std::vector<Hostile> kHostileFiles = {
+    HOSTILE(many_values_of_one_long_name),
+    HOSTILE(many_blocks_of_properties),
+    HOSTILE(many_rows_of_one_chain),
+    HOSTILE(chains_that_share_their_end),
+    HOSTILE(chains_that_go_in_a_circle),
+    HOSTILE(many_addresses_of_one_row),
+    HOSTILE(many_addresses_of_one_catalogue_row),
+    HOSTILE(many_names_of_one_table),
+    HOSTILE(tables_that_share_a_definition_page),
+    HOSTILE(map_of_every_page),
+    HOSTILE(leaves_of_an_index_in_a_circle),
+    HOSTILE(definition_of_three_megabytes),
+};
+#undef HOSTILE
 
 ByteVector file_of(const Hostile& hostile) {
     MemoryDisk memory;
@@ -314,7 +325,7 @@ void order_by_text(Database& database) {
 }
 
 TEST(HostileCost, file_made_to_be_expensive_is_read_and_checked_within_bounds) {
-    for (const Hostile& hostile : hostile_files()) {
+    for (const Hostile& hostile : kHostileFiles) {
         SCOPED_TRACE(hostile.name);
         const ByteVector file = file_of(hostile);
         MemoryDisk memory;

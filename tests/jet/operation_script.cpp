@@ -65,9 +65,9 @@ void add_erase(Steps& steps, std::int32_t id) {
         [=](ScriptState& state) { songs(state).erase(row_of(songs(state), id)); });
 }
 
-Steps make_script() {
+// One table that grows, changes, gets a column and a password.
+void add_songs_steps(Steps& steps) {
     using enum ColumnType;
-    Steps steps;
     add(
         steps, "create",
         [](ScriptState& state) {
@@ -102,6 +102,11 @@ Steps make_script() {
     add_update(steps, 1, 7, text(40, u'e'));
     add(steps, "set password", [](ScriptState& state) { state.database->change_password(u"", u"first"); });
     add_song(steps, 10, 30, 2100);
+}
+
+// A second table, another password, rows and a column that go.
+void add_notes_steps(Steps& steps) {
+    using enum ColumnType;
     add_close(steps);
     add_open(steps);
     add(steps, "create table Notes", [](ScriptState& state) {
@@ -131,6 +136,12 @@ Steps make_script() {
     add_open(steps);
     add_update(steps, 1, 1, text(77, u'z'));
     add_close(steps);
+}
+
+Steps make_script() {
+    Steps steps;
+    add_songs_steps(steps);
+    add_notes_steps(steps);
     return steps;
 }
 

@@ -3,81 +3,10 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
-#include <random>
-#include <set>
+#include "tests/jet/sql_row_set_fixture.h"
 
-#include "support/temp_folder.h"
-
+namespace row_set_tests {
 namespace {
-
-using jet::ColumnType;
-using jet::RowId;
-using jet::Value;
-using jet::sql::Query;
-using jet::sql::RowSet;
-using testing_support::TempFolder;
-using Ids = std::vector<std::int32_t>;
-
-constexpr std::size_t kProject = 1;
-constexpr std::size_t kDate = 2;
-constexpr std::size_t kName = 3;
-
-void append(RowSet& set, RowId row) {
-    set.additions().begin();
-    set.additions().store(row);
-}
-
-class RowSetTest : public ::testing::Test {
-protected:
-    RowSetTest() : database_(jet::Database::create(folder_.file("a.mdb"), {})) {
-        jet::NewColumn columns[4];
-        columns[0].name = u"RecID";
-        columns[0].autonumber = true;
-        columns[1].name = u"ProjID";
-        columns[2].name = u"Date";
-        columns[2].type = ColumnType::kDate;
-        columns[3].name = u"Name";
-        columns[3].type = ColumnType::kText;
-        database_->create_table(u"Songs", columns);
-    }
-
-    jet::Table& songs() { return *database_->find_table(u"Songs"); }
-
-    RowId add(std::int32_t project, Value date = {}, std::u16string name = u"x") {
-        return songs().insert({Value(), project, std::move(date), std::move(name)});
-    }
-
-    void change(RowId row, std::size_t position, Value value) {
-        const jet::ColumnChange changed{position, std::move(value)};
-        songs().update(row, std::span(&changed, 1));
-    }
-
-    std::unique_ptr<RowSet> open(std::u16string_view rest = u"") {
-        return std::make_unique<RowSet>(Query::prepare(*database_, u"SELECT * FROM [Songs] " + std::u16string(rest)));
-    }
-
-    std::int32_t id_of(RowId row) {
-        jet::RowView view;
-        EXPECT_TRUE(songs().read(row, view));
-        return std::get<std::int32_t>(view.value(0));
-    }
-
-    Ids all(RowSet& set) {
-        Ids ids;
-        for (auto row = set.first(); row; row = set.next()) ids.push_back(id_of(*row));
-        return ids;
-    }
-
-    Ids rest(RowSet& set) {
-        Ids ids;
-        while (const auto row = set.next()) ids.push_back(id_of(*row));
-        return ids;
-    }
-
-    TempFolder folder_;
-    std::unique_ptr<jet::Database> database_;
-};
 
 // The same rows through each kind of source.
 const char16_t* const kEverySource[] = {u"",
@@ -359,6 +288,25 @@ TEST_F(RowSetTest, table_is_watched_as_long_as_a_set_is_open) {
     EXPECT_FALSE(songs().watched());
 }
 
+TEST_F(RowSetTest, member_that_changed_its_key_is_delivered_again_after_a_restart) {
+    std::vector<RowId> rows;
+    for (int i = 0; i < 3; ++i) rows.push_back(add(1));
+    auto set = open(u"WHERE [ProjID]=1");
+    EXPECT_EQ(all(*set), (Ids{1, 2, 3}));
+    change(rows[1], kProject, std::int32_t{2});
+    EXPECT_EQ(all(*set), (Ids{1, 2, 3}));
+}
+
+TEST_F(RowSetTest, member_that_changed_its_key_is_delivered_again_after_going_back) {
+    std::vector<RowId> rows;
+    for (int i = 0; i < 4; ++i) rows.push_back(add(1));
+    auto set = open(u"WHERE [ProjID]=1");
+    for (int i = 0; i < 3; ++i) (i == 0 ? set->first() : set->next());
+    change(rows[1], kProject, std::int32_t{2});
+    set->move_to(rows[0]);
+    EXPECT_EQ(rest(*set), (Ids{2, 3, 4}));
+}
+
 TEST_F(RowSetTest, statement_as_used_to_find_and_update_a_row) {
     for (int i = 0; i < 10; ++i) add(1);
     auto set = open(u"WHERE [RecID]=4");
@@ -369,115 +317,5 @@ TEST_F(RowSetTest, statement_as_used_to_find_and_update_a_row) {
     EXPECT_FALSE(set->next());
 }
 
-// What a set must deliver, by key numbers: rows move in and out of their addresses, numbers never repeat.
-class Model {
-public:
-    Model(std::unique_ptr<RowSet> set, Ids members) : set_(std::move(set)), members_(std::move(members)) {}
-
-    RowSet& set() { return *set_; }
-    void append(std::int32_t id) { members_.push_back(id); }
-    void restart() { at_ = 0; }
-
-    std::optional<std::int32_t> next(const std::set<std::int32_t>& alive) {
-        while (at_ < members_.size()) {
-            const std::int32_t id = members_[at_++];
-            if (alive.contains(id)) return id;
-        }
-        return std::nullopt;
-    }
-
-    // Makes a live row delivered before the current one; none when there is none.
-    std::optional<std::int32_t> go_back(std::size_t steps, const std::set<std::int32_t>& alive) {
-        if (at_ < steps + 1 || !alive.contains(members_[at_ - 1 - steps])) return std::nullopt;
-        at_ -= steps;
-        return members_[at_ - 1];
-    }
-
-private:
-    std::unique_ptr<RowSet> set_;
-    Ids members_;
-    std::size_t at_ = 0;
-};
-
-TEST_F(RowSetTest, random_changes_under_open_sets_keep_their_membership) {
-    const std::u16string statements[] = {u"",
-                                         u"WHERE [ProjID]=1",
-                                         u"WHERE [ProjID]=2 AND [RecID]>5",
-                                         u"WHERE [ProjID]<2",
-                                         u"WHERE [Date]>=#07/06/2009# AND [Date]<=#07/12/2009#",
-                                         u"WHERE [Date]=#07/08/2009#",
-                                         u"ORDER BY [Date]",
-                                         u"WHERE [ProjID]=1 ORDER BY [Date] DESC",
-                                         u"WHERE [Date]>#07/06/2009# ORDER BY [ProjID] DESC, [Date]"};
-    for (std::uint32_t seed = 1; seed <= 4; ++seed) {
-        std::mt19937 random(seed);
-        const auto any = [&random](std::size_t below) { return static_cast<std::size_t>(random() % below); };
-        const auto any_project = [&] { return static_cast<std::int32_t>(any(4)); };
-        const auto any_date = [&] {
-            return any(5) == 0 ? Value() : Value(jet::Date{40000.0 + static_cast<double>(any(10))});
-        };
-        std::map<std::int32_t, RowId> rows;
-        std::set<std::int32_t> alive;
-        for (auto row = songs().next_row({}); row; row = songs().next_row({})) songs().erase(*row);
-        const auto insert = [&] {
-            const RowId row = add(any_project(), any_date(), std::u16string(100 + any(150), u'n'));
-            const std::int32_t id = id_of(row);
-            rows[id] = row;
-            alive.insert(id);
-            return id;
-        };
-        const auto any_alive = [&] {
-            return *std::next(alive.begin(), static_cast<std::ptrdiff_t>(any(alive.size())));
-        };
-        for (int i = 0; i < 40; ++i) insert();
-        std::vector<Model> models;
-        for (int step = 0; step < 4000; ++step) {
-            const std::size_t action = any(100);
-            // Long phases of deleting empty whole pages, whose addresses are then taken again.
-            const bool shrinking = (step / 400) % 2 == 1;
-            if (action < 6) {
-                if (models.size() == 6) models.erase(models.begin() + static_cast<std::ptrdiff_t>(any(6)));
-                const std::u16string& statement = statements[any(std::size(statements))];
-                const Ids members = all(*open(statement));
-                models.emplace_back(open(statement), members);
-            } else if (action < (shrinking ? 14u : 34u)) {
-                const std::int32_t id = insert();
-                if (any(3) == 0 && !models.empty()) {
-                    Model& owner = models[any(models.size())];
-                    owner.append(id);
-                    append(owner.set(), rows[id]);
-                }
-            } else if (action < 40 && !alive.empty()) {
-                const std::int32_t id = any_alive();
-                songs().erase(rows[id]);
-                alive.erase(id);
-                rows.erase(id);
-            } else if (action < 60 && !alive.empty()) {
-                const RowId row = rows[any_alive()];
-                switch (any(3)) {
-                    case 0: change(row, kProject, any_project()); break;
-                    case 1: change(row, kDate, any_date()); break;
-                    default: change(row, kName, std::u16string(1 + any(255), u'm')); break;
-                }
-            } else if (!models.empty()) {
-                Model& model = models[any(models.size())];
-                const std::size_t move = any(20);
-                if (move == 0) model.restart();
-                const auto back = move == 1 ? model.go_back(any(3), alive) : std::nullopt;
-                if (back) {
-                    ASSERT_TRUE(model.set().delivered(rows[*back])) << "seed " << seed << " step " << step;
-                    model.set().move_to(rows[*back]);
-                }
-                const auto expected = model.next(alive);
-                const auto delivered = move == 0 ? model.set().first() : model.set().next();
-                ASSERT_EQ(expected.has_value(), delivered.has_value()) << "seed " << seed << " step " << step;
-                if (expected) {
-                    ASSERT_EQ(*expected, id_of(*delivered)) << "seed " << seed << " step " << step;
-                    ASSERT_TRUE(model.set().delivered(*delivered));
-                }
-            }
-        }
-    }
-}
-
 }  // namespace
+}  // namespace row_set_tests

@@ -351,77 +351,92 @@ bool is_cut_of(const std::string& content, const std::string& whole) {
     return at >= whole.size() && from >= content.size();
 }
 
+// Whether half of the row's values stand in `content`, or the only one it has was changed.
+bool shares_values(const TrueRow& row, const std::string& content) {
+    std::size_t same = 0;
+    std::size_t values = 0;
+    for (std::size_t at = 0; at < row.content.size();) {
+        const std::size_t end = row.content.find('\x1f', at);
+        ++values;
+        same += content.find(row.content.substr(at, end + 1 - at)) != std::string::npos ? 1 : 0;
+        at = end + 1;
+    }
+    return 2 * same > values || values == 1;
+}
+
+// Takes the first row that `fits` out of `rows`; false when there is none.
+template <class Fits>
+bool take(std::vector<const TrueRow*>& rows, Fits&& fits) {
+    const auto found = std::find_if(rows.begin(), rows.end(), [&](const TrueRow* row) { return fits(*row); });
+    if (found == rows.end()) return false;
+    rows.erase(found);
+    return true;
+}
+
+// The rows of one table: what they were against what came back.
+class TableScore {
+public:
+    TableScore(const std::string& name, const std::vector<TrueRow>& salvaged, Score& score)
+        : name_(name), score_(score) {
+        for (const TrueRow& row : salvaged) {
+            ++back_[row.content];
+            key_of_content_[row.content] = row.key;
+        }
+    }
+
+    void count(const TrueRow& row, bool is_whole) {
+        const auto same = back_.find(row.content);
+        const bool is_back = same != back_.end() && same->second > 0;
+        if (is_back) --same->second;
+        ++(is_whole ? score_.undamaged : score_.touched);
+        if (is_back) {
+            ++(is_whole ? score_.came_back : score_.touched_back);
+            return;
+        }
+        if (is_whole && score_.first_missing.empty()) score_.first_missing = name_ + ": " + row.content;
+        (is_whole ? missing_ : touched_).push_back(&row);
+    }
+
+    // What is left has to be what damage made of a row: its key, or half of its values, are those of one.
+    void explain_rest() {
+        for (const auto& [content, count] : back_) {
+            for (std::size_t i = 0; i < count; ++i) explain(content);
+        }
+    }
+
+private:
+    void explain(const std::string& content) {
+        const std::string& key = key_of_content_[content];
+        const auto has_key = [&](const TrueRow& row) { return !row.key.empty() && row.key == key; };
+        if (take(touched_, [&](const TrueRow& row) { return has_key(row) || shares_values(row, content); })) return;
+        if (take(missing_, [&](const TrueRow& row) { return is_cut_of(content, row.content); })) {
+            ++score_.cut;
+        } else if (take(missing_, has_key)) {
+            ++score_.mixed;
+        } else {
+            ++score_.invented;
+            if (score_.first_invented.empty()) score_.first_invented = name_ + ": " + content;
+        }
+    }
+
+    const std::string& name_;
+    Score& score_;
+    std::unordered_map<std::string, std::size_t> back_;  // rows of the new file that nothing has explained yet
+    std::unordered_map<std::string, std::string> key_of_content_;
+    std::vector<const TrueRow*> touched_;  // damaged rows that did not come back as they were
+    std::vector<const TrueRow*> missing_;  // undamaged ones
+};
+
 }  // namespace
 
 Score score_of(const Truth& truth, const DamagedFile& damaged, const std::string& salvaged) {
     Score score;
     const auto found = rows_of(salvaged);
     for (const auto& [name, rows] : truth.tables) {
-        std::unordered_map<std::string, std::size_t> back;  // rows of the new file that nothing has explained yet
-        std::unordered_map<std::string, std::string> key_of_content;
         const auto table = found.find(name);
-        if (table != found.end()) {
-            for (const TrueRow& row : table->second) {
-                ++back[row.content];
-                key_of_content[row.content] = row.key;
-            }
-        }
-        std::vector<const TrueRow*> touched;
-        std::vector<const TrueRow*> missing;
-        for (const TrueRow& row : rows) {
-            const bool is_whole = is_undamaged(truth, damaged, row);
-            const auto same = back.find(row.content);
-            const bool is_back = same != back.end() && same->second > 0;
-            if (is_back) --same->second;
-            if (is_whole) {
-                ++score.undamaged;
-                score.came_back += is_back ? 1 : 0;
-                if (!is_back && score.first_missing.empty()) score.first_missing = name + ": " + row.content;
-                if (!is_back) missing.push_back(&row);
-            } else {
-                ++score.touched;
-                score.touched_back += is_back ? 1 : 0;
-                if (!is_back) touched.push_back(&row);
-            }
-        }
-        // What is left has to be what damage made of a row: its key, or half of its values, are those of one.
-        for (const auto& [content, count] : back) {
-            for (std::size_t i = 0; i < count; ++i) {
-                const auto source = std::find_if(touched.begin(), touched.end(), [&](const TrueRow* row) {
-                    if (!row->key.empty() && row->key == key_of_content[content]) return true;
-                    std::size_t same = 0;
-                    std::size_t values = 0;
-                    for (std::size_t at = 0; at < row->content.size();) {
-                        const std::size_t end = row->content.find('\x1f', at);
-                        ++values;
-                        same += content.find(row->content.substr(at, end + 1 - at)) != std::string::npos ? 1 : 0;
-                        at = end + 1;
-                    }
-                    return 2 * same > values || values == 1;
-                });
-                if (source != touched.end()) {
-                    touched.erase(source);
-                    continue;
-                }
-                const auto whole = std::find_if(missing.begin(), missing.end(),
-                                                [&](const TrueRow* row) { return is_cut_of(content, row->content); });
-                if (whole != missing.end()) {
-                    missing.erase(whole);
-                    ++score.cut;
-                    continue;
-                }
-                const auto same_key = std::find_if(missing.begin(), missing.end(), [&](const TrueRow* row) {
-                    return !row->key.empty() && row->key == key_of_content[content];
-                });
-                if (same_key != missing.end()) {
-                    missing.erase(same_key);
-                    ++score.mixed;
-                    continue;
-                }
-                ++score.invented;
-                if (score.first_invented.empty()) score.first_invented = name + ": " + content;
-            }
-        }
+        TableScore of_table(name, table != found.end() ? table->second : std::vector<TrueRow>(), score);
+        for (const TrueRow& row : rows) of_table.count(row, is_undamaged(truth, damaged, row));
+        of_table.explain_rest();
     }
     for (const auto& [name, rows] : found) {
         if (truth.tables.contains(name)) continue;

@@ -32,7 +32,7 @@ install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/p
 # What the Windows package holds, all in one folder: the library finds the compiler's runtime beside it.
 if(WIN32)
     install(FILES ${kvdb_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
-    install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.manifest
+    install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.gates.manifest
         ${kvdb_runtime} ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/hosting.md
         ${PROJECT_SOURCE_DIR}/docs/reference.md
         DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)

@@ -27,7 +27,7 @@ set_target_properties(kvdb PROPERTIES PREFIX "" IMPORT_PREFIX "")
 target_link_options(kvdb PRIVATE -Wl,--enable-stdcall-fixup -s)
 target_link_libraries(kvdb_frame PUBLIC ole32 oleaut32 uuid advapi32)
 
-configure_file(${PROJECT_SOURCE_DIR}/frame/kvdb.manifest.in ${PROJECT_BINARY_DIR}/kvdb.manifest @ONLY)
+configure_file(${PROJECT_SOURCE_DIR}/frame/kvdb.gates.manifest.in ${PROJECT_BINARY_DIR}/kvdb.gates.manifest @ONLY)
 
 # The unwinder, and what it needs itself: they lie beside every program and library.
 foreach(runtime libgcc_s_dw2-1.dll libwinpthread-1.dll)

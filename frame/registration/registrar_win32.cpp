@@ -79,6 +79,25 @@ void install(Registry& registry, const std::wstring& path, const RegistrationKey
     for (const RegistrationKey& below : key.keys) install(registry, path + L"\\" + wide(below.name), below);
 }
 
+// The user's own classes are often nobody's but ours: their lists go with the last entry. The machine's stay.
+class EmptiedKey {
+public:
+    EmptiedKey(Registry& registry, std::wstring path, RegistrationScope scope)
+        : registry_(registry),
+          path_(std::move(path)),
+          is_watched_(scope == RegistrationScope::kUser && registry.exists(path_) && !registry.is_empty(path_)) {}
+
+    // Removes the key where it has become empty meanwhile.
+    void remove() {
+        if (is_watched_ && registry_.is_empty(path_)) registry_.remove_if_leaf(path_);
+    }
+
+private:
+    Registry& registry_;
+    std::wstring path_;
+    bool is_watched_;
+};
+
 void uninstall(Registry& registry, const std::wstring& path, const RegistrationKey& key) {
     if (key.is_replaced) {
         registry.remove_tree(path);
@@ -150,7 +169,9 @@ public:
         const std::vector<RegistrationKey> keys = parse_registration_script(text);
         for (const RegistrationKey& key : keys) save(wide(key.name), key);
         for (const RegistrationKey& key : keys) {
+            EmptiedKey emptied(registry_, wide(key.name), scope_);
             (install_ ? frame::install : uninstall)(registry_, wide(key.name), key);
+            if (!install_) emptied.remove();
         }
     }
 
@@ -192,8 +213,12 @@ private:
 
     HRESULT run_user_type_library(const std::wstring& path) {
         if (!install_) {
+            EmptiedKey libraries(registry_, L"TypeLib", scope_);
+            EmptiedKey interfaces(registry_, L"Interface", scope_);
             registry_.remove_tree(path);
             for (const InterfaceName& entry : kInterfaces) registry_.remove_tree(interface_path(entry));
+            libraries.remove();
+            interfaces.remove();
             return S_OK;
         }
         ComPtr<ITypeLib> library;

@@ -124,6 +124,16 @@ bool Registry::exists(const std::wstring& path) const {
     return is_there(RegOpenKeyExW(root_, full(path).c_str(), 0, KEY_READ, key.put()));
 }
 
+bool Registry::is_empty(const std::wstring& path) const {
+    Key key;
+    if (!is_there(RegOpenKeyExW(root_, full(path).c_str(), 0, KEY_READ, key.put()))) return false;
+    DWORD keys = 0;
+    DWORD values = 0;
+    check(RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr,
+                           nullptr, nullptr));
+    return keys == 0 && values == 0;
+}
+
 std::optional<SavedKey> Registry::save(const std::wstring& path) const {
     Key key;
     if (!is_there(RegOpenKeyExW(root_, full(path).c_str(), 0, KEY_READ, key.put()))) return std::nullopt;

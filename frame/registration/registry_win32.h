@@ -44,6 +44,8 @@ public:
     void remove_if_leaf(const std::wstring& path);
 
     bool exists(const std::wstring& path) const;
+    // Whether the key is there, with neither keys nor values.
+    bool is_empty(const std::wstring& path) const;
     std::optional<SavedKey> save(const std::wstring& path) const;
     // Makes the key what it was when it was saved.
     void restore(const std::wstring& path, const std::optional<SavedKey>& saved);

@@ -75,7 +75,7 @@ TEST_F(ExceptionWin32, host_of_the_platform_is_told_through_its_own_invoke) {
     // The platform's Invoke calls the method from a module that no exception can pass.
     damage();
     const Apartment apartment;
-    const ManifestContext context(folder_.file("kvdb.manifest"));
+    const ManifestContext context(folder_.file("kvdb.gates.manifest"));
     ComPtr<IDispatch> gate;
     ASSERT_EQ(CoCreateInstance(CLSID_DBgate1, nullptr, CLSCTX_INPROC_SERVER, IID_IDBgate1, gate.put()), S_OK);
     ITypeInfo* type = nullptr;

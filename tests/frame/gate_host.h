@@ -89,9 +89,9 @@ public:
         path_ = os::join_path(folder, source.filename().string());
         if (!std::filesystem::exists(path_)) std::filesystem::copy_file(source, path_);
 #ifdef _WIN32
-        const std::string manifest = os::join_path(folder, "kvdb.manifest");
+        const std::string manifest = os::join_path(folder, "kvdb.gates.manifest");
         if (test_access() != Access::kFactory && !std::filesystem::exists(manifest)) {
-            std::filesystem::copy_file(source.parent_path() / "kvdb.manifest", manifest);
+            std::filesystem::copy_file(source.parent_path() / "kvdb.gates.manifest", manifest);
         }
         module_ = LoadLibraryA(path_.c_str());
         if (module_ == nullptr) throw std::runtime_error("cannot load " + path_);
@@ -164,7 +164,7 @@ private:
         if (FAILED(register_server())) throw std::runtime_error("not registered");
         // The registration of the second gate deliberately names another class identifier.
         std::optional<ManifestContext> context;
-        if (GateIds<Interface>::clsid == CLSID_DBgate2) context.emplace(os::join_path(folder_, "kvdb.manifest"));
+        if (GateIds<Interface>::clsid == CLSID_DBgate2) context.emplace(os::join_path(folder_, "kvdb.gates.manifest"));
         ComPtr<Interface> gate;
         if (FAILED(CoCreateInstance(GateIds<Interface>::clsid, nullptr, CLSCTX_INPROC_SERVER, GateIds<Interface>::iid,
                                     gate.put()))) {

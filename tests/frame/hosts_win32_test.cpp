@@ -60,6 +60,24 @@ TEST_F(HostsWin32, documented_cpp_host_makes_a_project) {
     EXPECT_NE(ended.out.find("sldb.mdb"), std::string::npos) << ended.out;
 }
 
+// The program's own manifest names the assembly; the system finds its file beside the program.
+TEST_F(HostsWin32, program_whose_manifest_names_ours_needs_no_registration) {
+    const std::string program = folder_.file("host.exe");
+    std::filesystem::copy_file(KVDB_DOCUMENTED_HOST, program);
+    const std::string ours = bytes_of(folder_.file("kvdb.gates.manifest"));
+    const std::string mark = "<assemblyIdentity type=\"win32\" name=\"kvdb.gates\"";
+    const std::size_t identity = ours.find(mark);
+    ASSERT_NE(identity, std::string::npos);
+    const std::string named = ours.substr(identity, ours.find("/>", identity) + 2 - identity);
+    std::ofstream(program + ".manifest") << "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n"
+                                            "<assembly xmlns=\"urn:schemas-microsoft-com:asm.v1\" "
+                                            "manifestVersion=\"1.0\"><dependency><dependentAssembly>"
+                                         << named << "</dependentAssembly></dependency></assembly>\n";
+    const Ended ended = run_process("\"" + program + "\"");
+    EXPECT_EQ(ended.code, 0u);
+    EXPECT_EQ(ended.out, "project 1\n");
+}
+
 TEST_F(HostsWin32, documented_script_host_works_with_names) {
     const Component component(folder_.path());
     const Registered registered(component);

@@ -103,8 +103,8 @@ TEST_F(MarshalingWin32, marshaler_is_a_part_of_the_gate) {
 }
 
 TEST_F(MarshalingWin32, gates_made_in_many_apartments_work_at_once) {
-    const std::string manifest = host_.file("kvdb.manifest");
-    CopyFileA(os::join_path(os::folder_of(KVDB_LIBRARY), "kvdb.manifest").c_str(), manifest.c_str(), TRUE);
+    const std::string manifest = host_.file("kvdb.gates.manifest");
+    CopyFileA(os::join_path(os::folder_of(KVDB_LIBRARY), "kvdb.gates.manifest").c_str(), manifest.c_str(), TRUE);
     ASSERT_EQ(host_.create<IDBgate1>()->OpenDB(), S_OK);
     std::atomic<int> added{0};
     std::vector<std::thread> threads;

@@ -29,7 +29,7 @@ inline std::string bytes_of(const std::filesystem::path& path) {
 // Copies the library, the compiler's runtime and the manifest into `folder`, as they are installed.
 inline void install_files(const std::filesystem::path& folder) {
     const std::filesystem::path library = KVDB_LIBRARY;
-    for (const char* name : {"kvdb.dll", "kvdb.manifest", "libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}) {
+    for (const char* name : {"kvdb.dll", "kvdb.gates.manifest", "libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}) {
         std::filesystem::copy_file(library.parent_path() / name, folder / name);
     }
 }

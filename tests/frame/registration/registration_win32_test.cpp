@@ -252,6 +252,27 @@ TEST_F(RegistrationWin32, user_alone_is_registered_by_command) {
     EXPECT_EQ(ours(HKEY_CURRENT_USER, kUserClasses), RegistryText());
 }
 
+TEST_F(RegistrationWin32, user_s_lists_of_classes_go_when_they_become_empty) {
+    const auto there = [](const char* list) { return has_key(HKEY_CURRENT_USER, kUserClasses + std::string(list)); };
+    for (const char* list : {"CLSID", "Interface", "TypeLib"}) ASSERT_FALSE(there(list)) << list;
+    ASSERT_EQ(install(true, L"user"), S_OK);
+    for (const char* list : {"CLSID", "Interface", "TypeLib"}) EXPECT_TRUE(there(list)) << list;
+    ASSERT_EQ(install(false, L"user"), S_OK);
+    for (const char* list : {"CLSID", "Interface", "TypeLib"}) EXPECT_FALSE(there(list)) << list;
+}
+
+TEST_F(RegistrationWin32, user_s_list_of_classes_stays_while_another_s_class_is_in_it) {
+    const std::string other = kUserClasses + std::string("CLSID\\{00000000-1111-2222-3333-444444444444}");
+    HKEY key = nullptr;
+    ASSERT_EQ(RegCreateKeyA(HKEY_CURRENT_USER, other.c_str(), &key), ERROR_SUCCESS);
+    RegCloseKey(key);
+    ASSERT_EQ(install(true, L"user"), S_OK);
+    ASSERT_EQ(install(false, L"user"), S_OK);
+    EXPECT_TRUE(has_key(HKEY_CURRENT_USER, other));
+    RegDeleteKeyA(HKEY_CURRENT_USER, other.c_str());
+    RegDeleteKeyA(HKEY_CURRENT_USER, (kUserClasses + std::string("CLSID")).c_str());
+}
+
 TEST_F(RegistrationWin32, command_without_text_is_the_machine_and_others_are_refused) {
     EXPECT_EQ(install(true, L"everybody"), E_INVALIDARG);
     EXPECT_EQ(install(true, L"users"), E_INVALIDARG);
@@ -315,7 +336,7 @@ TEST_F(RegistrationWin32, registered_type_library_is_found_by_its_identifier) {
 TEST_F(RegistrationWin32, module_path_with_quote_blank_and_umlaut_is_written_as_it_is) {
     const std::string folder = folder_.file(os::narrow(u"it's a t\u00FCr"));
     std::filesystem::create_directory(std::filesystem::path(wide(folder)));
-    for (const char* name : {"kvdb.dll", "kvdb.manifest"}) {
+    for (const char* name : {"kvdb.dll", "kvdb.gates.manifest"}) {
         ASSERT_TRUE(CopyFileA(folder_.file(name).c_str(), os::join_path(folder, name).c_str(), TRUE));
     }
     Component odd(folder);
@@ -328,7 +349,7 @@ TEST_F(RegistrationWin32, module_path_with_quote_blank_and_umlaut_is_written_as_
 TEST_F(RegistrationWin32, module_path_beyond_the_code_page_is_written_as_it_is) {
     const std::filesystem::path folder = std::filesystem::path(wide(folder_.path())) / L"Micha\x0142";
     std::filesystem::create_directory(folder);
-    for (const wchar_t* name : {L"kvdb.dll", L"kvdb.manifest"}) {
+    for (const wchar_t* name : {L"kvdb.dll", L"kvdb.gates.manifest"}) {
         ASSERT_TRUE(
             CopyFileW((std::filesystem::path(wide(folder_.path())) / name).c_str(), (folder / name).c_str(), TRUE));
     }
@@ -366,7 +387,7 @@ TEST_F(RegistrationWin32, module_path_beyond_the_code_page_is_written_as_it_is) 
 
 TEST_F(RegistrationWin32, manifest_makes_every_class_known_without_registration) {
     ASSERT_EQ(ours(HKEY_CLASSES_ROOT), RegistryText());
-    const ManifestContext context(folder_.file("kvdb.manifest"));
+    const ManifestContext context(folder_.file("kvdb.gates.manifest"));
     const std::pair<CLSID, IID> gates[] = {
         {CLSID_DBgate1, IID_IDBgate1}, {CLSID_DBgate2, IID_IDBgate2}, {CLSID_DBGate3, IID_IDBGate3}};
     for (const auto& [clsid, iid] : gates) {

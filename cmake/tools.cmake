@@ -1,7 +1,7 @@
 # The command-line tool. It contains the component and sets its folder, so it loads no code from a studio. It reads
 # files with the engine directly, and takes the layout of records from the component's declarations. CLI11 parses the
-# command line; it is header-only, so the build machine's headers serve the Windows tool too. They are copied to a
-# folder of their own, which keeps the machine's other headers from the cross compiler.
+# command line; it is header-only, so the build machine's headers serve the Windows tool too. A link to
+# them in a folder of their own keeps the machine's other headers from the cross compiler.
 file(GLOB_RECURSE kvdb_tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
 if(WIN32)
     list(FILTER kvdb_tool_sources EXCLUDE REGEX "_posix\\.cpp$")

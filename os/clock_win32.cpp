@@ -1,4 +1,4 @@
-// Alarms of Windows: one thread each, started at a setting; it exits a second after the last one. While it runs it
+// Alarms of Windows: one thread each, started at a setting; it exits a second after the last setting. While it runs it
 // holds a reference on the library and releases it in its last step. So nobody ever waits for a thread to exit, which
 // the system does under the lock that DllMain is called with. Closing waits only for the work, and not even for that
 // while the process ends: the system has then already terminated the thread.

@@ -27,8 +27,7 @@ void read_value(CDaoRecordset& rows, int field, CString& member) {
     COleVariant value;
     rows.GetFieldValue(field, value);
     if (value.vt == VT_BSTR) {
-        member = reinterpret_cast<const char*>(value.bstrVal);  // bytes of the conversion's result, copied to the
-                                                                // member
+        member = reinterpret_cast<const char*>(value.bstrVal);  // copies the conversion's bytes
     } else {
         member = db::value_to_text(value);
     }

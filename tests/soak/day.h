@@ -33,8 +33,7 @@ private:
     int some_variant(std::size_t table);
 
     std::mt19937 random_;
-    std::vector<std::map<LONG, int>> rows_;  // variant by key of the rows that the day made; 0: a row that existed
-                                             // before
+    std::vector<std::map<LONG, int>> rows_;  // variant by key of the rows that the day made; 0: an older row
 };
 
 }  // namespace soak

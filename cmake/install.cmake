@@ -5,7 +5,7 @@ include(CMakePackageConfigHelpers)
 # Always P/lib, never a multi-architecture folder: hosts load the library by its path.
 set(KVDB_INSTALL_LIBDIR lib)
 
-# Nobody links the library, so there is nothing to link it by.
+# Nobody links the library, so no link library is installed.
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kvdb DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN *.h)
 install(TARGETS kvdb
     RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
@@ -29,7 +29,7 @@ install(FILES ${PROJECT_BINARY_DIR}/kvdb-config.cmake ${PROJECT_BINARY_DIR}/kvdb
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kvdb.pc.in ${PROJECT_BINARY_DIR}/kvdb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/pkgconfig)
 
-# What the Windows package holds, all in one folder: the library finds the compiler's runtime beside it.
+# The content of the Windows package, all in one folder: the library finds the compiler's runtime beside it.
 if(WIN32)
     install(FILES ${kvdb_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.gates.manifest
@@ -42,7 +42,7 @@ if(WIN32)
         FILES_MATCHING PATTERN *.h)
 endif()
 
-# The tests of the installed tree use this build as its packager does.
+# The tests of the installed tree install this build as its packager does.
 if(TARGET frame_tests)
     target_compile_definitions(frame_tests PRIVATE
         KVDB_CXX="${CMAKE_CXX_COMPILER}"

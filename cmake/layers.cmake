@@ -10,7 +10,7 @@ function(kvdb_layer name)
     if(sources)
         add_library(kvdb_${name} STATIC ${sources})
         set(scope PUBLIC)
-        # Texts are converted and copied unit by unit: loops that the compiler vectorizes from -O3 on.
+        # Text is converted and copied unit by unit, in loops that the compiler vectorizes from -O3 on.
         target_compile_options(kvdb_${name} PRIVATE $<$<CONFIG:Release,RelWithDebInfo>:-O3>)
     else()
         add_library(kvdb_${name} INTERFACE)
@@ -22,8 +22,8 @@ function(kvdb_layer name)
     endforeach()
 endfunction()
 
-# kvdb_layers(FILE): a library for each top folder named in FILE, which lists the layers from the top; each stands on
-# the ones below it.
+# kvdb_layers(FILE): one library for each top folder named in FILE, which lists the layers from the top; each links the
+# layers below it.
 function(kvdb_layers file)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
     file(STRINGS ${file} folders REGEX "^[a-z]")

@@ -1,5 +1,4 @@
-# The component itself: every layer in one shared library that exports its four entry points and
-# nothing else.
+# The component: every layer in one shared library that exports only its four entry points.
 add_library(kvdb SHARED ${PROJECT_SOURCE_DIR}/frame/library_entry.cpp)
 target_link_libraries(kvdb PRIVATE kvdb_frame)
 set_target_properties(kvdb PROPERTIES

@@ -1,4 +1,4 @@
-# Builds for 32-bit Windows on a Linux machine, with MinGW-w64 in its variant with threads.
+# Builds for 32-bit Windows on a Linux machine, with the threaded variant of MinGW-w64.
 set(CMAKE_SYSTEM_NAME Windows)
 set(CMAKE_SYSTEM_PROCESSOR x86)
 
@@ -14,12 +14,12 @@ set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/run_wine)
 
-# Doubles are computed in double precision, as elsewhere. A caller built by another compiler aligns its stack to
-# four bytes only.
+# Compute doubles in double precision, as on other platforms. Callers built by other compilers align the stack to four
+# bytes only.
 set(CMAKE_CXX_FLAGS_INIT "-march=pentium4 -msse2 -mfpmath=sse -mincoming-stack-boundary=2")
 
-# One unwinder for the component and its host, so that an exception finds its way from one to the other; the rest of
-# the compiler's library is part of every module.
+# Component and host share one unwinder, so that exceptions can pass between them; the C++ runtime is linked into every
+# module.
 set(kvdb_link_flags "-static-libstdc++ -shared-libgcc")
 set(CMAKE_EXE_LINKER_FLAGS_INIT "${kvdb_link_flags}")
 set(CMAKE_SHARED_LINKER_FLAGS_INIT "${kvdb_link_flags}")

@@ -1,4 +1,4 @@
-# What every target is compiled with.
+# Compile options of all targets.
 set(CMAKE_CXX_STANDARD 20)
 set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
@@ -11,14 +11,14 @@ add_library(kvdb_options INTERFACE)
 target_include_directories(kvdb_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(kvdb_options INTERFACE
     -Wall -Wextra -Wshadow -Wnon-virtual-dtor -Wconversion -Wno-sign-conversion)
-# GCC 12 imagines texts and vectors of half the address space once it has inlined the library's own code; the
-# sanitizer build finds what these warnings are meant to find.
+# False positives of GCC 12: after inlining the standard library it warns of strings and vectors of half the address
+# space. The sanitizer build finds real errors of this kind.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(kvdb_options INTERFACE -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow
         -Wno-stringop-overread)
 endif()
-# The platform's interfaces have no destructors at all, and in a 32-bit build GCC 12 takes the buffer behind
-# std::to_chars for uninitialized.
+# The platform's interfaces have no destructors, and GCC 12 reports the buffer of std::to_chars as uninitialized in a
+# 32-bit build.
 if(WIN32)
     # Programs find the compiler's runtime beside them.
     set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
@@ -27,7 +27,7 @@ endif()
 if(KVDB_WERROR)
     target_compile_options(kvdb_options INTERFACE -Werror)
 endif()
-# Two copies of the library in one process are two components: no symbol may be shared between them.
+# Two copies of the library in one process are two components: they must not share symbols.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
     target_compile_options(kvdb_options INTERFACE -fno-gnu-unique)
 endif()

@@ -1,16 +1,16 @@
-# The command-line tool. It contains the component and tells it the folder, so that it loads nothing from a studio; for
-# a look into a file it uses the engine directly, and what a record is made of it knows from the component's
-# declarations. The command line is parsed by CLI11, headers alone: those of the machine that builds serve the Windows
-# tool too, and a folder of their own keeps the rest of its headers from that compiler.
+# The command-line tool. It contains the component and sets its folder, so it loads no code from a studio. It reads
+# files with the engine directly, and takes the layout of records from the component's declarations. CLI11 parses the
+# command line; it is header-only, so the build machine's headers serve the Windows tool too. A link to
+# them in a folder of their own keeps the machine's other headers from the cross compiler.
 file(GLOB_RECURSE kvdb_tool_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/*.cpp)
 if(WIN32)
     list(FILTER kvdb_tool_sources EXCLUDE REGEX "_posix\\.cpp$")
 else()
     list(FILTER kvdb_tool_sources EXCLUDE REGEX "_win32\\.cpp$")
-    # Its export to SQLite is written by SQLite.
+    # The export to SQLite uses SQLite itself.
     find_package(SQLite3 REQUIRED)
 endif()
-# What the commands do, without the command line: tests use it in-process, beside a disk that fails.
+# The commands without the command line: tests call them in-process, on a disk that fails.
 set(kvdb_tool_parts ${kvdb_tool_sources})
 list(FILTER kvdb_tool_parts EXCLUDE REGEX "/tools/(commands/.*|main|commands|command_line|declaration|help)\\.cpp$")
 find_path(KVDB_CLI11 CLI/CLI.hpp REQUIRED PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)

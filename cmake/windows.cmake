@@ -1,5 +1,5 @@
-# What the component is on Windows besides its code: exports without decoration, type library, resources, and the
-# compiler's runtime beside it.
+# The Windows parts of the component besides its code: undecorated exports, type library, resources, and the compiler's
+# runtime beside it.
 enable_language(RC)
 set(idl_dir ${PROJECT_SOURCE_DIR}/frame/idl)
 set(kvdb_tlb ${PROJECT_BINARY_DIR}/kvdb.tlb)
@@ -19,7 +19,7 @@ target_include_directories(kvdb PRIVATE $<$<COMPILE_LANGUAGE:RC>:${PROJECT_BINAR
 set(version_numbers ${PROJECT_VERSION_MAJOR},${PROJECT_VERSION_MINOR},${PROJECT_VERSION_PATCH},0)
 set_source_files_properties(${kvdb_rc} PROPERTIES
     COMPILE_DEFINITIONS "KVDB_VERSION_NUMBERS=${version_numbers};KVDB_VERSION_TEXT=\\\"${PROJECT_VERSION}\\\"")
-# The resource compiler does not tell what it reads.
+# The resource compiler does not report its dependencies.
 file(GLOB scripts ${PROJECT_SOURCE_DIR}/frame/registration/*.rgs)
 set_property(SOURCE ${kvdb_rc} PROPERTY OBJECT_DEPENDS ${kvdb_tlb} ${scripts})
 set_property(SOURCE ${kvdb_string_table} PROPERTY OBJECT_DEPENDS ${PROJECT_SOURCE_DIR}/db/string_resources.h)
@@ -29,7 +29,7 @@ target_link_libraries(kvdb_frame PUBLIC ole32 oleaut32 uuid advapi32)
 
 configure_file(${PROJECT_SOURCE_DIR}/frame/kvdb.gates.manifest.in ${PROJECT_BINARY_DIR}/kvdb.gates.manifest @ONLY)
 
-# The unwinder, and what it needs itself: they lie beside every program and library.
+# The unwinder and its own dependency: they are copied beside every program and library.
 foreach(runtime libgcc_s_dw2-1.dll libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
         OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)

@@ -80,8 +80,8 @@ void write_invoice_content(CDaoDatabase& database) {
     rows.Close();
 }
 
-// The calls and their order are those of the equipment records' own Add, which lies a layer above; the time
-// of day is dropped as there.
+// Makes the same calls in the same order as the equipment records' own Add, which is a layer above; drops the time of
+// day as it does.
 void add_sample_equipment(CDaoDatabase& database) {
     const COleVariant today = date_value(CTime::GetCurrentTime(), TimeOfDay::kDropped);
     CDaoRecordset rows(&database);
@@ -103,7 +103,7 @@ void add_demo_project(CDaoDatabase& database) {
     CDaoRecordset rows(&database);
     open_table(rows, "Projects");
     rows.AddNew();
-    rows.SetFieldValue("Name", " Demo Project");  // with its blank, so that it sorts before all others
+    rows.SetFieldValue("Name", " Demo Project");  // the leading blank sorts it before all others
     for (const char* field : {"Type", "Producer", "Director", "Client"}) rows.SetFieldValue(field, "");
     rows.SetFieldValue("ClientID", long_value(0));
     rows.SetFieldValue("Folder", "");

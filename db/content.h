@@ -1,4 +1,4 @@
-// The rows that the component writes by itself: into new files, and into older ones that it brings up to date.
+// The rows that the component itself writes: into new files, and into older ones that it upgrades.
 #pragma once
 
 class CDaoDatabase;
@@ -8,7 +8,7 @@ namespace db {
 // The schema version of every new file.
 inline constexpr int kCurrentVersion = 210000;
 
-// Each operation writes its rows in order. Throws CDaoException*; the rows before the one that failed stay.
+// Each function writes its rows in order. Throws CDaoException*; the rows before the failed one stay.
 
 // The header row, then the row of invoice defaults.
 void write_main_content(CDaoDatabase& database);

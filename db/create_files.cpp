@@ -23,7 +23,7 @@ void close_quietly(CDaoDatabase& database) {
     } catch (CDaoException* e) {
         e->Delete();
     } catch (const std::bad_alloc&) {
-        // It is closed all the same.
+        // It is closed even so.
     }
 }
 
@@ -31,21 +31,21 @@ void remove_quietly(const std::string& path) {
     try {
         os::file_system().remove(path);
     } catch (const os::FileError&) {
-        // It is in nobody's way: a later creation clears it.
+        // Harmless: a later creation clears it.
     }
 }
 
-// Both files of a studio are for the same eyes.
+// Both files of a studio have the same permissions.
 void take_access_of_the_other(DatabaseFile file, const std::string& draft) {
     const DatabaseFile other = file == DatabaseFile::kMain ? DatabaseFile::kInvoice : DatabaseFile::kMain;
     try {
         if (file_exists(other)) os::file_system().copy_access(file_path(other), draft);
     } catch (const os::FileError&) {
-        // It keeps the permissions of any new file.
+        // It keeps the default permissions of a new file.
     }
 }
 
-// Gives the draft its name, unless somebody else's file has it by now: then the draft goes, and that file it is.
+// Renames the draft to its final name. If another file has that name by now, removes the draft; the other file is used.
 void publish(const std::string& draft, const std::string& path) {
     os::FileSystem& files = os::file_system();
     afx::with_dao_errors([&] {
@@ -58,7 +58,7 @@ void publish(const std::string& draft, const std::string& path) {
         try {
             files.sync_folder_of(path);
         } catch (const os::FileError&) {
-            // A file that may be gone after a power loss has not been made.
+            // A file that a power loss may still remove does not count as created.
             os::remove_unless_in_use(path);
             throw;
         }
@@ -86,7 +86,7 @@ void make_draft(CDaoDatabase& database, const std::string& draft, DatabaseFile f
     take_access_of_the_other(file, draft);
 }
 
-// Whatever stopped the making: no transaction stays open, and no half-made database.
+// Cleans up after any failure: leaves no transaction open and no half-made database.
 void give_up(CDaoDatabase& database, const std::string& draft, const std::string& path) {
     close_quietly(database);
     remove_quietly(draft);
@@ -102,7 +102,7 @@ void create_file(CDaoDatabase& database, DatabaseFile file, void (*fill)(CDaoDat
         os::clear_drafts(path);
     } catch (CDaoException* e) {
         give_up(database, draft, path);
-        // Another host that was faster has taken the draft for one that nobody wants any more: its file it is.
+        // Another host was faster and removed this draft as abandoned: use its file.
         if (!file_exists(file)) throw;
         e->Delete();
     } catch (...) {

@@ -19,12 +19,12 @@ std::string& given_folder() {
 struct FileFacts {
     const char* name;
     const char* password;
-    const char* former_password;  // null: there was no other
+    const char* former_password;  // null: none
 };
 
-// The passwords keep a curious user with a copy of Access from changing the files by accident, and nothing
-// more: a Jet password is stored in the file's first page, masked with a key that every reader knows, and
-// the data itself is not encrypted. What must stay secret needs the protection of the file system.
+// The passwords only keep a curious user with a copy of Access from changing the files by accident: a Jet password is
+// stored in the file's first page, masked with a key that every reader knows, and the data itself is not encrypted.
+// Secrets need the protection of the file system.
 constexpr char kConnectKeyword[] = ";PWD=";
 constexpr FileFacts kFiles[] = {
     {"sldb.mdb", "KvStudio2005sl", "KvStudio2002"},

@@ -1,4 +1,4 @@
-// Where the two database files are, what they are called, and how they are opened: all in this one place.
+// The one place for the paths, names and passwords of the two database files.
 #pragma once
 
 #include <string>
@@ -11,25 +11,25 @@ namespace db {
 
 enum class DatabaseFile { kMain, kInvoice };
 
-// The folder of the component's own module, without a separator at its end, as os/file.h takes paths; never cut. Worked
-// out anew at every call. set_database_folder puts another in its place.
+// The folder of the component's own module, without a trailing separator, in the form of os/file.h; never truncated.
+// Computed at every call. set_database_folder overrides it.
 std::string database_folder();
-// The file in that folder.
+// Path of the file in that folder.
 std::string file_path(DatabaseFile file);
-// False only when the system says that the name is not there; when it cannot tell, CDaoException*.
+// False only when the system reports that the name does not exist; throws CDaoException* when it cannot tell.
 bool file_exists(DatabaseFile file);
 
-// The file's password, and the one that it had in the oldest versions; null where there was no other.
+// The file's password, and its former one in the oldest versions; null where there was none.
 const char* password(DatabaseFile file);
 const char* former_password(DatabaseFile file);
 // ";PWD=" and the password, for CDaoDatabase::Open.
 std::string connect_text(const char* password);
 std::string connect_text(DatabaseFile file);
-// The same behind the language of a new file, for CDaoDatabase::Create.
+// The language of a new file, then the same, for CDaoDatabase::Create.
 std::string locale_text(DatabaseFile file);
 
-// For a program that contains the component (the command-line tool, tests): the files are in this folder; "" puts
-// the module's folder back. Not while a database is open.
+// Sets the folder of the files; "" restores the module's folder. For a program that embeds the component (the
+// command-line tool, tests). Not while a database is open.
 void set_database_folder(std::string_view folder);
 
 }  // namespace db

@@ -1,4 +1,4 @@
-// What the operations on rows of the component's own have in common.
+// Helpers shared by the operations on the component's own rows.
 #pragma once
 
 #include <string>
@@ -9,12 +9,12 @@
 
 namespace db {
 
-// Whether the work failed for lack of memory, of which no part is to be kept.
+// Whether the work ran out of memory; then no part of it may be kept.
 inline bool is_lack_of_memory(const CDaoException& error) {
     return error.m_pErrorInfo->m_lErrorCode == afx::errors::kOutOfMemory;
 }
 
-// Runs `work`; false when it throws an engine's error, which is deleted. Lack of memory goes on its way.
+// Runs `work`; false when it throws an engine error, which is deleted. Out-of-memory errors propagate.
 template <class Work>
 [[nodiscard]] bool succeeds(Work&& work) {
     try {
@@ -27,14 +27,13 @@ template <class Work>
     }
 }
 
-// As above, where a failure changes nothing.
+// Runs `work`; ignores an engine error.
 template <class Work>
 void attempt(Work&& work) {
     static_cast<void>(succeeds(std::forward<Work>(work)));
 }
 
-// Pieces of work that do not depend on each other: one that fails keeps none of the others from being done, and its
-// error is thrown at the end.
+// Runs independent pieces of work: a failed one does not stop the others, and its error is thrown at the end.
 class EachForItself {
 public:
     EachForItself() = default;
@@ -44,7 +43,7 @@ public:
     EachForItself(const EachForItself&) = delete;
     EachForItself& operator=(const EachForItself&) = delete;
 
-    // Lack of memory goes on its way at once.
+    // Out-of-memory errors propagate at once.
     template <class Work>
     void run(Work&& work) {
         try {
@@ -80,7 +79,7 @@ void for_each_row(CDaoDatabase& database, const char* table, Visit&& visit) {
     for (open_table(rows, table, dbForwardOnly | dbReadOnly); !rows.IsEOF(); rows.MoveNext()) visit(rows);
 }
 
-// The same between Edit and Update.
+// Calls visit(rows) on every row, between Edit and Update.
 template <class Visit>
 void edit_each_row(CDaoDatabase& database, const char* table, Visit&& visit) {
     CDaoRecordset rows(&database);

@@ -10,7 +10,7 @@ namespace {
 
 constexpr LONG kTextSize = 255;
 
-// The full description that text and memo fields start from.
+// The full field description that text and memo fields start from.
 CDaoFieldInfo text_description(const char* name) {
     CDaoFieldInfo info;
     info.m_strName = name;
@@ -57,7 +57,7 @@ void create_field(CDaoTableDef& table, const FieldSchema& field) {
             return table.CreateField(info);
         }
         case FieldKind::kMemo: {
-            // The same description with another type; a memo takes no notice of the size.
+            // The same description with another type; a memo ignores the size.
             CDaoFieldInfo info = text_description(field.name);
             info.m_nType = dbMemo;
             return table.CreateField(info);

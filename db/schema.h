@@ -13,7 +13,7 @@ class CDaoTableDef;
 
 namespace db {
 
-// How a field is made. The difference between the text kinds is whether a zero-length text may be stored.
+// How a field is created. The text kinds differ in whether a zero-length text may be stored.
 enum class FieldKind : std::uint8_t {
     kKey,  // auto-number
     kLong,
@@ -41,7 +41,7 @@ struct TableSchema {
 std::span<const TableSchema> studio_tables();
 std::span<const TableSchema> gear_tables();
 std::span<const TableSchema> invoice_tables();
-// Def_Engineers as today's files have it, in neither list above.
+// Def_Engineers as current files have it; in neither list above.
 const TableSchema& engineers_table();
 // Null when the list has no such table or field.
 const TableSchema* find_table(std::span<const TableSchema> tables, const char* name);
@@ -50,7 +50,7 @@ const FieldSchema* find_field(const TableSchema& table, const char* name);
 // Adds a field to a definition being made or to an existing table. Throws CDaoException*.
 void create_field(CDaoTableDef& table, const FieldSchema& field);
 
-// The operations below throw CDaoException*, also when the database is not open; the table that failed does not exist.
+// The operations below throw CDaoException*, also when the database is not open; the failed table does not exist then.
 void create_table(CDaoDatabase& database, const TableSchema& table);
 // All tables in order. A failure stops the pass; the tables before it stay.
 void create_tables(CDaoDatabase& database, std::span<const TableSchema> tables);

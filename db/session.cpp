@@ -15,7 +15,7 @@ namespace {
 
 constexpr char kHeader[] = "SELECT * FROM [DBHeader]";
 
-// Made when the library starts, ended when it goes.
+// Created when the library starts, destroyed when it ends.
 CDaoDatabase main_database;
 CDaoDatabase invoice_database;
 
@@ -42,7 +42,7 @@ void close_quietly(CDaoDatabase& database) {
     } catch (CDaoException* e) {
         e->Delete();
     } catch (const std::bad_alloc&) {
-        // It is closed, and there is no memory to say what else.
+        // It is closed, and there is no memory to report anything else.
     }
 }
 
@@ -61,7 +61,7 @@ CDaoDatabase& obtain(CDaoDatabase& database, DatabaseFile file, bool reopen) {
     return database;
 }
 
-// Runs `work` on the header of the main database while it stands on its row.
+// Runs `work` with the header of the main database on its row.
 template <class Work>
 HRESULT with_header(const GateDatabases& databases, int options, Work&& work) {
     if (databases.main == nullptr || !databases.main->IsOpen()) return E_FAIL;
@@ -97,18 +97,18 @@ HRESULT attach(GateDatabases& databases) {
 HRESULT open(GateDatabases& databases) {
     if (const HRESULT attached = attach(databases); attached != S_OK || !makes_and_upgrades()) return attached;
 
-    // Nobody else gets in between the closing and the opening: of two hosts that come at the same moment, one would
-    // have the one file then, the second the other, and neither both.
+    // Keeps both locks between the closing and the opening. Otherwise, of two hosts that open at the same moment, each
+    // could get one of the files, and neither both.
     const auto main_kept = os::file_system().keep_lock(file_path(DatabaseFile::kMain));
     const auto invoice_kept = os::file_system().keep_lock(file_path(DatabaseFile::kInvoice));
     CDaoDatabase& main = *databases.main;
     close_quietly(main);
     if (file_exists(DatabaseFile::kMain)) {
         open_file(main, DatabaseFile::kMain);
-        upgrade_main_file(main);  // its result changes nothing here
+        upgrade_main_file(main);  // its result is deliberately ignored
     } else {
         create_main_file(main);
-        attempt([&] { add_sample_equipment(main); });  // a studio without samples is a studio
+        attempt([&] { add_sample_equipment(main); });  // a studio without samples is valid
     }
 
     CDaoDatabase& invoice = *databases.invoice;
@@ -118,7 +118,7 @@ HRESULT open(GateDatabases& databases) {
         try {
             upgrade_invoice_file(invoice, stored_version(invoice));
         } catch (CDaoException* e) {
-            e->Delete();  // a file without a readable header is served as it stands
+            e->Delete();  // a file without a readable header is used unchanged
         }
     } else {
         create_invoice_file(invoice);

@@ -1,12 +1,13 @@
-// The texts of the component's string table. Windows keeps them as resources of the library, other hosts as
-// constants; both are made from what stands here, which the resource compiler reads too.
+// The texts of the component's string table. On Windows they are resources of the library, elsewhere constants; both
+// are generated from this file, which the resource compiler reads too.
 #ifndef KVDB_STRING_RESOURCES_H
 #define KVDB_STRING_RESOURCES_H
 
 #define KVDB_STRING_WELCOME 101
 #define KVDB_STRING_VERSE 102
 
-// The note of the demo project. Blanks at the ends of paragraphs and the small letter after a full stop are part of it.
+// The note of the demo project. Trailing blanks of paragraphs and the lower-case letter after a full stop are part of
+// it.
 #define KVDB_TEXT_WELCOME                                                                                              \
     "                 ===========================\n"                                                                   \
     "                   Welcome to Korvane !\n"                                                                        \
@@ -24,7 +25,7 @@
     "\n"                                                                                                               \
     "Hope it will be useful to your studio and your music."
 
-// Nobody loads this one.
+// Never loaded.
 #define KVDB_TEXT_VERSE                          \
     "The tape has stopped, the lamps are low,\n" \
     "the last take leaves the room;\n"           \

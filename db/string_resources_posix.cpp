@@ -1,4 +1,4 @@
-// Hosts without resources keep the texts in the code.
+// Platforms without resources compile the texts in.
 #include "db/string_resources.h"
 
 namespace db {

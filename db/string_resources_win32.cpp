@@ -1,4 +1,4 @@
-// Owns the road to the string table of the library that this code is part of.
+// Loads texts from the string table of the library that holds this code.
 #include "db/string_resources.h"
 
 #include "os/module_win32.h"
@@ -7,7 +7,7 @@
 namespace db {
 
 std::string string_resource(std::uint16_t id) {
-    // Without a buffer the answer is a pointer to the resource itself, and how many units it has.
+    // With buffer size 0 the call returns a pointer to the resource itself and its length in units.
     const wchar_t* text = nullptr;
     const int units = LoadStringW(os::own_module(), id, reinterpret_cast<LPWSTR>(&text), 0);
     if (units <= 0) return {};

@@ -41,7 +41,7 @@ CString byte_text(BYTE value) {
     return text;
 }
 
-// The text of the type as it stands, flags included.
+// The text of the type as given, flags included.
 CString plain_text(const VARIANT& value) {
     switch (value.vt) {
         case VT_EMPTY:
@@ -86,7 +86,7 @@ CString value_to_text(const VARIANT& value) {
 }
 
 LONG value_to_integer(const VARIANT& value) {
-    if (value.vt == VT_I4) return value.lVal;  // there and back through its own text
+    if (value.vt == VT_I4) return value.lVal;  // round trip through its text
     return afx::integer_of(value_to_text(value).GetString());
 }
 
@@ -101,9 +101,9 @@ int float_to_currency(float value, LONG* whole, LONG* ten_thousandths) {
         *ten_thousandths = 0;
         return 0;
     }
-    // Beyond 32 bits the low ones remain, as the conversion has always done.
+    // Values beyond 32 bits keep the low 32, as the conversion always did.
     *whole = static_cast<LONG>(static_cast<std::uint32_t>(static_cast<std::int64_t>(wide)));
-    // Exact: a float that has a fraction at all has at most 24 bits.
+    // Exact: a float with a fraction has at most 24 bits.
     const double rest = std::abs(wide - *whole);
     *ten_thousandths =
         rest >= 0x1p24 ? 0 : static_cast<LONG>(static_cast<std::int64_t>(std::floor(rest * 10000 + 0.5)) % 10000);
@@ -118,7 +118,8 @@ COleCurrency currency_of(float value) {
 }
 
 float float_of(const COleCurrency& amount) {
-    // What the text would give: an amount that a double holds exactly is divided with the same one rounding.
+    // Equals the conversion through text: an amount that a double holds exactly is divided with the same single
+    // rounding.
     constexpr std::int64_t kExact = std::int64_t{1} << 53;
     if (amount.m_status == COleCurrency::valid && amount.m_cur.int64 <= kExact && amount.m_cur.int64 >= -kExact) {
         return static_cast<float>(static_cast<double>(amount.m_cur.int64) / 10000.0);

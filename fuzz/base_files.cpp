@@ -18,7 +18,7 @@ namespace {
 
 constexpr char kPath[] = "base.mdb";
 
-// Gives a table an index, as another writer would have: the engine itself makes none for tables of the user.
+// Adds an index to a table, as another program would: the engine creates none for user tables.
 void add_index(Database& database, std::u16string_view table_name, std::vector<KeyColumn> columns) {
     TableDef def = database.find_table(table_name)->def();
     Transaction transaction(database.pager());
@@ -122,7 +122,7 @@ ByteVector file_of_large_structures() {
         const Table& wide = *database.find_table(u"Wide");
         Transaction transaction(database.pager());
         UsageMap map(database.pager(), database.allocator(), wide.def().free_map);
-        map.add(600);  // too far for a window: the map goes over to bitmap pages
+        map.add(600);  // too far for a window: the map switches to bitmap pages
         map.remove(600);
         transaction.commit();
         fill(*database.find_table(u"Wide"), 6);

@@ -1,4 +1,4 @@
-// Sound files, small ones, for the mutator to start from.
+// Small sound files, from which the mutator starts.
 #pragma once
 
 #include <vector>
@@ -9,10 +9,10 @@ namespace kvdb_fuzz {
 
 // Made once, the same in every run:
 //  - every kind of column, long values of every form, moved and deleted rows, an index of two columns over a table;
-//  - maps that have gone over to bitmap pages, an index with a node above its leaves, a definition of two pages;
-//  - a new file with nothing in it.
+//  - maps converted to bitmap pages, an index with a node above its leaves, a definition of two pages;
+//  - a new, empty file.
 const std::vector<jet::ByteVector>& base_files();
-// A table of few rows, for who wants to go through many files in little time.
+// A table of few rows, for running many files in little time.
 const jet::ByteVector& smallest_file();
 
 }  // namespace kvdb_fuzz

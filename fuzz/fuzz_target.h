@@ -1,5 +1,5 @@
-// What a fuzzer is: one function that takes any bytes at all and comes back. An engine error is an answer;
-// everything else that gets out of it, and every report of a sanitizer, is a find.
+// The entry point of a fuzzer: one function that accepts any bytes and returns. An engine error is a normal result; any
+// other exception, and every sanitizer report, is a finding.
 #pragma once
 
 #include <cstddef>

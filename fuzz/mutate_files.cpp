@@ -1,9 +1,9 @@
-// Uses mutated files one after the other, for a time or a number of them, and goes on after each that breaks something.
+// Runs mutated files one after the other, for a time or a number of cases, and continues after each failure.
 //
 //   mutate_files [--seed N] [--seconds S | --count C] [--out FOLDER]
 //
-// A child does the work and is replaced when it dies or hangs; the failing files, and the command that repeats the
-// failure, are kept in the folder. Exit 1 when there was one.
+// A child does the work and is replaced when it dies or hangs. The failing files, and the command that repeats the
+// failure, are kept in the folder. Exit code 1 after any failure.
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -40,7 +40,7 @@ struct Options {
     std::string program;
 };
 
-// What parent and child both see.
+// Shared by parent and child.
 struct Progress {
     std::atomic<std::uint64_t> next_seed;
     std::atomic<std::uint64_t> done;
@@ -69,7 +69,7 @@ Options parse(int count, char** arguments) {
     return options;
 }
 
-// The child: from next_seed on, until the time is over.
+// The child: runs cases from next_seed until the time is over.
 [[noreturn]] void work(Progress& progress, const Options& options, Clock::time_point end) {
     while (Clock::now() < end && progress.done < options.count) {
         const std::uint64_t seed = progress.next_seed;
@@ -85,7 +85,7 @@ Options parse(int count, char** arguments) {
     std::_Exit(0);
 }
 
-// Waits for the child; true when it came to its own end.
+// Waits for the child; true when it exited normally.
 bool ended_well(pid_t child, const Progress& progress) {
     std::uint64_t seen = progress.next_seed;
     Clock::time_point since = Clock::now();
@@ -134,7 +134,7 @@ int main(int count, char** arguments) {
     const auto end =
         begin + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.seconds));
     int failures = 0;
-    kvdb_fuzz::mutate(options.seed);  // the base files, once for all children
+    kvdb_fuzz::mutate(options.seed);  // makes the base files once for all children
     while (Clock::now() < end && progress.done < options.count && failures < kMaxFailures) {
         std::fflush(nullptr);
         const pid_t child = ::fork();

@@ -1,4 +1,4 @@
-// One mutated file, used as hosts and tools use files.
+// Uses one mutated file as hosts and tools do.
 #pragma once
 
 #include <cstdint>
@@ -7,9 +7,9 @@
 
 namespace kvdb_fuzz {
 
-// Opens, reads, checks, changes and closes the files in memory, then once more what that has left. An engine error is
-// an answer. Throws std::logic_error for a broken promise: reading only has changed the file, or a file that was
-// written without an error cannot be opened again.
+// Opens, reads, checks, changes and closes the files in memory, then opens the result once more. An engine error is a
+// normal result. Throws std::logic_error for a broken promise: reading has changed the file, or a file that was written
+// without an error cannot be opened again.
 void use_files(const MutatedFiles& files);
 
 }  // namespace kvdb_fuzz

@@ -29,7 +29,7 @@ private:
     std::mt19937_64 engine_;
 };
 
-// A number that may mean something in a field of `bytes` bytes that holds `now`.
+// A plausible number for a field of `bytes` bytes whose value is `now`.
 std::uint32_t meaningful(Chance& chance, const Field& field, std::uint32_t now, std::uint32_t page_count) {
     const std::uint32_t page = chance.below(page_count);
     switch (chance.below(field.meaning == Meaning::kNumber ? 5 : 9)) {
@@ -92,7 +92,7 @@ private:
     }
 
     void change_field() {
-        // The header and the first map are found by chance seldom, and matter to all.
+        // A random choice rarely hits the header and the first map, which matter to everything.
         const PageNumber page_no = chance_.one_in(16) ? chance_.below(2) : chance_.below(page_count());
         const MutableByteSpan bytes = page(page_no);
         if (page_no == 0) mask_header(bytes);
@@ -152,7 +152,7 @@ private:
     std::vector<std::string>& steps_;
 };
 
-// The engine itself writes the journal: a commit whose pages are those of `changed`, taken before it is carried out.
+// Lets the engine itself write the journal: a commit of the pages of `changed`, copied before it reaches the file.
 MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& chance) {
     testing_support::FaultFileSystem disk;
     const testing_support::UseFileSystem use(disk);
@@ -166,7 +166,7 @@ MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& 
         store_bytes(pager.modify(page_no).bytes(), 0, bytes);
     };
     {
-        // The first commit is synced and written at once. The pager itself sets the counter.
+        // The first commit is synced and written at once. The pager sets the counter.
         Transaction transaction(pager);
         pager.modify(jet4::kObjectsPage).bytes()[jet4::tdef::kFiller] ^= 1;
         transaction.commit();

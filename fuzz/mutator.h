@@ -1,5 +1,5 @@
-// Damage that knows the file: fields of every kind of page are set to numbers that mean something there, so that what
-// comes out passes the first checks and reaches the code behind them.
+// Format-aware damage: sets fields of every kind of page to plausible numbers, so that the result passes the first
+// checks and reaches the code after them.
 #pragma once
 
 #include <cstdint>
@@ -12,14 +12,14 @@ namespace kvdb_fuzz {
 
 struct MutatedFiles {
     jet::ByteVector database;
-    jet::ByteVector journal;         // to lie beside it; empty: none
-    std::vector<std::string> steps;  // what was done, one line each
+    jet::ByteVector journal;         // to be put beside the file; empty: none
+    std::vector<std::string> steps;  // the changes made, one line each
 };
 
-// The same for the same seed. Every seed gives another file: a base file with one to six changes to its header,
-// definitions, slot tables, rows, usage maps, index pages, long values, catalogue rows or property blobs, or to whole
-// pages. One in eight comes with a journal that is bound to the file and has right checksums: its pages carry the
-// changes; of these journals, some are damaged themselves.
+// Deterministic: the same seed gives the same result. Every seed gives another file: a base file with one to six
+// changes to its header, definitions, slot tables, rows, usage maps, index pages, long values, catalogue rows or
+// property blobs, or to whole pages. One in eight comes with a journal that is bound to the file and has right
+// checksums: its pages carry the changes; some of these journals are damaged themselves.
 MutatedFiles mutate(std::uint64_t seed);
 
 }  // namespace kvdb_fuzz

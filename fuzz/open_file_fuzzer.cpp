@@ -1,5 +1,5 @@
-// A damaged file opened, and read or checked; one in 64 changed as well, which takes ten times as long. The input
-// is a whole file, or else a list of places in a small sound file, 3 bytes each, with 1 byte to be put there.
+// Opens a damaged file and reads or checks it; also changes one in 64, which takes ten times as long. The input is a
+// whole file, or a list of changes to a small sound file: position, 3 bytes, and the new byte.
 #include "fuzz/base_files.h"
 #include "fuzz/fuzz_target.h"
 #include "jet/check/check.h"

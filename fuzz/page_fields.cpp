@@ -71,7 +71,7 @@ void property_blob(Collector& to, std::size_t begin, std::size_t end) {
     }
 }
 
-// A row of a table, from both its ends; in the variable part, references to long values.
+// The fields of a table row, from both ends; in the variable part, references to long values.
 void table_row(Collector& to, std::size_t begin, std::size_t end) {
     to.add("count of columns", begin, 2);
     for (std::size_t at = begin + 2; at + 4 <= std::min(end, begin + 42); at += 4) to.add("fixed value", at, 4, kRow);

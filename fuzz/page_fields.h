@@ -1,4 +1,4 @@
-// The fields of a page, found by its kind and owner and, where it holds rows, by what stands in them.
+// Finds the fields of a page by the page's kind and owner and, if it holds rows, by their content.
 #pragma once
 
 #include <string>
@@ -19,7 +19,7 @@ struct Field {
     bool big_endian = false;
 };
 
-// Of page 0 unmasked. Every field lies inside the page, however damaged the page is.
+// Page 0 is unmasked. Every field lies inside the page, even if the page is damaged.
 std::vector<Field> fields_of(jet::ByteSpan page, jet::PageNumber page_no);
 
 }  // namespace kvdb_fuzz

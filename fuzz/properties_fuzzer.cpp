@@ -1,4 +1,4 @@
-// A property blob: what is read, built and read again stays what it was.
+// A property blob: read, rebuilt and read again it must be unchanged.
 #include "fuzz/fuzz_target.h"
 #include "jet/schema/properties.h"
 

@@ -1,4 +1,4 @@
-// Runs a fuzzer's target over files and folders of inputs, where no fuzzing engine is linked.
+// Runs a fuzzer's target over files and folders of inputs when no fuzzing engine is linked.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>

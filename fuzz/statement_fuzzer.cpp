@@ -1,4 +1,4 @@
-// A statement prepared on a small database and run over its rows. The input is the statement in UTF-8.
+// Prepares a statement on a small database and runs it over its rows. The input is the statement in UTF-8.
 #include "fuzz/fuzz_target.h"
 #include "jet/sql/query.h"
 #include "tests/jet/exercise.h"

@@ -1,5 +1,5 @@
-// A table definition: what is read, built and read again stays what it was, and rows can be read by it. The
-// last 100 bytes serve as the row.
+// A table definition: read, rebuilt and read again it must be unchanged, and rows can be read by it. The last 100 bytes
+// are the row.
 #include <algorithm>
 
 #include "fuzz/fuzz_target.h"

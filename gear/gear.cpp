@@ -105,7 +105,7 @@ constexpr Column<GearRentInfo> kRentalColumns[] = {
 constexpr DWORD kFrom = 1;
 constexpr DWORD kTo = 2;
 
-// Deliberate: GearID is stored and read but is no condition.
+// Deliberate: GearID is stored and read but is not a condition.
 constexpr Clause<GearRentInfo> kRentalFilter[] = {
     filter::equals("ServiceID", &GearRentInfo::ServiceID),
     filter::equals("ProjID", &GearRentInfo::ProjID),
@@ -116,8 +116,8 @@ constexpr Clause<GearRentInfo> kRentalFilter[] = {
     filter::on_or_before("Date", &GearRentInfo::DateTo, &GearRentInfo::DateFlags, kTo),
 };
 
-// Deliberate: a record without a key finds, changes and deletes the first row that its filter gives, be it the
-// first of the table.
+// Deliberate: a record without a key finds, changes and deletes the first row that its filter gives, even the first of
+// the table.
 template <class Record, std::size_t n>
 constexpr TableMapping<Record> by_filter(const char* table, const Column<Record> (&columns)[n],
                                          std::span<const Clause<Record>> clauses) {

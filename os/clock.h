@@ -1,4 +1,4 @@
-// Time that passes, and work to be done when it has: behind a seam, so that a test can let it pass as it likes.
+// Clock and alarms, behind a seam so that a test can advance the time as it likes.
 #pragma once
 
 #include <chrono>
@@ -9,16 +9,16 @@ namespace os {
 
 using TimePoint = std::chrono::steady_clock::time_point;
 
-// Does its work once for each setting, on a thread of its own.
+// Runs its work once for each setting, on a thread of its own.
 //
 // 1. `set` and the work share no lock for longer than it takes to note a time.
-// 2. Nothing runs after the object has gone, and nothing is left of it: no thread, no reference to the library.
-// 3. In a forked child nothing runs and nothing is waited for; neither while a Windows process ends.
+// 2. Nothing runs after the object is destroyed, and nothing is left of it: no thread, no reference to the library.
+// 3. In a forked child nothing runs and nothing is waited for; the same holds while a Windows process ends.
 class Alarm {
 public:
     virtual ~Alarm() = default;
-    // Has the work done at `due` or soon after; a setting that is still to come stays as it is. False when the system
-    // has no thread to give: then nothing will happen.
+    // Schedules the work for `due` or soon after; a setting that is still pending stays as it is. False when the system
+    // cannot create a thread: then the work will not run.
     virtual bool set(TimePoint due) = 0;
 };
 
@@ -26,15 +26,15 @@ class Clock {
 public:
     virtual ~Clock() = default;
     virtual TimePoint now() = 0;
-    // `work` must not throw, nor destroy the alarm.
+    // `work` must neither throw nor destroy the alarm.
     virtual std::unique_ptr<Alarm> make_alarm(std::function<void()> work) = 0;
 };
 
-// The machine's own.
+// The machine's clock.
 Clock& system_clock();
 
-// From now on no alarm of the machine's clock can be set: for the end of a library, where the system loads and unloads
-// under a lock and a thread begun now would wake up in a library that has gone.
+// Disables all further alarms of the machine's clock. For library shutdown: the system loads and unloads libraries
+// under a lock, and a thread started now would wake up in an unloaded library.
 void retire_alarms() noexcept;
 bool alarms_are_retired() noexcept;
 

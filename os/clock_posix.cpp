@@ -1,5 +1,5 @@
-// Alarms of a POSIX system: a thread each, made at the first setting. Closing joins it, because a library may be
-// unmapped right after. It blocks all signals, so that it never runs a handler of the host.
+// Alarms of a POSIX system: one thread each, started at the first setting. Closing joins it, because the library may be
+// unmapped right after. The thread blocks all signals, so that it never runs a handler of the host.
 #include <pthread.h>
 #include <signal.h>
 #include <unistd.h>
@@ -16,7 +16,8 @@ namespace {
 
 constexpr std::size_t kStackBytes = std::size_t{256} << 10;
 
-// What both threads see. A forked child may find its lock held for ever, so there it is left alone and never freed.
+// State shared by both threads. In a forked child its lock may be held for ever, so there it is left alone and never
+// freed.
 struct AlarmState {
     explicit AlarmState(std::function<void()> w) : work(std::move(w)) {}
 

@@ -1,7 +1,7 @@
-// Alarms of Windows: a thread each, made at a setting and gone a second after the last. While it is there it keeps the
-// library loaded, and it lets go of it with its last step; so nobody ever waits for the end of a thread, which the
-// system brings about under the lock that DllMain is called with. What is waited for is the work alone, and not even
-// that while the process ends: the thread is gone by then, wherever it was.
+// Alarms of Windows: one thread each, started at a setting; it exits a second after the last setting. While it runs it
+// holds a reference on the library and releases it in its last step. So nobody ever waits for a thread to exit, which
+// the system does under the lock that DllMain is called with. Closing waits only for the work, and not even for that
+// while the process ends: the system has then already terminated the thread.
 
 #include <algorithm>
 #include <memory>
@@ -26,7 +26,7 @@ bool process_is_ending() {
     return query != nullptr && query() != FALSE;
 }
 
-// Belongs to the alarm and to its thread, whichever goes last.
+// Shared by the alarm and its thread; the last one frees it.
 class AlarmState {
 public:
     explicit AlarmState(std::function<void()> work) : work_(std::move(work)) {
@@ -74,7 +74,7 @@ public:
     }
 
 private:
-    // False when the time ran out.
+    // False after a timeout.
     bool wait(DWORD milliseconds) {
         return ::SleepConditionVariableCS(&changed_, section_.get(), milliseconds) != FALSE;
     }
@@ -115,7 +115,7 @@ private:
     CriticalSection section_;
     CONDITION_VARIABLE changed_{};
     std::optional<TimePoint> due_;
-    bool running_ = false;  // there is a thread
+    bool running_ = false;  // the thread exists
     bool working_ = false;
     bool ended_ = false;
     const std::function<void()> work_;

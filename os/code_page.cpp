@@ -1,5 +1,5 @@
-// Owns UTF-8 and Windows-1252. Invariant: every byte of Windows-1252 and every well-formed UTF-8 text
-// comes back unchanged from a round trip.
+// Owns UTF-8 and Windows-1252. Invariant: every byte of Windows-1252 and every well-formed UTF-8 text survives a round
+// trip unchanged.
 #include "os/code_page.h"
 
 #include <array>
@@ -16,8 +16,8 @@ constexpr bool is_low_surrogate(char16_t unit) { return unit >= 0xDC00 && unit <
 
 struct Utf8Lead {
     std::size_t length = 0;  // bytes of the character; 0 where the byte cannot begin one
-    char32_t bits = 0;       // what the lead byte gives to the code point
-    char32_t smallest = 0;   // code points below it have a shorter form
+    char32_t bits = 0;       // the lead byte's bits of the code point
+    char32_t smallest = 0;   // smaller code points have a shorter form
 };
 
 constexpr Utf8Lead utf8_lead(std::uint8_t byte) {
@@ -28,7 +28,8 @@ constexpr Utf8Lead utf8_lead(std::uint8_t byte) {
     return {};
 }
 
-// Bytes of the well-formed character at the start of `text`, its value in `code_point`; 0 when there is none.
+// Decodes the well-formed character at the start of `text` into `code_point`; returns its length in bytes, 0 when there
+// is none.
 std::size_t decode_utf8(std::string_view text, char32_t& code_point) {
     const Utf8Lead lead = utf8_lead(static_cast<std::uint8_t>(text.front()));
     if (lead.length == 0 || lead.length > text.size()) return 0;
@@ -62,7 +63,7 @@ void append_utf8(std::string& to, char32_t code_point) {
     }
 }
 
-// Windows-1252 bytes 0x80 to 0x9F; all others are the code points of the same value.
+// Windows-1252 bytes 0x80 to 0x9F; every other byte equals its code point.
 constexpr std::uint8_t kFirstSpecial = 0x80;
 constexpr std::array<char16_t, 32> kSpecial = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -80,8 +81,8 @@ char to_windows_1252(char16_t unit) {
     return '?';
 }
 
-// ASCII is the same in every code page, and most texts are nothing else: such a text is taken whole into the
-// result and from `text`.
+// Fast path for pure ASCII, which is the same in every code page and covers most texts: moves such a text whole from
+// `text` to the result.
 template <class Result, class Text>
 Result take_ascii(Text& text) {
     using Unit = std::conditional_t<sizeof(typename Text::value_type) == 1, std::uint8_t, char16_t>;

@@ -1,5 +1,5 @@
-// The two code pages that are the same on every platform. A third one, the system's own on Windows, is
-// left to the system.
+// The two code pages that are the same on every platform. The third, the system's own on Windows, is left to the
+// system.
 #pragma once
 
 #include <string>

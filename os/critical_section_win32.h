@@ -1,4 +1,4 @@
-// A lock of the system itself: no runtime library stands between, so it works while libraries come and go.
+// A lock provided by the system itself. It needs no runtime library, so it works while libraries load and unload.
 #pragma once
 
 #include "os/windows_api_win32.h"

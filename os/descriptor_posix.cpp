@@ -10,8 +10,8 @@ namespace {
 
 constexpr int kStandardStreams = 3;
 
-// Holds what is closed of 0, 1 and 2 while a file is being opened, so that not even for a moment another thread's
-// output can go into it.
+// Occupies those of descriptors 0, 1 and 2 that are closed while a file is being opened, so that another thread's
+// output can never go into the file, not even for a moment.
 class StandardStreamsHeld {
 public:
     StandardStreamsHeld() {
@@ -31,7 +31,7 @@ private:
 }  // namespace
 
 Descriptor::~Descriptor() {
-    // Not repeated when interrupted: the descriptor is free all the same.
+    // Not repeated when interrupted: the descriptor is free in any case.
     if (fd_ >= 0) ::close(fd_);
 }
 
@@ -43,7 +43,7 @@ Descriptor open_descriptor(const std::string& path, int flags, mode_t mode) {
         opened = Descriptor(
             uninterrupted([&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, mode); }));
         code = errno;
-        // Where there is no /dev/null to hold them with.
+        // /dev/null could not be opened to occupy them.
         if (opened && opened.get() < kStandardStreams) {
             opened = Descriptor(::fcntl(opened.get(), F_DUPFD_CLOEXEC, kStandardStreams));
             code = errno;

@@ -1,5 +1,5 @@
-// Descriptors of a POSIX system. Invariant: none is 0, 1 or 2, whatever of these the host has closed; what is printed
-// or read there by anybody in the process never meets a file of the component.
+// Descriptors of a POSIX system. Invariant: none is 0, 1 or 2, even if the host has closed those; standard input and
+// output of the process never touch a file of the component.
 #pragma once
 
 #include <sys/types.h>
@@ -10,7 +10,7 @@
 
 namespace os {
 
-// Repeats a system call for as long as a signal interrupts it.
+// Repeats a system call while signals interrupt it.
 template <typename Call>
 auto uninterrupted(Call call) {
     for (;;) {
@@ -37,7 +37,8 @@ private:
     int fd_ = -1;
 };
 
-// As open(), closed on exec and without waiting for a pipe's other end. On failure none, and errno says why.
+// As open(), with close-on-exec, and without waiting for the other end of a pipe. On failure empty, and errno has the
+// reason.
 Descriptor open_descriptor(const std::string& path, int flags, mode_t mode = 0);
 
 }  // namespace os

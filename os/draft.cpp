@@ -17,7 +17,7 @@ constexpr std::size_t kDigits = 16;
 
 bool is_digit(char c) { return (c >= '0' && c <= '9') || (c >= 'a' && c <= 'f'); }
 
-// Whether a draft's name goes on like this after the name of what it is to become.
+// Whether `rest`, the part of a name after the target's name, is the suffix of a draft.
 bool is_draft_suffix(std::string_view rest) {
     constexpr std::size_t kSuffix = kMark.size() + kDigits;
     if (rest.empty()) return false;
@@ -29,7 +29,7 @@ bool is_draft_suffix(std::string_view rest) {
     return true;
 }
 
-// Different in every call of every process that runs: two clocks, a place in memory, a count.
+// Differs in every call of every running process: mixes two clocks, an address and a counter.
 std::uint64_t chance() {
     static std::atomic<std::uint64_t> calls{0};
     const auto ticks = [](auto now) { return static_cast<std::uint64_t>(now.time_since_epoch().count()); };
@@ -55,7 +55,7 @@ void remove_unless_in_use(const std::string& path) {
         const std::unique_ptr<File> held = file_system().open(path, OpenMode::kExclusive);
         file_system().remove(path);
     } catch (const FileError&) {
-        // Then it stays, and is a whole file.
+        // Then it stays; it is a complete file.
     }
 }
 
@@ -68,7 +68,7 @@ void clear_drafts(const std::string& path, FileSystem& files) {
                 for (const std::string& beside : files.longer_names(name)) files.remove(beside);
                 files.remove(name);
             } catch (const FileError&) {
-                // Somebody is at work on it, or it cannot be removed.
+                // In use, or it cannot be removed.
             }
         }
     } catch (const FileError&) {

@@ -1,5 +1,5 @@
-// Names for files that are being made. Nobody else has them; what a crash has left of them is told from the owner's
-// files by its name, and from the work of a running process by its lock.
+// Names for files under construction. They are unique. A draft left by a crash differs from the owner's files by its
+// name, and from the draft of a running process by its missing lock.
 #pragma once
 
 #include <string>
@@ -8,15 +8,15 @@
 
 namespace os {
 
-// `path`, "-new-" and 16 hexadecimal digits by chance.
+// `path`, "-new-" and 16 random hexadecimal digits.
 std::string draft_name(const std::string& path);
 
-// Takes a file back that has just got its name, unless somebody has opened it since. Throws nothing for what the system
-// refuses.
+// Removes a file that has just been renamed to its final name, unless somebody has opened it since. Errors of the
+// system are ignored.
 void remove_unless_in_use(const std::string& path);
 
-// Removes drafts of `path` that no process has open, drafts of such drafts, and whatever else begins with their names
-// (journals). What cannot be removed stays; nothing is thrown for what the system refuses.
+// Removes drafts of `path` that no process has open, drafts of such drafts, and all other files whose names begin with
+// theirs (journals). What cannot be removed stays; errors of the system are ignored.
 void clear_drafts(const std::string& path, FileSystem& files = file_system());
 
 }  // namespace os

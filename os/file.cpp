@@ -1,5 +1,5 @@
-// Owns the choice of the file system in use. Invariant: file_system() never refers to nothing; without
-// a replacement it is the machine's own.
+// Owns the choice of the file system in use. Invariant: file_system() always refers to one; without a replacement it is
+// the machine's.
 #include "os/file.h"
 
 #include <utility>

@@ -1,11 +1,11 @@
 // Files of a POSIX system. Invariants:
-//  1. A lock belongs to the open file description, so a second opening runs into it from another process
-//     and from this one alike, and it ends with the File object.
-//  2. A locked File is the file that has the name, not one whose name was taken away between the opening
+//  1. A lock belongs to the open file description. It refuses a second opening by another process and by this one
+//     alike, and ends with the File object.
+//  2. A locked File is the file that now has the name, not one whose name was removed between the opening
 //     and the lock.
-//  3. Interrupted calls are repeated and short writes continued; whoever calls sees all or an error.
+//  3. Interrupted calls are repeated and short writes continued; the caller sees all or an error.
 //  4. In a forked child nothing of the parent's files is read, written, synced or unlocked.
-//  5. "Not there" is said only when the system said so.
+//  5. "Not found" is reported only when the system said so.
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
@@ -40,14 +40,14 @@ bool is_folder(const std::string& path) {
     return ::stat(path.empty() ? "." : path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-// ENOENT does not tell a missing file from a missing folder; the folder itself does.
+// ENOENT does not distinguish a missing file from a missing folder; test the folder.
 [[noreturn]] void fail(const char* operation, const std::string& path, int code) {
     FileFault fault = detail::fault_of_system_error(code);
     if (fault == FileFault::kNotFound && (path.empty() || !is_folder(folder_of(path)))) fault = FileFault::kBadPath;
     fail(operation, path, fault, code);
 }
 
-// A NUL would silently cut the path short on its way through the system's interface.
+// A NUL would silently truncate the path in the system call.
 void require_usable(const char* operation, const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos) fail(operation, path, FileFault::kBadPath, EINVAL);
 }
@@ -66,7 +66,7 @@ public:
         if (entry->second.descriptor) ::flock(entry->second.descriptor.get(), LOCK_UN);
         entries_.erase(entry);
     }
-    // Takes the descriptor over where somebody keeps the path; otherwise leaves it.
+    // Hands the descriptor over if a lock on the path is being kept; otherwise leaves it.
     void give(const std::string& path, Descriptor& descriptor) {
         const std::lock_guard lock(mutex_);
         const auto entry = entries_.find(path);
@@ -107,10 +107,10 @@ public:
         : descriptor_(std::move(descriptor)), path_(std::move(path)), kept_(kept), process_(::getpid()) {}
 
     ~PosixFile() override {
-        // A child's descriptor is the parent's lock as well: it is closed, which the parent does not notice.
+        // A child's descriptor shares the parent's lock. Only close it: that does not affect the parent.
         if (lock_ == Lock::kNone || PosixFile::is_inherited()) return;
         if (lock_ == Lock::kExclusive) kept_.give(path_, descriptor_);
-        // Said aloud, because a child may still hold a copy of the descriptor.
+        // Unlock explicitly, because a child may still hold a copy of the descriptor.
         if (descriptor_) ::flock(descriptor_.get(), LOCK_UN);
     }
     PosixFile(const PosixFile&) = delete;
@@ -142,7 +142,7 @@ public:
             const ssize_t count = uninterrupted(
                 [&] { return ::pwrite(descriptor_.get(), bytes.data() + done, bytes.size() - done, offset); });
             if (count < 0) fail("write", path_, errno);
-            // A device that takes nothing and reports nothing would otherwise hold us here for ever.
+            // A device that accepts nothing and reports no error would otherwise loop for ever.
             if (count == 0) fail("write", path_, ENOSPC);
             done += static_cast<std::size_t>(count);
         }
@@ -160,7 +160,7 @@ public:
     void sync() override {
         require_own("sync");
 #if defined(__APPLE__)
-        // There, fsync stops at the drive's own cache.
+        // On this system, fsync stops at the drive's cache.
         if (uninterrupted([&] { return ::fcntl(descriptor_.get(), F_FULLFSYNC); }) == 0) return;
         if (uninterrupted([&] { return ::fsync(descriptor_.get()); }) != 0) fail("sync", path_, errno);
 #else
@@ -185,7 +185,7 @@ public:
         }
         if (status("lock").st_nlink == 0) fail("lock", path_, ENOENT);
     }
-    // Says that the descriptor comes with its lock.
+    // Marks the descriptor as already locked.
     void adopt_lock() { lock_ = Lock::kExclusive; }
 
 private:
@@ -202,8 +202,8 @@ private:
         return static_cast<off_t>(at);
     }
 
-    // Past the process's file size limit the system sends a signal that ends the host. Asking first, whenever a
-    // file reaches further than before, makes it an error like any other.
+    // Past the process's file size limit the system sends a signal that ends the host. Check the limit before each
+    // extension, so that it is an ordinary error.
     void require_below_size_limit(const char* operation, std::uint64_t end) {
         if (end <= allowed_end_) return;
         struct rlimit limit {};
@@ -218,7 +218,7 @@ private:
     KeptDescriptors& kept_;
     const pid_t process_;
     Lock lock_ = Lock::kNone;
-    std::uint64_t allowed_end_ = 0;  // the limit has been asked for up to here
+    std::uint64_t allowed_end_ = 0;  // the limit has been checked up to here
 };
 
 struct OpenArguments {
@@ -246,8 +246,8 @@ bool is_same_file(int fd, const std::string& path) {
            open_file.st_ino == named.st_ino;
 }
 
-// Renames unless `to` is there; 0, or the errno. What file systems lack of it is made up for: a second name that is
-// given only where there is none, or a placeholder that nobody else could have made.
+// Renames unless `to` exists; returns 0 or the errno. On file systems without such a call it uses a second link, which
+// fails if the name exists, or a placeholder that only this call can have created.
 int rename_without_replacing(const std::string& from, const std::string& to) {
 #if defined(RENAME_NOREPLACE)
     if (::renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
@@ -308,7 +308,7 @@ public:
         const int code = rename_without_replacing(from, to);
         if (code == 0) return;
         if (code == EEXIST) fail("rename to", to, code);
-        // The source is there, so what is missing is the folder of the target.
+        // The source exists, so the target's folder is missing.
         if (code == ENOENT && exists(from)) fail("rename to", to, FileFault::kBadPath, code);
         fail("rename", from, code);
     }
@@ -333,7 +333,7 @@ public:
         if (now.st_gid != model.st_gid && ::fchown(descriptor.get(), static_cast<uid_t>(-1), model.st_gid) != 0) {
             permissions &= ~static_cast<mode_t>(0060);
         }
-        // Refused where files have no permissions of their own, or where the new owner is somebody else.
+        // Refused on file systems without permissions, and when the new owner is another user.
         if (::fchmod(descriptor.get(), permissions) != 0 && errno != EPERM && errno != ENOTSUP) {
             fail("set the permissions of", to, errno);
         }
@@ -364,12 +364,12 @@ public:
         const Descriptor descriptor = open_descriptor(folder.empty() ? "." : folder, O_RDONLY | O_DIRECTORY);
         if (!descriptor) fail("sync the folder of", path, errno);
         if (uninterrupted([&] { return ::fsync(descriptor.get()); }) == 0) return;
-        // Some file systems keep names durable by themselves and refuse to sync a folder.
+        // Some file systems keep names durable on their own and refuse to sync a folder.
         if (errno != EINVAL && errno != ENOTSUP && errno != EROFS) fail("sync the folder of", path, errno);
     }
 
 private:
-    // The file whose lock is kept for the path, unless the path leads to another one by now.
+    // The file whose lock is kept for the path, unless the path now leads to another file.
     std::unique_ptr<File> reopened(const std::string& path) {
         Descriptor descriptor = kept_.take(path);
         if (!descriptor || !is_same_file(descriptor.get(), path)) return nullptr;
@@ -401,7 +401,7 @@ FileFault detail::fault_of_system_error(std::int32_t code) {
     return found != std::end(kFaults) ? found->fault : FileFault::kIo;
 }
 
-// Never destroyed: static objects of others may close their files later than it would go.
+// Never destroyed: other static objects may close their files after it would be.
 FileSystem& native_file_system() {
     alignas(PosixFileSystem) static std::byte place[sizeof(PosixFileSystem)];
     static PosixFileSystem* const system = ::new (place) PosixFileSystem;

@@ -1,12 +1,11 @@
 // Files of Windows. Invariants:
-//  1. A locked file is one opened without any share mode, so every other opening, from another process
-//     and from this one alike, is refused; closing the handle ends that.
-//  2. A file open for reading lets others read alone. A side file shares everything, so it never keeps others from
-//     what they may do.
-//  3. Short writes are continued; whoever calls sees all or an error.
-//  4. What another program (a virus scanner, an indexer, a backup) holds for a moment is tried again for about a
+//  1. A locked file is opened without any share mode, so every other opening, by another process
+//     and by this one alike, is refused; closing the handle ends that.
+//  2. A file open for reading lets others only read. A side file shares everything, so it never restricts others.
+//  3. Short writes are continued; the caller sees all or an error.
+//  4. What another program (a virus scanner, an indexer, a backup) locks for a moment is retried for about a
 //     second before it is an error.
-//  5. Paths are wide from end to end; "not there" is said only when the system said so.
+//  5. Paths are wide from end to end; "not found" is reported only when the system said so.
 
 #include <algorithm>
 #include <limits>
@@ -42,18 +41,18 @@ std::string reason_of(DWORD code) {
     fail(operation, path, detail::fault_of_system_error(static_cast<std::int32_t>(code)), code);
 }
 
-// A NUL would silently cut the path short on its way through the system's interface.
+// A NUL would silently truncate the path in the system call.
 void require_usable(const char* operation, const std::string& path) {
     if (path.empty() || path.find('\0') != std::string::npos) {
         fail(operation, path, FileFault::kBadPath, ERROR_INVALID_NAME);
     }
 }
 
-// The path as the system's functions take it: what is longer than 259 characters must be complete and marked.
+// The path as the system's functions accept it: one longer than 259 characters must be absolute and prefixed.
 std::wstring system_path(const std::string& path) {
     const std::u16string units = units_of_path(path);
     const std::wstring wide(units.begin(), units.end());
-    constexpr std::size_t kLongestUnmarked = 247;  // of a folder; a file may be twelve longer
+    constexpr std::size_t kLongestUnmarked = 247;  // for a folder; a file's path may be twelve longer
     if (wide.size() <= kLongestUnmarked || wide.starts_with(L"\\\\")) return wide;
     std::wstring full(wide.size() + MAX_PATH, L'\0');
     const DWORD length = ::GetFullPathNameW(wide.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
@@ -62,22 +61,22 @@ std::wstring system_path(const std::string& path) {
     return L"\\\\?\\" + full;
 }
 
-// What somebody else's handle on a file brings about, and a file that is gone but for such a handle.
+// Errors caused by another process's handle on the file, or by a deleted file that still has one.
 bool may_pass(DWORD code) {
-    constexpr DWORD kDeletePending = 303;  // older headers do not name it
+    constexpr DWORD kDeletePending = 303;  // missing in older headers
     return code == ERROR_SHARING_VIOLATION || code == ERROR_ACCESS_DENIED || code == ERROR_LOCK_VIOLATION ||
            code == kDeletePending;
 }
 
-// Access to a folder, or to a file that is marked as read-only, is denied for good.
+// Access to a folder, or to a file marked as read-only, is denied permanently.
 bool is_denied_for_good(const std::wstring& path) {
     const DWORD attributes = ::GetFileAttributesW(path.c_str());
     return attributes != INVALID_FILE_ATTRIBUTES &&
            (attributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_READONLY)) != 0;
 }
 
-// Calls `attempt` until it is true, fails with something that does not pass, or about a second has gone by.
-// GetLastError is the last attempt's.
+// Calls `attempt` until it returns true, fails with a permanent error, or about a second has passed. GetLastError is
+// the last attempt's.
 template <class Attempt>
 bool tried_again(const std::wstring& path, Attempt&& attempt) {
     for (DWORD waited = 0, pause = 1;; waited += pause, pause = std::min<DWORD>(2 * pause, 100)) {
@@ -122,7 +121,7 @@ public:
         const auto entry = entries_.find(path);
         if (--entry->second.keepers == 0) entries_.erase(entry);
     }
-    // Takes the handle over where somebody keeps the path; otherwise leaves it.
+    // Hands the handle over if a lock on the path is being kept; otherwise leaves it.
     void give(const std::string& path, Handle& handle) {
         const CriticalSection::Guard lock(section_);
         const auto entry = entries_.find(path);
@@ -155,12 +154,12 @@ private:
     std::string path_;
 };
 
-// One transfer's share: what fits the system's 32-bit byte count, and then some.
+// Bytes per transfer; well within the system's 32-bit byte count.
 constexpr std::size_t kLargestTransfer = std::size_t{64} << 20;
 
 class Win32File : public File {
 public:
-    // `kept`: who takes the handle over at closing, for a locked file; null for any other.
+    // `kept`: takes the handle over at closing, for a locked file; null for any other.
     Win32File(Handle handle, std::string path, KeptHandles* kept)
         : handle_(std::move(handle)), path_(std::move(path)), kept_(kept) {}
     ~Win32File() override {
@@ -195,7 +194,7 @@ public:
             if (!::WriteFile(handle_.get(), bytes.data() + done, wanted, &count, &position)) {
                 fail("write", path_, ::GetLastError());
             }
-            // A device that takes nothing and reports nothing would otherwise hold us here for ever.
+            // A device that accepts nothing and reports no error would otherwise loop for ever.
             if (count == 0) fail("write", path_, ERROR_DISK_FULL);
             done += count;
         }
@@ -259,8 +258,8 @@ bool is_side(OpenMode mode) {
     return mode == OpenMode::kReadSide || mode == OpenMode::kOpenSide || mode == OpenMode::kCreateSide;
 }
 
-// A link in the place of a file. Other marked files, such as those that a network drive fetches when they are read,
-// are files.
+// A link in place of a file. Files with other reparse points, such as those that a network drive fetches on reading,
+// are ordinary files.
 bool is_link(const WIN32_FIND_DATAW& entry) {
     return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 &&
            (entry.dwReserved0 == IO_REPARSE_TAG_SYMLINK || entry.dwReserved0 == IO_REPARSE_TAG_MOUNT_POINT);
@@ -281,7 +280,7 @@ public:
         const char* operation = mode == OpenMode::kCreateExclusive || mode == OpenMode::kCreateSide ? "create" : "open";
         require_usable(operation, path);
         if (mode == OpenMode::kExclusive) {
-            // Nobody can have taken the name away meanwhile: the handle shares nothing.
+            // Nobody can have removed the name meanwhile: the handle shares nothing.
             if (Handle kept = kept_.take(path)) return std::make_unique<Win32File>(std::move(kept), path, &kept_);
         }
         const OpenArguments arguments = arguments_of(mode);
@@ -315,8 +314,8 @@ public:
         fail("look for", path, code);
     }
 
-    // A file that another program has open, and lets be removed, keeps its name until that program closes it: so it
-    // gets another name first, and its own is free at once.
+    // A file that another program has open with delete sharing keeps its name until that program closes it. So rename
+    // it first: its name is free at once.
     void remove(const std::string& path) override {
         require_usable("remove", path);
         const std::wstring wide = system_path(path);
@@ -393,8 +392,7 @@ public:
         return std::make_unique<Win32KeptLock>(kept_, resolved(path));
     }
 
-    // The system journals names by itself and has no call to wait for them; what can be told is whether
-    // the folder is there.
+    // The system journals names on its own and has no call to wait for that; only check that the folder exists.
     void sync_folder_of(const std::string& path) override {
         constexpr const char* kOperation = "sync the folder of";
         require_usable(kOperation, path);
@@ -411,7 +409,7 @@ private:
 }  // namespace
 
 FileFault detail::fault_of_system_error(std::int32_t code) {
-    constexpr DWORD kDiskQuotaExceeded = 1295;  // older headers do not name it
+    constexpr DWORD kDiskQuotaExceeded = 1295;  // missing in older headers
     struct Entry {
         DWORD code;
         FileFault fault;
@@ -434,7 +432,7 @@ FileFault detail::fault_of_system_error(std::int32_t code) {
     return found != std::end(kFaults) ? found->fault : FileFault::kIo;
 }
 
-// Never destroyed: static objects of others may close their files later than it would go.
+// Never destroyed: other static objects may close their files after it would be.
 FileSystem& native_file_system() {
     alignas(Win32FileSystem) static std::byte place[sizeof(Win32FileSystem)];
     static Win32FileSystem* const system = ::new (place) Win32FileSystem;

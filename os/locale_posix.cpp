@@ -1,5 +1,5 @@
-// Owns the environment's locale: date format and narrow code page, both asked for once. Invariant: the
-// process's own locale is neither read nor set, for it belongs to the host.
+// Owns the environment's locale: date format and narrow code page, each read once. Invariant: the process's locale is
+// neither read nor set, because it belongs to the host.
 #include "os/locale_posix.h"
 
 #include <langinfo.h>
@@ -53,7 +53,7 @@ DateOrder order_that_begins_with(Field field) {
     return DateOrder::kMonthDayYear;
 }
 
-// Letters and digits would run into the numbers; "#" and quotes end a date in a statement.
+// Letters and digits would merge with the numbers; "#" and quotes end a date in a statement.
 bool is_separator_char(char c) { return std::string_view("/.-,:;_ ").find(c) != std::string_view::npos; }
 
 std::string usable_separator(std::string_view text) {
@@ -92,7 +92,7 @@ DateFormat date_format_of_pattern(std::string_view pattern) {
             if (first) between.push_back(pattern[i]);
             continue;
         }
-        // Flags, width and the modifiers of alternative digits say nothing about the order.
+        // Flags, width and the modifiers for alternative digits do not affect the order.
         i = std::min(pattern.find_first_not_of("_-0^#123456789EO", i + 1), pattern.size() - 1);
         if (pattern[i] == 'D') return {"/", DateOrder::kMonthDayYear};
         if (pattern[i] == 'F') return {"-", DateOrder::kYearMonthDay};

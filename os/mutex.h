@@ -1,5 +1,5 @@
-// A lock between threads that needs neither construction nor destruction nor memory: it may stand in a variable that
-// is used before the library's start and after its end.
+// A lock between threads that needs no construction, destruction or memory, so it may be a variable used before the
+// library's start and after its end.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 
 namespace os {
 
-// Not recursive. Satisfies what std::lock_guard asks for.
+// Not recursive. Meets the requirements of std::lock_guard.
 class Mutex {
 public:
     constexpr Mutex() = default;
@@ -29,12 +29,13 @@ private:
 #endif
 };
 
-// The calling thread among the living ones of the process, never 0. In the child of a fork it is what it was in the
-// parent.
+// Number of the calling thread, unique among the living threads of the process, never 0. The child of a fork keeps the
+// parent's.
 std::uintptr_t thread_number() noexcept;
 
-// Has `before` called in the thread that forks, before it does, and `after` in the parent and in the child: what a lock
-// guards is whole in the child, and the lock is not one that nobody will open. Nothing where processes are not forked.
+// Registers `before` to be called in the forking thread before a fork, and `after` in the parent and in the child: data
+// under a lock is consistent in the child, and the lock is not held by a thread that does not exist there. Does nothing
+// on systems without fork.
 void around_forks(void (*before)(), void (*after)());
 
 }  // namespace os

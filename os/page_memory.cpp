@@ -11,8 +11,8 @@
 namespace os {
 namespace {
 
-// One large page that was given back, for the next that is asked for: a database closed and another opened costs the
-// system nothing. Freed with the library.
+// Keeps one freed large block for the next allocation: closing a database and opening another costs no system call.
+// Freed with the library.
 class Spare {
 public:
     ~Spare() { std::free(kept_.exchange(nullptr)); }
@@ -52,10 +52,10 @@ std::uint8_t* map(std::size_t bytes) {
     auto* const first = static_cast<std::uint8_t*>(mapping);
     const std::size_t past = reinterpret_cast<std::uintptr_t>(first) % PageMemory::kLargePage;
     const std::size_t before = past == 0 ? 0 : PageMemory::kLargePage - past;
-    // What lies around the block is not needed.
+    // Trim the unaligned ends.
     if (before > 0) (void)munmap(first, before);
     (void)munmap(first + before + bytes, PageMemory::kLargePage - before);
-    // Advice: that it is not taken changes nothing but the speed.
+    // A hint: failure affects only the speed.
     (void)madvise(first + before, bytes, MADV_HUGEPAGE);
     return first + before;
 }

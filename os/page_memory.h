@@ -1,4 +1,4 @@
-// Memory for many pages of a file, read and written in no order.
+// Memory for many pages of a file, accessed at random.
 #pragma once
 
 #include <cstddef>
@@ -6,15 +6,15 @@
 
 namespace os {
 
-// Freed with the object; what it holds at first is anything. Throws std::bad_alloc.
+// Freed with the object; initially uninitialised. Throws std::bad_alloc.
 class PageMemory {
 public:
     static constexpr std::size_t kLargePage = std::size_t{2} << 20;
 
     enum class Source : std::uint8_t {
-        kHeap,  // soon had again once freed
-        // A multiple of kLargePage. Goes back to the system, and lies so that the system may use large pages for it,
-        // which makes access in no order cheaper.
+        kHeap,  // quickly reused once freed
+        // A multiple of kLargePage. Returned to the system, and aligned so that the system may use large pages, which
+        // makes random access cheaper.
         kSystem,
     };
 

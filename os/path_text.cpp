@@ -9,7 +9,7 @@ constexpr bool is_high(char16_t unit) { return unit >= 0xD800 && unit < 0xDC00; 
 constexpr bool is_low(char16_t unit) { return unit >= 0xDC00 && unit < 0xE000; }
 constexpr unsigned byte(char c) { return static_cast<unsigned char>(c); }
 
-// A surrogate written for itself is ED, then A0 to BF, then any continuation byte.
+// A surrogate encoded on its own is ED, then A0 to BF, then any continuation byte.
 bool is_lone_surrogate(std::string_view text, std::size_t at) {
     return text.size() - at >= 3 && byte(text[at]) == 0xED && byte(text[at + 1]) >= 0xA0 &&
            byte(text[at + 1]) <= 0xBF && byte(text[at + 2]) >= 0x80 && byte(text[at + 2]) <= 0xBF;

@@ -1,5 +1,5 @@
-// Paths of Windows as texts. Names there are sequences of 16-bit units, mostly UTF-16 but not always; the component
-// keeps them as UTF-8, generalized so that a surrogate without its partner survives the way there and back.
+// Windows paths as text. Names there are sequences of 16-bit units, mostly UTF-16 but not always. The component keeps
+// them as UTF-8, generalized so that a surrogate without its partner survives the round trip.
 #pragma once
 
 #include <string>

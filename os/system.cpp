@@ -1,5 +1,5 @@
-// Owns the overrides for tests and what is the same on every platform: joining and splitting of paths,
-// and the arithmetic of OLE dates.
+// Owns the overrides for tests and the platform-independent parts: joining and splitting of paths, and the arithmetic
+// of OLE dates.
 #include "os/system.h"
 
 #include <algorithm>
@@ -21,7 +21,7 @@ std::string folder_of(std::string_view path) {
     if (end == std::string_view::npos) return {};
     const std::size_t last = end;
     while (end > 0 && detail::find_last_separator(path.substr(0, end)) == end - 1) --end;
-    // A root is nothing without its separator.
+    // A root needs its separator.
     const bool is_root = end == 0 || (detail::kPathSeparator == '\\' && end == 2 && path[1] == ':');
     return std::string(path.substr(0, is_root ? last + 1 : end));
 }
@@ -85,7 +85,7 @@ double detail::ole_date_of(const LocalTime& time) {
                                            std::chrono::month(static_cast<unsigned>(time.month)),
                                            std::chrono::day(static_cast<unsigned>(time.day)));
     const std::int64_t days = (std::chrono::sys_days(date) - kDayZero).count();
-    // A leap second has no place in a day of fixed length.
+    // A day of fixed length has no room for a leap second.
     const std::int64_t seconds = time.hour * 3600 + time.minute * 60 + std::min(time.second, 59);
     const std::int64_t milliseconds = seconds * 1000 + time.millisecond;
     return static_cast<double>(days * kMillisecondsPerDay + milliseconds) / static_cast<double>(kMillisecondsPerDay);

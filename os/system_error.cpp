@@ -1,4 +1,4 @@
-// Owns the wording of file errors. Invariant: one line, whatever the path holds.
+// Owns the wording of file errors. Invariant: one line, for every path.
 #include "os/system_error.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
-// From a system's error number to the fault that the engine tells apart. One function a platform,
-// here so that tests can go through its table.
+// Maps the system's error numbers to the faults that the engine distinguishes. One function per platform, declared here
+// so that tests can check its table.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace os::detail {
 // path is missing" where the system does not say which part.
 FileFault fault_of_system_error(std::int32_t code);
 
-// One line: what was tried, on which file, and the reason. Control characters of the path become "?".
+// One line: operation, file and reason. Control characters of the path become "?".
 std::string file_error_text(std::string_view operation, std::string_view path, std::string_view reason);
 
 }  // namespace os::detail

@@ -1,5 +1,4 @@
-// What each platform answers for os/system.cpp, which adds the overrides and everything that is the
-// same everywhere.
+// The platform's part of os/system.cpp, which adds the overrides and everything platform-independent.
 #pragma once
 
 #include <cstddef>
@@ -26,10 +25,10 @@ struct DateFormat {
     std::string separator;
     DateOrder order = DateOrder::kMonthDayYear;
 };
-// The system's own short date.
+// The system's short date format.
 DateFormat system_date_format();
 
-// Text in the system's own narrow code page.
+// Conversion from the system's narrow code page.
 std::u16string system_widen(std::string_view narrow);
 std::string system_narrow(std::u16string_view wide);
 
@@ -44,7 +43,7 @@ struct LocalTime {
 };
 LocalTime system_local_time();
 
-// Days since 1899-12-30 with the time of day as their fraction; for dates from then on.
+// Days since 1899-12-30 with the time of day as their fraction; for dates from 1899-12-30 on.
 double ole_date_of(const LocalTime& time);
 
 }  // namespace os::detail

@@ -1,5 +1,5 @@
-// Owns the component's own place and the local clock on a POSIX system. Invariant: the place is settled
-// at its first use; a later change of the working folder does not move it.
+// Owns the module path and the local time on a POSIX system. Invariant: the path is fixed at its first use; a later
+// change of the working folder does not change it.
 #include <dlfcn.h>
 #include <limits.h>
 #include <link.h>
@@ -17,14 +17,14 @@
 namespace os {
 namespace {
 
-// Absolute path without symbolic links; "" when there is no such file.
+// Absolute path without symbolic links; "" when the file does not exist.
 std::string resolved(const std::string& path) {
     const std::unique_ptr<char, decltype(&::free)> absolute(::realpath(path.c_str(), nullptr), &::free);
     return absolute ? absolute.get() : std::string();
 }
 
-// The file mapped at `address`, as the kernel names it; "" where that list does not exist. A name that
-// the loader got relative to a working folder that has changed since is of no use, this one is.
+// The file mapped at `address`, as the kernel names it; "" where that list does not exist. Unlike the loader's name it
+// stays valid when the loader got it relative to a working folder that has changed since.
 std::string mapped_file(std::uintptr_t address) {
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {

@@ -1,5 +1,5 @@
-// Owns what the component asks of Windows besides files: its own place, the system locale's date format,
-// the ANSI code page and the local clock.
+// Owns what the component asks of Windows besides files: the module path, the system locale's date format, the ANSI
+// code page and the local time.
 
 #include <algorithm>
 #include <array>
@@ -19,13 +19,13 @@ static_assert(sizeof(wchar_t) == sizeof(char16_t), "Windows text is UTF-16");
 constexpr UINT kUtf8 = 65001;
 constexpr UINT kWindows1252 = 1252;
 
-// An item of the system default locale; "" when it cannot be had.
+// An item of the system default locale; "" when unavailable.
 std::string system_locale_item(LCTYPE item) {
     constexpr LCID kSystemDefault = 0x800;
     std::array<wchar_t, 100> text{};
     const int size = ::GetLocaleInfoW(kSystemDefault, item, text.data(), static_cast<int>(text.size()) - 1);
     if (size <= 0) return {};
-    // Not by the system's narrow function, which makes a character that the code page lacks into a similar one.
+    // Not the system's narrow function: it replaces a character that the code page lacks by a similar one.
     return detail::system_narrow(std::u16string(text.data(), text.data() + std::wcslen(text.data())));
 }
 
@@ -46,7 +46,7 @@ std::string module_path() {
     for (;;) {
         const DWORD length = ::GetModuleFileNameW(own_module(), path.data(), static_cast<DWORD>(path.size()));
         if (length < path.size()) return path_of_units({reinterpret_cast<const char16_t*>(path.data()), length});
-        // The path was cut off.
+        // The path was truncated.
         path.resize(path.size() * 2);
     }
 }
@@ -84,7 +84,7 @@ std::string detail::system_narrow(std::u16string_view wide) {
     if (code_page == kUtf8) return utf16_to_utf8(wide);
     if (code_page == kWindows1252) return utf16_to_windows_1252(wide);
     if (wide.empty()) return {};
-    // A letter that only looks like the lost one would be a silent change.
+    // Replacing a lost letter by a lookalike would be a silent change.
     constexpr DWORD kFlags = WC_NO_BEST_FIT_CHARS;
     const auto* text = reinterpret_cast<const wchar_t*>(wide.data());
     const int units = static_cast<int>(wide.size());

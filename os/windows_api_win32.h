@@ -1,4 +1,4 @@
-// The platform's own header, and of it only what is needed.
+// The platform's header, reduced to what is needed.
 #pragma once
 
 #ifndef WIN32_LEAN_AND_MEAN

@@ -93,7 +93,7 @@ class Numeric:
 
 
 class Page:
-    """A pinned page: its number, what it holds, and of rows whose they are and how much room is left."""
+    """A pinned page: its number and kind; for a page of rows also its owner and free space."""
 
     def __init__(self, value):
         self.place = value["place_"]
@@ -117,7 +117,7 @@ class Page:
 
 
 class RowView:
-    """One stored row: its address, its bytes as they are stored, and the name and type of each column."""
+    """One stored row: its address, its stored bytes, and the name and type of each column."""
 
     def __init__(self, value):
         self.value = value

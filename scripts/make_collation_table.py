@@ -31,7 +31,7 @@ def read_ranges(path):
     expected = 0
     for first, last, *_ in ranges:
         if expected == 0xD800:
-            expected = 0xE000  # surrogates have a rule of their own
+            expected = 0xE000  # surrogates have their own rule
         if first != expected:
             sys.exit("gap before %04X" % first)
         expected = last + 1

@@ -1,5 +1,5 @@
-# Sourced by ./run, ./test and bench/run: what they need on the machine, and the build of a preset. What is
-# there already is neither installed nor built again.
+# Sourced by ./run, ./test and bench/run: installs what they need on the machine, and builds a preset. Skips what is
+# already installed or built.
 
 say() { printf '== %s\n' "$*"; }
 
@@ -8,10 +8,10 @@ die() {
     exit 1
 }
 
-# A C++ header that the compiler finds.
+# Whether the compiler finds a C++ header.
 has_header() { printf '#include <%s>\n' "$1" | "${CXX:-c++}" -std=c++20 -E -x c++ - >/dev/null 2>&1; }
 
-# Whether clang links its fuzzing engine.
+# Whether clang can link its fuzzing engine.
 has_fuzzing_engine() {
     local program found=0
     program=$(mktemp)
@@ -21,7 +21,7 @@ has_fuzzing_engine() {
     return $found
 }
 
-# Whether what the package gives is there, by whatever way it came.
+# Whether the content of the package is installed, from any source.
 has_package() {
     case $1 in
         g++) command -v "${CXX:-c++}" >/dev/null ;;
@@ -40,7 +40,8 @@ has_package() {
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
         clang) command -v clang++ >/dev/null ;;
-        # The sanitizers' and the fuzzing engine's libraries; some releases pack them apart from the compiler.
+        # The libraries of the sanitizers and the fuzzing engine; some releases package them separately from the
+        # compiler.
         libclang-rt-dev) has_fuzzing_engine ;;
         g++-mingw-w64-i686-posix) command -v i686-w64-mingw32-g++-posix >/dev/null ;;
         mingw-w64-tools) command -v i686-w64-mingw32-widl >/dev/null ;;
@@ -51,7 +52,7 @@ has_package() {
     esac
 }
 
-# need_packages PACKAGE...: Debian's names. Installs what is missing, or says what is and ends.
+# need_packages PACKAGE...: Debian's names. Installs missing packages, or names them and exits.
 need_packages() {
     local package as_root=() missing=()
     for package in "$@"; do
@@ -64,7 +65,7 @@ need_packages() {
         die "Please install these packages (Debian's names) and start again: ${missing[*]}"
     fi
     say "Installing ${missing[*]}"
-    # An index that is out of date in one part may still hold these packages.
+    # A partly outdated index may still hold these packages.
     "${as_root[@]}" apt-get update -qq || say "The package index could not be brought up to date"
     "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive \
         apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null ||
@@ -74,7 +75,7 @@ need_packages() {
     done
 }
 
-# build_preset PRESET [-DNAME=VALUE...] [-- TARGET...]: configures and builds; the named targets alone when given.
+# build_preset PRESET [-DNAME=VALUE...] [-- TARGET...]: configures and builds; only the named targets, if any.
 build_preset() {
     local preset=$1 settings=() targets=()
     shift
@@ -91,7 +92,7 @@ build_preset() {
     cmake --build --preset "$preset" "${targets[@]}"
 }
 
-# What the Windows component is built with; with "wine", what its tests run in as well.
+# The tools that build the Windows component; with "wine", also those that run its tests.
 need_windows() {
     need_packages g++-mingw-w64-i686-posix mingw-w64-tools googletest
     if [ "${1:-}" = wine ]; then
@@ -100,8 +101,8 @@ need_windows() {
     fi
 }
 
-# The reader of another maker that the interop tests compare with, at the version that its file names.
-# Tests that need it skip where it could not be had.
+# The npm reader that the interop tests compare with, at the version in its package.json. Tests that need it skip when
+# it cannot be installed.
 install_interop_reader() {
     if ! tests/interop/setup_reader build/interop; then
         [ "${CI:-}" != true ] || die "The second reader could not be installed"

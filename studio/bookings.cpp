@@ -19,12 +19,12 @@ constexpr Column<BookingInfo> kColumns[] = {
     column::integer("ExData", &BookingInfo::ExData),
 };
 
-// Values of ExData that ask for a span of days.
+// Values of ExData that select a date range.
 constexpr LONG kAscendingSpan = 4;
 constexpr LONG kDescendingSpan = 8;
 
-// Deliberate: a span looks at the start of a booking only. Its bounds are midnights, so what starts later on the
-// last day is outside.
+// Deliberate: a date range tests only the start of a booking. Its bounds are midnights, so bookings that start later on
+// the last day are outside.
 constexpr Clause<BookingInfo> kFilter[] = {
     filter::equals("ClientID", &BookingInfo::ClientID),
     filter::equals("EngineerID", &BookingInfo::EngineerID),

@@ -27,7 +27,7 @@ void read_value(CDaoRecordset& rows, int field, CString& member) {
     COleVariant value;
     rows.GetFieldValue(field, value);
     if (value.vt == VT_BSTR) {
-        member = reinterpret_cast<const char*>(value.bstrVal);  // what the conversion gives, into the member's memory
+        member = reinterpret_cast<const char*>(value.bstrVal);  // copies the conversion's bytes
     } else {
         member = db::value_to_text(value);
     }

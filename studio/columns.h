@@ -1,4 +1,4 @@
-// The two mappings between the current row and a record, each a list of columns in the order in which the
+// The mapping between the current row and a record, in both directions: lists of columns in the order in which the
 // engine is called, and the conversion of every kind of member.
 #pragma once
 
@@ -14,14 +14,14 @@ namespace studio {
 enum class Conversion {
     kText,
     kInteger,  // written as VT_I4, read as text and parsed
-    kDate,     // the calendar date; the time of day never travels
+    kDate,     // the calendar date, without the time of day
     kDateToTheMinute,
     kCurrency,        // a float, split into currency; read as currency text and parsed
-    kCurrencyByText,  // the same, read by the value's own text
+    kCurrencyByText,  // the same, but read from the value's own text
     kSingle,          // a float, stored as VT_R4; read as text and parsed
 };
 
-// A column and the member it goes to or comes from; of the member pointers one is not null.
+// A column and the record's member mapped to it; exactly one member pointer is not null.
 template <class Record>
 struct Column {
     const char* name = nullptr;
@@ -66,7 +66,7 @@ constexpr Column<R> single(const char* name, float R::*member) {
 
 }  // namespace column
 
-// One value each way, of the field at a position; they throw CDaoException*.
+// Convert one value, of the field at a position; throw CDaoException*.
 void read_value(CDaoRecordset& rows, int field, CString& member);
 void read_value(CDaoRecordset& rows, int field, LONG& member);
 void read_value(CDaoRecordset& rows, int field, Conversion conversion, CTime& member);
@@ -76,12 +76,11 @@ void write_value(CDaoRecordset& rows, int field, LONG member);
 void write_value(CDaoRecordset& rows, int field, Conversion conversion, CTime member);
 void write_value(CDaoRecordset& rows, int field, Conversion conversion, float member);
 
-// Whether an error says that a value and its column do not go together: the column does not take it, or is not there.
+// Whether an error concerns one column: the column does not accept the value, or does not exist.
 bool is_failed_mapping(const CDaoException& error);
 
-// Calls `work` with each column and its field's position. E_FAIL at the first column that fails, whose exception is
-// deleted; a column without a field is one. Everything else that goes wrong, lack of memory first of all, is no matter
-// of a column and goes on its way.
+// Calls `work` with each column and its field's position. E_FAIL at the first column that fails, a missing one
+// included; its exception is deleted. All other errors, such as lack of memory, propagate.
 template <class Record, class Work>
 HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> columns, Work&& work) {
     try {
@@ -97,8 +96,8 @@ HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> col
     }
 }
 
-// Reads the columns of the current row into the record. Of a failure the members before it keep their new
-// contents.
+// Reads the columns of the current row into the record. After a failure the members before the failed one keep their
+// new contents.
 template <class Record>
 HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, Record& record) {
     return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {
@@ -114,8 +113,8 @@ HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> column
     });
 }
 
-// Sets the columns in the edit buffer. Of a failure the columns before it stay set; after an exception nothing of the
-// buffer is to be saved.
+// Sets the columns in the edit buffer. After a failure the columns before the failed one stay set; after an exception
+// nothing of the buffer may be saved.
 template <class Record>
 HRESULT write_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, const Record& record) {
     return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {

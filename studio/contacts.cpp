@@ -3,7 +3,7 @@
 namespace studio {
 namespace {
 
-// ---- Contacts. `SearchName` has no column: it is a member of the filter only.
+// ---- Contacts. `SearchName` has no column: it belongs to the filter only.
 
 constexpr Column<ClientInfo> kClientRead[] = {
     column::integer("ClientID", &ClientInfo::ClientID),
@@ -112,7 +112,7 @@ constexpr Column<ServiceInfo> kServiceRead[] = {
 constexpr Clause<ServiceInfo> kServiceFilter[] = {
     filter::equals("CategoryID", &ServiceInfo::CategoryID),
     filter::equals("ContactID", &ServiceInfo::ContactID),
-    // A service of room 0 is one of every room; a Null room is none of them.
+    // A service of room 0 applies to every room; one with a Null room to none.
     filter::equals_or_zero("RoomID", &ServiceInfo::RoomID),
     filter::contains("Name", &ServiceInfo::Name),
 };

@@ -2,7 +2,7 @@
 // (`Messages`) and the services they render (`Services`).
 //
 // Contacts, categories and services are found by their filter: a key other than 0 replaces it, and a record
-// with nothing set finds nothing while it enumerates everything. That is deliberate.
+// with nothing set finds nothing but enumerates everything. That is deliberate.
 #pragma once
 
 #include <kvdb/records.h>

@@ -1,5 +1,4 @@
-// Who and what a session is recorded with: engineers (`Def_Engineers`), sequencer programs (`Def_Sequencer`)
-// and rooms (`Def_Rooms`).
+// The engineers (`Def_Engineers`), sequencer programs (`Def_Sequencer`) and rooms (`Def_Rooms`) of sessions.
 #pragma once
 
 #include <kvdb/records.h>
@@ -8,7 +7,7 @@
 
 namespace studio {
 
-// Only files of older versions have this table; everything fails where it is absent.
+// Only files of older versions have this table; without it every operation fails.
 extern const TableMapping<EngineerInfo> kEngineers;
 extern const TableMapping<SeqInfo> kSequencers;
 extern const TableMapping<RoomInfo> kRooms;

@@ -13,7 +13,7 @@ namespace {
 constexpr DWORD kFromDateApplies = 1;
 constexpr DWORD kToDateApplies = 2;
 
-// The clauses, and behind them the dates; both bounds are inclusive.
+// The clauses, then the dates; both bounds are inclusive.
 template <class Record, std::size_t kClauses>
 constexpr auto within_dates(const std::array<Clause<Record>, kClauses>& clauses, const char* column) {
     std::array<Clause<Record>, kClauses + 2> all{};
@@ -27,7 +27,7 @@ constexpr auto within_dates(const std::array<Clause<Record>, kClauses>& clauses,
 
 constexpr auto kSessionFilter = within_dates(session_clauses<SessionExInfo>(), "RecDate");
 
-// Deliberate: `Reserved` comes from a fresh record, since no column fills it, and so becomes empty.
+// Deliberate: no column fills `Reserved`, so it takes the empty value of a fresh record.
 HRESULT read_session(CDaoRecordset& rows, SessionExInfo& record) {
     SessionInfo row;
     const HRESULT result = read_columns(rows, kSessions.read, row);
@@ -78,7 +78,7 @@ HRESULT read_supply(CDaoRecordset& rows, SupplyExInfo& record) {
     return S_OK;
 }
 
-// ---- The custom query: no table, and rows that fill nothing
+// ---- The custom query: no table, and no row that fills anything
 
 constinit const TableMapping<CustomInfo> kCustomQuery{
     .null_record = NullRecord::kFailsAtOnce,

@@ -1,6 +1,6 @@
 // Enumerations beyond those of the tables: sessions and supply within dates, and the custom query.
 //
-// Each has a cursor of its own, so it runs beside the table's own enumeration.
+// Each has its own cursor, independent of the table's own enumeration.
 #pragma once
 
 #include <kvdb/records.h>
@@ -9,19 +9,19 @@
 
 namespace studio {
 
-// For EnumFirst and EnumNext only. A delivered row fills the members that the extended record shares with the
-// table's own record; a failure leaves the record as it was.
+// For EnumFirst and EnumNext only. A row fills the members that the extended record shares with the table's own record;
+// a failure leaves the record unchanged.
 extern const TableMapping<SessionExInfo> kSessionsWithin;
 extern const TableMapping<SupplyExInfo> kSupplyWithin;
 
-// A reserved entry: it has a type number and a cursor, but no type of query is defined, and none runs.
+// A reserved entry: it has a type number and a cursor, but no query type is defined.
 class CustomQuery {
 public:
-    // The database pointer has to live as long as the query; it may change and may be null.
+    // The database pointer must outlive the query; it may change and may be null.
     explicit CustomQuery(CDaoDatabase* const& database);
 
-    // E_FAIL: the statement of every type is empty, and the engine refuses it. The type is kept where the
-    // database is open and there is a record.
+    // E_FAIL: the statement of every type is empty, and the engine refuses it. Stores the type if the database is open
+    // and `record` is not null.
     HRESULT EnumFirst(CustomInfo* record, LONG type);
     HRESULT EnumNext(CustomInfo* record) { return rows_.EnumNext(record); }
     void ReleaseCursor() { rows_.ReleaseCursor(); }

@@ -1,8 +1,8 @@
-// How a record given to an enumeration becomes a condition: the declaration of a filter, and the statement
+// Turns the record given to an enumeration into a condition: the declaration of a filter, and the statement
 // built from it.
 //
-// A clause applies when its member is set: an integer other than 0, a text other than empty, a date whose
-// flag bit is set, a mode member with the clause's value. Clauses stand in the order of their declaration.
+// A clause applies when its member is set: an integer other than 0, a non-empty text, a date whose
+// flag bit is set, a mode member with the clause's value. Clauses follow the order of their declaration.
 #pragma once
 
 #include <kvdb/cstring.h>
@@ -31,9 +31,9 @@ struct Clause {
 
     Form form = Form::kEquals;
     const char* column = nullptr;
-    LONG Record::*number = nullptr;  // for a span: the mode, or null when the clause always applies
+    LONG Record::*number = nullptr;  // for a date range: the mode, or null when the clause always applies
     CString Record::*text = nullptr;
-    CTime Record::*from = nullptr;  // also the only date of the one-sided forms
+    CTime Record::*from = nullptr;  // also the date of the one-sided forms
     CTime Record::*to = nullptr;
     DWORD Record::*flags = nullptr;
     DWORD bit = 0;
@@ -106,7 +106,7 @@ constexpr Clause<R> on_or_before(const char* column, CTime R::*member, DWORD R::
     return {.form = Clause<R>::Form::kOnOrBefore, .column = column, .from = member, .flags = flags, .bit = bit};
 }
 enum class Order { kAscending, kDescending };
-// Always applies. The last clause of its filter, since it ends in the order.
+// Always applies. Must be the last clause of its filter, because it ends with ORDER BY.
 template <class R>
 constexpr Clause<R> ordered_span(const char* column, CTime R::*from, CTime R::*to, Order order) {
     return {.form = Clause<R>::Form::kOrderedSpan,
@@ -138,13 +138,13 @@ struct Key {
 };
 
 enum class FilterRule {
-    kClauses,           // the clauses alone
+    kClauses,           // the clauses only
     kKeyBeforeClauses,  // a key other than 0 replaces all clauses
-    kParent,            // the first clause applies always, also with 0; there are no others
+    kParent,            // the first clause always applies, also with 0; there are no others
 };
 enum class WhenNothingIsSet { kWholeTable, kNoRows };
 
-// The statement for a record. With kNoRows a record in which nothing is set asks for key 0, which no row has.
+// The statement for a record. With kNoRows, a record with nothing set selects key 0, which no row has.
 template <class Record>
 std::string filter_statement(const char* table, const Key<Record>& key, FilterRule rule,
                              std::span<const Clause<Record>> clauses, const Record& record,

@@ -3,8 +3,8 @@
 namespace studio {
 namespace {
 
-// Deliberate: "Paymetns" is the column's name in every file there is; it and the balance are no amounts of money
-// to the engine but plain floats, and keep the sign of a fraction.
+// Deliberate: "Paymetns" is the column's name in every existing file. To the engine it and the balance are plain
+// floats, not currency, so they keep the sign of a fraction.
 constexpr Column<InvoiceInfo> kInvoice[] = {
     column::integer("RecID", &InvoiceInfo::RecID),
     column::integer("InvoiceID", &InvoiceInfo::InvoiceID),
@@ -97,7 +97,7 @@ constinit const TableMapping<InvoiceInfo> kInvoices{
     .null_record = NullRecord::kFailsAtOnce,
 };
 
-// Deliberate: lines are enumerated by their invoice but added over the whole table.
+// Deliberate: lines are enumerated by invoice but added to the whole table.
 constinit const TableMapping<InvParamsInfo> kInvoiceLines{
     .table = "InvoiceParams",
     .key = {"RecID", &InvParamsInfo::RecID},

@@ -1,5 +1,5 @@
-// Invoices (`Invoices`) and their lines (`InvoiceParams`) in the invoice file, and what new invoices start from
-// (`Def_Invoice`) in the main file. Numbers of invoices are the program's own business.
+// Invoices (`Invoices`) and their lines (`InvoiceParams`) in the invoice file, and the defaults of new invoices
+// (`Def_Invoice`) in the main file. The application assigns the invoice numbers.
 #pragma once
 
 #include <kvdb/records.h>
@@ -11,8 +11,8 @@ namespace studio {
 extern const TableMapping<InvoiceInfo> kInvoices;
 extern const TableMapping<InvParamsInfo> kInvoiceLines;
 
-// The one row of the defaults. E_FAIL without an open database, a record or a row, and at an error of the
-// engine; a failed writing changes nothing, and no row is ever added.
+// Access to the one row of defaults. E_FAIL without an open database, a record or a row, and on an engine error; a
+// failed write changes nothing, and no row is ever added.
 HRESULT get_invoice_defaults(CDaoDatabase* database, InvoiceDef* defaults);
 HRESULT set_invoice_defaults(CDaoDatabase* database, const InvoiceDef* defaults);
 

@@ -1,8 +1,8 @@
-// The lists of names from which a program fills its choices: tables of one text column without a key.
+// The lists of names that a program offers as choices: tables of one text column without a key.
 //
 // Invariants
-//  1. A list holds a name once: adding a name that is there and deleting one that is not are successes.
-//  2. A name given out takes at most kListNameSize bytes of the caller's buffer and always ends in a zero byte.
+//  1. A list holds a name once: adding an existing name and deleting a missing one succeed.
+//  2. A returned name takes at most kListNameSize bytes of the caller's buffer and always ends with a zero byte.
 #pragma once
 
 #include <kvdb/com.h>
@@ -12,7 +12,7 @@
 
 namespace studio {
 
-// Bytes of a caller's buffer: the longest name that a column holds, and the zero byte.
+// Bytes of a caller's buffer: the longest name that a column holds, plus the zero byte.
 inline constexpr int kListNameSize = 255 + 1;
 
 // A row of a list.
@@ -27,25 +27,25 @@ extern const TableMapping<ListName> kEquipmentActions;
 
 class NameList {
 public:
-    // Both have to live as long as the list; the database pointer may change and may be null.
+    // Both must outlive the list; the database pointer may change and may be null.
     NameList(const TableMapping<ListName>& mapping, CDaoDatabase* const& database)
         : mapping_(mapping), database_(database), names_(mapping, database) {}
 
-    // The first name into a buffer of kListNameSize bytes, which a failure leaves as it was. E_FAIL when the
-    // list is empty, the buffer null or the database not open, and at an error of the engine.
+    // Copies the first name to a buffer of kListNameSize bytes; a failure leaves the buffer unchanged. E_FAIL when the
+    // list is empty, the buffer null or the database not open, and on an engine error.
     HRESULT EnumFirst(LPSTR buffer);
-    // The next one; E_FAIL at the end, too.
+    // The next name; also E_FAIL at the end.
     HRESULT EnumNext(LPSTR buffer);
-    // S_OK too when the name is there already, in whatever case. E_FAIL for an empty name, one that is too
-    // long, and one whose double quote breaks the statement; nothing is added then.
+    // S_OK also when the name exists, in any case. E_FAIL, and nothing is added, for an empty name, one that is too
+    // long, and one whose double quote breaks the statement.
     HRESULT Add(LPCSTR name);
-    // S_OK too when there is no such name.
+    // S_OK also when there is no such name.
     HRESULT Delete(LPCSTR name);
 
     void ReleaseCursor() { names_.ReleaseCursor(); }
 
 private:
-    // Runs `work` on the rows with this name, open for changes.
+    // Runs `work` on the rows with this name, opened for changes.
     template <class Work>
     HRESULT with_rows_named(LPCSTR name, Work&& work);
 

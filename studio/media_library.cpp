@@ -30,7 +30,7 @@ constexpr Clause<MediaFileInfo> kOfLibrary[] = {
     filter::equals("LibID", &MediaFileInfo::LibID),
 };
 
-// What the mappings write: all that they read but the key, which is read last.
+// The columns to write: all that are read except the key, which is read last.
 template <class Record, std::size_t n>
 constexpr std::span<const Column<Record>> all_but_the_last(const Column<Record> (&columns)[n]) {
     return std::span(columns).first(n - 1);
@@ -38,7 +38,7 @@ constexpr std::span<const Column<Record>> all_but_the_last(const Column<Record> 
 
 }  // namespace
 
-// Deliberate: groups of the same name are looked at, but do not keep another one from being added.
+// Deliberate: Add opens the groups of the same name, but adds another one even if there are any.
 constinit const TableMapping<LibGrpInfo> kLibraryGroups{
     .table = "LibGroups",
     .key = {"GroupID", &LibGrpInfo::GroupID},

@@ -1,5 +1,5 @@
-// The catalogue of media files: groups (`LibGroups`), the libraries of a group (`MediaLibs`), the files of a
-// library (`MediaFiles`). Nothing checks that a parent exists, and nothing goes with it when it is deleted.
+// The catalogue of media files: groups (`LibGroups`), the libraries of a group (`MediaLibs`), the files of a library
+// (`MediaFiles`). Nothing checks that a parent exists, and deleting a parent deletes no children.
 #pragma once
 
 #include <kvdb/records.h>

@@ -1,10 +1,10 @@
-// The six operations that every table of a gate offers, written once over a declaration of the table.
+// The six operations of every table of a gate, implemented once over a declaration of the table.
 //
 // Invariants
-//  1. Every operation gives S_OK or E_FAIL; nothing escapes it.
-//  2. Only EnumFirst and EnumNext touch the cursor. It is made at the first enumeration, kept, and closed
-//     when the enumeration runs off its end or a new one begins.
-//  3. The engine is called in one fixed order per operation; the comments name where that order matters.
+//  1. Every operation returns S_OK or E_FAIL; no exception escapes.
+//  2. Only EnumFirst and EnumNext touch the cursor. It is created at the first enumeration, kept, and closed
+//     at the end of an enumeration or the start of a new one.
+//  3. Each operation calls the engine in one fixed order; the comments name where that order matters.
 //  4. No reference to a record is kept after a call.
 #pragma once
 
@@ -21,9 +21,9 @@ namespace studio {
 
 enum class FindBy {
     kKey,
-    kKeyOrName,        // the key when it is not 0, else the name when it is not empty, else nothing
+    kKeyOrName,        // the key if not 0, else the name if not empty, else nothing
     kFilter,           // the first row of the enumeration's statement
-    kFilterOrNothing,  // as kFilter, but a record in which nothing is set finds nothing
+    kFilterOrNothing,  // as kFilter, but a record with nothing set finds nothing
 };
 
 enum class ChangeBy {
@@ -31,17 +31,17 @@ enum class ChangeBy {
     kFilter,  // the first row of the enumeration's statement
 };
 
-// The rows that Add opens before it adds; the new row is added whatever they are, unless stated otherwise.
+// The rows that Add opens before it adds; it adds the new row whether or not there are any, unless stated otherwise.
 enum class AddOpens {
     kWholeTable,
     kParentRows,       // those with the record's value in the parent column
     kNamedRows,        // those with the record's name
-    kNamedRowsIfNone,  // the same; where there are any, nothing is added and the answer is S_OK
+    kNamedRowsIfNone,  // the same; if there are any, nothing is added and the result is S_OK
 };
 
 enum class NullRecord {
-    kEmptyStatement,  // the enumeration begins, and fails at the statement
-    kFailsAtOnce,     // an enumeration under way goes on undisturbed
+    kEmptyStatement,  // the enumeration starts, and fails at the statement
+    kFailsAtOnce,     // an enumeration in progress continues undisturbed
 };
 
 template <class Record>
@@ -50,14 +50,14 @@ struct NameColumn {
     CString Record::*member = nullptr;
 };
 
-// What differs from table to table.
+// The declaration of a table.
 template <class Record>
 struct TableMapping {
     const char* table = nullptr;  // null: every statement is the empty text
     Key<Record> key = {};
-    std::span<const Column<Record>> read = {};       // in the order of reading
-    std::span<const Column<Record>> write = {};      // in the order of writing, never the key
-    std::span<const Column<Record>> enum_read = {};  // for enumerations, where they read otherwise
+    std::span<const Column<Record>> read = {};       // in read order
+    std::span<const Column<Record>> write = {};      // in write order, never the key
+    std::span<const Column<Record>> enum_read = {};  // for enumerations that read other columns
     std::span<const Clause<Record>> filter = {};
     FilterRule filter_rule = FilterRule::kClauses;
     NullRecord null_record = NullRecord::kEmptyStatement;
@@ -66,9 +66,9 @@ struct TableMapping {
     AddOpens add_opens = AddOpens::kWholeTable;
     Key<Record> parent = {};                                             // for kParentRows
     NameColumn<Record> name = {};                                        // for names in find_by and add_opens
-    HRESULT (*read_row)(CDaoRecordset& rows, Record& record) = nullptr;  // in place of the lists, for enumerations
+    HRESULT (*read_row)(CDaoRecordset& rows, Record& record) = nullptr;  // for enumerations, replaces the lists
 
-    // The statement of EnumFirst, and of whatever goes by the filter.
+    // The statement of EnumFirst, and of every operation that uses the filter.
     std::string statement(const Record* record, WhenNothingIsSet otherwise = WhenNothingIsSet::kWholeTable) const {
         if (table == nullptr) return {};
         if (filter.empty() && filter_rule == FilterRule::kClauses) return whole_table(table);
@@ -77,7 +77,7 @@ struct TableMapping {
     }
 };
 
-// Runs an operation; E_FAIL for whatever it throws, and `failed` is run then.
+// Runs an operation; if it throws, runs `failed` and returns E_FAIL.
 template <class Operation, class Failed>
 HRESULT guarded(Operation&& operation, Failed&& failed) {
     try {
@@ -99,13 +99,13 @@ inline constexpr int kForWriting = 0;
 template <class Record>
 class RecordTable {
 public:
-    // Both have to live as long as the table; the database pointer may change and may be null.
+    // Both must outlive the table; the database pointer may change and may be null.
     RecordTable(const TableMapping<Record>& mapping, CDaoDatabase* const& database)
         : mapping_(mapping), database_(database) {}
     RecordTable(const RecordTable&) = delete;
     RecordTable& operator=(const RecordTable&) = delete;
 
-    // `record` is the filter and the place of the first row. An empty result leaves the cursor open.
+    // `record` is the filter and receives the first row. An empty result leaves the cursor open.
     HRESULT EnumFirst(Record* record) {
         if (!is_usable(database_)) return E_FAIL;
         if (record == nullptr && mapping_.null_record == NullRecord::kFailsAtOnce) return E_FAIL;
@@ -118,7 +118,7 @@ public:
             [&] { close_cursor(); });
     }
 
-    // `record` is only filled. Before a beginning and at the end the cursor is closed.
+    // `record` is only filled. The cursor is closed before EnumFirst and after the end.
     HRESULT EnumNext(Record* record) {
         if (!is_usable(database_) || record == nullptr || cursor_ == nullptr || !cursor_->IsOpen()) return E_FAIL;
         return guarded(
@@ -134,7 +134,7 @@ public:
             [&] { close_cursor(); });
     }
 
-    // An absent row leaves the record as it was.
+    // A missing row leaves the record unchanged.
     HRESULT Find(Record* record) {
         if (!is_usable(database_) || record == nullptr) return E_FAIL;
         return guarded(
@@ -148,7 +148,7 @@ public:
             [] {});
     }
 
-    // The new key comes back in the record.
+    // Returns the new key in the record.
     HRESULT Add(Record* record) {
         if (!is_usable(database_) || record == nullptr) return E_FAIL;
         return guarded(
@@ -157,13 +157,13 @@ public:
                 rows.Open(dbOpenDynaset, add_statement(*record).c_str(), kForWriting);
                 if (mapping_.add_opens == AddOpens::kNamedRowsIfNone && rows.GetRecordCount() >= 1) return S_OK;
                 rows.AddNew();
-                // Between AddNew and the first column: the bookmark is that of the pending row.
+                // Must be between AddNew and the first column: the bookmark is that of the pending row.
                 rows.SetBookmark(rows.GetLastModifiedBookmark());
                 const HRESULT result = write_columns(rows, mapping_.write, *record);
-                // The number is in the buffer already.
+                // The auto-number is already in the buffer.
                 read_value(rows, rows.GetFieldPosition(mapping_.key.column), record->*mapping_.key.member);
-                // Deliberate: a failed mapping still saves the columns set before the failure. Nothing else that
-                // fails comes here.
+                // Deliberate: after a failed mapping the columns set before the failure are still saved. No other
+                // failure gets here.
                 rows.Update();
                 rows.Close();
                 return result;
@@ -181,7 +181,7 @@ public:
                 rows.Edit();
                 rows.SetBookmark(rows.GetLastModifiedBookmark());
                 const HRESULT result = write_columns(rows, mapping_.write, *record);
-                rows.Update();  // whatever the mapping gave, as in Add
+                rows.Update();  // even after a failed mapping, as in Add
                 rows.Close();
                 return result;
             },
@@ -190,7 +190,7 @@ public:
 
     HRESULT Delete(LONG key) { return delete_first(rows_where(mapping_.table, mapping_.key.column, key)); }
 
-    // By the record's key, or by its filter where the table goes by that.
+    // By the record's key, or by its filter if the table uses that.
     HRESULT Delete(const Record* record) {
         if (!is_usable(database_) || record == nullptr) return E_FAIL;
         return guarded([&] { return delete_first(change_statement(*record)); }, [] {});

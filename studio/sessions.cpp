@@ -3,8 +3,8 @@
 namespace studio {
 namespace {
 
-// ---- Sessions. `Reserved` has no column: no mapping touches it, deliberately. Times of day and the length
-// are texts that nothing here parses.
+// ---- Sessions. `Reserved` has no column and no mapping touches it, deliberately. Times of day and the length are
+// texts that nothing here parses.
 
 constexpr Column<SessionInfo> kSessionRead[] = {
     column::integer("SessionID", &SessionInfo::SessionID),
@@ -73,7 +73,7 @@ constexpr Column<ProjPayInfo> kPayWrite[] = {
 
 constexpr Clause<ProjPayInfo> kPayFilter[] = {filter::equals("ProjID", &ProjPayInfo::ProjID)};
 
-// ---- Activities. A quantity is deliberately an amount of currency, with its four decimals.
+// ---- Activities. A quantity is deliberately a currency amount, with its four decimals.
 
 constexpr Column<ProjActInfo> kActRead[] = {
     column::integer("RecID", &ProjActInfo::RecID),         column::integer("ProjID", &ProjActInfo::ProjID),
@@ -101,7 +101,7 @@ constexpr Clause<ProjActInfo> kActFilter[] = {filter::equals("ProjID", &ProjActI
 
 }  // namespace
 
-// In this record, and only here, the parent is the first member and the key the second; deliberate.
+// In this record only, the parent is the first member and the key the second; deliberate.
 constinit const TableMapping<SessionInfo> kSessions{
     .table = "Sessions",
     .key = {"SessionID", &SessionInfo::SessionID},

@@ -1,5 +1,5 @@
-// Recording sessions of a project (`Sessions`) with the contacts who took part (`Participants`), and what a
-// project was paid and charged (`ProjPayments`, `ProjActivities`).
+// Recording sessions of a project (`Sessions`) with the participating contacts (`Participants`), and a project's
+// payments and charges (`ProjPayments`, `ProjActivities`).
 #pragma once
 
 #include <kvdb/records.h>

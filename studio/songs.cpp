@@ -67,7 +67,7 @@ constexpr Column<TrackInfo> kTrackRead[] = {
     column::text("Name", &TrackInfo::Name),
     column::text("Type", &TrackInfo::Type),
     column::integer("TypeID", &TrackInfo::TypeID),
-    // A track deliberately carries its date twice: as free text and as a calendar date.
+    // A track deliberately has its date twice: as free text and as a calendar date.
     column::text("Date", &TrackInfo::Date),
     column::date("TDate", &TrackInfo::TDate),
     column::text("Performer", &TrackInfo::Performer),

@@ -9,7 +9,7 @@
 namespace studio {
 namespace {
 
-// The parts one behind the other.
+// Concatenates the parts.
 std::string joined(std::initializer_list<std::string_view> parts) {
     std::string text;
     std::size_t length = 0;

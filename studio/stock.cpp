@@ -55,16 +55,15 @@ constexpr Column<SupplyAct> kSupplyWrite[] = {
     column::integer("ExData", &SupplyAct::ExData),
 };
 
-// Deliberate: nothing joins the client to what stands before it, so the engine refuses a client together with
-// an item or a project.
+// Deliberate: no join before the client clause, so the engine refuses a client together with an item or a project.
 constexpr Clause<SupplyAct> kSupplyFilter[] = {
     filter::equals("StockID", &SupplyAct::StockID),
     filter::equals("ProjID", &SupplyAct::ProjID),
     filter::equals("ClientID", &SupplyAct::ClientID, Join::kNone),
 };
 
-// Deliberate: a type that was found by its key does not read the key, and takes its price from the amount; an
-// enumeration takes it from the value's own text.
+// Deliberate: a type found by its key does not read the key, and reads its price as a currency amount; an enumeration
+// reads it from the value's own text.
 constexpr Column<StockTypeInfo> kStockTypeRead[] = {
     column::text("TypeName", &StockTypeInfo::TypeName),
     column::integer("InStock", &StockTypeInfo::InStock),
@@ -94,7 +93,7 @@ constexpr Column<EquipInfo> kEquipmentColumns[] = {
     column::text("Cost", &EquipInfo::Cost),      column::text("Notes", &EquipInfo::Notes),
 };
 
-// Sum of the column `Quantity` over the rows whose `column` has this value, as a whole number; 0 without rows.
+// Sum of the column `Quantity` over the rows whose `column` equals `value`, as a whole number; 0 without rows.
 LONG quantity_of(CDaoDatabase* database, const char* table, const char* column, LONG value) {
     CDaoRecordset rows(database);
     rows.Open(dbOpenDynaset, sum_where("Quantity", table, column, value).c_str(), kForWriting);
@@ -146,7 +145,7 @@ HRESULT compute_in_stock(CDaoDatabase* database, RecordTable<StockTypeInfo>& typ
     return guarded(
         [&] {
             const LONG bought = quantity_of(database, kStock.table, "TypeID", type_id);
-            // Deliberate: the StockID of what was handed out is taken as a type, not as a purchase.
+            // Deliberate: the StockID of a handout is taken as a type, not as a purchase.
             const LONG handed_out = quantity_of(database, kSupply.table, "StockID", type_id);
             *in_stock = static_cast<LONG>(static_cast<std::uint32_t>(bought) - static_cast<std::uint32_t>(handed_out));
             StockTypeInfo type;

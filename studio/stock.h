@@ -1,5 +1,5 @@
-// The studio's store: purchases (`Stock`), what was handed out (`Supply`), the types of stock with the number
-// on hand (`Def_StockTypes`), and the log of the equipment (`Equipment`).
+// The studio's store: purchases (`Stock`), handouts (`Supply`), the types of stock with the number on hand
+// (`Def_StockTypes`), and the log of the equipment (`Equipment`).
 #pragma once
 
 #include <kvdb/records.h>
@@ -13,9 +13,9 @@ extern const TableMapping<SupplyAct> kSupply;
 extern const TableMapping<StockTypeInfo> kStockTypes;
 extern const TableMapping<EquipInfo> kEquipment;
 
-// Bought minus handed out of a stock type, into `in_stock` and into the type's row, whose other columns are
-// written back as they were read. E_FAIL without an open database (0 in `in_stock`), and when there is no such
-// type (the difference in `in_stock`). `types` is the stock types' table over the same database.
+// Computes purchases minus handouts of a stock type, into `in_stock` and into the type's row, whose other columns are
+// written back as read. E_FAIL without an open database (`in_stock` is 0), and when there is no such type (`in_stock`
+// is the difference). `types` is the stock types' table over the same database.
 HRESULT compute_in_stock(CDaoDatabase* database, RecordTable<StockTypeInfo>& types, LONG type_id, LONG* in_stock);
 
 }  // namespace studio

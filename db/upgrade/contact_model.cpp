@@ -15,7 +15,7 @@
 namespace db {
 namespace {
 
-// The key that the category of engineers gets, as number and as list of categories.
+// The key of the category of engineers, as number and as list of categories.
 constexpr LONG kEngineers = 6;
 constexpr char kEngineersList[] = "6";
 constexpr char kEngineering[] = "Engineering";
@@ -33,7 +33,7 @@ bool is_blank(const CString& text) {
     return std::string_view(text.GetString()).find_first_not_of(' ') == std::string_view::npos;
 }
 
-// Between delimiters of a statement.
+// In the delimiters of a statement.
 std::string quoted(const CString& text) {
     std::string result = "\"";
     for (const char c : std::string_view(text.GetString())) result += c == '"' ? "\"\"" : std::string(1, c);
@@ -47,8 +47,7 @@ LONG first_integer(CDaoDatabase& database, const std::string& statement, const c
     return rows.GetRecordCount() < 1 ? 0 : integer_of(rows, field);
 }
 
-// Whether the contact's text came through the narrow code page as it is stored: what the code page lacks has
-// become "?".
+// Whether the contact's text survived conversion to the narrow code page: characters that it lacks have become "?".
 bool is_whole(CDaoDatabase& database, CDaoRecordset& rows, const char* field) {
     const CString text = text_of(rows, field);
     if (std::strchr(text.GetString(), '?') == nullptr) return true;
@@ -93,7 +92,7 @@ struct Engineer {
     LONG service = 0;
 };
 
-// The engineers of sessions. Sessions are many and engineers few: each name is looked up once.
+// The engineers of sessions. There are many sessions and few engineers, so each name is looked up once.
 class Engineers {
 public:
     explicit Engineers(CDaoDatabase& database) : database_(database) {}
@@ -135,7 +134,8 @@ public:
     }
 
 private:
-    // The name goes into the statement as it is; one that the engine refuses, as with a quote in it, has no song.
+    // The name is inserted into the statement unescaped; a name that the engine refuses, such as one with a quote, has
+    // no song.
     Song look_up(LONG project, const CString& name) {
         Song found;
         attempt([&] {
@@ -176,7 +176,7 @@ void convert_bookings(CDaoDatabase& database) {
 
 void convert_contacts(CDaoDatabase& database) {
     edit_each_row(database, "Clients", [&](CDaoRecordset& rows) {
-        // A name that cannot be read whole, or would grow too long, stays; the last name has a column of its own.
+        // A name that is not whole, or would become too long, stays; the last name keeps its own column.
         if (is_whole(database, rows, "Name") && is_whole(database, rows, "LastName")) {
             const CString name = text_of(rows, "Name") + " " + text_of(rows, "LastName");
             attempt([&] { rows.SetFieldValue("Name", name.GetString()); });

@@ -7,7 +7,7 @@ namespace db {
 namespace {
 
 constexpr std::size_t kMaxDigits = 4;
-constexpr int kFirstYearOf1900s = 30;  // of two digits
+constexpr int kFirstYearOf1900s = 30;  // of two-digit years
 
 struct Number {
     int value = 0;

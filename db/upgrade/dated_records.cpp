@@ -25,7 +25,7 @@ void move_dates(CDaoDatabase& database, const char* table, const char* field) {
     definition.DeleteField(kTextDate);
 }
 
-// A price that was there already keeps its values.
+// An existing price field keeps its values.
 void add_price(CDaoDatabase& database, const TableSchema& table, const char* field) {
     if (!add_field(database, table, field)) return;
     edit_each_row(database, table.name,

@@ -1,13 +1,13 @@
-// From the first schema to dates in date fields: what files below version 200000 kept as text.
+// Converts the text dates of files below version 200000 to date fields.
 #pragma once
 
 class CDaoDatabase;
 
 namespace db {
 
-// Dates of sessions and equipment move from the text field Date, which goes, to a field of their own (Null
-// where the text is no date); sessions get a room; stock types and engineers get a price of 0. One operation:
-// throws CDaoException* at its first error, what was done before stays.
+// Moves dates of sessions and equipment from the text field Date, which is removed, to a date field (Null where the
+// text is no date); gives sessions a room, and stock types and engineers a price of 0. One operation: throws
+// CDaoException* at its first error; changes made before it stay.
 void convert_dated_records(CDaoDatabase& database);
 
 }  // namespace db

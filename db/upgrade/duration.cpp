@@ -9,10 +9,10 @@ namespace db {
 namespace {
 
 constexpr std::int64_t kUnit = 10000;  // ten-thousandths in one
-constexpr double kMostHours = 900e12;  // as an amount holds them
+constexpr double kMostHours = 900e12;  // the limit of an amount
 constexpr std::int64_t kMinutes = 60;
 
-// The whole text.
+// Parses the whole text as a number.
 template <class Number>
 std::optional<Number> number_of(std::string_view text) {
     Number number{};

@@ -1,4 +1,4 @@
-// How long a session took, as its text says.
+// Parses the duration of a session.
 #pragma once
 
 #include <string_view>

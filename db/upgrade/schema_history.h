@@ -1,5 +1,5 @@
-// What each version of the component has added to the files of the one before, in the order of its upgrade. The upgrade
-// reads it, and so does who has to know how an older file, or one that was upgraded, is laid out.
+// What each version of the component added to the files of the previous one, in the order of its upgrade. Used by the
+// upgrade and by code that must know the layout of an older or upgraded file.
 #pragma once
 
 #include <cstdint>
@@ -11,17 +11,17 @@ namespace db {
 
 struct VersionAdditions {
     std::int32_t version;
-    std::span<const char* const> studio_tables;  // of db/schema.h, in the order of their creation
+    std::span<const char* const> studio_tables;  // of db/schema.h, in order of creation
     std::span<const AddedFields> studio_fields;
     std::span<const AddedFields> invoice_fields;
 };
 
-// From the oldest; what is in none of them is as old as the files are.
+// Oldest first; a table or field in none of them is in files of every version.
 std::span<const VersionAdditions> schema_history();
-// Of that list; null where the version has added nothing.
+// Null where the version added nothing.
 const VersionAdditions* additions_of(std::int32_t version);
 
-// A field of the studio's tables that version 200000 has turned into `became`, and taken away.
+// A field of the studio's tables that version 200000 converted to `became` and removed.
 struct RemovedField {
     const char* table;
     const char* field;  // a text

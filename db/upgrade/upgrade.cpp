@@ -20,7 +20,7 @@ using enum UpgradeStep::OnFailure;
 constexpr LONG kEveryVersion = UpgradeStep::kEveryVersion;
 constexpr bool kWithNext = true;
 
-// ---- The steps that only this file knows
+// ---- Steps defined only in this file
 
 void change_password(CDaoDatabase& database) {
     const COleVariant former(former_password(DatabaseFile::kMain));
@@ -28,7 +28,7 @@ void change_password(CDaoDatabase& database) {
     DAO_CHECK(database.m_pDAODatabase->NewPassword(former.bstrVal, current.bstrVal));
 }
 
-// Fails, as an engine would, on a header without a row.
+// Fails, as in the engine, on a header without a row.
 void mark_as_current(CDaoDatabase& database) {
     CDaoRecordset rows(&database);
     open_table(rows, "DBHeader");
@@ -45,7 +45,7 @@ void create_studio_tables(CDaoDatabase& database, std::int32_t version) {
     }
 }
 
-// An upgraded file has no row of invoice defaults, deliberately.
+// Deliberately, an upgraded file has no row of invoice defaults.
 void create_tables_of_200000(CDaoDatabase& database) { create_studio_tables(database, 200000); }
 
 void create_tables_of_200010(CDaoDatabase& database) { create_studio_tables(database, 200010); }
@@ -67,10 +67,10 @@ void add_invoice_totals(CDaoDatabase& database) {
     add_fields(database, invoice_tables(), additions_of(210000)->invoice_fields);
 }
 
-// ---- What applies below which version
+// ---- The steps and the versions they apply to
 
 constexpr UpgradeStep kStudioUpgrade[] = {
-    // A file with the new password and the old number could never be upgraded: both change or neither.
+    // A file with the new password and the old version number could never be upgraded: both change or neither.
     {100006, "replace the former password", kStop, change_password, kWithNext},
     {kEveryVersion, "set the version to 210000", kStop, mark_as_current},
     {kEveryVersion, "add the demo project", kGoOn, add_demo_project},
@@ -103,7 +103,7 @@ constexpr UpgradeStep kInvoiceUpgrade[] = {
 
 UpgradeObserver* upgrade_observer = nullptr;
 
-// Takes back what a step had done that ran out of memory; whatever else is open in the database is closed.
+// Rolls back a step that ran out of memory; anything else open in the database is closed.
 void take_back(CDaoWorkspace& workspace) {
     try {
         workspace.Rollback();
@@ -114,8 +114,8 @@ void take_back(CDaoWorkspace& workspace) {
     }
 }
 
-// Each step, or two that belong together, is one transaction. What a failed one had done is kept, unless it failed for
-// lack of memory.
+// Each step, or two that belong together, is one transaction. A failed step keeps its partial changes, unless it ran
+// out of memory.
 int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version) {
     CDaoWorkspace& workspace = *database.m_pWorkspace;
     bool in_transaction = false;

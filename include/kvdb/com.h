@@ -1,5 +1,5 @@
 // The Component Object Model as far as the component and its hosts need it. On Windows this is the
-// platform's own; elsewhere it is the small set below, whose layouts and values are the platform's.
+// platform's own; elsewhere it is the small set below, with the platform's layouts and values.
 //
 // 1. Nothing here has to be linked: everything is a type, a constant or inline.
 // 2. BSTRs are taken from the C heap, which every module of a process shares, so one module may free
@@ -141,12 +141,12 @@ inline constexpr IID IID_ISupportErrorInfo{0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x
 inline constexpr IID IID_IDispatch{0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 // ---- BSTR ------------------------------------------------------------------------------------
-// A length in bytes (32 bits) right in front of the characters, two zero bytes behind them. The null
+// A length in bytes (32 bits) directly before the characters, two zero bytes after them. The null
 // pointer is the empty text.
 
 // `bytes` bytes copied from `text` (left as they are where `text` is null); null when out of memory.
 inline BSTR SysAllocStringByteLen(LPCSTR text, UINT bytes) {
-    constexpr std::size_t kFront = 8;  // keeps the characters as aligned as the platform's
+    constexpr std::size_t kFront = 8;  // keeps the platform's alignment of the characters
     if (bytes > 0x7FFFFFF0u) return nullptr;
     char* block = static_cast<char*>(std::malloc(kFront + bytes + 2));
     if (block == nullptr) return nullptr;
@@ -206,7 +206,7 @@ protected:
 };
 using LPCLASSFACTORY = IClassFactory*;
 
-// Which of its interfaces an object describes its failures for.
+// Tells for which of its interfaces an object provides error info.
 struct ISupportErrorInfo : IUnknown {
     virtual HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) = 0;
 

@@ -169,8 +169,8 @@ public:
         swap(result);
     }
 
-    // Room for at least `min_length` bytes and the ending zero, owned by this text alone; ReleaseBuffer
-    // takes the length over again (-1: up to the first zero byte).
+    // Returns a buffer for at least `min_length` bytes and the terminating zero, owned by this text alone;
+    // ReleaseBuffer then sets the length (-1: up to the first zero byte).
     char* GetBuffer(int min_length) {
         const int length = GetLength();
         const int wanted = min_length > length ? min_length : length;

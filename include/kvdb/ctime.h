@@ -1,9 +1,9 @@
-// CTime: a moment as the records carry it, a signed 32-bit count of seconds since 1970-01-01 UTC.
+// CTime: a point in time as the records carry it, a signed 32-bit count of seconds since 1970-01-01 UTC.
 //
 // 1. The object is the count and nothing else (4 bytes).
-// 2. -1 stands for every moment that the count cannot hold: parts that name no calendar date, and
+// 2. -1 stands for every time that the count cannot hold: parts that form no calendar date, and
 //    anything before 1970-01-01 UTC or after the last second of the count.
-// 3. Parts are those of the local clock. A negative count has none: GetLocalTm gives null and the
+// 3. Parts are in local time. A negative count has none: GetLocalTm gives null and the
 //    single parts are 0.
 #pragma once
 
@@ -14,7 +14,7 @@
 #include <ctime>
 
 #ifdef GetCurrentTime
-#undef GetCurrentTime  // a macro of the platform's headers, in the way of the member below
+#undef GetCurrentTime  // a macro of the platform's headers that would replace the member below
 #endif
 
 class CTime {
@@ -22,8 +22,8 @@ public:
     CTime() noexcept = default;
     CTime(LONG seconds) noexcept : seconds_(seconds) {}
 
-    // Local time: full year, month from 1, day from 1. `dst` is 1, 0 or, for the zone's own rule, -1.
-    // Where the clock leaves out the time asked for, the next existing second of that day.
+    // Local time: full year, month from 1, day from 1. `dst` is 1, 0 or, for the zone's own rule, -1. A local time
+    // skipped by a clock change becomes the next existing second of that day.
     CTime(int year, int month, int day, int hour, int minute, int second, int dst = -1) noexcept
         : seconds_(static_cast<LONG>(count_of(year, month, day, hour, minute, second, dst))) {}
 
@@ -34,8 +34,7 @@ public:
 
     LONG GetTime() const noexcept { return seconds_; }
 
-    // Local parts in `parts`, or in a buffer of this thread's own; null for a negative count, which
-    // leaves `parts` as it is.
+    // Local parts in `parts`, or in a thread-local buffer; null for a negative count, which leaves `parts` unchanged.
     std::tm* GetLocalTm(std::tm* parts = nullptr) const noexcept {
         static thread_local std::tm buffer;
         std::tm local{};
@@ -68,12 +67,12 @@ private:
         bool exact = false;
         std::int64_t count = host_count(year, month, day, hour, minute, second, dst, &exact);
         if (count < 0 || count > INT32_MAX) return -1;
-        // The clock shows these very parts then: only the calendar can still say no.
+        // The local time exists, so only the calendar date can still be invalid.
         if (exact && day <= days_in(year, month) && in_day(hour, minute, second)) return count;
         if (is_on(count, year, month, day)) return count;
 
-        // Midnight may be missing where clocks change then, and the host's step may lead to the day
-        // before. No zone leaves out more than a few hours of a day that exists.
+        // A clock change may skip midnight, and the host's mktime may then give the day before. No zone skips more than
+        // a few hours of an existing day.
         if (hour < 0 || minute < 0 || second < 0) return -1;
         for (int quarters = 1; quarters <= 16 && !is_on(count, year, month, day); ++quarters) {
             count = host_count(year, month, day, hour, minute + 15 * quarters, second, dst);
@@ -83,9 +82,9 @@ private:
         return count;
     }
 
-    // The count whose local parts are these, hours and below in any range; it may be wider than 32 bits. For
-    // the zone's own rule the local clock is asked rather than the host's mktime, which looks for changes of
-    // the zone at every call.
+    // The count with these local parts, hours and below in any range; it may need more than 32 bits. For the zone's own
+    // rule it uses the local clock's offset rather than the host's mktime, which looks for changes of the zone at every
+    // call.
     static std::int64_t host_count(int year, int month, int day, int hour, int minute, int second, int dst,
                                    bool* exact = nullptr) noexcept {
         if (dst < 0) {
@@ -117,13 +116,13 @@ private:
 
     // Days from 1970-01-01 to this date.
     static std::int64_t days_before(int year, int month, int day) noexcept {
-        const int shifted = month <= 2 ? year - 1 : year;  // years that begin in March
+        const int shifted = month <= 2 ? year - 1 : year;  // years that start in March
         const int month_index = month <= 2 ? month + 9 : month - 3;
         return 365LL * shifted + shifted / 4 - shifted / 100 + shifted / 400 + (153 * month_index + 2) / 5 + day - 1 -
                719468;
     }
 
-    // How far the local clock is ahead at a moment; that of the nearest moment the host can tell.
+    // UTC offset of local time at `seconds`; for times that the host cannot convert, that of the nearest one.
     static std::int64_t offset_at(std::int64_t seconds) noexcept {
         if (seconds < 0) seconds = 0;
         if (seconds > INT32_MAX) seconds = INT32_MAX;

@@ -1,10 +1,10 @@
-// CDaoException: how a failure of the data-access engine reaches a C++ caller. It is thrown by pointer
-// and ends by Delete():
+// CDaoException: how a failure of the data-access engine reaches a C++ caller. It is thrown by pointer;
+// the catcher deletes it with Delete():
 //
 //     catch (CDaoException* e) { ... e->m_pErrorInfo->m_strDescription ...; e->Delete(); }
 //
-// The types are visible across library boundaries, and an exception is destroyed by the module that
-// threw it (through its virtual destructor), so a host may catch what the component lets out.
+// The types are visible across library boundaries, and the module that threw an exception destroys it
+// (through its virtual destructor), so a host may catch what the component throws.
 #pragma once
 
 #include <kvdb/com.h>
@@ -29,11 +29,11 @@ public:
 
 class KVDB_VISIBLE CException : public CObject {
 public:
-    // Ends the exception; the pointer is not to be used afterwards.
+    // Deletes the exception; the pointer is invalid afterwards.
     void Delete() { delete this; }
 
-    // Copies the message, cut to `size` bytes with its ending zero, and sets `*help_context` (may be
-    // null). FALSE, with an empty text where there is room, when the exception has none.
+    // Copies the message, truncated to `size` bytes with its terminating zero, and sets `*help_context` (may be null).
+    // FALSE, and an empty text if `size` allows, when the exception has none.
     virtual BOOL GetErrorMessage(char* text, UINT size, UINT* help_context = nullptr) {
         if (help_context != nullptr) *help_context = 0;
         if (text != nullptr && size != 0) text[0] = 0;
@@ -60,7 +60,7 @@ inline constexpr int AFX_DAO_ERROR_OBJECT_NOT_OPEN = AFX_DAO_ERROR_MIN + 2;
 class KVDB_VISIBLE CDaoException final : public CException {
 public:
     CDaoException() = default;
-    // An error of the engine: its number, its text, and the object that met it.
+    // An engine error: its number, its text, and the object that raised it.
     CDaoException(LONG number, const char* description, const char* source = "DAO.DbEngine") {
         error_.m_lErrorCode = number;
         error_.m_strDescription = description;
@@ -70,7 +70,7 @@ public:
     }
 
     short GetErrorCount() const { return m_pErrorInfo != nullptr ? 1 : 0; }
-    // Makes error `index` (from 0) the one that m_pErrorInfo shows; there is never more than one.
+    // Selects error `index` (from 0) for m_pErrorInfo; there is never more than one.
     void GetErrorInfo(int index) { m_pErrorInfo = index == 0 && m_scode != S_OK ? &error_ : nullptr; }
 
     BOOL GetErrorMessage(char* text, UINT size, UINT* help_context = nullptr) override {
@@ -87,7 +87,7 @@ public:
 
     CDaoErrorInfo* m_pErrorInfo = nullptr;  // lives as long as the exception; null without an engine error
     SCODE m_scode = S_OK;                   // 0x800A0000 + the engine's number
-    int m_nAfxDaoError = NO_AFX_DAO_ERROR;  // the framework's own reason; 0 for an engine error
+    int m_nAfxDaoError = NO_AFX_DAO_ERROR;  // the framework's reason; 0 for an engine error
 
 private:
     CDaoErrorInfo error_;

@@ -1,10 +1,10 @@
-// The three gates: dual interfaces whose methods follow IDispatch's in slot order. Every method gives
+// The three gates: dual interfaces whose methods follow IDispatch's in slot order. Every method returns
 // S_OK or E_FAIL. The order of the methods and the names of their parameters are the contract, slips of
 // spelling included; a method is never moved, renamed or left out.
 //
-// A record travels as its address (LONG_PTR: the published 32-bit integer in a 32-bit host). The method
+// A record is passed as its address (LONG_PTR: the published 32-bit integer in a 32-bit host). The method
 // reads or fills it during the call and keeps no reference to it. A narrow text (LPSTR) is the caller's
-// buffer; where the method fills it, it has room for 255 characters and the ending zero.
+// buffer; where the method fills it, it must have room for 255 characters and the terminating zero.
 #pragma once
 
 #include <kvdb/com.h>
@@ -25,7 +25,7 @@ inline constexpr IID IID_IDBgate3 = IID_IDBGate3;
 
 #if defined(_WIN32) && defined(__GNUC__)
 #pragma GCC diagnostic push
-#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // the platform's IDispatch has no destructor at all
+#pragma GCC diagnostic ignored "-Wnon-virtual-dtor"  // the platform's IDispatch has no destructor
 #endif
 
 // Every table of the studio; 183 methods.

@@ -1,5 +1,5 @@
-// Everything that an application needs to use the component: the gates, the records, the value classes,
-// the data-access exception and, on hosts other than Windows, the small COM set.
+// Everything that an application needs: the gates, the records, the value classes, the data-access exception and, on
+// hosts other than Windows, the small COM set.
 #pragma once
 
 #include <kvdb/com.h>

@@ -19,7 +19,7 @@ struct HeadInfo {
     LONG Color2 = 0;
 };
 
-// Never read by the component; only its address has to be there.
+// Never read by the component; only its address must be valid.
 struct CompactDBInfo {
     LONG Reserved = 0;
 };
@@ -120,7 +120,7 @@ struct SessionInfo {
     LONG ExData = 0;
 };
 
-// A session and, for the extended enumeration, the recording dates wanted.
+// A session and, for the extended enumeration, the range of recording dates.
 struct SessionExInfo {
     LONG ProjID = 0;
     LONG SessionID = 0;
@@ -303,7 +303,7 @@ struct SupplyAct {
     LONG ExData = 0;
 };
 
-// Stock handed out and, for the extended enumeration, the dates wanted.
+// Stock handed out and, for the extended enumeration, the range of dates.
 struct SupplyExInfo {
     LONG ActionID = 0;
     LONG StockID = 0;
@@ -368,8 +368,8 @@ struct MediaFileInfo {
 
 // ---- Bookings and invoices --------------------------------------------------------------------
 
-// A booking (`Bookings`). Its dates keep hour and minute. As a filter, `ExData` 4 or 8 asks for the
-// bookings that start from `DateStart` to `DateEnd`, ascending or descending.
+// A booking (`Bookings`). Its dates keep hour and minute. As a filter, `ExData` 4 or 8 selects the bookings that start
+// from `DateStart` to `DateEnd`, ascending or descending.
 struct BookingInfo {
     LONG RecID = 0;
     LONG Reserved = 0;
@@ -427,7 +427,7 @@ struct InvParamsInfo {
     CString Details;
 };
 
-// What new invoices start from (`Def_Invoice`).
+// Defaults for new invoices (`Def_Invoice`).
 struct InvoiceDef {
     CString StudioName;
     CString StudioDetails;
@@ -439,7 +439,7 @@ struct InvoiceDef {
     LONG ExData = 0;
 };
 
-// The custom query's record; the application's own, never read or written.
+// The custom query's record; belongs to the application, never read or written.
 struct CustomInfo {
     LONG Reserved = 0;
 };

@@ -9,8 +9,8 @@ DeferredSync::DeferredSync(os::FileSystem& files, const std::string& journal)
 
 DeferredSync::~DeferredSync() = default;
 
-// Called with a commit in the journal that must not be reported as failed: so whatever keeps the alarm from being set
-// is a "no".
+// The commit is already in the journal and must not be reported as failed, so any failure to set the alarm returns
+// false.
 bool DeferredSync::request() noexcept {
     try {
         return alarm_->set(clock_.now() + kSyncDelay);

@@ -1,10 +1,9 @@
-// Brings the journal to the disk when nobody else does: what a burst of commits has left unsynced waits no longer than
-// kSyncDelay.
+// Background sync of the journal: commits that no sync point has synced wait no longer than kSyncDelay.
 //
 // Invariants
 //  1. It has its own opening of the journal, touches no page, and an edit never waits for it. With an opening of its
-//     own, an error that the system reports once reaches it and the pager both.
-//  2. After a sync that failed nobody knows what the disk holds: from then on `failed` is true.
+//     own, an error that the system reports once reaches both it and the pager.
+//  2. After a failed sync the content of the disk is unknown: from then on `failed` is true.
 #pragma once
 
 #include <atomic>
@@ -17,20 +16,20 @@
 
 namespace jet {
 
-// From the first unsynced commit to the beginning of its sync. What is promised is 250 ms to the end of it.
+// From the first unsynced commit to the start of its sync. The promise is 250 ms to the end of the sync.
 inline constexpr std::chrono::milliseconds kSyncDelay{150};
 
 class DeferredSync {
 public:
     // `journal` is the existing journal's path. Throws os::FileError.
     DeferredSync(os::FileSystem& files, const std::string& journal);
-    // Waits for a sync that is under way, but not in a forked child.
+    // Waits for a sync in progress, but not in a forked child.
     ~DeferredSync();
     DeferredSync(const DeferredSync&) = delete;
     DeferredSync& operator=(const DeferredSync&) = delete;
 
-    // Has the journal synced in kSyncDelay, or when an earlier request falls due. False: it will not be, the caller
-    // must do it.
+    // Schedules a sync of the journal in kSyncDelay, or earlier if one is already scheduled. False: it will not happen,
+    // the caller must sync.
     bool request() noexcept;
     bool failed() const { return failed_; }
 
@@ -40,7 +39,7 @@ private:
     os::Clock& clock_;
     std::unique_ptr<os::File> file_;
     std::atomic<bool> failed_{false};
-    std::unique_ptr<os::Alarm> alarm_;  // last: it is gone before what it works with
+    std::unique_ptr<os::Alarm> alarm_;  // last member: destroyed before the members it uses
 };
 
 }  // namespace jet

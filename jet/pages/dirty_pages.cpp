@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::size_t kRunPages = 64;
 
-// Pages of a run that are gathered for one write; 1 when there is no memory to gather them in.
+// The number of pages of a run to gather for one write; 1 when there is no memory to gather them.
 std::size_t longest_run(ByteVector& run, std::size_t pages) {
     try {
         run.reserve(std::min(pages, kRunPages) * jet4::kPageSize);

@@ -1,4 +1,4 @@
-// The pages that are committed and not yet in the .mdb, and their way into it.
+// The pages that are committed but not yet in the .mdb; writes them to it.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,11 @@ namespace jet {
 
 class DirtyPages {
 public:
-    // So that the next `count` calls of add() need no memory.
+    // Reserves memory so that the next `count` calls of add() need none.
     void make_room(std::size_t count);
     void add(Frame& frame);
-    // Writes all of them, neighbours in one go. Throws os::FileError; all of them are then as dirty as before. Needs no
-    // memory: without any for a run of pages, each is written for itself.
+    // Writes all of them, adjacent pages in one write. Throws os::FileError; all of them then stay dirty. Needs no
+    // memory: without any for a run of pages, writes each page on its own.
     void write_to(os::File& file, const PageCache& cache);
     // Pages written so far.
     std::uint64_t written() const { return written_; }

@@ -1,4 +1,4 @@
-// The one translation of system faults into engine numbers.
+// The one translation of system faults to engine error numbers.
 #pragma once
 
 #include <utility>
@@ -26,7 +26,7 @@ inline int engine_number(os::FileFault fault) {
     fail(engine_number(error.fault()), error.what());
 }
 
-// Runs `work`; a fault of the system comes out as jet::Error.
+// Runs `work`; throws a fault of the system as jet::Error.
 template <class Work>
 decltype(auto) with_engine_errors(Work&& work) {
     try {

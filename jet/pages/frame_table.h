@@ -1,4 +1,5 @@
-// Numbers of frames by page number, in chunks made at first use: a large file costs nothing until its pages are read.
+// Maps page numbers to frame numbers, in chunks allocated at first use: a large file costs nothing until its pages are
+// read.
 #pragma once
 
 #include <array>

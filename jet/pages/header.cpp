@@ -32,7 +32,7 @@ void mask_into(MutableByteSpan page, MaskedPart part) {
     store_bytes(page, header::kMasked, part);
 }
 
-// The whole days of the creation date, the mask of the password. A hostile date must not overflow.
+// The mask of the password: the whole days of the creation date. A hostile date must not overflow.
 std::uint32_t date_mask(double creation_date) {
     if (!(std::abs(creation_date) < 2147483647.0)) return 0;
     return static_cast<std::uint32_t>(static_cast<std::int32_t>(creation_date));
@@ -113,7 +113,7 @@ void build_header(MutableByteSpan page, const FileHeader& values) {
     store_u32(page, header::kVersion, header::kVersionJet4);
     store_u32(page, header::kConstant, header::kConstantValue);
     store_u32(page, header::kVersionText, 0x00302E34);  // "4.0"
-    // One commit word a user; the first, of the exclusive user, starts one further.
+    // One commit word per user; the first, the exclusive user's, starts one higher.
     for (std::size_t i = 0; i < header::kCommitWordBytes; i += 2) store_u16(page, header::kCommitWords + i, 0x0100);
     store_u16(page, header::kCommitWords, 0x0101);
 

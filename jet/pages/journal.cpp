@@ -38,8 +38,8 @@ Journal::~Journal() = default;
 
 namespace {
 
-// A new journal, or the empty one that the opening of the database could not remove. One that goes away between the two
-// questions, because somebody lets go of it, is made anew.
+// A new journal, or the empty one that the opening of the database could not remove. If another program releases that
+// one between the two calls and it disappears, creates it anew.
 std::unique_ptr<os::File> made_or_found(os::FileSystem& files, const std::string& path, bool& created) {
     constexpr int kAttempts = 10;
     for (int attempt = 1;; ++attempt) {
@@ -92,14 +92,14 @@ void Journal::write_header() {
     cut_to_kept_size();
 }
 
-// What one large transaction has needed is not kept until the end.
+// Frees the space that one large transaction needed.
 void Journal::cut_to_kept_size() noexcept {
     if (file_bytes_ <= kKeptFileBytes) return;
     try {
         file_->truncate(kKeptFileBytes);
         file_bytes_ = kKeptFileBytes;
     } catch (const os::FileError&) {
-        // Then it stays as long as it is.
+        // Then it keeps its size.
     }
 }
 
@@ -121,7 +121,7 @@ void Journal::append(std::span<const JournalPage> pages, std::uint32_t page_coun
     try {
         file_->write(end_, buffer.first(total));
     } catch (...) {
-        // Part of it may be there: cut it off, so that a later commit stands where this one would have.
+        // Part of it may have been written: truncate it, so that a later commit is written in its place.
         withdraw(end_);
         throw;
     }
@@ -140,8 +140,8 @@ void Journal::withdraw(std::uint64_t end) noexcept {
         file_->truncate(end);
         file_bytes_ = end;
     } catch (const os::FileError&) {
-        // A torn tail is ignored by the reader and overwritten by the next append; a whole commit may be found
-        // at the next opening.
+        // The reader ignores a torn tail and the next append overwrites it; a complete commit may be found at the next
+        // opening.
     }
 }
 

@@ -1,14 +1,14 @@
-// The journal beside a database file: what committed transactions have changed, not yet all in the .mdb.
+// The journal beside a database file: the changes of committed transactions that are not yet all in the .mdb.
 //
-// A generation is what is appended between two resets. The file keeps its size over a reset; the next generation is
-// written over the last one, under a header of its own.
+// A generation is everything appended between two resets. The file keeps its size over a reset; the next generation
+// overwrites the last one, under a header of its own.
 //
 // Invariants
-//  1. A commit is appended with one write; what is in front of it in its generation is never changed.
+//  1. A commit is appended with one write; earlier bytes of its generation are never changed.
 //  2. The header binds the journal to one state of one file: identity, change counter before and after. The
-//     counter moves by random steps, so that two copies of a file that went their own ways differ in it.
-//  3. Before anything of an older generation is overwritten, the new header is on the disk. Otherwise a power failure
-//     could leave the old header over the first part of its commits, and the replay would take pages back.
+//     counter moves by random steps, so that it differs in two copies of a file that diverged.
+//  3. The new header is on the disk before anything of an older generation is overwritten. Otherwise a power failure
+//     could leave the old header over the first part of its commits, and the replay would restore old pages.
 #pragma once
 
 #include <array>
@@ -26,8 +26,8 @@ namespace jet {
 
 class DeferredSync;
 
-// Removes a journal's file after all of it has come into the .mdb. What another program holds is cut to nothing
-// instead, which is as good. Throws os::FileError when neither can be done.
+// Removes a journal's file when all of it is in the .mdb. If another program holds the file, truncates it to nothing
+// instead, which is equivalent. Throws os::FileError when neither is possible.
 void remove_journal_file(os::FileSystem& files, const std::string& path);
 
 class Journal {
@@ -44,29 +44,27 @@ public:
     // Of the generation; the file may be longer.
     std::uint64_t size_bytes() const { return end_; }
 
-    // Begins a generation, again when its first append has failed. Creates the file where needed, with the database's
-    // permissions; its header is written with the first commit. Where an older generation lies, the header is written
-    // and synced at once: everything of it must be in the .mdb and synced. A file that lies there already is taken only
-    // when it is empty.
+    // Starts a generation, or restarts it when its first append failed. Creates the file if needed, with the database's
+    // permissions; writes its header with the first commit. Over an older generation it writes and syncs the header at
+    // once: that generation must be entirely in the .mdb and synced. Uses an existing file only when it is empty.
     void start(const JournalBinding& binding);
-    // One write. On failure the tail is cut off again where the system lets it, and the error passes on.
+    // Appends with one write. On failure truncates the tail again if the system allows it, and rethrows the error.
     void append(std::span<const JournalPage> pages, std::uint32_t page_count);
-    // Cuts the journal back to `end` bytes where the system lets it.
+    // Truncates the journal to `end` bytes if the system allows it.
     void withdraw(std::uint64_t end) noexcept;
-    // What has been appended is on the disk when it returns, the journal's name included. Without memory the folder may
-    // be left for the next sync, by std::bad_alloc.
+    // Syncs everything appended so far, the journal's name included. Without memory, throws std::bad_alloc and may
+    // leave the folder to the next sync.
     void sync();
-    // Has it synced soon, without waiting for it. False when it will not be: sync() must be called.
+    // Schedules a sync without waiting for it. False when it will not happen: sync() must be called.
     bool sync_later();
-    // A sync failed, this way or that: nobody knows what the disk holds, and a later sync may succeed without having
-    // written it. Only the next opening, which reads back what there is, can tell.
+    // A sync failed, here or in the background: the content of the disk is unknown, and a later sync may succeed
+    // without having written the data. Only the next opening can tell, by reading it back.
     bool failed() const;
-    // Everything is in the .mdb and synced: the generation is over.
+    // Ends the generation: everything is in the .mdb and synced.
     void reset();
-    // Removes the file, if any. One that has gone already, or that cannot be removed yet but holds nothing any more, is
-    // as good as removed.
+    // Removes the file, if any. Succeeds too if the file is already gone, or if it cannot be removed yet but is empty.
     void remove();
-    // Lets go of the file and leaves it where it is.
+    // Closes the file and leaves it in place.
     void release();
 
 private:
@@ -84,15 +82,15 @@ private:
     bool unsynced_ = false;
     bool name_unsynced_ = false;
     bool sync_failed_ = false;
-    std::uint64_t end_ = 0;         // bytes used by the generation; 0: its header waits for the first commit
-    std::uint64_t file_bytes_ = 0;  // what the file may hold
+    std::uint64_t end_ = 0;         // bytes used by the generation; 0: its header is written with the first commit
+    std::uint64_t file_bytes_ = 0;  // size of the file
     std::uint64_t checksum_ = 0;    // of the last commit (or the header)
     std::array<std::uint8_t, journal::kHeaderBytes> header_{};
     std::unique_ptr<std::uint8_t[]> buffer_;
     std::size_t buffer_bytes_ = 0;
 };
 
-// A number that is another one each time.
+// A number that differs each time.
 std::uint64_t fresh_salt();
 
 }  // namespace jet

@@ -22,7 +22,7 @@ constexpr std::uint32_t kCommitMark = 0x54494D43;  // "CMIT"
 constexpr std::size_t kCommitPagesAt = 4;
 constexpr std::size_t kCommitPageCountAt = 8;
 constexpr std::size_t kCommitBodyBytesAt = 12;
-constexpr std::size_t kCommitChecksumAt = 16;  // last field; covers what is before it and the body
+constexpr std::size_t kCommitChecksumAt = 16;  // last field; covers the fields before it and the body
 
 constexpr std::size_t kRecordPageAt = 0;
 constexpr std::size_t kRecordRangeBytesAt = 4;  // 0: a whole page follows
@@ -33,7 +33,7 @@ bool is_magic(ByteSpan bytes, const char (&magic)[8]) {
     return std::equal(std::begin(magic), std::end(magic), bytes.begin());
 }
 
-// Returns the bytes taken, or 0 when the page is shorter.
+// Returns the bytes written, or 0 when the whole page is shorter.
 std::size_t store_ranges(MutableByteSpan into, const JournalPage& page) {
     const PageRanges ranges(page.bytes, page.before);
     if (ranges.bytes() + ranges.size() * kRangeHeaderBytes >= jet4::kPageSize) return 0;

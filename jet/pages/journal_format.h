@@ -1,8 +1,8 @@
-// The journal on disk: its header and its commits, as bytes. docs/file-format.md describes them.
+// The on-disk format of the journal: its header and its commits. docs/file-format.md describes it.
 //
 // Invariants
-//  1. A commit's checksum covers all of it and the checksum before it, the first one's the header's: bytes of another
-//     generation, or in another place, never pass.
+//  1. A commit's checksum covers all of it and the previous checksum, that of the header for the first commit: bytes of
+//     another generation, or at another position, never pass.
 //  2. The first record of a page in a generation is its whole image, so that replaying the generation needs nothing of
 //     the page's old content, which a power failure may have torn.
 #pragma once
@@ -15,18 +15,18 @@
 
 namespace jet {
 
-// What a journal is bound to.
+// The file state that a journal is bound to.
 struct JournalBinding {
-    std::uint64_t identity = 0;      // of the file: what never changes in its header, and its commit words
-    std::uint64_t base_counter = 0;  // change counter of the file when the generation began
-    std::uint64_t next_counter = 0;  // what the generation's first commit makes of it
+    std::uint64_t identity = 0;      // of the file: the constant part of its header, and its commit words
+    std::uint64_t base_counter = 0;  // change counter of the file at the start of the generation
+    std::uint64_t next_counter = 0;  // change counter after the generation's first commit
 };
 
 // A page of a commit, kPageSize bytes.
 struct JournalPage {
     PageNumber page_no = 0;
     const std::uint8_t* bytes = nullptr;
-    const std::uint8_t* before = nullptr;  // as the generation holds it already; null: not yet, it is written whole
+    const std::uint8_t* before = nullptr;  // its image in the generation so far; null: none yet, it is written whole
 };
 
 namespace journal {
@@ -35,20 +35,20 @@ inline constexpr std::size_t kHeaderBytes = 64;
 inline constexpr std::size_t kCommitHeaderBytes = 24;
 
 enum class Kind {
-    kChanges,  // what is written: whole pages and ranges of bytes
+    kChanges,  // the kind now written: whole pages and ranges of bytes
     kPages,    // the former kind, still replayed: whole pages only
 };
 
 struct Header {
     Kind kind = Kind::kChanges;
     JournalBinding binding;
-    std::uint64_t checksum = 0;  // the chain begins with it
+    std::uint64_t checksum = 0;  // the start of the chain
 };
 
 // A commit's header. The body follows: for kChanges its records; for kPages the page numbers, then the pages.
 struct CommitHeader {
     std::uint32_t pages = 0;
-    std::uint32_t page_count = 0;  // of the file afterwards
+    std::uint32_t page_count = 0;  // of the file after the commit
     std::uint64_t body_bytes = 0;
     std::uint64_t checksum = 0;
 };
@@ -60,24 +60,24 @@ struct Record {
     std::size_t bytes = 0;  // of the ranges; 0: a whole page
 };
 
-// Fills kHeaderBytes; returns the checksum that the chain begins with.
+// Writes kHeaderBytes; returns the checksum that starts the chain.
 std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt);
-// False for what is no header of a journal.
+// False when the bytes are no journal header.
 bool load_header(ByteSpan bytes, Header& header);
 
-// The most that a commit of so many pages takes.
+// Upper bound of the bytes of a commit of `pages` pages.
 std::size_t most_commit_bytes(std::size_t pages);
-// Writes a commit, chained on `checksum`, which becomes its own. Returns the bytes it takes.
+// Writes a commit, chained on `checksum`, and updates `checksum` to the commit's. Returns the bytes written.
 std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> pages, std::uint32_t page_count,
                          std::uint64_t& checksum);
 
-// False for what is no header of a commit.
+// False when the bytes are no commit header.
 bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit);
 // The checksum that a commit must have, after one with checksum `before`.
 std::uint64_t commit_checksum(ByteSpan header, ByteSpan body, std::uint64_t before);
-// Takes the record at `at` apart and moves `at` past it. False when it is none.
+// Parses the record at `at` and moves `at` past it. False when it is malformed.
 bool load_record(ByteSpan body, std::size_t& at, Record& record);
-// Writes the ranges of a record into a page. False when they leave it.
+// Writes the ranges of a record to a page. False when they exceed it.
 bool apply_ranges(ByteSpan ranges, MutableByteSpan page);
 
 }  // namespace journal

@@ -11,7 +11,7 @@ namespace {
 
 using Change = JournalContent::Change;
 
-// Appends the changes of a commit whose body begins at `at`. False when the body is no list of records.
+// Appends the changes of a commit whose body starts at `at`. False when the body is not a list of records.
 bool list_changes(journal::Kind kind, std::uint32_t pages, ByteSpan body, std::uint64_t at, std::vector<Change>& list) {
     if (kind == journal::Kind::kPages) {
         for (std::uint32_t i = 0; i < pages; ++i) {
@@ -29,8 +29,8 @@ bool list_changes(journal::Kind kind, std::uint32_t pages, ByteSpan body, std::u
     return next == body.size();
 }
 
-// Orders the changes and drops what a later whole image makes superfluous, and pages that the file does not have.
-// False when a page has no whole image.
+// Sorts the changes; drops those superseded by a later whole image, and pages beyond the end of the file. False when a
+// page has no whole image.
 bool arrange(std::vector<Change>& changes, std::uint32_t page_count) {
     std::sort(changes.begin(), changes.end(),
               [](const Change& a, const Change& b) { return std::tie(a.page_no, a.at) < std::tie(b.page_no, b.at); });

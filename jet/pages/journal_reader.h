@@ -1,4 +1,4 @@
-// What a journal found at opening holds.
+// Reads a journal found at opening.
 #pragma once
 
 #include <cstdint>
@@ -12,7 +12,7 @@
 
 namespace jet {
 
-// The valid part of a journal: for each page, where its last whole image and what came after it lie.
+// The valid part of a journal: for each page, the position of its last whole image and of the changes after it.
 struct JournalContent {
     struct Change {
         PageNumber page_no = 0;
@@ -20,19 +20,19 @@ struct JournalContent {
         std::uint64_t at = 0;           // byte offset in the journal
     };
     JournalBinding binding;
-    std::uint32_t page_count = 0;  // of the file after the last commit; 0: no commit at all
-    std::vector<Change> changes;   // by page, then in order; each page's first is whole
-    bool is_sound = true;          // false: the checksums are right, and yet the commits contradict themselves
+    std::uint32_t page_count = 0;  // of the file after the last commit; 0: no commit
+    std::vector<Change> changes;   // by page, then in order; the first of each page is whole
+    bool is_sound = true;          // false: the checksums are right, but the commits contradict each other
 
-    // The changes of the page that `changes[first]` is of.
+    // The changes of the page of `changes[first]`.
     std::span<const Change> of_page(std::size_t first) const;
 };
 
-// False when the file has no valid header. A commit that is torn or of another generation ends the journal. Memory in
-// proportion to the file. Throws os::FileError.
+// False when the file has no valid header. The journal ends at a commit that is torn or of another generation. Needs
+// memory in proportion to the file. Throws os::FileError.
 bool read_journal(os::File& file, JournalContent& content);
 
-// The page as its changes leave it. 3049 when they are none of a page.
+// The page after its changes. 3049 when they do not form a page.
 ByteVector read_journal_page(os::File& file, std::span<const JournalContent::Change> changes);
 
 }  // namespace jet

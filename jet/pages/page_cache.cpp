@@ -18,11 +18,11 @@ void prefetch_line([[maybe_unused]] const void* address) {
 
 }  // namespace
 
-// Frames made at once, as many as fill a large page of memory.
+// Frames allocated together, as many as fill a large page of memory.
 struct PageCache::Group {
     static constexpr std::uint32_t kFrames = os::PageMemory::kLargePage / jet4::kPageSize;
 
-    // The first is all that most databases need; its untouched part costs nothing.
+    // The first group suffices for most databases; its untouched part costs nothing.
     explicit Group(bool first)
         : bytes(os::PageMemory::kLargePage, first ? os::PageMemory::Source::kHeap : os::PageMemory::Source::kSystem) {}
     std::array<Frame, kFrames> frames;
@@ -42,7 +42,7 @@ FrameRef PageCache::frame_at(std::uint32_t frame_no) const {
 FrameRef PageCache::use(PageNumber page_no) {
     const FrameRef place = find(page_no);
     if (!place) return place;
-    // Many readings in a row, as an enumeration makes, count as one.
+    // Consecutive reads, as an enumeration makes them, count as one use.
     if (page_no != last_used_ && place.frame->uses < kMaxUses) ++place.frame->uses;
     last_used_ = page_no;
     return place;
@@ -88,7 +88,7 @@ std::uint32_t PageCache::evicted_frame() {
         remove(frame);
         return frame_no;
     }
-    // One large transaction holds them all: searching again for each of its pages would take ever longer.
+    // One large transaction holds all frames: a new search for each of its pages would take ever longer.
     search_from_ = frame_count_ + frame_count_ / 4;
     return FrameTable::kNone;
 }

@@ -1,7 +1,7 @@
-// Pages in memory: frames, which page each holds, and which one is evicted for another.
+// The page cache: frames, the page in each of them, and eviction.
 //
 // Invariants
-//  1. A frame is in one place for life. One that is pinned, dirty or changed by an open transaction is not evicted.
+//  1. A frame never moves. A frame that is pinned, dirty or changed by an open transaction is not evicted.
 //  2. The cache reads and writes no file and knows nothing of transactions beyond the fields of a frame.
 #pragma once
 
@@ -17,17 +17,17 @@
 
 namespace jet {
 
-// Kept apart from the page's bytes, so that the frames of many pages share a cache line.
+// Stored apart from the page's bytes, so that the frames of many pages share a cache line.
 struct Frame {
     PageNumber page_no = jet4::kMaxPages;  // kMaxPages: free
     std::uint32_t pins = 0;
     std::int32_t saved_level = 0;  // innermost open transaction that holds a before-image; 0: none
-    std::uint32_t generation = 0;  // of the journal that holds the page whole; 0: none since it was read
+    std::uint32_t generation = 0;  // journal generation that holds the whole page; 0: none since it was read
     bool dirty = false;            // committed, not yet in the .mdb
-    std::uint8_t uses = 0;         // recent ones, up to a few
+    std::uint8_t uses = 0;         // recent uses, counted up to a small limit
 };
 
-// A frame and the page it holds, kPageSize bytes; none when `frame` is null.
+// A frame and its page, kPageSize bytes; empty when `frame` is null.
 struct FrameRef {
     Frame* frame = nullptr;
     std::uint8_t* bytes = nullptr;
@@ -71,26 +71,26 @@ private:
 
 class PageCache {
 public:
-    // Holds up to `pages`, and more only while none of them can be evicted.
+    // Holds up to `pages` pages, and more only while none of them can be evicted.
     explicit PageCache(std::size_t pages);
     ~PageCache();
     PageCache(const PageCache&) = delete;
     PageCache& operator=(const PageCache&) = delete;
 
-    // The page's frame, or none when the page is not in memory.
+    // The page's frame; empty when the page is not in memory.
     FrameRef find(PageNumber page_no) const {
         const std::uint32_t frame_no = table_.find(page_no);
         return frame_no != FrameTable::kNone ? frame_at(frame_no) : FrameRef{};
     }
-    // The same, counted as a use: pages used by several calls outlive those that an enumeration passes by.
+    // As find(), and counts a use: pages used by several calls outlive those that an enumeration reads once.
     FrameRef use(PageNumber page_no);
-    // A frame for a page that has none. Its bytes are undefined. Throws std::bad_alloc.
+    // Allocates a frame for a page that has none. Its bytes are undefined. Throws std::bad_alloc.
     FrameRef add(PageNumber page_no);
     // Frees the frame; needs no memory.
     void remove(Frame& frame);
     // CPU prefetch hint; any page number is allowed.
     void prefetch(PageNumber page_no) const;
-    // Frames have become evictable: look at them again.
+    // Call after frames have become evictable: restarts the search for one.
     void search_again() { search_from_ = 0; }
 
 private:
@@ -103,9 +103,9 @@ private:
     const std::size_t limit_;
     FrameTable table_;
     std::vector<std::unique_ptr<Group>> groups_;
-    std::uint32_t frame_count_ = 0;  // frames in use, the first ones of the groups
+    std::uint32_t frame_count_ = 0;  // frames in use, from the first group on
     std::uint32_t clock_hand_ = 0;
-    std::uint32_t search_from_ = 0;  // frame count below which no search for an evictable frame pays
+    std::uint32_t search_from_ = 0;  // below this frame count a search for an evictable frame is futile
     PageNumber last_used_ = jet4::kMaxPages;
 };
 

@@ -7,7 +7,7 @@ namespace jet {
 namespace {
 
 constexpr std::size_t kWord = 8;
-constexpr std::size_t kBlock = 256;  // compared at once; most of a page is as it was
+constexpr std::size_t kBlock = 256;  // compared at once; most of a page is unchanged
 static_assert(jet4::kPageSize % kBlock == 0);
 
 std::uint64_t difference(const std::uint8_t* a, const std::uint8_t* b) {
@@ -18,7 +18,7 @@ std::uint64_t difference(const std::uint8_t* a, const std::uint8_t* b) {
     return x ^ y;
 }
 
-// The first byte of a word that is not zero, and the bytes after the last such one, in order of memory.
+// Number of zero bytes at the start, and at the end, of a word in memory order.
 std::size_t bytes_before(std::uint64_t word) {
     return static_cast<std::size_t>(std::endian::native == std::endian::little ? std::countr_zero(word)
                                                                                : std::countl_zero(word)) /

@@ -1,4 +1,4 @@
-// Where two images of a page differ.
+// The byte ranges in which two images of a page differ.
 #pragma once
 
 #include <array>
@@ -14,10 +14,10 @@ struct PageRange {
     std::uint16_t bytes;
 };
 
-// Ranges in ascending order, at least kGap equal bytes between two of them. Needs no memory of its own.
+// Ranges in ascending order, at least kGap equal bytes apart. Allocates no memory.
 class PageRanges {
 public:
-    // Fewer equal bytes are not worth a range of their own.
+    // Fewer equal bytes do not justify a range of their own.
     static constexpr std::size_t kGap = 9;
 
     // Each image is kPageSize bytes long.

@@ -22,7 +22,7 @@ Pager::Pager(os::FileSystem& files, std::unique_ptr<os::File> file, std::string 
         const Recovered recovered = recover(files, *file_, path_, options_.read_only);
         page_count_ = recovered.page_count;
         for (const Recovered::PageImage& image : recovered.images) {
-            // Only in memory, and never evicted: the file stays as it is.
+            // Only in memory, and never evicted: the file stays unchanged.
             const FrameRef place = cache_.add(image.page_no);
             std::memcpy(place.bytes, image.bytes.data(), image.bytes.size());
             place.frame->dirty = true;
@@ -39,7 +39,7 @@ Pager::~Pager() {
     try {
         close();
     } catch (...) {
-        // Whatever it was, want of memory included: the journal stays beside the file, the next opening replays it.
+        // After any error, lack of memory included, the journal stays beside the file and the next opening replays it.
     }
 }
 
@@ -126,8 +126,8 @@ void Pager::require_own_process() const {
     }
 }
 
-// Moves the change counter, as part of the generation's first commit. A forked child makes no journal; into one that
-// its parent has made, os::File lets it write nothing.
+// Advances the change counter as part of the generation's first commit. A forked child creates no journal; os::File
+// refuses its writes to one that the parent has created.
 void Pager::begin_generation() {
     require_own_process();
     const std::uint64_t identity = file_identity(load(jet4::kHeaderPage).page());
@@ -140,7 +140,7 @@ void Pager::begin_generation() {
     undo_.find_changes();
 }
 
-// Takes all the memory that the commit needs: nothing may fail once it stands.
+// Allocates all memory that the commit needs: nothing may fail once it is in the journal.
 void Pager::collect_changes() {
     changes_.clear();
     for (const UndoLog::Entry& entry : undo_.entries()) {
@@ -154,7 +154,7 @@ const std::uint8_t* Pager::image_in_journal(const UndoLog::Entry& entry) const {
     return entry.place.frame->generation == generation_ ? entry.image.get() : nullptr;
 }
 
-// Returns whether the commit is a sync point: when nobody else will sync the journal, it becomes one.
+// Returns whether the commit is a sync point; it becomes one when the journal cannot be synced in the background.
 bool Pager::append_to_journal(bool is_sync_point) {
     const std::uint64_t end_before = journal_->size_bytes();
     journal_->append(changes_, page_count_);
@@ -177,8 +177,8 @@ void Pager::accept_changes() {
     undo_.accept();
 }
 
-// The commit stands. Should the .mdb refuse its pages, they stay in the journal and in memory, and the next sync point
-// tries again.
+// The commit is final. If the .mdb refuses its pages, they stay in the journal and in memory, and the next sync point
+// retries.
 void Pager::reach_sync_point(os::TimePoint now) {
     last_sync_ = now;
     try {

@@ -1,13 +1,13 @@
-// Transactions over the pages of a file, and the sync points at which what they committed reaches the .mdb.
+// Transactions over the pages of a file, and the sync points at which committed pages reach the .mdb.
 //
 // Invariants
 //  1. The .mdb is never written before the new content of the pages is safe in the journal.
 //  2. A page changed by the open transaction, or committed but not yet in the .mdb, is not evicted.
-//  3. A transaction that is not committed leaves every page, and the page count, as it found them.
-//  4. A page gets into the .mdb only when the journal's generation holds it whole: what a power failure tears there,
-//     the replay makes anew from the journal alone.
+//  3. A transaction that is not committed leaves every page, and the page count, unchanged.
+//  4. A page is written to the .mdb only when the journal's generation holds it whole: if a power failure tears it
+//     there, the replay restores it from the journal alone.
 //  5. The change counter of the file moves once per journal generation, inside the generation's first
-//     commit, so that a journal is replayed onto the file it was written for and no other.
+//     commit, so that a journal is replayed only onto the file it was written for.
 #pragma once
 
 #include <chrono>
@@ -30,23 +30,23 @@ namespace jet {
 class Journal;
 struct JournalPage;
 
-// Taken as pages are read: 256 MiB, or 64 MiB where a process has little room for addresses.
+// Allocated as pages are read: 256 MiB, or 64 MiB in a process with a small address space.
 inline constexpr std::size_t kDefaultCachePages = sizeof(void*) >= 8 ? 65536 : 16384;
 
 struct PagerOptions {
     bool read_only = false;
     std::size_t cache_pages = kDefaultCachePages;
-    std::uint64_t journal_limit_bytes = 8u << 20;  // past it, the journal is begun anew
-    std::chrono::milliseconds sync_interval{250};  // a commit so long after the last sync point is one
+    std::uint64_t journal_limit_bytes = 8u << 20;  // beyond it, a new generation of the journal starts
+    std::chrono::milliseconds sync_interval{250};  // a commit this long after the last sync point becomes one
 };
 
 class Pager {
 public:
-    // Takes over `file` (open and locked) at `path`, which has no links in it; journal and time are those of `files`.
+    // Takes over `file` (open and locked) at `path`, which has no links in it; journal and clock are those of `files`.
     // Replays or sets aside a journal beside the file; a read-only pager takes the journal's pages into memory only.
-    // The size of the file must be a multiple of the page size (the replay cuts off a torn tail from a crash).
+    // The size of the file must be a multiple of the page size (the replay truncates a torn tail from a crash).
     Pager(os::FileSystem& files, std::unique_ptr<os::File> file, std::string path, PagerOptions options = {});
-    // As close(); failures are swallowed, the journal then stays and the next open replays it.
+    // As close(), but ignores failures: the journal then stays and the next opening replays it.
     ~Pager();
 
     Pager(const Pager&) = delete;
@@ -73,17 +73,16 @@ public:
     void rollback();
     bool in_transaction() const { return undo_.depth() > 0; }
 
-    // A sync point now: everything committed is on disk in the journal and written to the .mdb.
+    // Makes a sync point now: everything committed is on disk in the journal and written to the .mdb.
     void sync_point();
-    // Writes and syncs everything and removes the journal. Throws jet::Error when the system refuses; the journal is
-    // then left for the next open. In a forked child the files are let go of and nothing else. No further use
-    // afterwards.
+    // Writes and syncs everything and removes the journal. Throws jet::Error when the system refuses; the journal then
+    // stays for the next opening. In a forked child only closes the files. The pager is unusable afterwards.
     void close();
 
-    // Called after pages have been rolled back, so that whoever derived something from them forgets it.
+    // Called after pages have been rolled back, so that data derived from them is discarded.
     void set_rollback_listener(std::function<void()> listener) { on_rollback_ = std::move(listener); }
 
-    // How many pages have been read from and written to the .mdb, for tests and benchmarks.
+    // Numbers of pages read from and written to the .mdb, for tests and benchmarks.
     std::uint64_t pages_read() const { return pages_read_; }
     std::uint64_t pages_written() const { return dirty_.written(); }
 
@@ -116,7 +115,7 @@ private:
     PageCache cache_;
     UndoLog undo_;
     DirtyPages dirty_;
-    std::vector<JournalPage> changes_;  // of the commit under way
+    std::vector<JournalPage> changes_;  // of the current commit
     std::uint32_t generation_ = 0;      // of the journal
     std::function<void()> on_rollback_;
     os::TimePoint last_sync_;
@@ -134,7 +133,7 @@ public:
     }
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
-    // Whether it succeeds or throws, the transaction is over.
+    // Ends the transaction, also when it throws.
     void commit() {
         done_ = true;
         pager_.commit();

@@ -28,7 +28,7 @@ bool is_bound_to(const JournalBinding& binding, os::File& database) {
            (counter == binding.base_counter || counter == binding.next_counter);
 }
 
-// Every page that the file is to grow by is in the journal: a commit holds the pages it has added.
+// Every page by which the file is to grow is in the journal, because a commit holds the pages it has added.
 void check_content(const JournalContent& content, std::uint32_t page_count) {
     if (!content.is_sound) corrupt(0, "the journal contradicts itself");
     if (content.page_count > jet4::kMaxPages) corrupt(0, "the journal names more pages than a file may have");
@@ -40,7 +40,7 @@ void check_content(const JournalContent& content, std::uint32_t page_count) {
     if (added < content.page_count - page_count) corrupt(0, "the journal lacks pages that the file is to grow by");
 }
 
-// Brings each page to where the journal leaves it: into the file, or with `images` into memory alone.
+// Brings each page to its state after the journal: in the file, or with `images` in memory only.
 void replay(os::File& journal, const JournalContent& content, os::File& database,
             std::vector<Recovered::PageImage>* images) {
     for (std::size_t i = 0; i < content.changes.size();) {
@@ -69,7 +69,7 @@ void set_aside(os::FileSystem& files, const std::string& journal_path) {
     }
 }
 
-// Null when there is none; `is_link` when something else has its name.
+// Null when there is no journal; sets `is_link` when something else has its name.
 std::unique_ptr<os::File> open_journal(os::FileSystem& files, const std::string& path, bool read_only, bool& is_link) {
     try {
         return files.open(path, read_only ? os::OpenMode::kReadSide : os::OpenMode::kOpenSide);
@@ -95,7 +95,7 @@ Recovered recover(os::FileSystem& files, os::File& database, const std::string& 
     const std::string journal_path = Journal::path_for(path);
     bool is_link = false;
     std::unique_ptr<os::File> journal = open_journal(files, journal_path, read_only, is_link);
-    // What a host that was killed while it removed its journal has left.
+    // Drafts left by a host that was killed while it removed its journal.
     if (!read_only) os::clear_drafts(journal_path, files);
     if (!journal && !is_link) return result;
     if (journal && journal->size() == 0) {

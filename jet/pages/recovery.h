@@ -1,4 +1,4 @@
-// What an opening does with a journal that lies beside the file.
+// Recovery: handles a journal found beside the file at opening.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,8 @@
 
 namespace jet {
 
-// What never changes in a file's header page, and its commit words: names the file that a journal is bound to.
+// Identifies the file that a journal is bound to: checksum of the constant part of its header page, and of its commit
+// words.
 std::uint64_t file_identity(ByteSpan header_page);
 
 struct Recovered {
@@ -19,15 +20,15 @@ struct Recovered {
         PageNumber page_no = 0;
         ByteVector bytes;
     };
-    std::uint32_t page_count = 0;   // of the file as the journal has left it
-    std::vector<PageImage> images;  // only where the file itself must stay as it is
+    std::uint32_t page_count = 0;   // of the file after the replay
+    std::vector<PageImage> images;  // only when the file itself must stay unchanged
 };
 
-// Brings what the journal of the database at `path` has committed into `database`, syncs that and removes the journal;
-// with `read_only` nothing on the disk changes and the pages are given back. A journal that belongs to another file or
-// to another state of it is ignored, or set aside under another name; so is a link in its place. The journal is absent
-// only when the system says so: any other failure to open it is an error. Throws os::FileError, and 3049 for a journal
-// that is ours but cannot be right.
+// Writes what the journal of the database at `path` has committed to `database`, syncs it and removes the journal; with
+// `read_only` nothing on the disk changes and the pages are returned. A journal of another file, or of another state of
+// it, is ignored, or set aside under another name; so is a link in its place. The journal is absent only when the
+// system says so: any other failure to open it is an error. Throws os::FileError, and 3049 for a journal that belongs
+// to this file but cannot be right.
 Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only);
 
 }  // namespace jet

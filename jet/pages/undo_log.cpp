@@ -57,7 +57,7 @@ void UndoLog::end_level(std::size_t entries_left) {
     if (entries_.empty() && entries_.capacity() > kKeptEntries) std::vector<Entry>().swap(entries_);
 }
 
-// What the outer level has no image of, it takes over.
+// The outer level takes over the images that it lacks.
 void UndoLog::merge() {
     const int outer = depth() - 1;
     std::size_t kept = levels_.back().first_entry;

@@ -1,4 +1,4 @@
-// The engine killed at its work: what it had reported as done is in the file, and the file is sound.
+// Kills the engine at work: operations reported as done are in the file, and the file is sound.
 #include <gtest/gtest.h>
 
 #include <random>
@@ -29,7 +29,7 @@ NewColumn column(const char16_t* name, ColumnType type) {
     return result;
 }
 
-// A row's text and memo follow from its version, so that half of a change would show.
+// A row's text and memo are derived from its version, so that a partial change is detected.
 std::u16string title_of(std::uint32_t version) {
     return std::u16string(version % 200, static_cast<char16_t>(u'a' + version % 26));
 }

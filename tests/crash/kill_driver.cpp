@@ -32,7 +32,7 @@ void send(int descriptor, const Message& message) {
     }
 }
 
-// What a life of the program came to: the rows with all that was reported done, and what was under way.
+// The result of one life of the program: the rows after all operations reported done, and the operation in progress.
 struct Life {
     Rows rows;
     std::optional<RowOperation> under_way;
@@ -83,7 +83,7 @@ std::string describe(const Rows& found, const Rows& expected) {
     return text;
 }
 
-// One life. False when the program could not be started or ended by itself.
+// Runs one life. False when the program could not be started or exited by itself.
 bool live_and_die(const KilledProgram& program, std::uint32_t seed, std::chrono::microseconds span, Life& life) {
     int ends[2];
     if (::pipe(ends) != 0) return false;

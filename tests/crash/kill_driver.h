@@ -1,6 +1,5 @@
-// Kills a program at random moments, again and again over the same files, and holds what it finds afterwards
-// against what the program had said was done. What the program is, an engine or a whole component, is the
-// caller's.
+// Kills a program at random moments, again and again on the same files, and compares what it finds afterwards with what
+// the program had reported as done. The caller supplies the program: an engine or a whole component.
 #pragma once
 
 #include <chrono>
@@ -11,8 +10,7 @@
 
 namespace testing_support {
 
-// One change of one row. A row is its key and the version of its content; how the two become columns is the
-// program's affair.
+// One change of one row. A row is its key and the version of its content; the program derives the columns from them.
 struct RowOperation {
     enum class Kind : std::uint32_t { kAdd, kUpdate, kDelete };
     Kind kind = Kind::kAdd;
@@ -22,11 +20,11 @@ struct RowOperation {
 
 using Rows = std::map<std::int32_t, std::uint32_t>;  // version by key
 
-// The program's line to its judge. A message is out of the program's hands when the call returns.
+// The program's connection to its judge. When a call returns, the message has left the program.
 class Reporter {
 public:
     explicit Reporter(int descriptor) : descriptor_(descriptor) {}
-    // Before an operation is begun, and after it has reported success.
+    // Before an operation starts, and after it has reported success.
     void begin(const RowOperation& operation);
     void done();
 
@@ -35,18 +33,18 @@ private:
 };
 
 struct KilledProgram {
-    // Runs in a process of its own until it is killed; never returns by itself. `rows` is what the files hold.
+    // Runs in its own process until it is killed; never returns by itself. `rows` is the content of the files.
     std::function<void(Reporter& reporter, const Rows& rows, std::uint32_t seed)> work;
     // Opens the files after a kill, checks them, closes them and returns their rows. Runs in the test's process.
     std::function<Rows()> read_back;
 };
 
-// The next operation of a program that adds, changes and deletes at random, some `most` rows at a time.
+// A random next operation of a program that adds, changes and deletes, with about `most` rows at a time.
 RowOperation some_operation(const Rows& rows, std::size_t most, std::uint32_t random);
 void perform(const RowOperation& operation, Rows& rows);
 
-// `kills` lives of the program, each of at most `longest_life`. Fails the test when an operation that was reported
-// done is missing, or anything else has changed but the one that was under way. Returns how many were reported done.
+// Runs `kills` lives of the program, each of at most `longest_life`. Fails the test when an operation reported done is
+// missing, or anything has changed except the operation in progress. Returns the number of operations reported done.
 std::uint64_t kill_repeatedly(const KilledProgram& program, int kills, std::chrono::milliseconds longest_life);
 
 }  // namespace testing_support

@@ -1,4 +1,4 @@
-// A studio whose files other programs hold for a moment, in each share mode.
+// A studio whose files other programs hold briefly, in each share mode.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -28,7 +28,7 @@ protected:
         db::set_database_folder("");
     }
 
-    // The studio as a killed host has left it, whose last colour is `color`: the journal holds it, the file does not.
+    // The studio as a killed host left it, with `color` as its last colour in the journal but not in the file.
     void leave_journal(LONG color) {
         testing_support::FaultFileSystem disk;
         std::unique_ptr<testing_support::FaultFileSystem> after;
@@ -99,7 +99,7 @@ TEST_F(HeldFiles, journal_that_another_program_holds_for_a_moment_is_replayed) {
     }
 }
 
-// It can be written but not removed: it is replayed, emptied, used on, and removed by a later opening.
+// It can be written but not removed: it is replayed, emptied, reused, and removed by a later opening.
 TEST_F(HeldFiles, journal_that_another_program_keeps_from_being_removed_stops_nothing) {
     leave_journal(2);
     HandleHolder holder(journal(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE);
@@ -142,7 +142,7 @@ TEST_F(HeldFiles, studio_is_closed_opened_and_changed_while_a_journal_is_held) {
         db::open(gate_);
         set_color(1);
         set_color(2);
-        // What is open for writing lets nobody in who shares no writing.
+        // A file open for writing refuses openers that do not share writing.
         const bool can_be_held = (share & FILE_SHARE_WRITE) != 0;
         HandleHolder holder(journal(), GENERIC_READ, share);
         ASSERT_EQ(holder.holds(), can_be_held) << share;
@@ -161,7 +161,7 @@ TEST_F(HeldFiles, studio_is_closed_opened_and_changed_while_a_journal_is_held) {
     }
 }
 
-// In a folder whose name no code page of the West can tell.
+// In a folder whose name no Western code page can express.
 TEST_F(HeldFiles, folder_with_a_name_beyond_the_code_page_is_the_studio_itself) {
     const std::filesystem::path folder = std::filesystem::path(folder_) / L"Micha\x0142 \x30B9\x30BF";
     std::filesystem::create_directory(folder);

@@ -15,7 +15,7 @@ class Schema : public FolderTest {
 protected:
     Schema() { database_.Create(path("schema.mdb").c_str()); }
 
-    // Stores one row with `text` in `field`; the number of the failure, or 0.
+    // Stores one row with `text` in `field`; returns the error number, or 0.
     int store(const char* table, const char* field, const char* text) {
         CDaoRecordset rows(&database_);
         rows.Open(dbOpenDynaset, table, 0);

@@ -1,4 +1,5 @@
-// Where the files of a session stand and what else stands there: drafts, links, other hosts, a system that refuses.
+// The location of a session's files and the other things found there: drafts, links, other hosts, a system that
+// refuses.
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -96,7 +97,7 @@ constexpr int kHasIt = 0;
 constexpr int kToldInUse = 1;
 constexpr int kOther = 2;
 
-// Runs db::open in a child that keeps what it has got until `release` is closed; the exit code is one of the above.
+// Runs db::open in a child that keeps its databases open until `release` is closed; the exit code is one of the above.
 pid_t open_in_child(int start, int told, int release) {
     const pid_t child = ::fork();
     if (child != 0) return child;

@@ -1,4 +1,4 @@
-// The two databases of a process in a folder of the test's own.
+// The two databases of a process in the test's own folder.
 #pragma once
 
 #include <filesystem>
@@ -33,7 +33,7 @@ protected:
         const COleVariant value = rows.GetFieldValue(name);
         return value.vt == VT_NULL ? "(null)" : std::string(db::value_to_text(value));
     }
-    // Takes the main file away from under the open database, as far as the host allows.
+    // Removes the main file under the open database, if the host allows it.
     void take_main_file_away() { std::filesystem::remove(path("sldb.mdb")); }
     std::string file_bytes(const char* name) const {
         std::ifstream in(path(name), std::ios::binary);

@@ -99,7 +99,7 @@ TEST_F(Session, open_on_an_empty_folder_leaves_no_sample_equipment) {
     EXPECT_EQ(db::open(gate_), S_OK);
     EXPECT_TRUE(gate_.main->IsOpen());
     EXPECT_TRUE(gate_.invoice->IsOpen());
-    // The first step makes the file, so the later one finds it present.
+    // The first step creates the file, so the later one finds it.
     EXPECT_EQ(row_count(gate_.main, "Equipment"), 0);
     EXPECT_EQ(row_count(gate_.main, "DBHeader"), 1);
     EXPECT_EQ(db::open(gate_), S_OK);
@@ -107,7 +107,7 @@ TEST_F(Session, open_on_an_empty_folder_leaves_no_sample_equipment) {
     EXPECT_EQ(row_count(gate_.main, "Def_Invoice"), 1);
 }
 
-#ifndef _WIN32  // an open file cannot be taken away there
+#ifndef _WIN32  // an open file cannot be removed there
 TEST_F(Session, open_that_itself_finds_no_main_file_writes_sample_equipment) {
     db::attach(gate_);
     take_main_file_away();
@@ -157,7 +157,7 @@ TEST_P(SessionClose, flags_say_what_is_closed) {
     db::close(GetParam().flags);
     EXPECT_EQ(gate_.main->IsOpen(), !GetParam().closes_main);
     EXPECT_EQ(gate_.invoice->IsOpen(), !GetParam().closes_invoice);
-    db::close(GetParam().flags);  // closing what is closed is nothing
+    db::close(GetParam().flags);  // closing twice does nothing
 }
 
 INSTANTIATE_TEST_SUITE_P(Flags, SessionClose,
@@ -253,7 +253,7 @@ TEST_F(Session, header_without_a_row_fails_and_leaves_the_record) {
     EXPECT_EQ(head.Color1, -2);
     EXPECT_EQ(db::set_head(gate_, &head), E_FAIL);
     EXPECT_EQ(db::stored_version(*gate_.main), 0);
-    EXPECT_EQ(db::open(gate_), S_OK);  // served as it stands
+    EXPECT_EQ(db::open(gate_), S_OK);  // used unchanged
 }
 
 TEST_F(Session, gate_that_never_attached_fails) {

@@ -9,7 +9,7 @@ TEST(StringResources, welcome_note_has_its_heading_and_paragraphs) {
     const std::string line = std::string(17, ' ') + std::string(27, '=') + "\n";
     EXPECT_EQ(note.substr(0, line.size() * 2 + 19 + 21), line + std::string(19, ' ') + "Welcome to Korvane !\n" + line);
     EXPECT_EQ(note.find('\r'), std::string::npos);
-    // Blanks before the ends of lines and the small letter are deliberate.
+    // Blanks at the ends of lines and the lower-case letter are deliberate.
     for (const char* paragraph :
          {"first time, a new sample project is created. \n\n",
           "\n\nKorvane is simple and intuitive application. it won't take you long", " before start using it. \n\n"}) {

@@ -1,4 +1,4 @@
-// How a Windows program comes to use COM, and classes that are not registered.
+// COM initialization of a Windows program, and activation of unregistered classes.
 #pragma once
 
 #include <kvdb/com.h>

@@ -1,4 +1,4 @@
-// The class table, its creators, and the identifiers that the outside world knows.
+// The class table, its creators, and the published identifiers.
 #include "frame/class_table.h"
 
 #include <gtest/gtest.h>

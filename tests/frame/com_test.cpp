@@ -133,8 +133,8 @@ TEST(DaoException, is_caught_as_its_base) {
     EXPECT_TRUE(caught);
 }
 
-// Where a member lies counts, not only its name. The offsets are those of 4-byte integers, dates and
-// floats and pointer-sized texts, in the published order.
+// The position of a member matters, not only its name. The offsets are those of 4-byte integers, dates and floats and
+// pointer-sized texts, in the published order.
 TEST(Records, members_lie_in_published_order) {
     constexpr std::size_t P = sizeof(void*);
     EXPECT_EQ(sizeof(HeadInfo), 12u);

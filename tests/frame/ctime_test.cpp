@@ -1,5 +1,5 @@
-// Local calendar dates in the zones that make them hard. The zones are given by rule, so that the tests
-// do not depend on what the system knows of the world.
+// Local calendar dates in difficult zones. The zones are given by rule, so that the tests do not depend on the system's
+// zone database.
 #include <kvdb/ctime.h>
 
 #include <gtest/gtest.h>
@@ -67,7 +67,7 @@ TEST(CTime, parts_make_a_count_and_come_back) {
 TEST(CTime, parts_are_local) {
     const Zone zone("CET-1CEST,M3.5.0,M10.5.0/3");
     EXPECT_EQ(CTime(2005, 1, 1, 0, 0, 0).GetTime(), 1104534000);
-#ifndef _WIN32  // whose runtime takes the hours from the variable and the rule from the system
+#ifndef _WIN32  // its runtime takes the hours from the variable and the rule from the system
     EXPECT_EQ(CTime(2005, 7, 1, 0, 0, 0).GetTime(), 1120168800);
 #endif
     EXPECT_EQ(CTime(2005, 7, 1, 0, 0, 0, 0).GetTime(), 1120172400);
@@ -92,7 +92,7 @@ TEST(CTime, out_of_range_is_minus_one) {
         EXPECT_EQ(CTime(-1, -1, -1, 0, 0, 0).GetTime(), -1);
     }
     {
-        const Zone east("CET-1");  // its first day of 1970 begins before the count does
+        const Zone east("CET-1");  // its first day of 1970 starts before the count does
         EXPECT_EQ(CTime(1970, 1, 1, 0, 0, 0).GetTime(), -1);
         EXPECT_EQ(CTime(1970, 1, 1, 1, 0, 0).GetTime(), 0);
     }
@@ -140,7 +140,7 @@ TEST(CTime, local_parts_go_where_asked) {
 }
 
 #ifndef _WIN32
-// Clocks that go forward at midnight: the day begins at one o'clock.
+// Clocks that go forward at midnight: the day starts at one o'clock.
 TEST(CTime, missing_midnight_moves_to_the_first_second_of_the_day) {
     const Zone zone("XST3XDT,M10.3.0/0,M2.3.0/0");
     const CTime time(2005, 10, 16, 0, 0, 0);

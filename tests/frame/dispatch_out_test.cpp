@@ -1,4 +1,4 @@
-// Late binding: what a method gives back through its arguments, and texts in both directions.
+// Late binding: results returned through arguments, and texts in both directions.
 #include <gtest/gtest.h>
 
 #include <cstring>

@@ -33,7 +33,7 @@ constexpr frame::Method kMethods[] = {
     frame::method<&IProbe::File>("File", "szFile"),
 };
 
-// Records what arrives and answers what it is told.
+// Records what arrives and returns the given result.
 class Probe final : public IProbe {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID, void**) override { return E_NOINTERFACE; }

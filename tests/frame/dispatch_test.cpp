@@ -255,7 +255,7 @@ TEST(DispatchInteger, other_types_mismatch_and_name_the_argument) {
                                  Variant::text(u""), Variant::text(u"1 2"), Variant::ref_to(VT_I4, nullptr)}) {
         const Outcome outcome = invoke(probe, kCompute, {given, Variant::ref(out)});
         EXPECT_EQ(outcome.result, DISP_E_TYPEMISMATCH) << "type " << given.vt;
-        EXPECT_EQ(outcome.bad_argument, 1u);  // arguments are listed backwards
+        EXPECT_EQ(outcome.bad_argument, 1u);  // arguments are listed in reverse order
     }
     EXPECT_EQ(probe.calls, 0);
 }

@@ -1,4 +1,4 @@
-// The host of docs/hosting.md does what it says.
+// The host of docs/hosting.md does what the document says.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -18,7 +18,7 @@ TEST(DocumentedHosts, host_makes_a_project) {
     std::string line;
     std::getline(out, line);
     EXPECT_EQ(line, "project 1");
-    // A file that is none of ours is told by the engine's text.
+    // For a foreign file the host prints the engine's text.
     std::ofstream(folder.file("sldb.mdb")) << "this is no database";
     EXPECT_NE(std::system(run.c_str()), 0);
     std::ifstream again(folder.file("out"));

@@ -1,4 +1,4 @@
-// The component as a host meets it: exported functions, class factories, identity, late binding.
+// The component from the host's side: exported functions, class factories, identity, late binding.
 #include <gtest/gtest.h>
 #include <kvdb/kvdb.h>
 
@@ -62,7 +62,7 @@ TEST(EntryPointsGate, class_makes_no_other_gates_interface) {
 
 TEST(EntryPointsGate, class_outside_the_table_is_not_available) {
     GateHost host;
-    // What the registration of the second gate names; no class of the table has it.
+    // The class identifier in the registration of the second gate; no class of the table has it.
     constexpr CLSID kRegisteredOnly{0xECADD900, 0x76DA, 0x49CB, {0x82, 0x86, 0x4A, 0x59, 0x13, 0xBB, 0xED, 0x89}};
     for (const CLSID& clsid : {kRegisteredOnly, IID_IDBgate1, LIBID_KVDBLib, GUID_NULL}) {
         void* factory = kSentinel;
@@ -199,7 +199,7 @@ TEST(LateBindingGate, database_methods_answer_as_through_the_virtual_table) {
     EXPECT_EQ(invoke(*gate, u"CloseDB").result, S_OK);
 }
 
-// ---- A fresh gate, and a folder with a file that is no database
+// ---- A fresh gate, and a folder with a file that is not a database
 
 TEST(FreshGate, version_and_header_fail_and_leave_the_callers_values) {
     GateHost host;
@@ -249,7 +249,7 @@ TEST(FreshGate, makes_no_file) {
 
 namespace {
 
-// What reaches a C++ host when the main file is no database.
+// What a C++ host receives when the main file is not a database.
 template <class Interface>
 std::string text_thrown_by_open(const GateHost& host, LONG& code) {
     const auto gate = host.create<Interface>();

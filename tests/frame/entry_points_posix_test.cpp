@@ -1,4 +1,4 @@
-// What the library is on a host without a class registry.
+// The library on a host without a class registry.
 #include <gtest/gtest.h>
 
 #include <array>
@@ -13,7 +13,7 @@ using namespace testing_support;
 
 namespace {
 
-// What a shell command writes to its standard output.
+// The standard output of a shell command.
 std::string output_of(const std::string& command) {
     std::string text;
     FILE* const pipe = popen(command.c_str(), "r");

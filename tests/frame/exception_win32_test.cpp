@@ -1,5 +1,5 @@
-// The exception of OpenDB across the boundary of the library: who shares the unwinder catches it, who does not is told
-// in the platform's way and lives on.
+// The exception of OpenDB across the boundary of the library: a host that shares the unwinder catches it; any other
+// host gets error info instead and continues.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -26,7 +26,7 @@ protected:
 constexpr const char* kShared = KVDB_EXCEPTION_HOST;
 constexpr const char* kStatic = KVDB_EXCEPTION_HOST_STATIC;
 
-// "[...]" at the end: the engine's own text, which names the file.
+// "[...]" at the end: the engine's text, which names the file.
 void expect_text_of_engine(const std::string& line) { EXPECT_NE(line.find("sldb.mdb"), std::string::npos) << line; }
 
 }  // namespace
@@ -72,7 +72,7 @@ TEST_F(ExceptionWin32, success_leaves_no_error_info) {
 }
 
 TEST_F(ExceptionWin32, host_of_the_platform_is_told_through_its_own_invoke) {
-    // The platform's Invoke calls the method from a module that no exception can pass.
+    // The platform's Invoke calls the method from a module through which no exception can pass.
     damage();
     const Apartment apartment;
     const ManifestContext context(folder_.file("kvdb.gates.manifest"));

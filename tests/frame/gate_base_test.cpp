@@ -1,5 +1,5 @@
-// The frame of a method call: module state, results, exceptions. The gates of this file are linked in,
-// so that the state is this program's to see; none of them opens a file.
+// The frame of a method call: module state, results, exceptions. The gates of this file are linked in, so that the
+// program can examine the state; none of them opens a file.
 #include "frame/gate_base.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ namespace {
 
 std::vector<AFX_MODULE_STATE*> seen_states;
 
-// A host with a state of its own; notes every switch until it ends.
+// A host with its own state; records every switch until it is destroyed.
 class WatchedHost {
 public:
     WatchedHost() {
@@ -42,7 +42,7 @@ private:
 
 enum class Way { kAnswer, kEngineError, kStandardException, kOther };
 
-// A gate whose methods end in every way there is.
+// A gate whose methods end in every possible way.
 class UnrulyGate final : public frame::GearGate<IDBgate2> {
 public:
     UnrulyGate() : GearGate(IID_IDBgate2, frame::gate2_methods(), gear::kRentals) {}
@@ -83,8 +83,8 @@ ComPtr<Interface> linked_gate() {
     return gate;
 }
 
-// Calls every method by name, those that touch files excepted, and checks that each switched to the
-// component's state once and back.
+// Calls every method by name, except those that touch files, and checks that each switched to the component's state
+// once and back.
 void expect_every_method_switches_state(IDispatch& gate, std::span<const frame::Method> methods) {
     WatchedHost host;
     LONG number = 0;

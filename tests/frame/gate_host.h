@@ -1,4 +1,4 @@
-// A host of the component as an application on this system is one: it copies the library into a folder,
+// A host of the component, like an application on this system: it copies the library to a folder,
 // loads the copy and asks its entry point for class factories. A copy in an empty folder is a fresh
 // studio with files of its own.
 //
@@ -10,10 +10,10 @@
 //
 // Gates must be released before their component is unloaded.
 //
-// KVDB_TEST_ACCESS in the environment says how `create` comes to a gate, so that one suite tests every way:
-//   nothing   through the class factory that the loaded library gives
-//   com       on Windows: registered, and made by CoCreateInstance
-//   invoke    as com where there is one, and every method then goes through Invoke
+// KVDB_TEST_ACCESS in the environment selects how `create` obtains a gate, so that one suite tests every way:
+//   nothing   through the class factory of the loaded library
+//   com       on Windows: registered, and created by CoCreateInstance
+//   invoke    as com where available, and every method is then called through Invoke
 #pragma once
 
 #include <kvdb/kvdb.h>
@@ -59,7 +59,7 @@ struct GateIds<IDBGate3> {
     static constexpr const IID& iid = IID_IDBGate3;
 };
 
-// A record as the gates take it.
+// A record in the form that the gates take.
 template <class Record>
 LONG_PTR address_of(Record& record) {
     return reinterpret_cast<LONG_PTR>(&record);
@@ -76,14 +76,14 @@ inline Access test_access() {
 }
 
 #ifdef _WIN32
-// What is done to a component right after it was loaded.
+// Called for a component right after it was loaded.
 inline void (*component_loaded)(HMODULE module) = nullptr;
 #endif
 
 // One loaded copy of the component.
 class Component {
 public:
-    // Copies the library into `folder`, unless it is there already, and loads the copy.
+    // Copies the library to `folder`, unless it is already there, and loads the copy.
     explicit Component(const std::string& folder) : folder_(folder) {
         const std::filesystem::path source = KVDB_LIBRARY;
         path_ = os::join_path(folder, source.filename().string());
@@ -107,7 +107,7 @@ public:
     }
     ~Component() {
 #ifdef _WIN32
-        // The platform holds the library until it asks whether it is still needed.
+        // The platform holds the library until it checks whether it is still in use.
         if (test_access() != Access::kFactory) CoFreeUnusedLibrariesEx(0, 0);
         FreeLibrary(module_);
 #else
@@ -156,7 +156,7 @@ private:
     }
 
 #ifdef _WIN32
-    // The class is looked up in the registry, which knows one copy of the component at a time.
+    // The class is looked up in the registry, which has one copy of the component at a time.
     template <class Interface>
     ComPtr<Interface> create_by_com() const {
         static const HRESULT apartment = CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);

@@ -1,4 +1,4 @@
-// The three method tables against the published lists, and every row against the slot it must reach.
+// The three method tables against the published lists, and every row against its slot.
 #include "frame/gate_methods.h"
 
 #include <gtest/gtest.h>
@@ -100,8 +100,8 @@ std::vector<std::string> signatures(std::span<const frame::Method> methods) {
 
 #ifndef _WIN32
 
-// An object that is nothing but a table of slots, each of which notes its number. A caller of a method
-// finds the slot through that table as it does with any object; no slot looks at its arguments.
+// An object that consists only of a table of slots, each of which records its number. A caller of a method finds the
+// slot through that table as with any object; no slot reads its arguments.
 int called_slot = -1;
 
 template <int Slot>

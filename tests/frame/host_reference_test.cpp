@@ -10,7 +10,7 @@
 
 namespace {
 
-// The document for hosts, in which tests look for what they know.
+// The document for hosts, which tests compare with the code.
 std::string document() {
     std::ifstream in(KVDB_DOCS "/reference.md");
     return {std::istreambuf_iterator<char>(in), {}};

@@ -1,4 +1,4 @@
-// Whole hosts on Windows: those of docs/hosting.md, two at once, and studios in folders of unusual names.
+// Complete hosts on Windows: those of docs/hosting.md, two at once, and studios in folders with unusual names.
 #include <gtest/gtest.h>
 #include <kvdb/kvdb.h>
 
@@ -17,7 +17,7 @@ class HostsWin32 : public testing::Test {
 protected:
     HostsWin32() { install_files(folder_.path()); }
 
-    // The block of the document that is written in `language`.
+    // The code block of the document in `language`.
     static std::string documented(const std::string& language) {
         const std::string document = bytes_of(KVDB_DOCS "/hosting.md");
         const std::string mark = "```" + language + "\n";
@@ -28,7 +28,7 @@ protected:
     TempFolder folder_;
 };
 
-// A registered component for the time of a test.
+// Registers a component during a test.
 class Registered {
 public:
     explicit Registered(const Component& component) : component_(component) {
@@ -158,7 +158,7 @@ TEST_F(HostsWin32, folder_with_blanks_and_umlauts_holds_a_studio) {
     expect_studio_works_in(folder);
 }
 
-// The longest path from which the system loads a library has 259 characters; names beside it may be longer.
+// The longest path from which the system loads a library has 259 characters; files beside it may have longer names.
 TEST_F(HostsWin32, folder_as_long_as_the_system_takes_holds_a_studio) {
     constexpr std::size_t kLongestLibraryPath = 259;
     for (const std::size_t length : {kLongestLibraryPath - 20, kLongestLibraryPath}) {

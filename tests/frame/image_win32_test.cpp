@@ -17,7 +17,7 @@ using namespace testing_support;
 
 namespace {
 
-// The library mapped as an image, without running any of it.
+// The library mapped as an image, without running its code.
 class ImageWin32 : public testing::Test {
 protected:
     ImageWin32() : module_(LoadLibraryExA(KVDB_LIBRARY, nullptr, DONT_RESOLVE_DLL_REFERENCES)) {

@@ -1,4 +1,4 @@
-// The installed tree, and a host that finds it in each of the two ways.
+// The installed tree, and a host that finds it by CMake package and by pkg-config.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -20,7 +20,7 @@ protected:
     std::string prefix() const { return folder_.file("prefix"); }
     std::string file(const std::string& name) const { return folder_.file(name); }
 
-    // A host that was linked with the library needs it at its start, and finds the installed one.
+    // Whether a host is linked to the library, and so needs the installed one at its start.
     static bool names_the_library(const std::string& host) {
         return run("readelf -d '" + host + "' | grep -E 'kvdb|R(UN)?PATH'") == 0;
     }
@@ -30,7 +30,7 @@ private:
     testing_support::TempFolder folder_;
 };
 
-// A library built with a sanitizer needs the sanitizer in its host.
+// A library built with a sanitizer needs it in its host.
 #ifdef KVDB_SANITIZED
 constexpr bool kForeignHosts = false;
 #else

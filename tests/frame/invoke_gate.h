@@ -1,10 +1,11 @@
-// A gate reached by late binding only: an object with the virtual table of the gate's interface, whose every method
-// is a call of the real gate's Invoke. So a test that was written for the virtual table tests Invoke as well.
+// A gate reached by late binding only: an object with the virtual table of the gate's interface, each method
+// of which calls the real gate's Invoke. So a test written for the virtual table also tests Invoke.
 //
 //     ComPtr<IDBgate1> late = through_invoke<IDBgate1>(gate);
 //
-// What the gate answers is translated back: DISP_E_EXCEPTION into the failure it stands for, an argument that cannot be
-// passed that way (a null text) into E_FAIL.
+// The gate's results are translated back: DISP_E_EXCEPTION to the failure that it carries, an argument that Invoke
+// cannot
+// pass (a null text) to E_FAIL.
 #pragma once
 
 #include <kvdb/kvdb.h>
@@ -26,7 +27,7 @@ using frame::ComPtr;
 
 namespace invoke_detail {
 
-// One argument on its way into a variant and back.
+// Converts one argument to a variant and back.
 struct NumberArgument {
     explicit NumberArgument(LONG number) : variant(Variant::i4(number)) {}
     void give_back(bool) {}
@@ -68,7 +69,7 @@ struct TextArgument {
     Variant variant;
 };
 
-// On Windows an identifier and a record's address are one type.
+// On Windows an identifier and a record's address have the same type.
 template <class Parameter>
 struct ArgumentOf {
     using Type = AddressArgument;

@@ -1,4 +1,4 @@
-// What a scripting host does with a gate: names to identifiers, variants, calls by identifier.
+// Uses a gate as a scripting host does: names to identifiers, variants, calls by identifier.
 #pragma once
 
 #include <kvdb/kvdb.h>
@@ -11,7 +11,7 @@
 
 namespace testing_support {
 
-// A variant that clears itself. Older headers of the platform let a variant that is only read be changed.
+// A variant that clears itself. Older headers of the platform pass even variants that are only read as non-const.
 class Variant : public VARIANT {
 public:
     Variant() { VariantInit(this); }
@@ -47,7 +47,7 @@ public:
         result.bstrVal = SysAllocStringByteLen(reinterpret_cast<LPCSTR>(value.data()), bytes);
         return result;
     }
-    // A reference to `target`, which must live as long as the result is used.
+    // A reference to `target`, which must outlive the result.
     static Variant ref(VARIANT& target) {
         Variant result;
         result.vt = VT_BYREF | VT_VARIANT;
@@ -78,7 +78,7 @@ inline std::u16string text_of(BSTR text) {
     return std::u16string(reinterpret_cast<const char16_t*>(text), SysStringLen(text));
 }
 
-// What a call by identifier gave.
+// The result of a call by identifier.
 struct Outcome {
     HRESULT result = S_OK;
     SCODE scode = 0;
@@ -94,7 +94,7 @@ inline DISPID id_of(IDispatch& gate, std::u16string name) {
     return SUCCEEDED(gate.GetIDsOfNames(IID_NULL, names, 1, LOCALE_USER_DEFAULT, &id)) ? id : DISPID_UNKNOWN;
 }
 
-// Calls `id`; `arguments` in the order of the parameters, those named by `named` last.
+// Calls `id`; `arguments` in the order of the parameters, with those named by `named` last.
 inline Outcome invoke(IDispatch& gate, DISPID id, std::vector<Variant> arguments, std::vector<DISPID> named = {}) {
     std::vector<VARIANT> backwards;
     for (std::size_t i = 0; i < named.size(); ++i) backwards.push_back(arguments[arguments.size() - named.size() + i]);

@@ -1,5 +1,5 @@
-// Gates between the apartments of a process: whichever apartment has made one, every other one gets the gate itself
-// and calls it without a message to its maker.
+// Gates between the apartments of a process: every apartment gets the gate itself, whichever created it, and calls it
+// without a message to its creator.
 #include <gtest/gtest.h>
 
 #include <objidl.h>
@@ -17,7 +17,7 @@ namespace {
 
 constexpr DWORD kApartments[] = {COINIT_APARTMENTTHREADED, COINIT_MULTITHREADED};
 
-// Runs `work` in a new thread of an apartment, while this one answers no messages.
+// Runs `work` in a new thread of an apartment, while this thread processes no messages.
 template <class Work>
 void run_in_apartment(DWORD apartment, Work&& work) {
     std::thread([&] {
@@ -29,7 +29,7 @@ void run_in_apartment(DWORD apartment, Work&& work) {
 
 class MarshalingWin32 : public testing::Test {
 protected:
-    // Hands `object` to each kind of apartment; `use` gets what arrives there.
+    // Passes `object` to each kind of apartment; `use` receives what arrives there.
     template <class Interface, class Use>
     void pass(Interface& object, REFIID iid, Use&& use) {
         for (const DWORD apartment : kApartments) {
@@ -94,7 +94,7 @@ TEST_F(MarshalingWin32, marshaler_is_a_part_of_the_gate) {
     ASSERT_EQ(gate->QueryInterface(IID_IUnknown, identity.put()), S_OK);
     ASSERT_EQ(marshal->QueryInterface(IID_IUnknown, same.put()), S_OK);
     EXPECT_EQ(identity.get(), same.get());
-    // No reference of the marshaler keeps the gate alive.
+    // The marshaler keeps no reference that would keep the gate alive.
     identity.reset();
     same.reset();
     marshal.reset();

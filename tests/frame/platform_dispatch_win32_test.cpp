@@ -1,5 +1,5 @@
-// The component's own late binding against the platform's, which works from the type library: the same answers to
-// every call that the platform accepts.
+// The component's late binding against the platform's, which uses the type library: the same result for every call that
+// the platform accepts.
 #include <gtest/gtest.h>
 #include <kvdb/kvdb.h>
 
@@ -17,7 +17,7 @@ using namespace testing_support;
 
 namespace {
 
-// What a call gave, in comparable form; the record or number behind its arguments included.
+// The result of a call in comparable form, including the record or number that its arguments point to.
 struct Answer {
     std::string method;
     HRESULT result;
@@ -45,7 +45,7 @@ Answer call(IDispatch* own, ITypeInfo* platform, IDispatch* gate, DISPID id, std
     return {"", result, exception.scode};
 }
 
-// The same call both ways; `arguments` is made anew for each.
+// Makes the same call both ways; `arguments` is created anew for each.
 template <class MakeArguments>
 void expect_same(IDispatch& gate, DISPID id, MakeArguments make, const std::string& what) {
     ITypeInfo* type = nullptr;
@@ -103,7 +103,7 @@ void expect_same_names(Gate& gate, const PublishedMethod (&methods)[Count]) {
     type->Release();
 }
 
-// Every method in slot order on a new gate, with its arguments in the plain types and without any.
+// Every method in slot order on a new gate, with arguments of the plain types and without any.
 template <class Gate, std::size_t Count>
 std::vector<Answer> answers(const PublishedMethod (&methods)[Count], bool by_platform) {
     const GateHost host;
@@ -113,7 +113,7 @@ std::vector<Answer> answers(const PublishedMethod (&methods)[Count], bool by_pla
     std::vector<Answer> result;
     for_each_method(methods, [&](DISPID id, const PublishedMethod& method) {
         const std::string kind = kinds(method);
-        if (kind.find('t') != std::string::npos) return;  // the platform takes no text buffers
+        if (kind.find('t') != std::string::npos) return;  // the platform accepts no text buffers
         Room room;
         LONG number = 0;
         std::vector<Variant> arguments;

@@ -1,4 +1,4 @@
-// What an application compiles: every public header, alone, in both language versions, without a warning.
+// Every public header compiles alone, in both language versions, without a warning, as applications compile it.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -12,7 +12,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Whether the compiler takes a source that includes nothing but `header`.
+// Whether the compiler accepts a source that includes only `header`.
 bool compiles_alone(const testing_support::TempFolder& folder, const std::string& header, const std::string& standard) {
     const std::string source = folder.file("alone.cpp");
     std::ofstream(source) << "#include <kvdb/" << header << ">\n";

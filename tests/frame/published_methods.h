@@ -1,5 +1,5 @@
-// The methods of the gates as they are published, in slot order: name, and parameters by kind and name. Kinds are
-// "r" a record's address, "n" an identifier, "t" a text buffer, "o" an out integer, "f" a file name.
+// The published methods of the gates, in slot order: name, and parameters by kind and name. Kinds are "r" a record's
+// address, "n" an identifier, "t" a text buffer, "o" an out integer, "f" a file name.
 #pragma once
 
 #include <iterator>

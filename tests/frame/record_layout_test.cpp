@@ -555,7 +555,7 @@ constexpr Layout kLayouts[] = {
      "40 LONG ExData, 44 CTime DateFrom, 48 CTime DateTo, 52 DWORD DateFlags"},
 };
 
-// Offset in a 64-bit host of each member, by the rule that a pointer lies at a multiple of its size; the record's size.
+// Offset of each member in a 64-bit host, with pointers aligned to their size; the record's size.
 struct WideLayout {
     std::string members;  // "8/16 CString Name", separated by ", "
     std::size_t size = 0;

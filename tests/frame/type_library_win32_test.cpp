@@ -53,7 +53,7 @@ std::vector<Function> declared(const std::string& interface_name) {
     return functions;
 }
 
-// The published list in the header's types.
+// The published list with the header's types.
 template <std::size_t Count>
 std::vector<Function> published(const PublishedMethod (&methods)[Count]) {
     std::vector<Function> functions;
@@ -73,7 +73,7 @@ std::vector<Function> published(const PublishedMethod (&methods)[Count]) {
     return functions;
 }
 
-// What the automation types are called in the header. A record's address is the same type as an identifier.
+// The header's names of the automation types. A record's address has the same type as an identifier.
 std::string automation_type(const TYPEDESC& type) {
     switch (type.vt) {
         case VT_I4: return "I4";

@@ -1,4 +1,4 @@
-// What tests of the Windows component share: copies of its files, other processes, the registry as text.
+// Shared by tests of the Windows component: copies of its files, other processes, the registry as text.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ inline std::string bytes_of(const std::filesystem::path& path) {
     return {std::istreambuf_iterator<char>(in), {}};
 }
 
-// Copies the library, the compiler's runtime and the manifest into `folder`, as they are installed.
+// Copies the library, the compiler's runtime and the manifest to `folder`, as an installation does.
 inline void install_files(const std::filesystem::path& folder) {
     const std::filesystem::path library = KVDB_LIBRARY;
     for (const char* name : {"kvdb.dll", "kvdb.gates.manifest", "libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}) {
@@ -39,7 +39,7 @@ inline std::wstring wide(const std::string& text) {
     return {units.begin(), units.end()};
 }
 inline std::string narrow(const std::wstring& text) { return os::narrow(std::u16string(text.begin(), text.end())); }
-// Takes over the text.
+// Takes ownership of the text.
 inline std::string taken(BSTR text) {
     const std::string result = text != nullptr ? narrow(std::wstring(text, SysStringLen(text))) : "";
     SysFreeString(text);
@@ -108,7 +108,7 @@ struct Ended {
     std::string out;  // what it wrote to both of its outputs
 };
 
-// Runs a command to its end.
+// Runs a command and waits for its exit.
 inline Ended run_process(const std::string& command, const std::string& folder = "") {
     const TempFolder scratch;
     SECURITY_ATTRIBUTES inherited{sizeof inherited, nullptr, TRUE};

@@ -93,7 +93,7 @@ TEST_F(Gear, older_rental_conditions_leave_out_room_client_and_dates) {
 
 TEST_F(Gear, rental_conditions_have_their_order) {
     GearRentInfo record;
-    record.GearID = 5;  // no condition
+    record.GearID = 5;  // not a condition
     EXPECT_EQ(kRentals.statement(&record), "SELECT * FROM [GearRentals]");
     record.ProjID = 12;
     record.ServiceName = "mic";

@@ -14,7 +14,7 @@ constexpr double kSecondsPerDay = 86400;
 // Day 0 of the format, counted from 1970-01-01.
 constexpr std::chrono::sys_days kDayZero = std::chrono::year{1899} / 12 / 30;
 
-// Seconds since 1970-01-01. The fraction counts forward from the start of the day, before day 0 as well.
+// Seconds since 1970-01-01. The fraction counts forward from the start of the day, also before day 0.
 double unix_seconds(jet::Date date) {
     const double day = std::trunc(date.days);
     const double day_zero = static_cast<double>(kDayZero.time_since_epoch().count());
@@ -49,7 +49,7 @@ std::string upper(std::string text) {
     return text;
 }
 
-// A decimal number without what says nothing: zeros at its end, the sign of zero.
+// A decimal number without trailing zeros and without the sign of zero.
 std::string plain_decimal(std::string text) {
     if (text.find('.') != std::string::npos) {
         text.erase(text.find_last_not_of('0') + 1);
@@ -71,7 +71,7 @@ std::string decimal_text(jet::Currency amount) {
     return with_point(std::to_string(negative ? 0 - magnitude : magnitude), negative, 4);
 }
 
-// Schoolbook: the 128-bit magnitude, most significant byte first, turned into decimal digits.
+// Long division: converts the 128-bit magnitude, most significant byte first, to decimal digits.
 std::string decimal_text(const jet::Numeric& value) {
     std::string digits = "0";
     for (std::size_t word = 0; word < 4; ++word) {
@@ -106,7 +106,7 @@ std::string hex_of_text(const std::string& text) {
     return hex_of(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
 }
 
-// Whether the text is this value, of whatever kind it is.
+// Whether the text is this value, for each type of value.
 struct SameAs {
     Reader reader;
     const std::string& text;
@@ -146,7 +146,7 @@ struct SameAs {
     bool operator()(const jet::Numeric& v) const { return plain_decimal(text) == decimal_text(v); }
 };
 
-// A way in which a reader is known to print something else than what is stored.
+// A known fault of a reader: it prints something other than the stored value.
 struct Fault {
     Reader reader;
     const char* name;
@@ -212,7 +212,7 @@ const Fault kFaults[] = {
      [](const Sample& sample, const Field& field) {
          return sample.column.type == jet::ColumnType::kFixedBinary && !field;
      }},
-    // The fraction is added to a negative day, though it counts forward there as well.
+    // It adds the fraction to a negative day, although it counts forward there as well.
     {Reader::kMdbReader, "the time of dates before 1899-12-30 is taken the wrong way",
      [](const Sample& sample, const Field& field) {
          double milliseconds = 0;

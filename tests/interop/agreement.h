@@ -1,5 +1,5 @@
-// When a value of ours and what another reader prints of it are the same, and the known faults of those
-// readers, for which they may differ.
+// Decides whether a value of ours and another reader's output for it are the same; lists the known faults of those
+// readers that permit a difference.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ namespace interop {
 
 enum class Reader { kMdbExport, kMdbReader };
 
-// A value and where it comes from.
+// A value and its origin.
 struct Sample {
     const jet::ColumnDef& column;
     const jet::Value& value;
@@ -21,18 +21,17 @@ struct Sample {
 // Whether the reader printed exactly this value.
 bool agrees(Reader reader, const Sample& sample, const Field& field);
 
-// Name of the known fault of the reader that explains what it printed; null when none does. Only asked
-// where agrees() is false.
+// Name of the reader's known fault that explains its output; null when none does. Only called when agrees() is false.
 const char* known_fault(Reader reader, const Sample& sample, const Field& field);
 
-// Whether known faults of both readers meet in the value, so that neither prints it: type 0x11, and a time of
-// day before 1899-12-30.
+// Whether known faults of both readers affect the value, so that neither prints it: type 0x11, and a time of day before
+// 1899-12-30.
 bool is_unreadable(const Sample& sample);
 
 // The value for messages.
 std::string describe(const jet::Value& value);
 
-// Hex digits, capital.
+// Hex digits, upper case.
 std::string hex_of(const std::uint8_t* bytes, std::size_t count);
 
 }  // namespace interop

@@ -1,5 +1,5 @@
-// Copies of files written by Access and ADOX, changed by the engine: it, and the other readers, read back
-// what was written, and nothing else is different.
+// The engine changes copies of files written by Access and ADOX: it and the other readers read back what was written,
+// and nothing else is different.
 #include <fstream>
 #include <iostream>
 #include <set>
@@ -15,7 +15,7 @@ namespace {
 
 using Rows = std::map<jet::RowId, std::vector<jet::Value>>;
 
-// What the check has to say, without the details that change with the content.
+// The findings of the check, without the details that change with the content.
 std::multiset<std::pair<jet::PageNumber, std::string>> findings(jet::Database& database) {
     std::multiset<std::pair<jet::PageNumber, std::string>> result;
     for (const jet::Violation& violation : jet::check_structure(database))
@@ -52,7 +52,7 @@ protected:
     }
 };
 
-// Changes one table and keeps the rows that it must have then.
+// Changes one table and keeps the rows that it must then have.
 class TableEditor {
 public:
     TableEditor(jet::Table& table, Rows rows) : table_(table), rows_(std::move(rows)) {}
@@ -79,8 +79,8 @@ public:
         return true;
     }
 
-    // Every own row gets the values of another number; by more than there are rows, so that no two meet in a unique
-    // index on the way.
+    // Gives every own row the values of another number; the difference exceeds the number of rows, so that no two
+    // values collide in a unique index on the way.
     void change_own_rows(std::uint32_t by) {
         const auto& columns = table_.def().columns;
         for (std::uint32_t i = 0; i < own_.size(); ++i) {
@@ -91,8 +91,8 @@ public:
         }
     }
 
-    // Every second row that was there before gets its longest texts, so that rows move to other pages; the row
-    // before it gets its texts emptied where they may be.
+    // Gives every second old row its longest texts, so that rows move to other pages; empties the texts of the row
+    // before it where permitted.
     void stretch_old_rows() {
         const std::vector<jet::RowId> old = old_rows();
         const auto& columns = table_.def().columns;
@@ -110,7 +110,7 @@ public:
         }
     }
 
-    // Every third row goes, old and new.
+    // Deletes every third row, old and new.
     void erase_some() {
         std::vector<jet::RowId> doomed;
         std::size_t i = 0;
@@ -125,7 +125,7 @@ public:
 
 private:
     static constexpr std::uint32_t kFirstNumber = 3001;
-    static constexpr std::size_t kRoomInRow = 1000;  // bytes, so that no row becomes too large
+    static constexpr std::size_t kRoomInRow = 1000;  // bytes; keeps rows from becoming too large
 
     std::vector<jet::RowId> old_rows() const {
         std::vector<jet::RowId> old;
@@ -218,7 +218,7 @@ TEST_F(ChangedSamplesInterop, indexes_that_grow_over_many_pages_and_shrink_keep_
         std::vector<jet::RowId> rows;
         for (std::uint32_t i = 0; i < 1500; ++i) {
             std::vector<jet::Value> values;
-            // Neither rising nor falling: entries come between others.
+            // Neither ascending nor descending: entries are inserted between others.
             for (const jet::ColumnDef& column : table.def().columns)
                 values.push_back(value_for(column, 1000 + i * 997 % 1511));
             rows.push_back(table.insert(values));
@@ -240,7 +240,7 @@ std::string bytes_of_file(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Gives a column of the table the sort order of later versions, whose keys this engine does not know.
+// Gives a column of the table the sort order of later versions, whose keys this engine does not support.
 void set_later_sort_order(jet::Database& database, jet::PageNumber table, std::uint16_t column_number) {
     using namespace jet;
     Transaction transaction(database.pager());

@@ -19,7 +19,7 @@ bool is_moved(jet::Database& database, jet::RowId row) {
 
 struct Verdict {
     bool same = false;
-    const char* fault = nullptr;  // explains why it is not the same
+    const char* fault = nullptr;  // explains the difference
 };
 
 Sample sample_of(const OurTable& table, const OurRow& row, std::size_t position) {
@@ -31,7 +31,7 @@ Verdict judge(Reader reader, const Sample& sample, const Field& field) {
     return {false, known_fault(reader, sample, field)};
 }
 
-// Positions of our columns in the foreign row; nothing is compared of a column that the reader lacks.
+// Positions of our columns in the foreign row; columns that the reader lacks are not compared.
 std::vector<std::size_t> column_positions(const OurTable& ours, const ForeignTable& theirs, const std::string& where) {
     std::vector<std::size_t> positions;
     for (const jet::ColumnDef& column : ours.def.columns) {
@@ -68,8 +68,8 @@ std::string row_difference(Reader reader, const OurTable& ours, const OurRow& ro
     return text;
 }
 
-// For each of our rows the reader's row with the same values; none where there is none. Both list moved rows
-// where they lie now, so a row is first looked for behind the one found last and then everywhere.
+// For each of our rows the reader's row with the same values, or none. Both list moved rows at their current place, so
+// the search starts after the last match and then covers all rows.
 std::vector<const std::vector<Field>*> pair_rows(Reader reader, const OurTable& ours, const ForeignTable& theirs,
                                                  const std::vector<std::size_t>& positions, const std::string& where) {
     std::vector<const std::vector<Field>*> pairs(ours.rows.size(), nullptr);
@@ -127,7 +127,7 @@ public:
             expect_column_order(*read, "mdb-reader, table " + name);
             reader_rows = pair(Reader::kMdbReader, *read, "mdb-reader, table " + name);
         }
-        // Whatever has no counterpart has been reported.
+        // Rows without a counterpart have been reported.
         if (std::count(export_rows.begin(), export_rows.end(), nullptr) != 0) return;
         if (std::count(reader_rows.begin(), reader_rows.end(), nullptr) != 0) return;
         judge_values(*exported, export_rows, read, reader_rows);
@@ -189,7 +189,7 @@ std::string schema_type(const jet::ColumnDef& column) {
         case jet::ColumnType::kDouble: return "Double";
         case jet::ColumnType::kDate: return "DateTime";
         case jet::ColumnType::kText: return "Text (" + std::to_string(column.length_bytes / 2) + ")";
-        // It words the size of every long value like this, in files of Access as well.
+        // It prints the size of every long value like this, in files of Access as well.
         case jet::ColumnType::kOle: return "OLE (255)";
         case jet::ColumnType::kMemo: return "Memo/Hyperlink (255)";
         default: return "a type that we do not create";
@@ -220,7 +220,7 @@ bool is_text(const jet::ColumnDef& column) {
 void compare_columns(const std::string& path, const OurTable& ours, const std::vector<ForeignColumn>& schema,
                      const ForeignTable& read) {
     const std::string table = jet::to_utf8(ours.def.name);
-    // mdb-prop reads memory of its own that it never wrote where a table has no properties, as one without texts.
+    // For a table without properties, as one without texts, mdb-prop reads its own uninitialised memory.
     const bool has_text = std::any_of(ours.def.columns.begin(), ours.def.columns.end(), is_text);
     const auto zero_length = has_text ? mdbtools_zero_length(path, table) : std::map<std::string, bool>();
     ASSERT_EQ(schema.size(), ours.def.columns.size()) << "mdb-schema, table " << table;

@@ -14,7 +14,7 @@ namespace interop {
 struct OurRow {
     jet::RowId id;
     std::vector<jet::Value> values;
-    bool moved = false;  // lies on another page than its address says
+    bool moved = false;  // stored on another page than its address says
 };
 
 struct OurTable {
@@ -33,15 +33,15 @@ struct Comparison {
     std::map<std::string, std::size_t> faults;  // how often each known fault explained a difference
 };
 
-// Fails the running test for every difference that no known fault explains, and for every value that
-// neither reader has as we do. The file must be closed.
+// Fails the running test for every difference that no known fault explains, and for every value that neither reader
+// prints like ours. The file must be closed.
 Comparison compare_with_other_readers(const std::string& path, const std::vector<OurTable>& tables);
-// Opens the file read-only, whatever its password, and compares.
+// Opens the file read-only, with any password, and compares.
 Comparison compare_with_other_readers(const std::string& path);
 
-// For files that our engine made: what the other readers say of the definitions is what ours says. Checks the
-// row counts of all tables, and of the user tables the columns with their order, types, sizes, auto-number and
-// whether a text may be empty.
+// For files that our engine created: the other readers' view of the definitions equals ours. Checks the row counts of
+// all tables, and of the user tables the columns with their order, types, sizes, auto-number and whether a text may be
+// empty.
 void compare_definitions(const std::string& path, const std::vector<OurTable>& tables);
 
 }  // namespace interop

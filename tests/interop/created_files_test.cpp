@@ -1,4 +1,4 @@
-// Files made by the engine from nothing: the other readers find the same tables, columns and rows in them.
+// Files created by the engine: the other readers find the same tables, columns and rows in them.
 #include <chrono>
 
 #include "jet/check/check.h"
@@ -54,7 +54,7 @@ protected:
         if (!IsSkipped()) create(45000.5);
     }
 
-    // The encrypted security identifiers differ from date to date.
+    // The encrypted security identifiers depend on the creation date.
     void create(double creation_date) {
         jet::CreateOptions options;
         options.creation_date = creation_date;
@@ -65,8 +65,8 @@ protected:
 
     jet::RowId insert(std::u16string_view name, Values values) { return table(name).insert(std::move(values)); }
 
-    // Closes the file, reads it again with the engine, and compares with the check and with everything that
-    // other readers say. Leaves the file closed.
+    // Closes the file, reads it again with the engine, runs the check and compares with the other readers. Leaves the
+    // file closed.
     std::vector<OurTable> compare(const std::u16string& password = u"") {
         database_->close();
         jet::OpenOptions options;
@@ -135,7 +135,7 @@ TEST_F(CreatedFilesInterop, table_of_every_column_kind_reads_back_equal) {
     for (std::uint32_t number = 0; number < 300; ++number) {
         Values values;
         for (const jet::ColumnDef& def : table(u"Kinds").def().columns) {
-            // Every seventh value is missing; the key numbers itself.
+            // Every seventh value is missing; the auto-number assigns itself.
             const bool missing = def.is_autonumber() || (number + values.size()) % 7 == 0;
             values.push_back(missing && def.type != ColumnType::kBoolean ? jet::Value(jet::Null{})
                                                                          : value_for(def, number));
@@ -195,7 +195,7 @@ TEST_F(CreatedFilesInterop, memos_of_every_length_up_to_a_million_characters_rea
         }
     }
     EXPECT_GT(database_->pager().page_count(), 512u);
-    // Each row gets the values of another one, longer or shorter than its own.
+    // Gives each row the values of another one, longer or shorter than its own.
     const auto id_of = [&](std::size_t index) {
         auto id = table(u"Long").next_row({});
         for (std::size_t i = 0; i < index; ++i) id = table(u"Long").next_row(*id);
@@ -242,7 +242,7 @@ TEST_F(CreatedFilesInterop, columns_added_and_deleted_under_rows_read_back_equal
     database_->create_table(u"Growing", columns);
     for (int i = 0; i < 400; ++i) insert(u"Growing", {i, i % 2 == 0});
 
-    database_->add_column(u"Growing", column(u"First text", ColumnType::kText));  // the first of variable length
+    database_->add_column(u"Growing", column(u"First text", ColumnType::kText));  // the first column of variable length
     for (int i = 0; i < 50; ++i) insert(u"Growing", {i, true, u"with text"});
     // Nine more columns: the null mask gets a second byte.
     for (std::size_t i = 0; i < std::size(kCreatableTypes); ++i) {
@@ -268,7 +268,7 @@ TEST_F(CreatedFilesInterop, columns_added_and_deleted_under_rows_read_back_equal
     const OurTable& growing = find(tables, u"Growing");
     ASSERT_EQ(growing.rows.size(), 520u);
     EXPECT_EQ(growing.def.columns.size(), count - 1);
-    // The rows that were there are numbered in scan order; the later ones may lie between them.
+    // Existing rows are numbered in scan order; later ones may lie between them.
     std::vector<std::int32_t> keys;
     for (const OurRow& row : growing.rows) keys.push_back(std::get<std::int32_t>(row.values.back()));
     const auto later = std::stable_partition(keys.begin(), keys.end(), [](std::int32_t key) { return key <= 500; });

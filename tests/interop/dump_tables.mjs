@@ -1,6 +1,6 @@
-// Prints what mdb-reader reads of a file, as one JSON array of strings and nulls a line:
+// Prints what mdb-reader reads from a file, one JSON array of strings and nulls per line:
 //   ["password", TEXT or null]
-//   ["table", NAME, "user" or "system", ROW COUNT]     then, of this table,
+//   ["table", NAME, "user" or "system", ROW COUNT]     then, for this table,
 //   ["column", NAME, TYPE, SIZE, "autonumber" or ""]   one for each column
 //   ["row", VALUE...]                                  one for each row
 //   ["refused", MESSAGE]                               when the reader does not read the table

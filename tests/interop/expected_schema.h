@@ -1,10 +1,10 @@
-// The tables of a new studio file and of a new invoice file as an application expects them, written down
-// apart from the list that makes them.
+// The tables of a new studio file and of a new invoice file as an application expects them, written independently of
+// the list that creates them.
 #pragma once
 
 namespace interop {
 
-// Columns in order, each its name and kind. Kinds: key (auto-number), long, date, currency, single, text (255
+// Columns in order, each with name and kind. Kinds: key (auto-number), long, date, currency, single, text (255
 // characters, may be empty), short (255 characters, must not be empty), memo (may be empty).
 struct ExpectedTable {
     const char* name;

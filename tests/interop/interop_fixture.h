@@ -1,4 +1,4 @@
-// What every interop test needs: both other readers, an empty folder, a file in it.
+// Shared by all interop tests: both other readers, an empty folder, a file in it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@
 
 namespace interop {
 
-// Skips, visibly, where one of the readers is not installed.
+// Skips, visibly, when one of the readers is not installed.
 class InteropTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -27,7 +27,7 @@ protected:
     testing_support::TempFolder folder_;
 };
 
-// Sample files of one Jet version by their names, sorted; none where the folder is absent.
+// Names of the sample files of one Jet version, sorted; none when the folder is missing.
 inline std::vector<std::string> sample_files(bool jet3) {
     std::vector<std::string> files;
     std::error_code error;
@@ -39,7 +39,7 @@ inline std::vector<std::string> sample_files(bool jet3) {
     return files;
 }
 
-// The error number with which `work` ends; 0 when it does not fail.
+// The error number that `work` throws; 0 when it succeeds.
 template <class Work>
 int error_number(Work&& work) {
     try {

@@ -15,7 +15,7 @@ namespace interop {
 
 namespace {
 
-// The environment with the few settings that decide how values are printed.
+// The environment, with the few settings fixed that affect how values are printed.
 std::vector<std::string> fixed_environment() {
     std::vector<std::string> settings = {"TZ=UTC", "LC_ALL=C.UTF-8"};
     for (char** entry = environ; *entry; ++entry) {

@@ -1,4 +1,4 @@
-// Starts the programs of other makers that the tests compare with.
+// Runs the external programs that the tests compare with.
 #pragma once
 
 #include <string>
@@ -8,13 +8,13 @@ namespace interop {
 
 struct ProgramResult {
     int exit_code = -1;  // -1: it could not be started, or a signal ended it
-    std::string output;  // what it wrote to its standard output; the rest goes to this process's own
+    std::string output;  // its standard output; standard error goes to this process's
 };
 
-// Runs `words[0]`, looked for along PATH, with time zone UTC and a UTF-8 locale, and waits for its end.
+// Runs `words[0]`, searched in PATH, with time zone UTC and a UTF-8 locale, and waits for its exit.
 ProgramResult run_program(const std::vector<std::string>& words);
 
-// Whether a program of that name stands on PATH.
+// Whether PATH has a program of that name.
 bool has_program(const std::string& name);
 
 }  // namespace interop

@@ -14,7 +14,7 @@ namespace interop {
 
 namespace {
 
-// Two control characters in a row stand in no text of any file that is compared.
+// No text of any compared file contains two control characters in a row.
 constexpr std::string_view kFieldEnd = "\x1f\x1f";
 constexpr std::string_view kRowEnd = "\x1e\x1e";
 constexpr std::string_view kNull = "\x1d\x1d";

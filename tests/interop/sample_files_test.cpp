@@ -1,4 +1,4 @@
-// Files written by Access and ADOX: the engine and the other readers read the same.
+// Files written by Access and ADOX: the engine and the other readers read the same content.
 #include <iostream>
 
 #include "jet/check/check.h"

@@ -20,7 +20,7 @@ jet::Guid guid_of(std::uint32_t number) {
     return guid;
 }
 
-// At most four digits, as large as the column's precision allows, with the column's own scale.
+// At most four digits, up to the column's precision, with the column's own scale.
 jet::Numeric numeric_of(const jet::ColumnDef& column, std::uint32_t number) {
     std::uint32_t limit = 1;
     for (int digit = 0; digit < std::min<int>(column.precision, 4); ++digit) limit *= 10;
@@ -37,7 +37,7 @@ jet::Numeric numeric_of(const jet::ColumnDef& column, std::uint32_t number) {
 jet::Value text_for(const jet::ColumnDef& column, std::uint32_t number, std::size_t characters) {
     const std::size_t most = column.length_bytes / 2;
     std::u16string text = text_of(number, std::min(characters, most));
-    // Text of fixed length comes back with blanks behind it.
+    // Text of fixed length is padded with blanks.
     if (column.is_fixed()) text.resize(most, u' ');
     return text;
 }

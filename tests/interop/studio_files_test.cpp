@@ -1,5 +1,5 @@
-// The two files that the component makes: every table and column is as an application expects it, and the
-// other readers find in them what went in through the gate.
+// The two files that the component creates: every table and column is as an application expects it, and the other
+// readers find in them what was written through the gate.
 #include <chrono>
 #include <sstream>
 
@@ -32,7 +32,7 @@ std::vector<ExpectedColumn> columns_of(const ExpectedTable& table) {
     return columns;
 }
 
-// The kind of a column as the expectation words it.
+// The kind of a column in the words of the expectation.
 std::string kind_of(const jet::ColumnDef& column) {
     if (column.required) return "required";
     switch (column.type) {
@@ -77,7 +77,7 @@ protected:
     std::string studio() const { return folder_.file("sldb.mdb"); }
     std::string invoices() const { return folder_.file("kvinvdb.mdb"); }
 
-    // Opens both files through a gate, does the work and ends the component.
+    // Opens both files through a gate, does the work and unloads the component.
     template <class Work>
     void with_gate(Work&& work) {
         const Component component(folder_.path());
@@ -87,7 +87,7 @@ protected:
         EXPECT_EQ(gate->CloseDB(), S_OK);
     }
 
-    // What the engine reads of a closed file; it is sound, and the other readers agree.
+    // The engine's content of a closed file; checks that it is sound and that the other readers agree.
     std::vector<OurTable> compare(const std::string& path) {
         jet::OpenOptions options;
         options.ignore_password = true;
@@ -104,7 +104,7 @@ protected:
         return tables;
     }
 
-    // A table as mdb-reader has it.
+    // A table as mdb-reader reads it.
     ForeignTable read(const std::string& path, const std::string& table) {
         const auto file = read_with_mdb_reader(path);
         const ForeignTable* found = file ? file->find_table(table) : nullptr;
@@ -136,7 +136,7 @@ TEST_F(StudioFilesInterop, new_files_have_passwords_of_their_own) {
     ASSERT_TRUE(main && invoice);
     ASSERT_TRUE(main->password && invoice->password);
     EXPECT_NE(*main->password, *invoice->password);
-    // The password that the other reader finds is the one that opens the file.
+    // The password that the other reader finds opens the file.
     jet::OpenOptions options;
     EXPECT_EQ(error_number([&] { jet::Database::open(studio(), options); }), jet::errors::kWrongPassword);
     options.password = jet::from_utf8(*main->password);
@@ -146,7 +146,7 @@ TEST_F(StudioFilesInterop, new_files_have_passwords_of_their_own) {
 TEST_F(StudioFilesInterop, projects_written_through_the_gate_read_back_equal_in_other_readers) {
     const std::size_t note_lengths[] = {0, 1, 32, 33, 64, 65, 2038, 2039, 4076, 8200, 100000};
     const auto narrow_text = [](std::uint32_t number, std::size_t characters) {
-        return os::narrow(text_of(2 * number, characters));  // even: umlauts, and nothing that a code page may lack
+        return os::narrow(text_of(2 * number, characters));  // even: umlauts, and only characters of every code page
     };
     const auto wide_form = [](const std::string& narrow) { return jet::to_utf8(os::widen(narrow)); };
     constexpr std::uint32_t kCount = 60;
@@ -179,9 +179,9 @@ TEST_F(StudioFilesInterop, projects_written_through_the_gate_read_back_equal_in_
         EXPECT_EQ(field(projects, row, "Folder"), "");
         EXPECT_EQ(field(projects, row, "Notes"), wide_form(narrow_text(i, note_lengths[i % std::size(note_lengths)])));
         const Field amount = field(projects, row, "DiscountVal");
-        // The records' way with amounts: the fraction counts upward from the whole part, below zero as well.
+        // Amounts of records: the fraction counts upward from the whole part, below zero as well.
         EXPECT_EQ(amount ? std::stod(*amount) : 0, i % 2 ? -12 + 0.25 : 1e6);
-        // A calendar date, whatever the time zone: the reader gives milliseconds since 1970 for it.
+        // A calendar date, in every time zone: the reader gives it as milliseconds since 1970.
         const auto day =
             std::chrono::sys_days(std::chrono::year{1970 + static_cast<int>(i)} / static_cast<int>(1 + i % 12) / 17);
         const Field created = field(projects, row, "ProjCreateDate");

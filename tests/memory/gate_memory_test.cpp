@@ -1,5 +1,5 @@
-// Gates whose memory runs out at every single request: one request is refused, eight in a row, or all from then on.
-// What was reported as success is in the file afterwards, whole, and nothing else; closing works without memory; the
+// Gates that run out of memory at every single allocation: one is refused, eight in a row, or all from then on.
+// Everything reported as success is in the file afterwards, whole, and nothing else; closing works without memory; the
 // next opening, with memory again, works.
 #include <gtest/gtest.h>
 #include <kvdb/kvdb.h>
@@ -43,7 +43,7 @@ std::string text_in(const ClosedRow& row, const char* column) {
     return text != nullptr ? jet::to_utf8(*text) : std::string();
 }
 
-// What a call without memory gave: S_OK, a failure, or the exception of an opening.
+// The result of a call without memory: S_OK, a failure, or the exception of an opening.
 template <class Call>
 HRESULT outcome_of(Call&& call) {
     try {
@@ -54,7 +54,7 @@ HRESULT outcome_of(Call&& call) {
     }
 }
 
-// `count`: how many requests in a row are refused.
+// `count`: how many allocations in a row are refused.
 class GateMemoryFault : public testing::TestWithParam<int> {
 protected:
     GateMemoryFault() : folder_(test_folder()) { db::set_database_folder(folder_.path()); }
@@ -108,8 +108,8 @@ protected:
         }
         return rows;
     }
-    // One edit with memory for `granted` requests: it is saved whole, which `saved` notes, or not at all. How many
-    // requests were refused.
+    // One edit with memory for `granted` allocations: it is saved whole, which `saved` checks, or not at all. Returns
+    // the number of refused allocations.
     template <class Edit, class Saved>
     int whole_or_not_at_all(int granted, Edit&& edit, Saved&& saved) {
         int refused = 0;
@@ -137,7 +137,7 @@ protected:
         return rows;
     }
 
-    // Both files closed, with memory again: sound, and with the rows that they are said to have.
+    // Closes both files, with memory again: they are sound and hold the expected rows.
     void expect_files(const std::string& when) {
         expect_sound(when);
         EXPECT_EQ(rows_in_file(), rows_) << when;
@@ -154,7 +154,7 @@ protected:
         }
     }
 
-    // `work(n)` runs without memory after `granted` requests, for every number of them until none is refused.
+    // Runs `work(n)` without memory after `granted` allocations, for increasing numbers until none is refused.
     // `growth`: from one number to the next, in percent.
     template <class Work>
     void at_every_request(const Work& work, int growth = 0) {
@@ -173,7 +173,7 @@ protected:
     Rows rows_;
 
 private:
-    // The files are looked at, not the disk: hundreds of openings need a quick one.
+    // The tests examine the files, not the disk: hundreds of openings need a quick one.
     static TempFolder test_folder() {
 #ifndef _WIN32
         if (std::filesystem::is_directory("/dev/shm")) setenv("TMPDIR", "/dev/shm", 1);
@@ -272,7 +272,7 @@ TEST_P(GateMemoryFault, list_of_names_takes_a_name_or_nothing) {
     });
 }
 
-// Also with everything unsynced that a burst of edits leaves.
+// Also with everything that a burst of edits leaves unsynced.
 TEST_P(GateMemoryFault, closing_needs_no_memory) {
     make_studio();
     at_every_request([&](int n, int granted) {
@@ -325,7 +325,7 @@ TEST_P(GateMemoryFault, opening_works_or_leaves_the_files_closed_and_whole) {
                 refused = refusal.refused();
             }
             EXPECT_TRUE(result == S_OK || refused != 0);
-            // With memory again, whatever had been reached by then: rows are saved for good.
+            // With memory again, from any state reached by then: rows are saved permanently.
             EXPECT_EQ(gate_->OpenDB(), S_OK) << granted;
             add(600 + granted);
             gate_->CloseDB();
@@ -336,7 +336,7 @@ TEST_P(GateMemoryFault, opening_works_or_leaves_the_files_closed_and_whole) {
     expect_files("at the end");
 }
 
-// Operations on what a failed opening has left do not end in a transaction that nobody commits.
+// Operations after a failed opening do not end in a transaction that nobody commits.
 TEST_P(GateMemoryFault, what_is_saved_after_a_failed_opening_stays) {
     make_studio();
     at_every_request(
@@ -357,7 +357,7 @@ TEST_P(GateMemoryFault, what_is_saved_after_a_failed_opening_stays) {
     expect_files("at the end");
 }
 
-// A step of the upgrade that runs out of memory is taken back, and no transaction stays open.
+// A step of the upgrade that runs out of memory is rolled back, and no transaction stays open.
 TEST_P(GateMemoryFault, upgrading_leaves_whole_files_that_keep_what_is_saved) {
     make_gate();
     at_every_request(

@@ -1,5 +1,5 @@
-// The program's own operator new, and the linker's stand-ins for malloc and its kin: whatever is linked into this
-// program calls these.
+// The program's own operator new, and linker wrappers of malloc and its relatives: all code linked into this program
+// calls these.
 #include "tests/memory/refused_memory.h"
 
 #include <cstdlib>

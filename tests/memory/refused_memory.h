@@ -1,10 +1,10 @@
-// Memory that runs out: what this thread asks of operator new, and of the C library from within this program, is
-// refused at will.
+// Simulates lack of memory: refuses chosen allocations of this thread, by operator new and by the C library within this
+// program.
 #pragma once
 
 namespace testing_support {
 
-// While it lives, `count` requests of this thread are refused after `granted` others were granted.
+// While it lives, refuses `count` allocations of this thread after `granted` others.
 class RefusedMemory {
 public:
     RefusedMemory(int granted, int count);

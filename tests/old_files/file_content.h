@@ -1,4 +1,4 @@
-// Everything that is in a closed file, as text that tests can compare and print.
+// The whole content of a closed file, as text that tests can compare and print.
 #pragma once
 
 #include <map>
@@ -19,11 +19,11 @@ struct ContentTable {
 
 using Content = std::map<std::string, ContentTable>;
 
-// Whatever the password. Fails the test where the structural check finds fault.
+// With any password. Fails the test when the structural check has findings.
 Content content_of(const std::string& path);
 // The password stored in the file, UTF-8.
 std::string password_in(const std::string& path);
-// In one line each, what the second has otherwise than the first; "" for equal ones.
+// The differences of `b` from `a`, one line each; "" for equal contents.
 std::string difference(const Content& a, const Content& b);
 
 }  // namespace testing_support

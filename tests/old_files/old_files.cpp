@@ -11,7 +11,7 @@
 namespace testing_support {
 namespace {
 
-// What each version has added: tables, and columns of tables that were there before.
+// What each version added: tables, and columns of existing tables.
 struct Addition {
     std::int32_t version;
     const char* table;
@@ -70,7 +70,7 @@ bool has_word(const char* words, const std::string& wanted) {
     return false;
 }
 
-// By the additions that a version lacks. `column` "" asks for the table.
+// Whether the version lacks the column because a later one added it. `column` "" asks for the table.
 bool lacks(std::span<const Addition> additions, std::int32_t version, const std::string& table,
            const std::string& column) {
     for (const Addition& addition : additions) {
@@ -130,7 +130,7 @@ public:
     }
 
 private:
-    // The date as text, which version 200000 took away, and odd columns that the version has not.
+    // The text dates that version 200000 removed, and odd columns that the version lacks.
     void add_others(const std::string& table, std::vector<jet::NewColumn>& columns) const {
         const auto add = [&](const std::string& name, const std::string& kind) {
             const jet::NewColumn column = column_of(name, kind);

@@ -1,5 +1,5 @@
-// Files as earlier versions of the studio program left them, made with the engine alone: today's tables, which
-// expected_schema.h writes down, less what each later version has added, and what later versions took away.
+// Files as earlier versions of the studio program left them, made with the engine alone: today's tables as listed in
+// expected_schema.h, without the additions of later versions, and with what later versions removed.
 //
 //     OldFile studio(path, OldFile::Kind::kStudio, 100006);
 //     studio.add("Songs", {{"ProjID", 1}, {"Name", "Sunrise"}});
@@ -21,7 +21,7 @@ namespace testing_support {
 
 inline constexpr std::int32_t kOldVersions[] = {100005, 100006, 200000, 200010};
 
-// What the component's files are opened with, and what the studio files below version 100006 carry.
+// The passwords of the component's files, and of studio files below version 100006.
 inline constexpr char kStudioPassword[] = "KvStudio2005sl";
 inline constexpr char kFormerStudioPassword[] = "KvStudio2002";
 inline constexpr char kInvoicePassword[] = "KvInvoice2005";
@@ -29,7 +29,7 @@ inline constexpr char kInvoicePassword[] = "KvInvoice2005";
 // A value of a row; texts are UTF-8.
 struct Cell {
     Cell(const char* name, jet::Value given) : column(name), value(std::move(given)) {}
-    Cell(const char* name, std::int32_t number) : Cell(name, jet::Value(number)) {}  // 0 is no text
+    Cell(const char* name, std::int32_t number) : Cell(name, jet::Value(number)) {}  // 0 is not a text
     Cell(const char* name, float number) : Cell(name, jet::Value(number)) {}
     Cell(const char* name, const char* text) : Cell(name, jet::from_utf8(text)) {}
     Cell(const char* name, const std::string& text) : Cell(name, jet::from_utf8(text)) {}
@@ -42,15 +42,15 @@ inline jet::Currency amount(std::int64_t whole, std::int64_t ten_thousandths = 0
     return {whole * 10000 + ten_thousandths};
 }
 jet::Date day(int year, int month, int day_of_month);
-// A day as the system writes it, which is how files below version 200000 hold dates.
+// A date in the system's format, in which files below version 200000 store dates.
 std::string date_text(int year, int month, int day_of_month);
 
-// How a file differs from what its version says.
+// How a file deviates from its version.
 struct Oddities {
     std::set<std::string> without = {};             // "Table" or "Table.Column"
-    std::map<std::string, std::string> kinds = {};  // "Table.Column" to its kind; a column that is not there is added
-    std::set<std::string> also = {};                // tables of today's
-    const char* password = nullptr;                 // null: the version's own
+    std::map<std::string, std::string> kinds = {};  // "Table.Column" to its kind; a missing column is added
+    std::set<std::string> also = {};                // additional tables of today's schema
+    const char* password = nullptr;                 // null: the version's
     bool header_row = true;
 };
 
@@ -58,12 +58,12 @@ class OldFile {
 public:
     enum class Kind { kStudio, kInvoice };
 
-    // Makes the file with its tables and its header row.
+    // Creates the file with its tables and its header row.
     OldFile(const std::string& path, Kind kind, std::int32_t version, const Oddities& oddities = {});
     ~OldFile();
 
-    // Adds a row and returns its key (0: the table has none). A column that today's table has and this version's
-    // has not is left out; any other unknown one is an error, and so is an unknown table.
+    // Adds a row and returns its key (0: the table has none). Ignores a column of today's table that this version
+    // lacks; any other unknown column is an error, and so is an unknown table.
     std::int32_t add(const std::string& table, std::initializer_list<Cell> cells);
     bool has(const std::string& table) const;
     std::int32_t version() const { return version_; }

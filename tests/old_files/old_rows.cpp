@@ -1,5 +1,5 @@
-// The rows of a studio that has worked for years. Values go by the row's number, so that every table has the
-// ordinary and the odd ones in a fixed mixture.
+// The rows of a studio that has been used for years. Values depend on the row's number, so that every table has
+// ordinary and odd ones in a fixed mixture.
 #include <array>
 
 #include "tests/old_files/old_files.h"
@@ -9,7 +9,7 @@ namespace {
 
 using jet::Null;
 
-// The one with the number, going round.
+// The value for the number, cyclically.
 template <class Value, std::size_t kCount>
 const Value& pick(const std::array<Value, kCount>& values, std::int32_t number) {
     return values[static_cast<std::size_t>(number) % kCount];
@@ -21,7 +21,7 @@ constexpr std::array kTypes = {"Album", "Single", "Jingle", "Hörspiel"};
 
 std::string numbered(const char* text, std::int32_t number) { return text + (" " + std::to_string(number)); }
 
-// A date as files below version 200000 have it: mostly the system's way, sometimes no date at all.
+// A date as files below version 200000 store it: mostly in the system's format, sometimes no date at all.
 jet::Value old_date(std::int32_t number) {
     switch (number % 10) {
         case 3: return jet::Value(std::u16string());
@@ -70,7 +70,7 @@ void fill_lists(OldFile& file) {
     }
 }
 
-// What version 200000 and later ones brought.
+// The tables of version 200000 and later.
 void fill_newer_tables(OldFile& file, const StudioSize& size) {
     if (file.has("LibGroups")) {
         for (std::int32_t i = 1; i <= 3; ++i) {
@@ -168,7 +168,7 @@ jet::Value total(std::int32_t number) {
     return number % 8 == 7 ? jet::Value() : jet::from_utf8(pick(kTotals, number % 8));
 }
 
-// In the project of the song of the same number, of an engineer of the list or of another one.
+// Each session is in the project of the song of the same number; its engineer is in the list or not.
 void fill_sessions(OldFile& file, const StudioSize& size) {
     for (std::int32_t i = 1; i <= size.sessions; ++i) {
         const std::int32_t song = 1 + i % size.songs;

@@ -37,7 +37,7 @@ TEST_F(CodePageTest, windows_1252_unassigned_bytes_keep_their_value) {
 TEST_F(CodePageTest, windows_1252_character_without_equivalent_becomes_question_mark) {
     os::set_code_page(CodePage::kWindows1252);
     EXPECT_EQ(os::narrow(u"a\u0101b\u4E2D"), "a?b?");
-    // The code points of the specially used bytes have no byte of their own.
+    // The code points 0x80 to 0x9F of the reassigned bytes have no byte of their own.
     EXPECT_EQ(os::narrow(std::u16string{0x80, 0x9F}), "??");
     EXPECT_EQ(os::narrow(u"\U0001F3B5"), "??");
 }

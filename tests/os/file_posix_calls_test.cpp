@@ -1,5 +1,5 @@
-// What the system may do but seldom does: interrupted calls, short transfers, a name taken away at the worst
-// moment, a sync that fails. This program's own versions of the calls do it on demand.
+// Rare behaviour of the system: interrupted calls, short transfers, a name removed at the worst moment, a sync that
+// fails. This program replaces the calls and produces it on demand.
 #ifndef _WIN32
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -22,8 +22,8 @@
 namespace {
 
 struct Calls {
-    int interruptions = 0;                                  // so many calls fail with EINTR first
-    std::size_t most_bytes = static_cast<std::size_t>(-1);  // of one transfer
+    int interruptions = 0;                                  // this many calls fail with EINTR first
+    std::size_t most_bytes = static_cast<std::size_t>(-1);  // per transfer
     int sync_error = 0;                                     // errno of every sync; 0: none
     bool writes_take_nothing = false;
     std::function<void()> before_lock;
@@ -200,7 +200,7 @@ TEST_F(PosixCalls, state_that_cannot_be_told_is_an_error_and_not_absence) {
     }
 }
 
-// Where the system cannot rename without replacing: by a second name, or by a placeholder.
+// On systems that cannot rename without replacing: by a second link, or by a placeholder.
 TEST_F(PosixCalls, rename_never_replaces_on_lesser_file_systems_either) {
     const std::string target = folder_.file("y.mdb");
     for (const int link_error : {0, EPERM}) {

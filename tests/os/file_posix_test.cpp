@@ -1,5 +1,5 @@
-// Faults that only a process of its own, or a file system of its own, can show: second processes, rights,
-// limits, full and read-only disks. Each runs in a forked child that answers by its exit code.
+// Faults that need a separate process or file system: second processes, permissions, limits, full and read-only disks.
+// Each runs in a forked child that answers by its exit code.
 #ifndef _WIN32
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -96,7 +96,7 @@ TEST_F(PosixFiles, lock_is_not_inherited_by_a_started_program) {
     ASSERT_EQ(::pipe(started), 0);
     const pid_t child = ::fork();
     if (child == 0) {
-        // The write end closes on exec: the parent reads its end when the new program runs.
+        // The write end closes on exec: the parent's read ends when the new program runs.
         ::close(started[0]);
         ::fcntl(started[1], F_SETFD, FD_CLOEXEC);
         ::execl("/bin/sleep", "sleep", "60", nullptr);
@@ -156,7 +156,7 @@ TEST_F(PosixFiles, file_size_limit_is_disk_full_and_no_signal) {
     EXPECT_EQ(fs::file_size(path_), 8192u);
 }
 
-// Runs `work` in a child whose `folder` is a small disk of its own.
+// Runs `work` in a child whose `folder` is a small separate disk.
 template <typename Work>
 int on_small_disk(const std::string& folder, Work work) {
     return in_child([&] {

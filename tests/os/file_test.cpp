@@ -1,4 +1,4 @@
-// What every platform's files have in common.
+// The behaviour of files that all platforms share.
 #include "os/file.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// What is Windows' own about files: share modes, devices, long paths, and the meaning of its error numbers.
+// Behaviour of files specific to Windows: share modes, devices, long paths, and the meaning of its error numbers.
 
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ std::optional<FileFault> fault_of(Work&& work) {
 
 class Win32Files : public testing::Test {
 protected:
-    // The system's own opening, as another program does it; its error number, 0 for none.
+    // Opens with the system's own call, as another program does; its error number, 0 for none.
     DWORD open_as_others(DWORD access, DWORD share) const {
         const HANDLE handle = CreateFileA(path_.c_str(), access, share, nullptr, OPEN_EXISTING, 0, nullptr);
         if (handle == INVALID_HANDLE_VALUE) return GetLastError();
@@ -75,7 +75,7 @@ TEST_F(Win32Files, side_file_keeps_nobody_from_anything) {
     EXPECT_EQ(open_as_others(GENERIC_READ | GENERIC_WRITE | DELETE, kShareAll), 0u);
 }
 
-// Held by a thread of this process, which the share modes do not tell from another's.
+// Held by a thread of this process; the share modes treat it like another process.
 TEST_F(Win32Files, what_others_hold_for_a_moment_is_tried_again) {
     system_.open(path_, OpenMode::kCreateExclusive);
     const auto held_for = [&](DWORD milliseconds) {

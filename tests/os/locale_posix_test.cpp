@@ -1,4 +1,4 @@
-// The environment's locale, in child processes with an environment of their own.
+// The environment's locale, in child processes with their own environment.
 #ifndef _WIN32
 #include "os/locale_posix.h"
 
@@ -89,8 +89,8 @@ std::vector<std::string> output_of(const std::string& command) {
 
 std::string quoted(const std::string& text) { return "'" + text + "'"; }
 
-// What a process with no locale variables but `environment` ("NAME=value ...") is told. The C library itself
-// does not free what it makes of LOCPATH, so leaks are not looked for.
+// The answers to a process whose only locale variables are `environment` ("NAME=value ..."). The C library never frees
+// what it allocates for LOCPATH, so leak detection is off.
 Answers ask(const std::string& environment, const std::string& program = KVDB_OS_PROBE) {
     const std::vector<std::string> lines =
         output_of("env -u LC_ALL -u LC_TIME -u LC_CTYPE -u LANG -u LOCPATH ASAN_OPTIONS=detect_leaks=0 " + environment +
@@ -124,10 +124,10 @@ TEST(EnvironmentLocale, uninstalled_behaves_as_c_but_its_name_decides_the_code_p
     EXPECT_EQ(ask(path + "LC_ALL=xx_XX LANG=xx_XX.UTF-8").code_page, "1252") << "LC_ALL decides before LANG";
 }
 
-// Locales compiled for this test alone, so that nothing depends on what the machine has installed.
+// Compiles locales for this test, so that nothing depends on those installed on the machine.
 class InstalledLocale : public testing::Test {
 protected:
-    // False where the sources of the locales are not there.
+    // False where the sources of the locales are not installed.
     bool install(const std::string& source, const std::string& charmap, const std::string& name) {
         const std::string command = "localedef -c --no-archive -i " + source + " -f " + charmap + " " +
                                     quoted(folder_.file(name)) + " >" + quoted(folder_.file("log")) + " 2>&1";

@@ -1,5 +1,5 @@
-// Prints what the system says to a process of this environment, a line each: date separator, date order,
-// the narrow code page, the local time, the module.
+// Prints what the system tells a process of this environment, one line each: date separator, date order, the narrow
+// code page, the local time, the module.
 #include <cstdio>
 #include <string>
 

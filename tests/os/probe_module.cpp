@@ -1,4 +1,4 @@
-// A loadable module that tells its own place.
+// A loadable module that reports its own path.
 #include <string>
 
 #include "os/system.h"

@@ -1,6 +1,6 @@
-// Works on a studio in a fixed way with the clock standing still, and keeps its files: the same on every system.
+// Uses a studio in a fixed way with the clock stopped, and keeps its files, which are the same on every system.
 //
-//     file_maker FOLDER     what it makes is put there
+//     file_maker FOLDER     writes the files to FOLDER
 #include <gtest/gtest.h>
 
 #include <cstdio>

@@ -1,4 +1,4 @@
-// A clock that stands still, for programs whose files are compared with those of the same program on another system.
+// A stopped clock, for programs whose files are compared with those of the same program on another system.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@ namespace testing_support {
 inline constexpr std::int64_t kFixedSeconds = 1110033059;
 inline constexpr std::int32_t kFixedMilliseconds = 250;
 
-// Makes every component that is loaded from now on see the clock stand still.
+// Stops the clock for every component loaded from now on.
 void stop_clock();
 
 }  // namespace testing_support

@@ -1,4 +1,4 @@
-// The program's own functions come before those of the C library, for the component too.
+// The program's functions take precedence over those of the C library, in the component too.
 #include <sys/syscall.h>
 #include <time.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-// Puts functions of our own into the component's import table.
+// Patches our functions into the component's import table.
 #include "tests/same_files/fixed_clock.h"
 
 #include <cstring>
@@ -32,7 +32,7 @@ T* at(HMODULE module, DWORD offset) {
     return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
 }
 
-// Replaces the function of that name; how many places there were.
+// Replaces the function of that name; returns the number of places.
 int replace(HMODULE module, const char* name, const void* function) {
     const auto* headers = at<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
     const DWORD offset = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;

@@ -1,5 +1,5 @@
-// Files damaged at random, opened, read, checked and changed by the engine: an engine error or an answer, soon, in
-// memory that the file's size explains. What the sanitizers and the driver's patience add is theirs.
+// The engine opens, reads, checks and changes randomly damaged files: an engine error or a result, in little time, in
+// memory in proportion to the file's size. The sanitizers and the driver's time limit check the rest.
 #include "tests/jet/damage.h"
 
 #include <ctime>
@@ -12,7 +12,7 @@ namespace soak {
 namespace {
 
 constexpr char kPath[] = "d/damaged.mdb";
-constexpr double kSecondsAllowed = 10;  // of the processor; sanitizers are slow
+constexpr double kSecondsAllowed = 10;  // CPU time; sanitizers are slow
 constexpr std::uint32_t kFilesPerCase = 20;
 
 class Damage final : public Kind {

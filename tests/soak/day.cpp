@@ -9,7 +9,7 @@ Day::Day(std::uint32_t seed, const StudioRows& rows) : random_(seed), rows_(gate
     for (std::size_t i = 0; i < rows_.size(); ++i) {
         const GateTable& table = *gate_tables()[i];
         for (const auto& [key, text] : rows.at(i)) {
-            if (table.is_list() && key < 0) continue;  // of a new studio; no variant of ours
+            if (table.is_list() && key < 0) continue;  // of a new studio; none of our variants
             int variant = 0;
             for (int v = 1; v <= kVariants && variant == 0; ++v) {
                 if (table.text(v) == text) variant = v;
@@ -19,7 +19,7 @@ Day::Day(std::uint32_t seed, const StudioRows& rows) : random_(seed), rows_(gate
     }
 }
 
-// One that no row has, where a table wants names once.
+// A random variant; one that no row has, if the table's names are unique.
 int Day::some_variant(std::size_t table) {
     const GateTable& described = *gate_tables()[table];
     int variant = 1 + static_cast<int>(random(kVariants));
@@ -46,7 +46,7 @@ void Day::step(const Gates& gates, Witness& witness) {
     std::advance(row, random(static_cast<std::uint32_t>(rows.size())));
     operation.key = row->first;
     if (choice == 7) {
-        // A look, as hosts do all the time.
+        // Reads the table, as hosts often do.
         table.read(gates);
         return;
     }

@@ -1,4 +1,4 @@
-// A studio's day: operations at random on all tables through open gates, told to a witness one by one.
+// A day in a studio: random operations on all tables through open gates, each reported to a witness.
 #pragma once
 
 #include <cstdint>
@@ -19,10 +19,10 @@ public:
 
 class Day {
 public:
-    // The same seed and the same answers of the gates give the same day. `rows` are what the tables hold.
+    // The same seed and the same results of the gates give the same day. `rows` is the content of the tables.
     Day(std::uint32_t seed, const StudioRows& rows);
 
-    // One operation. Of those on a table that is about full, or empty, none is done that could not succeed.
+    // One operation. Skips operations that cannot succeed because a table is nearly full, or empty.
     void step(const Gates& gates, Witness& witness);
     std::uint32_t random(std::uint32_t below) { return static_cast<std::uint32_t>(random_() % below); }
 
@@ -33,7 +33,7 @@ private:
     int some_variant(std::size_t table);
 
     std::mt19937 random_;
-    std::vector<std::map<LONG, int>> rows_;  // variant by key of what the day has made; 0: of what was there
+    std::vector<std::map<LONG, int>> rows_;  // variant by key of the rows that the day made; 0: an older row
 };
 
 }  // namespace soak

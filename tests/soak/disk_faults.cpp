@@ -1,5 +1,5 @@
-// Each operation of the disk that a studio's day takes is refused: once, or from then on. The host goes on as hosts do,
-// and tries an opening again that failed. Afterwards the disk is well and the studio is opened once more.
+// Refuses each disk operation of a studio's day: once, or from then on. The host continues as hosts do, and retries a
+// failed opening. Then the disk works again and the studio is opened once more.
 #include <filesystem>
 #include <fstream>
 
@@ -56,12 +56,12 @@ private:
     int failures_ = 0;
 };
 
-// Works through the day on the file system in use. What is seen before the last closing, when the gates read.
+// Runs the day on the file system in use. Also collects what the gates read before the last closing.
 void work_through(std::uint32_t seed, const Start& start, FaultFileSystem& disk, Witness& witness,
                   const std::function<void(const Gates&)>& before_closing) {
     const Gates gates = static_gates(kStudioFolder);
     Day day(seed, rows_after_opening(start));
-    // A step of the upgrade that fails is left out for good, and work would meet tables that lack columns.
+    // A failed step of the upgrade is left out for good, and operations would meet tables that lack columns.
     const int steps = start.origin == Start::Origin::kOld ? 0 : kSteps;
     for (int session = 0; session < kSessions; ++session) {
         const bool is_open = gates.open() == S_OK || gates.open() == S_OK;
@@ -90,7 +90,7 @@ public:
     }
 
 private:
-    // The undisturbed day; what it takes of the disk is kept for the points.
+    // The undisturbed day; counts its disk operations for the points.
     Outcome count(Seed day) {
         counts_.clear();
         const Start start = start_of_day(day);
@@ -152,7 +152,7 @@ private:
         return outcome;
     }
 
-    // Whatever the upgrade has come to: both files open, are sound, and no table has lost rows that it had.
+    // Whatever step the upgrade reached: both files open, are sound, and no table has lost rows.
     static std::string judge_old(const Start& start) {
         std::string failure;
         rows_on_disk(failure);

@@ -26,7 +26,7 @@ void interrupt(int) { is_interrupted = 1; }
 
 double seconds_since(Clock::time_point begin) { return std::chrono::duration<double>(Clock::now() - begin).count(); }
 
-// A kind in this run: its line of the table, and its worker while one is at work.
+// A kind in this run: its line of the table, and its worker while one runs.
 struct Line {
     const KindPlan* plan = nullptr;
     std::uint64_t next = 1;
@@ -39,7 +39,7 @@ struct Line {
 
     std::unique_ptr<WorkerProcess> worker;
     Clock::time_point shift_began;
-    Clock::time_point heard;  // the last word of the worker
+    Clock::time_point heard;  // last output of the worker
     bool has_case = false;
     bool is_killed = false;
 };
@@ -78,7 +78,7 @@ public:
     }
 
 private:
-    // Seconds of a worker: short enough for every kind to have its turn.
+    // Run time of a worker in seconds: short enough for every kind to have its turn.
     double shift_of(const Line& line) const {
         double weights = 0;
         for (const Line& each : lines_) weights += each.plan->weight;
@@ -91,7 +91,7 @@ private:
         return std::any_of(lines_.begin(), lines_.end(), [](const Line& line) { return line.worker != nullptr; });
     }
 
-    // As many workers as the machine has processors, the kind first that has had least of its share.
+    // Starts as many workers as the machine has processors; first the kinds that have had least of their share.
     void start_workers(double seconds_left) {
         const auto at_work =
             std::count_if(lines_.begin(), lines_.end(), [](const Line& l) { return l.worker != nullptr; });
@@ -126,7 +126,7 @@ private:
         line.has_case = line.is_killed = false;
     }
 
-    // Emulated programs hand over what they have printed at their end.
+    // Emulated programs deliver their output only when they exit.
     double patience(const Line& line) const { return plan_.patience > 0 ? plan_.patience : line.plan->patience; }
 
     void listen() {
@@ -174,7 +174,7 @@ private:
         }
     }
 
-    // The worker has ended, or ends now.
+    // The worker has exited, or is killed now.
     void end_shift(Line& line) {
         if (is_interrupted != 0) line.worker->kill();
         const std::string how = line.worker->wait();
@@ -192,7 +192,7 @@ private:
             ++line.cases;
             fail(line, seed, why);
         } else if (!how.empty()) {
-            // Not a case's failure, but nothing has been shown either.
+            // Not a case's failure, but nothing has been tested either.
             fail(line, line.next, "the worker did not work: " + how);
             line.is_finished = true;
         }
@@ -225,7 +225,7 @@ private:
         std::string name;
         for (std::uint64_t next = 0; in >> name >> next;) state_[name] = next;
     }
-    // A run whose seed was given leaves the others' place alone.
+    // A run with a given seed does not change the others' position.
     void write_state() {
         if (plan_.seed != 0) return;
         for (const Line& line : lines_) state_[line.plan->name] = line.next;

@@ -3,7 +3,7 @@
 namespace soak {
 namespace {
 
-// What an emulated program has printed comes when it has ended, or its time is over.
+// The output of an emulated program arrives when it has exited or reached its time limit.
 const std::vector<std::string> kWine = {"/usr/bin/env", "KVDB_WINE_LIMIT=150", "scripts/run_wine"};
 
 }  // namespace

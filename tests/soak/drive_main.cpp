@@ -24,7 +24,7 @@ bool is_known(const std::string& name) {
     return false;
 }
 
-// The whole of the text as a number from 1 on.
+// Parses the whole text as a number of at least 1.
 bool read_number(const char* text, std::uint64_t& number) {
     char* end = nullptr;
     number = std::strtoull(text, &end, 10);
@@ -33,7 +33,7 @@ bool read_number(const char* text, std::uint64_t& number) {
 
 }  // namespace
 
-// The first two arguments are the tree and the folder of what is kept: the script knows them.
+// The script passes the tree and the output folder as the first two arguments.
 int main(int count, char** arguments) {
     if (count < 3) return usage();
     soak::Plan plan;

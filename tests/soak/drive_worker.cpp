@@ -69,7 +69,7 @@ std::string WorkerProcess::wait() {
     if (!has_ended_) {
         while (::waitpid(process_, &status_, 0) < 0 && errno == EINTR) {
         }
-        // What it has started and left behind goes with it.
+        // Also kills the processes that it has started.
         ::kill(-process_, SIGKILL);
         has_ended_ = true;
     }

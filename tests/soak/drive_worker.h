@@ -1,4 +1,5 @@
-// A worker's process: started with a pipe to its output, read line by line, ended with everything that it started.
+// A worker's process: started with a pipe to its output, read line by line, killed together with every process that it
+// started.
 #pragma once
 
 #include <sys/types.h>
@@ -11,19 +12,19 @@ namespace soak {
 
 class WorkerProcess {
 public:
-    // Its standard error goes to the file `log`, from the beginning. Names relative to `folder`.
+    // Its standard error goes to the file `log`, truncated first. Names are relative to `folder`.
     WorkerProcess(const std::vector<std::string>& command, const std::string& folder, const std::string& log);
     ~WorkerProcess();
     WorkerProcess(const WorkerProcess&) = delete;
     WorkerProcess& operator=(const WorkerProcess&) = delete;
 
     int descriptor() const { return lines_; }
-    // Reads what there is; false at the end of the output.
+    // Reads the available output; false at its end.
     bool read();
-    // The next whole line of what was read.
+    // The next complete line of the output.
     std::optional<std::string> line();
     void kill();
-    // Waits for the end; how it ended, "" for an exit code of 0.
+    // Waits for the exit; returns how it ended, "" for exit code 0.
     std::string wait();
 
 private:

@@ -1,4 +1,4 @@
-// The tables' descriptions are those of the gates' own tests.
+// Uses the table descriptions of the gates' own tests.
 #include "tests/soak/gate_tables.h"
 
 #include <cstdio>
@@ -41,7 +41,7 @@ LONG_PTR address_of(Record& record) {
 
 CallHooks call_hooks;
 
-// Runs a call of a gate, which may let the engine's exception out.
+// Runs a call of a gate, which may throw the engine's exception.
 template <class Call>
 HRESULT hooked(Call&& call) {
     struct Hooks {
@@ -56,7 +56,7 @@ HRESULT hooked(Call&& call) {
     return call();
 }
 
-// Long texts by their length and a sum over all of it.
+// Long texts are represented by their length and a checksum of the whole text.
 void append(RowText& text, const std::string& value) {
     constexpr std::size_t kShown = 24;
     text += value.substr(0, kShown);
@@ -263,7 +263,7 @@ std::vector<std::unique_ptr<GateTable>> make_tables() {
     return tables;
 }
 
-// Runs a call that may let the engine's exception out.
+// Runs a call that may throw the engine's exception.
 template <class Call>
 HRESULT caught(Call&& call, std::string* reason) {
     try {

@@ -1,6 +1,6 @@
-// Passers-by: another program holds the files of a studio for moments, now in one way of sharing and now in another, as
-// scanners, indexers and backups do, while a host opens, works and closes. Every operation succeeds, or the opening
-// says that the file is in use; nothing that was reported is lost.
+// Another program holds the files of a studio for moments, in changing share modes, as scanners, indexers and backups
+// do, while a host opens, works and closes. Every operation succeeds, or the opening reports that the file is in use;
+// nothing reported is lost.
 #include <atomic>
 #include <filesystem>
 #include <optional>
@@ -35,8 +35,8 @@ constexpr Share kShares[] = {
     {"about to delete nothing", DELETE, kEverything},
 };
 
-// A thread that holds handles for moments of less than half a second. In the same process: the system's rules of
-// sharing are between handles.
+// A thread that holds handles for less than half a second each. It may be in the same process: the system applies share
+// modes between handles.
 class PasserBy {
 public:
     PasserBy(const std::string& folder, std::uint32_t seed) : folder_(folder), thread_([this, seed] { pass(seed); }) {}
@@ -122,7 +122,7 @@ private:
             held = passer_by.held();
         }
         if (!failure.empty()) return failure;
-        // Nobody passes by any more.
+        // No other handles from here on.
         std::string reason;
         if (gates.open(&reason) != S_OK) return "does not open afterwards: " + reason;
         failure = ledger->compare(read_all(gates));

@@ -1,5 +1,5 @@
-// The life of the killed host: it opens the studio, works, closes and opens again, for ever. The loaded library is the
-// one that is shipped.
+// The life of the killed host: it opens the studio, works, closes and opens again, for ever. It loads the library that
+// is shipped.
 #pragma once
 
 #include "tests/frame/gate_host.h"

@@ -1,5 +1,5 @@
-// A host in a process of its own, which works a day through the gates of a studio and tells of each step; the one who
-// made it kills it.
+// A host in its own process, which runs a day through the gates of a studio and reports each step; its creator kills
+// it.
 #pragma once
 
 #include <cstdint>
@@ -11,7 +11,7 @@
 
 namespace soak {
 
-// A word of the host, out of its hands when it has been told.
+// A report of the host. When the call returns, it has left the host.
 struct Told {
     enum What : std::int32_t { kStarted, kOpened, kBegun, kSucceeded, kFailed, kClosed, kCannotOpen };
     What what = kStarted;
@@ -19,7 +19,7 @@ struct Told {
 };
 
 struct HostTask {
-    std::string folder;  // with the library in it, or to be given it
+    std::string folder;  // contains the library, or receives it
     std::uint32_t seed = 0;
 };
 
@@ -30,10 +30,10 @@ public:
     HostProcess(const HostProcess&) = delete;
     HostProcess& operator=(const HostProcess&) = delete;
 
-    // Waits for the next word. None: the host has ended.
+    // Waits for the next report. None: the host has exited.
     std::optional<Told> listen();
     void kill();
-    // Waits for its end. True when it was the kill that ended it; `how` says how it ended otherwise.
+    // Waits for the exit. True when the kill ended it; otherwise `how` tells what did.
     bool was_killed(std::string& how);
 
 private:
@@ -41,12 +41,12 @@ private:
     std::unique_ptr<System> system_;
 };
 
-// What the host does until it is killed; returns its exit code when something went wrong. `tell` takes a Told.
+// The host's work until it is killed; returns the exit code of a failure. `tell` takes a Told.
 template <class Tell>
 int live_as_host(const HostTask& task, Tell&& tell);
 
 #ifdef _WIN32
-// Where this process was started as a host: lives as one and returns its exit code. Otherwise -1.
+// If this process was started as a host, runs as one and returns its exit code. Otherwise -1.
 int live_if_host(int count, char** arguments);
 #endif
 

@@ -1,4 +1,4 @@
-// The host is a copy of this process.
+// The host is a fork of this process.
 #include <poll.h>
 #include <signal.h>
 #include <sys/wait.h>

@@ -1,4 +1,4 @@
-// The host is another process of this program; folder, seed and pipe stand on its command line.
+// The host is another process of this program; folder, seed and pipe are on its command line.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>

@@ -1,5 +1,4 @@
-// A piece of work in a process of its own: whatever becomes of it, the next begins with a component that nothing has
-// happened to.
+// Runs work in its own process: the next work starts with a fresh component, even after a crash.
 #pragma once
 
 #include <functional>
@@ -8,7 +7,7 @@
 
 namespace soak {
 
-// The outcome, or as its failure how the process ended. Failed checks of the process are part of it.
+// The outcome of `work`, or how the process ended, as a failure. Includes failed checks of the process.
 Outcome isolated(const std::function<Outcome()>& work);
 
 }  // namespace soak

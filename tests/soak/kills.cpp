@@ -1,5 +1,5 @@
-// A host killed at random moments, again and again over the same studio: one that it is just making, one of an earlier
-// version that it is just bringing up to date, or one that it has worked on for a while.
+// Kills a host at random moments, again and again over the same studio: a new one that it is creating, one of an
+// earlier version that it is upgrading, or one that it has used for a while.
 #include <chrono>
 #include <cstdlib>
 #include <filesystem>
@@ -21,7 +21,7 @@ using namespace testing_support;
 
 constexpr int kLives = 6;
 #ifdef _WIN32
-constexpr std::uint32_t kLongestLife = 120000;  // microseconds; an emulator takes its time
+constexpr std::uint32_t kLongestLife = 120000;  // microseconds; an emulator is slow
 #else
 constexpr std::uint32_t kLongestLife = 30000;
 #endif
@@ -44,21 +44,20 @@ public:
     const std::string& folder() const { return folder_.path(); }
     std::uint64_t kills() const { return kills_; }
 
-    // "": all lives left what they should. What failed otherwise.
+    // "": every life left the studio as required; otherwise the failure.
     std::string live_and_die() {
         for (int life = 0; life < kLives; ++life) {
             const std::string where = "kill " + std::to_string(life + 1) + " of a studio " + origin() + ": ";
             if (std::string failure = one_life(); !failure.empty()) return where + failure;
             if (std::string failure = inspect(); !failure.empty()) return where + failure;
             if (checks_failed()) return where;
-            if (is_half_upgraded_) break;  // served as it stands: tables are missing, which is not our question
+            if (is_half_upgraded_) break;  // used unchanged: tables are missing, which this kind does not test
         }
         return {};
     }
 
 private:
-    // Every third studio begins as an old one, every third as none at all, and the others as those that are made
-    // undisturbed.
+    // One third of the studios start as old ones, one third as none at all, and the rest are created undisturbed.
     std::int32_t choose_version() {
         const std::uint32_t choice = below(3);
         is_made_before_ = choice == 2;
@@ -79,8 +78,8 @@ private:
         under_way_.reset();
         was_opened_ = false;
         HostProcess host({folder(), seed_ * 1000 + static_cast<std::uint32_t>(kills_)});
-        // The first word says that the library is loaded. From then on anything may be cut off; every other time in
-        // the first moments, which are those of the opening.
+        // The first report says that the library is loaded. From then on anything may be interrupted; every other time
+        // within the first moments, during the opening.
         if (!host.listen()) return "the host did not start";
         const bool early = below(2) == 0;
         const std::uint32_t span = early ? kLongestLife / 4 : kLongestLife;
@@ -116,7 +115,7 @@ private:
         return {};
     }
 
-    // As the first opening after a kill: the journal goes into the file.
+    // As the first opening after a kill: the journal is replayed into the file.
     static Content recovered(const std::string& path) {
         jet::OpenOptions options;
         options.ignore_password = true;
@@ -147,8 +146,8 @@ private:
         return inspect_files();
     }
 
-    // What a studio holds before the first operation. After a first life that has already worked, that is what an
-    // undisturbed studio of the same origin holds.
+    // The content of a studio before the first operation. If the first life has already worked, the content of an
+    // undisturbed studio of the same origin.
     StudioRows first_rows(const StudioRows& found) {
         if (is_made_before_) return found;
         const TempFolder undisturbed;
@@ -164,7 +163,7 @@ private:
         return rows;
     }
 
-    // By key, each row is what the enumeration says.
+    // Found by its key, each row equals the enumeration's.
     static std::string compare_found(const Gates& gates, const StudioRows& rows) {
         for (std::size_t i = 0; i < rows.size(); ++i) {
             const GateTable& table = *gate_tables()[i];
@@ -179,7 +178,7 @@ private:
         return {};
     }
 
-    // The files alone, before a gate opens them: between two steps, and after the opening had succeeded at the last.
+    // The files alone, before a gate opens them: between two steps, and at the last step if the opening had succeeded.
     std::string inspect_upgrade() {
         if (ledger_) return {};
         const OldStudio& old = old_studio(version_);
@@ -207,7 +206,7 @@ private:
         return {};
     }
 
-    // Sound, and nothing lies beside them.
+    // Sound, and no other files beside them.
     std::string inspect_files() const {
         for (const std::string& path : {main_file(), invoice_file()}) content_of(path);  // reports damage
         const std::set<std::string> expected{"sldb.mdb", "kvinvdb.mdb", fs::path(KVDB_LIBRARY).filename().string()};
@@ -229,7 +228,7 @@ private:
     bool was_opened_ = false;
     std::uint64_t kills_ = 0;
     std::optional<Ledger> ledger_;
-    std::vector<Operation> done_first_;  // before there was a ledger
+    std::vector<Operation> done_first_;  // before the ledger existed
     std::optional<Operation> under_way_;
 };
 

@@ -1,7 +1,7 @@
-// A kind of trial: what is done to the component, case by case, and whether it held.
+// A kind of trial: what is done to the component, case by case, and whether its promises held.
 //
-// 1. A case follows from its seed alone, as far as the machine allows: kills come when the clock says so.
-// 2. A case leaves nothing behind but the files of a failure.
+// 1. A case depends on its seed alone, as far as the machine allows: kills depend on the clock.
+// 2. A case leaves no files except those of a failure.
 #pragma once
 
 #include <cstdint>
@@ -25,14 +25,14 @@ public:
     virtual const char* name() const = 0;
     // Why the machine cannot run it; "": it can. Called once, before the first case.
     virtual std::string prepare() { return {}; }
-    // Files of a failure go into `kept`, a folder that is made then.
+    // Files of a failure go to the folder `kept`, which is created then.
     virtual Outcome run(Seed seed, const std::string& kept) = 0;
 };
 
 // Every kind that this program runs.
 std::vector<std::unique_ptr<Kind>> all_kinds();
 
-// What checks of the tests' own code have said against the component since the case began; "" when nothing.
+// Failed checks of the tests' own code since the start of the case; "" when none.
 std::string failed_checks();
 inline bool checks_failed() { return !failed_checks().empty(); }
 

@@ -1,4 +1,4 @@
-// The judge of the soak sees what is lost, added or half changed.
+// The judge of the soak detects lost, added and partly changed rows.
 #include "tests/soak/ledger.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Each request for memory that a small day makes is refused: it alone, eight in a row, or all from then on. The host
-// goes on; afterwards there is memory again, and the studio is opened once more. The files are real ones.
+// Refuses each allocation of a small day: one alone, eight in a row, or all from then on. The host continues; then
+// memory is available again, and the studio is opened once more. The files are real ones.
 #include <filesystem>
 #include <fstream>
 
@@ -51,7 +51,7 @@ public:
     }
 
 private:
-    // Day after day others.
+    // Other tables each day.
     std::size_t table_of(int i) const {
         std::vector<std::size_t> places;
         for (std::size_t place = 0; place < gate_tables().size(); ++place) {
@@ -81,7 +81,7 @@ public:
     const char* name() const override { return "memory"; }
 #ifdef __linux__
     std::string prepare() override {
-        // The files are looked at, not the disk: many thousands of studios need a quick one.
+        // The test examines the files, not the disk: many thousands of studios need a quick one.
         if (std::filesystem::is_directory("/dev/shm")) ::setenv("TMPDIR", "/dev/shm", 1);
         return {};
     }
@@ -107,7 +107,7 @@ public:
 private:
     static constexpr Start kStart{Start::Origin::kWorkedOn, 0};
 
-    // `first` 0: nothing is refused, and `tried` is how many requests there were.
+    // `first` 0: nothing is refused, and `tried` is the number of allocations.
     static Outcome work(Seed day, std::uint64_t first, std::uint64_t count, const std::string& kept) {
         const TempFolder folder;
         {
@@ -129,7 +129,7 @@ private:
         const std::uint64_t refusals = memory_refusals();
         refuse_no_memory();
         set_call_hooks({});
-        // Closing needs no memory: the files are free now.
+        // Closing needs no memory: the files are unlocked now.
         gates = Gates();
         outcome.tried = first == 0 ? requests : 1;
         if (first != 0 && refusals == 0) outcome.failure = "nothing was refused; ";

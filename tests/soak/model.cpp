@@ -1,4 +1,4 @@
-// All gates at random against a model in memory, with closing and opening in between.
+// Random operations on all gates against a model in memory, with closing and opening in between.
 #include "tests/gates/model_studio.h"
 #include "tests/soak/isolated.h"
 #include "tests/soak/kind.h"

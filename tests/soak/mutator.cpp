@@ -1,5 +1,5 @@
-// Files damaged by the mutator that knows their structures, used as hosts and tools use files. What it finds, the
-// sanitizers and the driver's patience say; the program that the mutator comes with says which changes it made.
+// Files damaged by the format-aware mutator, used as hosts and tools do. The sanitizers and the driver's time limit
+// detect failures; the mutator's own program lists the changes that it made.
 #include "fuzz/mutator.h"
 
 #include "fuzz/mutated_run.h"

@@ -1,5 +1,5 @@
-// A kind whose every fifth case fails, in each way in which a case can fail: what the driver's own test looks at. It is
-// run only when it is asked for by name.
+// A kind whose every fifth case fails, in each way in which a case can fail, for the driver's own test. Runs only by
+// name.
 #include <chrono>
 #include <cstdlib>
 #include <thread>

@@ -1,10 +1,9 @@
-// The power goes after each change of the disk that a studio's day makes: with nothing unsynced on the disk, with all
-// of it, and with a random part of its sectors. What the disk holds then is opened by a component that knows nothing
-// of what was before.
+// Cuts the power after each change of the disk in a studio's day: with nothing unsynced on the disk, with all
+// of it, and with a random part of its sectors. A component without any memory of the day opens the resulting disk.
 //
-// What is sure to be there of each of the two files: everything up to its last sync point, everything that succeeded
-// more than a quarter of a second ago, and of what came after it all up to some operation. A sync point is the first
-// operation after an opening, one that comes a quarter of a second or more after the one before, and the closing.
+// Required in each of the two files: everything up to its last sync point, everything that succeeded
+// more than a quarter of a second ago, and then all operations up to some later one. A sync point is the first
+// operation after an opening, one a quarter of a second or more after the previous one, and the closing.
 #include <sys/mman.h>
 
 #include <chrono>
@@ -28,15 +27,15 @@ constexpr int kSessions = 2;
 constexpr int kSteps = 16;
 constexpr std::chrono::milliseconds kSyncInterval{250};
 
-// One operation of the day, as far as it got by the cut.
+// One operation of the day, as far as it had got at the cut.
 struct Entry {
     Operation operation;
     std::uint32_t has_succeeded = 0;
-    std::uint32_t is_sync_point = 0;  // with all before it of the same file
+    std::uint32_t is_sync_point = 0;  // together with all before it in the same file
     os::TimePoint at = {};            // of its success
 };
 
-// What is known at the moment of the cut.
+// The state of knowledge at the cut.
 struct Log {
     std::vector<Entry> entries;
     std::uint32_t is_opened = 0;
@@ -57,7 +56,7 @@ const char* text_of(CrashMode mode) {
     return "";
 }
 
-// Memory that a process and its copy share: one writes, is gone, and the other reads.
+// Memory shared by a process and its fork: one writes and exits, the other reads.
 class SharedMemory {
 public:
     SharedMemory()
@@ -131,7 +130,7 @@ void get(SharedMemory& memory, Log& log, std::vector<Cut>& cuts) {
     }
 }
 
-// Keeps the log while the day goes on.
+// Keeps the log during the day.
 class Recorder final : public Witness {
 public:
     explicit Recorder(ManualClock& clock) : clock_(clock) {}
@@ -166,7 +165,7 @@ private:
     std::chrono::milliseconds since_last_[2]{};  // since the file's last operation
 };
 
-// The day, told to the recorder. `cut` is called after each change of the disk and each time that passes.
+// Runs the day with the recorder. Calls `cut` after each change of the disk and each time step.
 void work_through(std::uint32_t seed, const Start& start, Recorder& recorder, FaultFileSystem& disk,
                   const std::function<void()>& cut) {
     const StudioRows& rows = rows_after_opening(start);
@@ -199,7 +198,7 @@ std::vector<const Entry*> entries_of(const Log& log, bool invoice_file) {
     return entries;
 }
 
-// How many of the file's operations must be there, the first ones of the day.
+// How many of the file's operations must be there, counted from the first of the day.
 std::size_t sure_operations(const Log& log, CrashMode mode, bool invoice_file) {
     const std::vector<const Entry*> entries = entries_of(log, invoice_file);
     std::size_t sure = 0;
@@ -212,7 +211,7 @@ std::size_t sure_operations(const Log& log, CrashMode mode, bool invoice_file) {
     return sure;
 }
 
-// "" when the file holds what some number of operations has left, at least those that are sure.
+// "" when the file has the content after some number of operations that includes the sure ones.
 std::string compare(const Start& start, const Log& log, CrashMode mode, const StudioRows& found, bool invoice_file) {
     const std::vector<const Entry*> entries = entries_of(log, invoice_file);
     const std::size_t sure = sure_operations(log, mode, invoice_file);
@@ -225,7 +224,7 @@ std::string compare(const Start& start, const Log& log, CrashMode mode, const St
             if (text.empty()) return {};
             nearest = text;
             if (count < entries.size() && entries[count]->has_succeeded == 0) {
-                state.failed(entries[count]->operation);  // under way
+                state.failed(entries[count]->operation);  // in progress
                 if (state.compare(found, invoice_file).empty()) return {};
             }
         }
@@ -251,8 +250,8 @@ Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
     FaultFileSystem disk;
     for (const auto& [name, bytes] : cut.files) disk.set_content(name, bytes);
     const UseFileSystem use(disk);
-    // Of an older studio that is being opened, or has just been, each file is between two of the steps; before a gate
-    // has opened it, for that ends the upgrade.
+    // In an older studio during or just after its opening, each file is between two of the steps; checked before a gate
+    // opens it, because that completes the upgrade.
     bool is_upgrade_cut[2] = {};
     if (start.origin == Start::Origin::kOld) {
         const OldStudio& old = old_studio(start.version);
@@ -272,7 +271,7 @@ Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
     }
     check_structures();
     for (const std::string& name : disk.names()) {
-        // A journal whose head did not reach the disk is set aside.
+        // A journal whose header did not reach the disk is set aside.
         const bool may_stay = cut.mode != CrashMode::kKeepUnsynced && name.ends_with("-journal-set-aside");
         if (name != kMainFile && name != kInvoiceFile && !may_stay) outcome.failure += " left behind: " + name;
     }

@@ -1,4 +1,4 @@
-// What files may hold whose making or upgrading was cut off: every state between two steps.
+// The permitted content of files whose creation or upgrade was interrupted: every state between two steps.
 #pragma once
 
 #include <cstdint>
@@ -18,10 +18,10 @@ struct OldStudio {
     // Content after none, one, ... all of the steps.
     std::vector<testing_support::Content> main_steps, invoice_steps;
 };
-// Made at the first question, with the engine and the upgrade that are linked into this program.
+// Computed at the first call, with the engine and the upgrade linked into this program.
 const OldStudio& old_studio(std::int32_t version);
 
-// A line for the difference to the nearest of the steps; "" when the content is one of them.
+// One line: the difference from the nearest step; "" when the content equals one.
 std::string difference_to_nearest(const std::vector<testing_support::Content>& steps,
                                   const testing_support::Content& found);
 

@@ -12,7 +12,7 @@ namespace {
 
 using namespace testing_support;
 
-// A studio that has been worked on, made by a day of its own.
+// A studio that has been used for a day.
 const FaultFileSystem& worked_on_disk() {
     static FaultFileSystem disk;
     static const bool is_made = [] {

@@ -1,5 +1,5 @@
-// The gates of the layers that are linked into this program, on whatever file system is in use: the way to let the
-// disk, the memory or the power fail beneath them.
+// The gates of the layers linked into this program, on the file system in use: lets disk, memory and power fail under
+// them.
 #pragma once
 
 #include <cstdint>
@@ -14,25 +14,25 @@ inline constexpr char kStudioFolder[] = "/studio";
 inline constexpr char kMainFile[] = "/studio/sldb.mdb";
 inline constexpr char kInvoiceFile[] = "/studio/kvinvdb.mdb";
 
-// Makes `folder` the studio's.
+// Makes `folder` the studio's folder.
 Gates static_gates(const std::string& folder);
 
-// How a day begins.
+// The studio at the start of a day.
 struct Start {
     enum class Origin { kNew, kWorkedOn, kOld };
     Origin origin = Origin::kNew;
-    std::int32_t version = 0;  // of an old one
+    std::int32_t version = 0;  // of an old studio
     std::string text() const;
 };
 Start start_of_day(std::uint64_t day);
 
-// Puts the files of the beginning on the disk.
+// Writes the initial files to the disk.
 void lay_out(const Start& start, testing_support::FaultFileSystem& disk);
-// What the gates read once they have opened such a studio.
+// What the gates read after opening such a studio.
 const StudioRows& rows_after_opening(const Start& start);
 
-// Opens the studio through the gates, holds it against the ledger, closes it and checks the structure of both files.
-// "" when all is well.
+// Opens the studio through the gates, compares it with the ledger, closes it and checks the structure of both files. ""
+// when all is well.
 std::string judge(const Ledger& ledger);
 // What the gates read; `failure` when they do not open.
 StudioRows rows_on_disk(std::string& failure);

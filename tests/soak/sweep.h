@@ -1,5 +1,5 @@
-// Seeds of a kind that goes through every point of one day before it begins the next: day and point stand in the seed,
-// so that 300017 is point 17 of day 3.
+// For kinds that go through every point of one day before the next: the seed encodes day and point, so that 300017 is
+// point 17 of day 3.
 #pragma once
 
 #include <functional>
@@ -12,8 +12,8 @@ class Sweep {
 public:
     explicit Sweep(Seed points_limit) : limit_(points_limit) {}
 
-    // `count_points(day)` is asked once for each day; `run_point(day, point)` gives the outcome of one. A day without
-    // points is a failure.
+    // Calls `count_points(day)` once per day; `run_point(day, point)` returns the outcome of one. A day without points
+    // is a failure.
     Outcome run(Seed seed, const std::function<Outcome(Seed day)>& count_points,
                 const std::function<Outcome(Seed day, Seed point)>& run_point) {
         Seed day = seed / limit_;
@@ -31,7 +31,7 @@ public:
             points_ = counted.tried;
         }
         point %= points_;
-        // Each point once, but not side by side: a short run meets something of everything.
+        // Visits each point once, but not in order: a short run covers something of everything.
         constexpr Seed kStrides[] = {611953, 746773};
         const Seed stride = points_ % kStrides[0] != 0 ? kStrides[0] : kStrides[1];
         Outcome outcome = run_point(day, point * stride % points_);

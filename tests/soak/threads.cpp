@@ -1,4 +1,4 @@
-// Two, four or eight threads of one host, each with gates of its own to the same studio: no row is lost, and both files
+// Two, four or eight threads of one host, each with its own gates to the same studio: no row is lost, and both files
 // are sound.
 #include <filesystem>
 #include <thread>
@@ -15,7 +15,7 @@ using namespace testing_support;
 
 constexpr int kSteps = 60;
 
-// A thread's part of the studio: every so many-th table is its own, so that its ledger is the judge of it.
+// A thread's part of the studio: every n-th table, so that its ledger alone judges that table.
 class Part {
 public:
     Part(const Component& component, std::size_t number, std::size_t parts)
@@ -24,7 +24,7 @@ public:
     void work(std::uint32_t seed) {
         gates_ = gates_of(component_);
         const Gates& gates = gates_;
-        // The studio is open; this points the gates at it.
+        // The studio is open; this only attaches the gates.
         if (gates.main->CreateDB(nullptr) != S_OK) return fail("CreateDB");
         if (gates.gear2->OpenDB() != S_OK || gates.gear3->OpenDB() != S_OK) return fail("OpenDB");
         std::mt19937 random(seed);
@@ -65,7 +65,7 @@ private:
     }
 
     const Component& component_;
-    Gates gates_;  // until all threads have ended: a gear gate that goes closes the studio for everybody
+    Gates gates_;  // until all threads have ended: releasing a gear gate closes the studio for everybody
     std::size_t number_;
     std::size_t parts_;
     std::string failure_;

@@ -22,7 +22,7 @@ std::string in_one_line(const std::string& text) {
 
 const ::testing::TestPartResultArray* results_of_case = nullptr;
 
-// Runs one case; what the checks of the tests say goes into its failure.
+// Runs one case; adds failed checks of the tests to its failure.
 Outcome run_case(Kind& kind, Seed seed, const std::string& kept) {
     ::testing::TestPartResultArray results;
     Outcome outcome;
@@ -78,7 +78,7 @@ int work(const Shift& shift) {
         std::printf("skip %s\n", in_one_line(reason).c_str());
         return 0;
     }
-    // Not the steady clock: a kind may have stopped that.
+    // Not the steady clock: a kind may have stopped it.
     const auto begin = std::chrono::system_clock::now();
     Seed seed = shift.first;
     for (std::uint64_t count = 0; shift.cases == 0 || count < shift.cases; ++count) {

@@ -1,7 +1,7 @@
 // Runs the cases of one kind and prints a line for each step, which the driver reads from another process:
 //
 //     skip REASON                 the machine cannot run the kind
-//     case SEED                   before a case: whatever ends the program now is that case's failure
+//     case SEED                   before a case: if the program dies now, that case has failed
 //     done SEED TRIED NEXT        it held; NEXT is the seed that follows
 //     failed SEED TRIED NEXT WHY  it did not
 //
@@ -22,7 +22,7 @@ struct Shift {
     std::string failures;  // folder
 };
 
-// The program's exit code: 0 whether or not cases failed, 2 for a kind that is not known.
+// Returns the program's exit code: 0 whether or not cases failed, 2 for an unknown kind.
 int work(const Shift& shift);
 
 }  // namespace soak

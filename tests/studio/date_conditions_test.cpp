@@ -1,4 +1,4 @@
-// Conditions on dates find their rows whatever the system puts between the parts of a date.
+// Conditions on dates find their rows with every date separator of the system.
 #include <gtest/gtest.h>
 
 #include "jet/sql/row_set.h"
@@ -27,7 +27,7 @@ protected:
         os::set_code_page(os::CodePage::kSystem);
     }
 
-    // As the framework hands a statement to the engine.
+    // As the framework passes a statement to the engine.
     std::size_t rows_of(const std::string& statement) {
         jet::sql::RowSet rows(jet::sql::Query::prepare(*database_, os::widen(statement)));
         std::size_t count = 0;

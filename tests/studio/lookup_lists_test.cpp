@@ -1,4 +1,4 @@
-// The lists of names: which table is whose, and a name's way into a buffer.
+// The lists of names: the table of each, and copying names to a buffer.
 #include "studio/lookup_lists.h"
 
 #include <array>
@@ -52,7 +52,7 @@ TEST_F(LookupLists, delete_takes_the_first_of_equal_names) {
     EXPECT_EQ(list.EnumNext(name), E_FAIL);
 }
 
-// A code page with more than one byte to a character makes a name longer than its buffer.
+// In a multi-byte code page a name can be longer than its buffer.
 TEST_F(LookupLists, name_longer_than_the_buffer_is_cut_and_ended) {
     NameList list(kTrackTypes, database_);
     os::set_code_page(os::CodePage::kUtf8);

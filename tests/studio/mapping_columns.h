@@ -6,7 +6,7 @@
 
 #include "studio/columns.h"
 
-// Names in order, with a blank between two.
+// Names in order, separated by blanks.
 template <class Record>
 std::string column_names(std::span<const studio::Column<Record>> columns) {
     std::string names;

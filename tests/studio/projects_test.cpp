@@ -107,7 +107,7 @@ TEST_F(Projects, filter_selects_by_whole_text_and_number) {
     other.ClientID = 6;
     ASSERT_EQ(projects_.Add(&other), S_OK);
     ProjInfo filter;
-    filter.Type = "single";  // without regard to case
+    filter.Type = "single";  // case-insensitive
     ASSERT_EQ(projects_.EnumFirst(&filter), S_OK);
     EXPECT_EQ(filter.Name, "b");
     filter = ProjInfo();
@@ -142,7 +142,7 @@ TEST_F(Projects, quote_in_a_filter_breaks_the_statement) {
     record = ProjInfo();
     record.Director = "a\"b";
     EXPECT_EQ(projects_.EnumFirst(&record), E_FAIL);
-    EXPECT_EQ(projects_.EnumNext(&record), E_FAIL);  // the failed open has left the cursor closed
+    EXPECT_EQ(projects_.EnumNext(&record), E_FAIL);  // the failed opening has closed the cursor
 }
 
 TEST_F(Projects, new_enumeration_abandons_the_old_one) {
@@ -171,7 +171,7 @@ TEST_F(Projects, other_operations_leave_an_enumeration_alone) {
     ASSERT_EQ(projects_.Delete(b), S_OK);
     add("d");
     ASSERT_EQ(projects_.EnumNext(&record), S_OK);
-    EXPECT_EQ(record.Name, "c");                     // the deleted row is passed over
+    EXPECT_EQ(record.Name, "c");                     // the deleted row is skipped
     EXPECT_EQ(projects_.EnumNext(&record), E_FAIL);  // the added one is not a member
 }
 
@@ -213,7 +213,7 @@ TEST_F(Projects, delete_takes_the_row_of_its_key_only) {
     EXPECT_EQ(projects_.Delete(a), S_OK);
     EXPECT_EQ(projects_.Delete(a), E_FAIL);
     EXPECT_EQ(row_count("Projects"), 1);
-    EXPECT_EQ(add("c"), 3);  // keys are not given out again
+    EXPECT_EQ(add("c"), 3);  // keys are not reused
 }
 
 TEST_F(Projects, failed_mapping_still_saves_what_was_set_before) {
@@ -226,9 +226,9 @@ TEST_F(Projects, failed_mapping_still_saves_what_was_set_before) {
     found.ProjID = 1;
     ASSERT_EQ(projects_.Find(&found), S_OK);
     EXPECT_EQ(found.Name, "saved");
-    EXPECT_EQ(found.ProjTypeID, 3);  // in front of the producer
+    EXPECT_EQ(found.ProjTypeID, 3);  // before the producer
     EXPECT_EQ(found.Producer, "");
-    EXPECT_EQ(found.Director, "");  // behind it
+    EXPECT_EQ(found.Director, "");  // after it
     EXPECT_EQ(found.DiscountVal, 0.0f);
 
     found.Name = "changed";
@@ -252,7 +252,7 @@ TEST_F(Projects, null_records_fail) {
     EXPECT_EQ(projects_.Delete(static_cast<ProjInfo*>(nullptr)), E_FAIL);
     EXPECT_EQ(projects_.EnumNext(nullptr), E_FAIL);
     EXPECT_EQ(projects_.EnumFirst(nullptr), E_FAIL);
-    EXPECT_EQ(projects_.EnumNext(&record), E_FAIL);  // that beginning has closed the cursor
+    EXPECT_EQ(projects_.EnumNext(&record), E_FAIL);  // that start has closed the cursor
     EXPECT_EQ(row_count("Projects"), 1);
 }
 

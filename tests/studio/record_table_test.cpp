@@ -1,4 +1,4 @@
-// What other tables do differently, each on a small declaration of its own.
+// The deviations of other tables, each on a small declaration of its own.
 #include "studio/record_table.h"
 
 #include <kvdb/records.h>
@@ -47,7 +47,7 @@ TEST_F(RecordTables, parent_rows_are_enumerated_also_for_parent_0) {
     mix.SongID = 3;
     ASSERT_EQ(table.EnumFirst(&mix), S_OK);
     EXPECT_EQ(mix.RecID, 1);
-    EXPECT_EQ(table.EnumFirst(nullptr), E_FAIL);  // at once: the enumeration goes on
+    EXPECT_EQ(table.EnumFirst(nullptr), E_FAIL);  // fails at once: the enumeration continues
     ASSERT_EQ(table.EnumNext(&mix), S_OK);
     EXPECT_EQ(mix.RecID, 3);
     EXPECT_EQ(table.EnumNext(&mix), E_FAIL);
@@ -124,7 +124,7 @@ TEST_F(RecordTables, find_goes_by_the_filter_and_finds_nothing_when_nothing_is_s
     EXPECT_EQ(record.Name, "Artists");
 }
 
-// ---- Gear: everything by the filter
+// ---- Gear: every operation by the filter
 
 constexpr Column<GearServInfo> kGearRead[] = {
     column::integer("RecID", &GearServInfo::RecID),
@@ -205,7 +205,7 @@ TEST_F(RecordTables, known_name_is_not_added_again_but_is_a_success) {
     EXPECT_EQ(again.RecID, -5);
     EXPECT_EQ(row_count("Def_Rooms"), 1);
     RoomInfo empty;
-    EXPECT_EQ(table.Add(&empty), E_FAIL);  // a short text takes no zero length
+    EXPECT_EQ(table.Add(&empty), E_FAIL);  // a short text accepts no zero length
     EXPECT_EQ(row_count("Def_Rooms"), 0 + 1);
 }
 
@@ -255,7 +255,7 @@ TEST_F(RecordTables, named_rows_are_no_obstacle_to_a_second_one) {
     EXPECT_EQ(table.EnumFirst(nullptr), E_FAIL);
 }
 
-// ---- Other readings
+// ---- Other ways of reading
 
 constexpr Column<StockTypeInfo> kTypeFind[] = {
     column::text("TypeName", &StockTypeInfo::TypeName),

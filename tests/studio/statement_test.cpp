@@ -1,4 +1,4 @@
-// The exact text of statements: this is what the engine, and whoever reads a trace, sees.
+// The exact text of statements, as the engine and the reader of a trace see them.
 #include "studio/statement.h"
 
 #include <kvdb/records.h>
@@ -75,7 +75,7 @@ TEST_F(StatementText, clauses_of_a_filter_keep_their_order) {
     session.Engineer = "Dan";
     EXPECT_EQ(sql("Sessions", kKey, FilterRule::kClauses, kClauses, session),
               "SELECT * FROM [Sessions] WHERE [Engineer] LIKE \"Dan\" AND [ProjID]=4");
-    session.SessionID = 9;  // the key plays no part here
+    session.SessionID = 9;  // the key is not used here
     EXPECT_EQ(sql("Sessions", kKey, FilterRule::kClauses, kClauses, session),
               "SELECT * FROM [Sessions] WHERE [Engineer] LIKE \"Dan\" AND [ProjID]=4");
 }

@@ -1,4 +1,4 @@
-// Statements of stock and supply, and the sums behind the number on hand.
+// Statements of stock and supply, and the sums that give the number on hand.
 #include "studio/stock.h"
 
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ TEST(Stock, filter_takes_type_and_supplier) {
     EXPECT_EQ(kStock.statement(&record), "SELECT * FROM [Stock] WHERE [TypeID]=3 AND [Supplier]=\"Acme\"");
     record.TypeID = 0;
     EXPECT_EQ(kStock.statement(&record), "SELECT * FROM [Stock] WHERE [Supplier]=\"Acme\"");
-    record.Supplier = "7\" Ltd";  // as it stands
+    record.Supplier = "7\" Ltd";  // unescaped
     EXPECT_EQ(kStock.statement(&record), "SELECT * FROM [Stock] WHERE [Supplier]=\"7\" Ltd\"");
     StockInfo other;
     other.StockID = other.Quantity = other.SupplierID = other.InStock = other.ExData = 5;
@@ -27,7 +27,7 @@ TEST(Stock, filter_takes_type_and_supplier) {
     EXPECT_EQ(kStock.statement(&other), "SELECT * FROM [Stock]");
 }
 
-// Deliberate: nothing joins the client to the conditions before it.
+// Deliberate: no join between the client and the conditions before it.
 TEST(Supply, filter_does_not_join_the_client) {
     const auto statement = [](LONG stock, LONG project, LONG client) {
         SupplyAct record;
@@ -95,7 +95,7 @@ protected:
     RecordTable<StockInfo> stock_{kStock, database_};
 };
 
-// Quantities that are Null count as nothing, and so does a sum of nothing but them.
+// Null quantities count as 0, and so does a sum of Nulls only.
 TEST_F(InStock, null_quantities_count_as_0) {
     const LONG type = add_type(1);
     CDaoRecordset rows(&file_);
@@ -114,7 +114,7 @@ TEST_F(InStock, null_quantities_count_as_0) {
     EXPECT_EQ(in_stock, 6);
 }
 
-// The price goes through the record's float, which an amount of many digits does not survive.
+// The price passes through the record's float, which cannot hold an amount of many digits.
 TEST_F(InStock, price_is_written_back_as_the_float_of_the_record) {
     const LONG type = add_type(0);
     CDaoRecordset rows(&file_);

@@ -122,8 +122,8 @@ void FaultFileSystem::apply(const NameChange& change, Names& names) {
     if (change.to) names[*change.to] = change.node;
 }
 
-// Each sector of each write, and each resizing, gets to the disk or does not. The file may have grown for
-// a write whose bytes did not: its sectors then read as zeros.
+// Each sector of each write, and each resize, reaches the disk or does not. The file may have grown for a write whose
+// bytes are lost: its sectors then read as zeros.
 FaultFileSystem::Bytes FaultFileSystem::torn(const Node& node, std::uint32_t seed) {
     std::mt19937 random(seed);
     const auto kept = [&random] { return (random() & 1u) != 0; };

@@ -1,9 +1,9 @@
-// A file system in memory that counts what is done to it, fails on demand and can lose power.
+// A file system in memory that counts operations, fails on demand and can lose power.
 //
 // Invariants
-//  1. What a file holds after a power loss is what it held at its last sync, changed by some, all or none
-//     of the writes and resizings since; nothing else.
-//  2. A name made, moved or removed is sure to be so after a power loss only once its folder was synced;
+//  1. After a power loss a file holds its content at the last sync, changed by some, all or none
+//     of the writes and resizes since; nothing else.
+//  2. A creation, rename or removal of a name is durable only once its folder was synced;
 //     a rename is whole or did not happen.
 //  3. The same seed gives the same loss.
 #pragma once
@@ -23,8 +23,8 @@
 namespace testing_support {
 
 enum class Operation {
-    kOpen,    // an opening that found the file
-    kCreate,  // an opening that made the file
+    kOpen,    // an opening of an existing file
+    kCreate,  // an opening that created the file
     kRead,
     kWrite,
     kTruncate,
@@ -39,7 +39,7 @@ inline constexpr std::size_t kOperationCount = 9;
 bool is_change(Operation operation);
 
 enum class CrashMode {
-    kKeepUnsynced,  // only the host died: the system writes everything in the end
+    kKeepUnsynced,  // only the host died: the system writes everything eventually
     kDropUnsynced,  // nothing since the last sync reached the disk
     kTearUnsynced,  // a random part did, in sectors of 512 bytes and in any order
 };
@@ -53,8 +53,8 @@ struct Fault {
     bool half_written = false;  // a failing write leaves the first half of its bytes
 };
 
-// Folders need not be made: every one exists. Locks are as on the real system: an exclusive opening is refused while
-// another one lives that locks, a reading one while an exclusive one does; side files neither take nor heed a lock.
+// Every folder exists; none needs to be created. Locks are as on the real system: an exclusive opening is refused while
+// another locking one lives, a reading one while an exclusive one does; side files neither take nor respect a lock.
 // There are no links. Files opened here must not outlive the file system.
 class FaultFileSystem : public os::FileSystem {
 public:
@@ -69,38 +69,38 @@ public:
     void replace(const std::string& from, const std::string& to) override;
     void sync_folder_of(const std::string& path) override;
     std::vector<std::string> longer_names(const std::string& path) override;
-    // Time stands still until a test lets it pass, so that nothing is done behind its back.
+    // Time stands still until a test advances it, so that nothing happens in the background.
     ManualClock& clock() override { return clock_; }
 
-    // Operations done since the beginning or the last reset, failed ones included.
+    // Operations since construction or the last reset, failed ones included.
     std::uint64_t count(Operation operation) const { return counts_[static_cast<std::size_t>(operation)]; }
-    // Those of them that is_change().
+    // The number of those that are is_change().
     std::uint64_t change_count() const;
     void reset_counts() { counts_ = {}; }
 
-    // Replaces the fault planned before. Its count begins now.
+    // Replaces the planned fault. Counting starts now.
     void plan(const Fault& fault);
     void clear_faults() { fault_.reset(); }
     // How many operations the planned fault has failed so far.
     std::uint64_t faults_raised() const { return faults_raised_; }
-    // Room for all files together; a write or resizing past it fails with kDiskFull.
+    // Capacity for all files together; a write or resize beyond it fails with kDiskFull.
     void set_capacity(std::uint64_t bytes) { capacity_ = bytes; }
 
-    // Called after each operation that is_change() and did not fail; the place to take a crash() at every step.
+    // Called after each successful operation that is_change(); the place to take a crash() at every step.
     void set_observer(std::function<void(Operation, const std::string& path)> observer) {
         observer_ = std::move(observer);
     }
-    // The disk as it is found after a power loss at this moment: everything synced, nothing open, no fault
-    // planned. This file system itself goes on undisturbed.
+    // The disk as found after a power loss now: everything synced, nothing open, no fault planned. This file system
+    // itself is unchanged.
     std::unique_ptr<FaultFileSystem> crash(CrashMode mode, std::uint32_t seed = 0) const;
 
-    // A look at, and a change of, the disk that is neither counted nor failed. `content` of a missing file
-    // throws kNotFound; `set_content` makes the file where needed and is durable at once.
+    // Reads, or changes, the disk without being counted or failed. `content` of a missing file throws kNotFound;
+    // `set_content` creates the file if needed and is durable at once.
     std::vector<std::uint8_t> content(const std::string& path) const;
     void set_content(const std::string& path, std::vector<std::uint8_t> bytes);
     // Names of all files, sorted.
     std::vector<std::string> names() const;
-    // The file's name is made, and its bytes are all synced.
+    // The file's name is durable, and all its bytes are synced.
     bool is_durable(const std::string& path) const;
 
 private:
@@ -108,7 +108,7 @@ private:
 
     using Bytes = std::vector<std::uint8_t>;
 
-    // A write, or with `resize_to` a change of size.
+    // A write, or with `resize_to` a resize.
     struct Change {
         std::uint64_t at = 0;
         Bytes bytes;
@@ -124,7 +124,7 @@ private:
     };
     using Names = std::map<std::string, std::shared_ptr<Node>>;
 
-    // Made: `to` alone. Removed: `from` alone. Moved: both.
+    // Created: only `to`. Removed: only `from`. Renamed: both.
     struct NameChange {
         std::optional<std::string> from;
         std::optional<std::string> to;
@@ -152,7 +152,7 @@ private:
     ManualClock clock_;
 };
 
-// Puts a file system in place of the one in use for as long as the object lives.
+// Replaces the file system in use while the object lives.
 class UseFileSystem {
 public:
     explicit UseFileSystem(os::FileSystem& system) : before_(os::set_file_system(&system)) {}

@@ -44,11 +44,11 @@ private:
     std::ofstream file_;
 };
 
-// At the start of every test program.
+// Runs at the start of every test program.
 const bool is_listening = [] {
     const char* const folder = std::getenv("KVDB_TEST_FIGURES");
     if (folder == nullptr || *folder == 0) return false;
-    ::testing::UnitTest::GetInstance()->listeners().Append(new FiguresListener(folder));  // theirs from now on
+    ::testing::UnitTest::GetInstance()->listeners().Append(new FiguresListener(folder));  // gtest owns it from now on
     return true;
 }();
 
@@ -58,5 +58,5 @@ void count_tried(Figure figure, std::uint64_t count) { tried_by_test[static_cast
 
 }  // namespace testing_support
 
-// By this name programs ask the linker for the listener, whether or not they count anything.
+// Programs refer to this symbol so that the linker keeps the listener, whether or not they count anything.
 extern "C" int kvdb_test_figures() { return testing_support::is_listening ? 1 : 0; }

@@ -20,7 +20,7 @@ HANDLE event(const std::string& name) { return CreateEventA(nullptr, TRUE, FALSE
 
 }  // namespace
 
-// What the other process runs.
+// The other process runs this.
 TEST(HandleHolder, DISABLED_process) {
     const std::string name = variable("KVDB_HOLDER_EVENT");
     if (name.empty()) GTEST_SKIP() << "is run by HandleHolder";

@@ -1,4 +1,4 @@
-// Another program's handle on a file, for a while: a virus scanner's, an indexer's, a backup's.
+// Another program's temporary handle on a file: a virus scanner's, an indexer's, a backup's.
 #pragma once
 
 #include "os/windows_api_win32.h"
@@ -7,8 +7,8 @@
 
 namespace testing_support {
 
-// Starts another process of this program that opens `path` and holds it until `release` or, with `milliseconds`, so
-// long. Returns when the file is held.
+// Starts another process of this program that opens `path` and holds it until `release` or for `milliseconds`. Returns
+// when the file is held.
 class HandleHolder {
 public:
     HandleHolder(const std::string& path, DWORD access, DWORD share, DWORD milliseconds = INFINITE);

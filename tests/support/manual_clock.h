@@ -1,4 +1,4 @@
-// A clock that stands still until a test lets time pass; alarms then ring in the test's own thread, each at its time.
+// A clock that stands still until a test advances it; due alarms then ring in the test's own thread, each at its time.
 #pragma once
 
 #include <algorithm>
@@ -18,7 +18,7 @@ public:
         return std::make_unique<ManualAlarm>(*this, std::move(work));
     }
 
-    // Lets time pass. What falls due on the way is done at its time.
+    // Advances the time. Alarms that become due run at their time.
     void advance(std::chrono::steady_clock::duration span) {
         const os::TimePoint end = now_ + span;
         while (ManualAlarm* const next = first_due()) {
@@ -29,12 +29,12 @@ public:
         }
         now_ = end;
     }
-    // Alarms that are set.
+    // Number of alarms that are set.
     std::size_t pending() const {
         return static_cast<std::size_t>(std::count_if(alarms_.begin(), alarms_.end(),
                                                       [](const ManualAlarm* alarm) { return alarm->due.has_value(); }));
     }
-    // As a system that has no thread to give.
+    // Simulates a system that cannot create threads.
     void refuse_alarms(bool refuse) { refuses_ = refuse; }
 
 private:

@@ -1,5 +1,5 @@
-// Owns the life of a test's folder. Invariant: no two living TempFolder objects, of whatever process,
-// have the same path.
+// Owns the lifetime of a test's folder. Invariant: no two living TempFolder objects, of any process, have the same
+// path.
 #include "tests/support/temp_folder.h"
 
 #include <filesystem>
@@ -29,7 +29,7 @@ TempFolder::TempFolder() {
 
 TempFolder::~TempFolder() {
     std::error_code ignored;
-    // A test may have taken away its own right to write.
+    // A test may have removed its own write permission.
     fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ignored);
     fs::remove_all(path_, ignored);
 }

@@ -1,11 +1,11 @@
-// An empty folder of a test's own.
+// An empty folder for one test.
 #pragma once
 
 #include <string>
 
 namespace testing_support {
 
-// Makes a new empty folder; removes it with all that is in it when it goes out of scope.
+// Creates a new empty folder; removes it with its content when it goes out of scope.
 class TempFolder {
 public:
     TempFolder();

@@ -1,5 +1,5 @@
-// A host that ends while threads of it are inside the component: what they were told is saved is there afterwards, and
-// the end neither hangs nor crashes.
+// A host that exits while its threads are inside the component: everything reported as saved is there afterwards, and
+// the exit neither hangs nor crashes.
 #include <gtest/gtest.h>
 
 #include <sys/wait.h>
@@ -26,9 +26,9 @@ struct Saved {
     int number;
 };
 
-// Saves rows for ever, in several threads, and tells `out` of each; ends the process in the middle of it.
+// Saves rows for ever in several threads and reports each to `out`; exits the process in the middle of it.
 [[noreturn]] void run_host(const std::string& folder, int out) {
-    // Neither is ever released: the process ends with them.
+    // Never released: they live until the process ends.
     static const Component* const component = std::make_unique<Component>(folder).release();
     static const auto* const holder = std::make_unique<ComPtr<IDBgate1>>(component->create<IDBgate1>()).release();
     IDBgate1* const gate = holder->get();
@@ -49,7 +49,7 @@ struct Saved {
     std::exit(0);
 }
 
-// The end of a process, or its killing after half a minute.
+// The exit status of a process; kills it after half a minute.
 int status_of(pid_t child) {
     int status = 0;
     for (int i = 0; i < 3000; ++i) {
@@ -90,7 +90,7 @@ TEST(ExitThreads, process_that_ends_while_threads_save_loses_no_row) {
     }
 }
 
-// The child has the one thread that forked, and no other could ever open a lock for it.
+// The child has only the thread that forked; no other could ever release a lock for it.
 TEST(ForkThreads, child_of_a_host_whose_other_threads_are_at_work_gets_answers_and_ends) {
     const TempFolder folder;
     std::atomic<int> saved{0};

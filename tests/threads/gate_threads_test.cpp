@@ -1,5 +1,5 @@
-// Hosts that call from several threads: the files stay sound, and no row that was reported as saved is lost. Built
-// with the sanitizer for threads as well, together with the library.
+// Hosts that call from several threads: the files stay sound, and no row reported as saved is lost. Also built with the
+// thread sanitizer, together with the library.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -44,7 +44,7 @@ void expect_sound(const std::string& path) {
 
 class GateThreads : public testing::TestWithParam<unsigned> {
 protected:
-    // Both files are closed, whole, and hold what the workers know, beside the demo row that every new file has.
+    // Both files are closed, sound, and hold the workers' rows and the demo row of every new file.
     void expect_everything(const std::vector<Worker>& workers, Projects demo) {
         expect_sound(host_.file("sldb.mdb"));
         expect_sound(host_.file("kvinvdb.mdb"));
@@ -55,7 +55,7 @@ protected:
         }
         EXPECT_EQ(projects_in(host_.file("sldb.mdb")), expected);
     }
-    // The rows of a file that has just been made.
+    // The rows of a newly created file.
     Projects first_rows() {
         const auto gate = host_.create<IDBgate1>();
         EXPECT_EQ(gate->OpenDB(), S_OK);
@@ -80,7 +80,7 @@ TEST_P(GateThreads, each_with_a_gate_lose_no_row) {
     std::vector<Worker> all = workers();
     run_in_threads(GetParam(), [&](unsigned number) {
         const auto gate = host_.create<IDBgate1>();
-        ASSERT_EQ(gate->CreateDB(nullptr), S_OK);  // OpenDB would close what the others have open
+        ASSERT_EQ(gate->CreateDB(nullptr), S_OK);  // OpenDB would close the files that the others have open
         for (int i = 0; i < kSteps; ++i) all[number].step(*gate);
     });
     host_.create<IDBgate1>()->CloseDB();
@@ -101,7 +101,7 @@ TEST_P(GateThreads, all_on_one_gate_lose_no_row) {
     expect_everything(all, demo);
 }
 
-// A call on closed files fails, and nothing else is wrong with it.
+// A call on closed files fails, with no other effect.
 TEST_P(GateThreads, that_open_and_close_under_the_others_lose_no_row) {
     const Projects demo = first_rows();
     std::vector<Worker> all = workers();
@@ -161,7 +161,7 @@ TEST_P(GateThreads, that_call_by_name_lose_no_row) {
     expect_sound(host_.file("sldb.mdb"));
 }
 
-// Threads that fail to open a damaged file, by the exception, keep nobody out.
+// Threads whose opening of a damaged file fails with an exception lock nobody out.
 TEST_P(GateThreads, that_get_an_exception_let_the_others_in) {
     first_rows();
     std::ofstream(host_.file("sldb.mdb")) << "this is no database";
@@ -171,7 +171,7 @@ TEST_P(GateThreads, that_get_an_exception_let_the_others_in) {
             const auto gate = host_.create<IDBgate1>();
             for (int i = 0; i < 5; ++i) {
                 try {
-                    refused += gate->OpenDB() == E_FAIL;  // the host has an unwinder of its own
+                    refused += gate->OpenDB() == E_FAIL;  // the host has its own unwinder
                 } catch (CDaoException* error) {
                     ++refused;
                     error->Delete();

@@ -1,4 +1,4 @@
-// A host that lets go of the library, or ends, while the thread that brings the tail of a burst to the disk is at work.
+// A host that unloads the library, or exits, while the thread that syncs the end of a burst is at work.
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -21,7 +21,7 @@ namespace {
 
 constexpr int kRows = 5;
 
-// A burst of rows through a gate that is released and never closed.
+// Saves a burst of rows through a gate that is released and never closed.
 void save_burst(const Component& component) {
     const auto gate = component.create<IDBgate1>();
     ASSERT_EQ(gate->OpenDB(), S_OK);
@@ -52,8 +52,8 @@ TEST(Unloading, library_let_go_of_in_the_middle_of_a_burst_loses_nothing) {
 }
 
 #ifdef _WIN32
-// An edit that fails uses up a number and saves nothing; the closing then saves what the table has counted, too late
-// for a thread to be begun.
+// A failed edit uses up an auto-number and saves nothing; the closing then saves the table's counter, too late to start
+// a thread.
 TEST(Unloading, closing_by_unloading_begins_no_thread_in_the_library_that_goes) {
     for (int round = 0; round < 5; ++round) {
         const TempFolder folder;
@@ -77,14 +77,14 @@ TEST(Unloading, closing_by_unloading_begins_no_thread_in_the_library_that_goes) 
 TEST(Unloading, process_that_ends_in_the_middle_of_a_burst_loses_nothing) {
     for (const bool unloads : {false, true}) {
         const TempFolder folder;
-        std::fflush(stdout);  // or the child says it once more
+        std::fflush(stdout);  // otherwise the child would print it again
         const pid_t child = fork();
         if (child == 0) {
             alarm(60);
             auto component = std::make_unique<Component>(folder.path());
             save_burst(*component);
             if (unloads) component.reset();
-            // Otherwise the library is still loaded, and nobody has closed anything.
+            // Without the unloading, keep the library loaded and everything open.
             static const Component* const kept = component.release();
             static_cast<void>(kept);
             std::exit(0);

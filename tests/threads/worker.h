@@ -1,4 +1,4 @@
-// A thread's share of a studio's day: what it was told of every row, to be compared with the file afterwards.
+// One thread's share of the operations: records what it was told of every row, to be compared with the file afterwards.
 #pragma once
 
 #include <kvdb/kvdb.h>
@@ -19,7 +19,7 @@ class Worker {
 public:
     explicit Worker(unsigned number) : number_(number), random_(number) {}
 
-    // One random operation through the gate. What is answered with success must be in the file.
+    // One random operation through the gate. Everything reported as success must be in the file.
     void step(IDBgate1& gate) {
         switch (random_() % 6) {
             case 0:
@@ -31,7 +31,7 @@ public:
         }
     }
 
-    // Differences between what the gate has answered to a reader and what had been answered before.
+    // Number of read results that contradict earlier results.
     int wrong_answers() const { return wrong_answers_; }
     int failures() const { return failures_; }
     const Projects& projects() const { return projects_; }

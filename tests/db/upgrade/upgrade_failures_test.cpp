@@ -1,5 +1,5 @@
-// Every step of an upgrade made to fail by a file that is not as its version says: which failures stop the
-// upgrade, what the header says then, and what is there and what not.
+// Makes every step of an upgrade fail with a file that does not match its version: which failures stop the upgrade,
+// which version the header has then, and what exists and what does not.
 #include <functional>
 #include <vector>
 
@@ -13,7 +13,7 @@ using jet::Null;
 
 class UpgradeFailure : public UpgradeTest {
 protected:
-    // The content after an upgrade of a filled studio, which must give `result`.
+    // The content after an upgrade of a filled studio; the upgrade must return `result`.
     Content upgraded(std::int32_t version, const Oddities& oddities, int result) {
         std::filesystem::remove(studio());
         OldFile file = make_studio(version, oddities);
@@ -22,7 +22,7 @@ protected:
         EXPECT_EQ(upgrade_studio(), result) << version;
         return content_of(studio());
     }
-    // A row in every table that the upgrade converts, as far as the file has it.
+    // A row in every table that the upgrade converts, if the file has the table.
     static void fill(OldFile& file) {
         const auto add = [&](const char* table, std::initializer_list<Cell> cells) {
             if (file.has(table)) file.add(table, cells);
@@ -128,10 +128,10 @@ TEST_F(UpgradeFailure, demo_project_that_cannot_be_added_is_left_out) {
     EXPECT_EQ(rows_in(after, "ContactCategories"), 10u);
 }
 
-// ---- Dated records: the first error ends them, and nothing else
+// ---- Dated records: the first error ends their conversion, and nothing else
 
 struct DatedCase {
-    const char* odd;   // a column or table that is missing
+    const char* odd;   // a missing column or table
     const char* kind;  // or null: a column of another kind
     bool sessions, equipment, item_price, price;
 };
@@ -193,7 +193,7 @@ TEST_F(UpgradeFailure, fields_that_are_there_already_are_no_failure) {
     EXPECT_TRUE(has_column(after, "Def_Engineers", "Price"));
 }
 
-// ---- Tables that are there already stop the upgrade, the header says 210000
+// ---- Existing tables stop the upgrade, the header says 210000
 
 struct StopCase {
     std::int32_t version;
@@ -230,7 +230,7 @@ TEST_F(UpgradeFailure, table_that_is_there_already_stops_with_the_ones_before_it
         for (const char* const made : c.made) EXPECT_TRUE(after.contains(made)) << c.table << ": " << made;
         for (const char* const name : c.not_made) EXPECT_FALSE(after.contains(name)) << c.table << ": " << name;
         EXPECT_EQ(rows_in(after, "Projects"), 2u) << c.table;
-        // Neither rows of a library whose tables are not all there, nor anything of the contact model.
+        // Neither rows of a library without all its tables, nor anything of the contact model.
         EXPECT_EQ(rows_in(after, "LibGroups"), std::string(c.table) == "Def_Tax" && c.version < 200000 ? 3u : 0u);
         EXPECT_EQ(rows_in(after, "ContactCategories"), 0u) << c.table;
         EXPECT_FALSE(has_column(after, "Clients", "CategoryID")) << c.table;
@@ -239,7 +239,7 @@ TEST_F(UpgradeFailure, table_that_is_there_already_stops_with_the_ones_before_it
     }
 }
 
-// What an observer of upgrades is told.
+// Records what an observer of upgrades is told.
 class Told : public db::UpgradeObserver {
 public:
     Told() { db::set_upgrade_observer(this); }
@@ -277,7 +277,7 @@ TEST_F(UpgradeFailure, observer_is_told_of_every_step_and_why_one_failed) {
     EXPECT_TRUE(sound.failures.empty()) << sound.failures.front();
 }
 
-// ---- The contact model: what fails is left out, the rest is done
+// ---- The contact model: failed parts are left out, the rest is done
 
 TEST_F(UpgradeFailure, missing_table_leaves_the_others_converted) {
     for (const char* const missing :
@@ -295,7 +295,7 @@ TEST_F(UpgradeFailure, missing_table_leaves_the_others_converted) {
         expect_converted("Songs", "WriterID", "0 ");
         expect_converted("Stock", "SupplierID", "0 ");
         expect_converted("Tracks", "Mode", "0 ");
-        // A session whose engineer can be nobody ends the sessions.
+        // A session whose engineer cannot become a contact ends the conversion of sessions.
         expect_converted("Sessions", "SongID", gone == "Songs" ? "0 " : gone == "Clients" ? "null " : "1 ");
         if (gone != "Clients") {
             EXPECT_EQ(column(after, "Clients", "Name").substr(0, 12), "'Bob Smith' ") << gone;
@@ -318,7 +318,7 @@ TEST_F(UpgradeFailure, field_of_another_kind_ends_the_conversion_of_its_table_on
     const KindCase cases[] = {
         {"Clients.Phone5Descript", "long",
          [](const Content& after) {
-             // The row that failed is as it was; the engineer's texts are refused as well.
+             // The failed row is unchanged; the engineer's texts are refused as well.
              EXPECT_EQ(column(after, "Clients", "Name"), "'Bob' ");
              EXPECT_EQ(rows_in(after, "Services"), 0u);
              EXPECT_EQ(rows_in(after, "Participants"), 0u);

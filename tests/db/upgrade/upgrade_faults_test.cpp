@@ -1,5 +1,5 @@
-// Upgrades on a disk that fails and loses power: the result keeps its promises, the file stays sound, and after a
-// power loss it is as it was between two steps.
+// Upgrades on a disk that fails and loses power: the result is true, the file stays sound, and after a power loss it is
+// as it was between two steps.
 #include <chrono>
 #include <functional>
 #include <set>
@@ -66,7 +66,7 @@ protected:
     static void open(CDaoDatabase& database, const char* path) {
         database.Open(path, TRUE, FALSE, (";PWD=" + password_in(path)).c_str());
     }
-    // As the first opening after a crash: what the journal holds goes into the file.
+    // As the first opening after a crash: the journal is replayed into the file.
     static Content recovered_content(const char* path) {
         jet::OpenOptions options;
         options.ignore_password = true;
@@ -87,8 +87,8 @@ protected:
         return disk.content(subject.path);
     }
 
-    // What the file holds after none, one, ... all of the steps that apply to it. A pair that belongs together
-    // counts as one.
+    // The content after none, one, ... all of the steps that apply to the file. A pair that belongs together counts as
+    // one.
     static std::vector<Content> boundaries(const Subject& subject, std::int32_t version) {
         FaultFileSystem disk;
         const UseFileSystem use(disk);
@@ -124,7 +124,7 @@ protected:
         } else if (seen != nullptr) {
             seen->insert(static_cast<std::size_t>(match - allowed.begin()));
         }
-        // It opens as a host opens it; what was not begun is upgraded now.
+        // It opens as a host opens it; an upgrade that had not started runs now.
         CDaoDatabase database;
         open(database, subject.path);
         const std::string version = version_in(found);
@@ -139,7 +139,7 @@ protected:
         }
     }
 
-    // Cuts after each change of the disk.
+    // Cuts the power after each change of the disk.
     static void cut_everywhere(const Subject& subject, std::int32_t version, bool every_step_synced) {
         const std::vector<Content> allowed = boundaries(subject, version);
         FaultFileSystem disk;
@@ -158,7 +158,7 @@ protected:
                 for (std::uint32_t seed = 0; seed < 2; ++seed) {
                     cuts.emplace_back(where + "torn", disk.crash(CrashMode::kTearUnsynced, 2 * change + seed));
                 }
-                // The next commit then comes late enough to be synced.
+                // Makes the next commit late enough to be a sync point.
                 if (every_step_synced && operation == Operation::kWrite && path.ends_with("-journal")) {
                     std::this_thread::sleep_for(std::chrono::milliseconds(260));
                 }
@@ -170,7 +170,7 @@ protected:
         EXPECT_GT(cuts.size(), 4 * allowed.size());
         std::set<std::size_t> seen;
         for (const auto& [where, cut] : cuts) expect_boundary(*cut, subject, allowed, where, &seen);
-        // Each is met, but for steps that had nothing to do.
+        // Each boundary occurs, except for steps with nothing to do.
         for (std::size_t i = 0; i < allowed.size(); ++i) {
             const bool is_new = i == 0 || allowed[i] != allowed[i - 1];
             EXPECT_EQ(seen.contains(i), is_new) << version << ", boundary " << i;
@@ -191,7 +191,7 @@ TEST_F(UpgradeCrash, power_loss_with_every_step_on_the_disk_leaves_what_a_step_h
     for (const Subject& subject : subjects()) cut_everywhere(subject, 100005, true);
 }
 
-// Password and number of the oldest file change together: otherwise it could never be upgraded again.
+// Password and version of the oldest file change together: otherwise it could never be upgraded again.
 TEST_F(UpgradeCrash, power_loss_never_parts_the_new_password_from_the_new_number) {
     FaultFileSystem disk;
     const Subject subject = subjects()[0];
@@ -214,7 +214,7 @@ TEST_F(UpgradeCrash, power_loss_never_parts_the_new_password_from_the_new_number
 
 class UpgradeFault : public UpgradeDisk {
 protected:
-    // Upgrades on a copy of the image while the fault is planned, then looks at what is left.
+    // Upgrades a copy of the image with the fault planned, then examines the result.
     struct Outcome {
         int result = 0;
         std::uint64_t faults = 0;
@@ -256,7 +256,7 @@ protected:
                 EXPECT_EQ(outcome.result, -1) << where;
                 EXPECT_TRUE(found == std::to_string(version) || found == "210000") << where << found;
             }
-            // What must be there whenever the upgrade says that it ran through, whatever was left out.
+            // Required whenever the upgrade says that it ran through, even if steps were left out.
             if (outcome.result == 1 && subject.kind == OldFile::Kind::kStudio) {
                 for (const char* const table : {"Def_Invoice", "Def_Tax", "Participants", "GearRentals"}) {
                     EXPECT_TRUE(outcome.content.contains(table)) << where << ": " << table;
@@ -268,7 +268,7 @@ protected:
                     EXPECT_FALSE(outcome.content.contains("Participants")) << where;
                 }
             }
-            // No row goes.
+            // No row is lost.
             if (subject.kind == OldFile::Kind::kStudio) {
                 EXPECT_EQ(rows_in(outcome.content, "Sessions"), 25u) << where;
                 EXPECT_GE(rows_in(outcome.content, "Clients"), 5u) << where;

@@ -1,4 +1,4 @@
-// Old files, opened, upgraded and closed again, for the tests of upgrades.
+// Opens, upgrades and closes old files, for the tests of upgrades.
 #pragma once
 
 #include <string>
@@ -38,7 +38,7 @@ protected:
         CDaoDatabase database;
         database.Open(studio().c_str(), TRUE, FALSE, (";PWD=" + password_in(studio())).c_str());
         const int result = db::upgrade_main_file(database);
-        EXPECT_TRUE(database.IsOpen());  // whatever the result
+        EXPECT_TRUE(database.IsOpen());  // for every result
         database.Close();
         return result;
     }
@@ -57,7 +57,7 @@ inline std::string version_in(const Content& content) {
     return header == content.end() || header->second.rows.empty() ? "none" : header->second.rows[0].at("DBversion");
 }
 
-// Values of one column, row by row, each ended by a blank.
+// Values of one column, row by row, each followed by a blank.
 inline std::string column(const Content& content, const std::string& table, const std::string& name) {
     std::string all;
     const auto found = content.find(table);

@@ -1,5 +1,5 @@
-// The upgrade of the studio file: what it does to the rows of small studios written out by hand, and to the
-// tables and rows of full ones of every version.
+// The upgrade of the studio file: its effect on the rows of small hand-written studios, and on the tables and rows of
+// full ones of every version.
 #include "db/upgrade/upgrade.h"
 
 #include <kvdb/ctime.h>
@@ -93,7 +93,7 @@ TEST_F(Upgrade, demo_project_is_added_with_the_welcome_note) {
         {"DiscountType", "0"}, {"DiscountVal", "0.0000"},   {"ExData", "null"},          {"Notes", kWelcome},
     };
     EXPECT_EQ(after.at("Projects").rows[0], expected);
-    EXPECT_EQ(upgrade_studio(), 0);  // a second upgrade does not happen
+    EXPECT_EQ(upgrade_studio(), 0);  // a second upgrade does nothing
     EXPECT_EQ(rows_in(content_of(studio()), "Projects"), 1u);
 }
 
@@ -225,7 +225,7 @@ TEST_F(Upgrade, name_that_the_code_page_does_not_hold_stays) {
 
 TEST_F(Upgrade, engineers_become_contacts_with_a_service) {
     OldFile file = make_studio(200010);
-    file.add("Clients", {{"Name", "Anna"}, {"LastName", ""}});  // no engineer, though of the same name
+    file.add("Clients", {{"Name", "Anna"}, {"LastName", ""}});  // not an engineer, though of the same name
     file.add("Def_Engineers", {{"Name", "Anna"}, {"Price", amount(25, 5000)}});
     file.add("Def_Engineers", {{"Name", Null{}}, {"Price", amount(99)}});
     file.add("Def_Engineers", {{"Name", "Bob \"Fader\" Köhler"}, {"Price", Null{}}});
@@ -244,7 +244,7 @@ TEST_F(Upgrade, engineers_become_contacts_with_a_service) {
                                                         {"Title", "'Imported Sound Engineer'"}};
         EXPECT_EQ(value, set.contains(name) ? set.at(name) : "''") << name;
     }
-    // Each engineer of the list brings a service, of one contact where they share the name.
+    // Each engineer of the list gets a service; engineers of the same name share one contact.
     EXPECT_EQ(column(after, "Services", "ContactID"), "2 3 2 ");
     EXPECT_EQ(column(after, "Services", "Price"), "25.5000 null 30.0000 ");
     EXPECT_EQ(column(after, "Services", "Name"), "'Engineering' 'Engineering' 'Engineering' ");
@@ -278,7 +278,7 @@ TEST_F(Upgrade, sessions_are_tied_to_the_first_song_that_matches) {
     file.close();
     EXPECT_EQ(upgrade_studio(), 1);
     const Content after = content_of(studio());
-    // A name with a quote, and a pattern without its end, are refused by the engine: no song.
+    // The engine refuses a name with a quote and an unterminated pattern: no song.
     EXPECT_EQ(column(after, "Sessions", "SongID"), "1 3 1 0 0 4 0 2 6 0 0 ");
     EXPECT_EQ(column(after, "Sessions", "ArtistID"), "0 0 0 0 0 0 0 0 0 0 0 ");
     EXPECT_EQ(column(after, "Sessions", "RoomID"), "4 4 4 4 4 4 4 4 4 4 0 ");
@@ -373,7 +373,7 @@ Columns expected_columns(const char* text) {
     return columns;
 }
 
-// The old row with what is known to change, so that the rest must be the same.
+// The old row with the expected changes applied; everything else must be the same.
 bool is_kept(const std::string& table, const std::string& name, const ContentRow& old_row) {
     if (table == "DBHeader") return name != "DBversion";
     if (table == "Clients") return name != "Name";
@@ -381,7 +381,7 @@ bool is_kept(const std::string& table, const std::string& name, const ContentRow
     return name != "Date" || (table != "Sessions" && table != "Equipment");
 }
 
-// Month, day and year between slashes, else no date; the studio's texts name no days that do not exist.
+// Month, day and year between slashes, else no date; all such texts of the studio are valid dates.
 std::string date_of(const std::string& text) {
     int month = 0, day_of_month = 0, year = 0;
     if (std::sscanf(text.c_str(), "'%d/%d/%d'", &month, &day_of_month, &year) != 3 || month > 12) return "null";

@@ -1,8 +1,8 @@
-// A host that opens the studio and tells, in one line, how a failure reaches it:
+// A host that opens the studio and prints, in one line, how a failure reaches it:
 //
 //     exception_host FOLDER vtable|invoke|create|gear
 //
-// It is built twice: sharing the unwinder with the component, and with everything linked into itself.
+// It is built twice: sharing the unwinder with the component, and with everything linked statically.
 #include <kvdb/kvdb.h>
 
 #include <cstdio>
@@ -82,7 +82,7 @@ int run(HMODULE library, const std::string& way) {
 
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
-    // An exception of the host's own works beside those of the component.
+    // The host's own exceptions work beside those of the component.
     try {
         throw std::runtime_error("own");
     } catch (const std::exception& error) {

@@ -1,4 +1,4 @@
-// Loads the installed library (LIBRARY, or the first argument) and uses a gate: 0 when all went well.
+// Loads the installed library (LIBRARY, or the first argument) and uses a gate; exit code 0 on success.
 #include <dlfcn.h>
 #include <kvdb/kvdb.h>
 
@@ -9,7 +9,7 @@
 #endif
 
 int main(int argc, char** argv) {
-    // By its name alone it is not to be found: the folder where it is installed is nobody's studio.
+    // The loader must not find it by name alone: the folder where it is installed is not a studio.
     if (dlopen("libkvdb.so", RTLD_NOW) != nullptr) return 5;
     void* const library = dlopen(argc > 1 ? argv[1] : LIBRARY, RTLD_NOW);
     if (library == nullptr) return std::puts(dlerror()), 1;

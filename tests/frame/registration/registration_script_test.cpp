@@ -1,4 +1,4 @@
-// The language of registration scripts.
+// The syntax of registration scripts.
 #include "frame/registration/registration_script.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// Registration against the real registry: every key that a script names, both directions, what happens when it fails
-// half way, and what the platform makes of it.
+// Registration in the real registry: every key of the scripts, both directions, failures half way, and the platform's
+// view of the result.
 #include <gtest/gtest.h>
 #include <kvdb/kvdb.h>
 
@@ -20,7 +20,7 @@ struct RegisteredClass {
     const char* name;
     const char* clsid;
 };
-// The second one's is not the class's own, deliberately.
+// The second identifier is not the class's own, deliberately.
 constexpr RegisteredClass kClasses[] = {{"DBgate1", "{66DA35EC-B364-4F64-A3FD-D09D314C02D1}"},
                                         {"DBgate2", "{ECADD900-76DA-49CB-8286-4A5913BBED89}"},
                                         {"DBGate3", "{BD49E811-5273-4074-BD03-8ED9B0812418}"}};
@@ -28,7 +28,7 @@ constexpr const char* kLibrary = "{D4E6B90C-22E3-47D3-9E7F-02AA21C9A428}";
 constexpr const char* kOwnGate2 = "{99CA7812-20D9-4498-9727-DE8B97A3F383}";
 constexpr const char* kUserClasses = "Software\\Classes\\";
 
-// Everything of ours below `prefix`.
+// All of the component's keys below `prefix`.
 RegistryText ours(HKEY root, const std::string& prefix = "") {
     RegistryText all;
     for (const RegisteredClass& entry : kClasses) {
@@ -60,7 +60,7 @@ protected:
         if (component_ == nullptr) component_ = std::make_unique<Component>(folder_.path());
         return *component_;
     }
-    // Replaces the first `from` in the file by `to`, which is as long.
+    // Replaces the first `from` in the file by `to`, which has the same length.
     void change_file(const std::string& from, const std::string& to) {
         std::string bytes = bytes_of(file());
         const std::size_t at = bytes.find(from);

@@ -84,7 +84,8 @@ StoredValue Table::stored_value(const ColumnDef& column, const Value& value) con
     if (is_null(value)) return std::nullopt;
     if (!column.is_long()) return encode_value(value, column);
     const auto* text = std::get_if<std::u16string>(&value);
-    return storage_.long_values().write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
+    return storage_.long_values().write(column,
+                                        text ? LongValues::encode_memo(column, *text) : std::get<ByteVector>(value));
 }
 
 ByteVector Table::encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const {

@@ -2,18 +2,21 @@
 //
 // Invariants
 //  1. A list holds a name once: adding a name that is there and deleting one that is not are successes.
-//  2. A name given out takes at most kListNameSize bytes of the caller's buffer and always ends in a zero byte.
+//  2. A name given out takes no more than the room that the caller's buffer has, always ends in a zero byte, and is cut
+//     between two characters where it is longer.
 #pragma once
 
 #include <kvdb/com.h>
 #include <kvdb/cstring.h>
 
+#include <cstddef>
+
 #include "studio/record_table.h"
 
 namespace studio {
 
-// Bytes of a caller's buffer: the longest name that a column holds, and the zero byte.
-inline constexpr int kListNameSize = 255 + 1;
+// Bytes of a host's buffer: the longest name that a column holds where a character is a byte, and the zero byte.
+inline constexpr std::size_t kListNameSize = 255 + 1;
 
 // A row of a list.
 struct ListName {
@@ -31,11 +34,11 @@ public:
     NameList(const TableMapping<ListName>& mapping, CDaoDatabase* const& database)
         : mapping_(mapping), database_(database), names_(mapping, database) {}
 
-    // The first name into a buffer of kListNameSize bytes, which a failure leaves as it was. E_FAIL when the
+    // The first name into a buffer of `size` bytes, which a failure leaves as it was. E_FAIL when the
     // list is empty, the buffer null or the database not open, and at an error of the engine.
-    HRESULT EnumFirst(LPSTR buffer);
+    HRESULT EnumFirst(LPSTR buffer, std::size_t size = kListNameSize);
     // The next one; E_FAIL at the end, too.
-    HRESULT EnumNext(LPSTR buffer);
+    HRESULT EnumNext(LPSTR buffer, std::size_t size = kListNameSize);
     // S_OK too when the name is there already, in whatever case. E_FAIL for an empty name, one that is too
     // long, and one whose double quote breaks the statement; nothing is added then.
     HRESULT Add(LPCSTR name);

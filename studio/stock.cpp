@@ -112,7 +112,7 @@ constinit const TableMapping<StockInfo> kStock{
     .read = kStockRead,
     .write = kStockWrite,
     .filter = kStockFilter,
-    .null_record = NullRecord::kFailsAtOnce,
+    .null_record = NullRecord::kWholeTable,
 };
 
 constinit const TableMapping<SupplyAct> kSupply{
@@ -129,7 +129,6 @@ constinit const TableMapping<StockTypeInfo> kStockTypes{
     .read = kStockTypeRead,
     .write = kStockTypeWrite,
     .enum_read = kStockTypeEnumRead,
-    .null_record = NullRecord::kFailsAtOnce,
 };
 
 constinit const TableMapping<EquipInfo> kEquipment{
@@ -137,7 +136,6 @@ constinit const TableMapping<EquipInfo> kEquipment{
     .key = {"RecID", &EquipInfo::RecID},
     .read = kEquipmentColumns,
     .write = std::span(kEquipmentColumns).subspan(1),
-    .null_record = NullRecord::kFailsAtOnce,
 };
 
 HRESULT compute_in_stock(CDaoDatabase* database, RecordTable<StockTypeInfo>& types, LONG type_id, LONG* in_stock) {

@@ -4,6 +4,7 @@
 #include <set>
 #include <string>
 
+#include "db/schema.h"
 #include "jet/tables/database.h"
 #include "os/system.h"
 #include "tests/db/upgrade_fixture.h"

@@ -54,7 +54,8 @@ jet::NewColumn new_column(const CDaoFieldInfo& info) {
         }
         column.text_characters = static_cast<std::uint16_t>(info.m_lSize == 0 ? kMaxTextSize : info.m_lSize);
     }
-    column.allow_zero_length = (is_text || info.m_nType == dbMemo) && info.m_bAllowZeroLength;
+    column.compressed = is_text || info.m_nType == dbMemo;
+    column.allow_zero_length = column.compressed && info.m_bAllowZeroLength;
     return column;
 }
 

@@ -44,7 +44,8 @@ public:
 
     // Adds a field: to a new definition in memory, to an existing table at once, in which every row then
     // reads Null (an auto-number: 1, 2, ... in row order). The short form disallows zero-length text. 3191
-    // doubled name, 3259 type, 3017 text size, 3190, 3211 while a record set is open on the table.
+    // doubled name, 3259 type, 3017 text size, 3190, 3211 while a record set is open on the table. Texts and memos get
+    // the format's compression flag.
     void CreateField(const char* name, short type, LONG size, LONG attributes = 0);
     void CreateField(CDaoFieldInfo& info);
     // 3265 unknown, 3280 indexed, 3211.

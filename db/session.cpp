@@ -1,5 +1,6 @@
 #include "db/session.h"
 
+#include <exception>
 #include <new>
 
 #include "afx/dao_recordset.h"
@@ -61,6 +62,23 @@ CDaoDatabase& obtain(CDaoDatabase& database, DatabaseFile file, bool reopen) {
     return database;
 }
 
+// A file without a header, or without the number in it, counts as version 0, like an empty header: the upgrade runs and
+// ends at the header. Other reasons why the header cannot be read say nothing about the version: the file is used
+// unchanged.
+void upgrade_invoices(CDaoDatabase& invoice) {
+    LONG version = 0;
+    try {
+        version = stored_version(invoice);
+    } catch (CDaoException* e) {
+        const LONG number = e->m_pErrorInfo->m_lErrorCode;
+        e->Delete();
+        if (number != afx::errors::kNoSuchTable && number != afx::errors::kNotInCollection) return;
+    } catch (const std::exception&) {
+        return;
+    }
+    upgrade_invoice_file(invoice, version);
+}
+
 // Runs `work` with the header of the main database on its row.
 template <class Work>
 HRESULT with_header(const GateDatabases& databases, int options, Work&& work) {
@@ -115,11 +133,7 @@ HRESULT open(GateDatabases& databases) {
     close_quietly(invoice);
     if (file_exists(DatabaseFile::kInvoice)) {
         open_file(invoice, DatabaseFile::kInvoice);
-        try {
-            upgrade_invoice_file(invoice, stored_version(invoice));
-        } catch (CDaoException* e) {
-            e->Delete();  // a file without a readable header is used unchanged
-        }
+        upgrade_invoices(invoice);
     } else {
         create_invoice_file(invoice);
     }

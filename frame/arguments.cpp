@@ -158,8 +158,8 @@ HRESULT Argument<LONG*>::take(VARIANT& from) {
 }
 
 // A method may store its number and fail all the same.
-HRESULT Argument<LONG*>::give_back(bool succeeded) {
-    if (!succeeded && number_ == before_) return S_OK;
+HRESULT Argument<LONG*>::give_back(bool is_stored) {
+    if (!is_stored && number_ == before_) return S_OK;
     if ((target_->vt & VT_BYREF) != 0) return store_through(*target_, number_);
     const HRESULT result = VariantClear(target_);
     if (FAILED(result)) return result;
@@ -181,16 +181,15 @@ HRESULT Argument<LPSTR>::take(VARIANT& from) {
         return DISP_E_TYPEMISMATCH;
     }
     const std::string narrow = to_narrow(wide);
-    buffer_.assign(std::max(narrow.size(), kMaxNameCharacters * kMaxBytesPerCharacter) + 1, '\0');
-    std::memcpy(buffer_.data(), narrow.data(), narrow.size());
-    before_ = buffer_;
+    buffer_.fill(narrow, std::max(narrow.size(), kMaxNameCharacters * kMaxBytesPerCharacter) + 1);
+    before_ = narrow;
     return S_OK;
 }
 
 HRESULT Argument<LPSTR>::give_back(bool succeeded) {
     if (!succeeded || (target_text_ == nullptr && target_variant_ == nullptr)) return S_OK;
-    buffer_.back() = '\0';
-    if (std::strcmp(buffer_.data(), before_.data()) == 0) return S_OK;
+    buffer_.data()[buffer_.size() - 1] = '\0';
+    if (before_ == buffer_.data()) return S_OK;
     const BSTR wide = to_bstr(buffer_.data());
     if (wide == nullptr) return E_OUTOFMEMORY;
     if (target_text_ != nullptr) {

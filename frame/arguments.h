@@ -13,7 +13,9 @@
 #include <concepts>
 #include <cstdint>
 #include <limits>
-#include <vector>
+#include <string>
+
+#include "frame/text_buffer.h"
 
 namespace frame {
 
@@ -51,13 +53,14 @@ private:
 };
 
 // Out integers: a reference to an integer or to a variant, which becomes VT_I4. A plain VT_I4 is
-// accepted too; the caller's argument itself then holds the result.
+// accepted too; the caller's argument itself then holds the result. Of a method that fails, a changed number is given
+// back, and an unchanged one where `give_back` is told that the method always stores one.
 template <>
 class Argument<LONG*> {
 public:
     HRESULT take(VARIANT& from);
     LONG* value() { return &number_; }
-    HRESULT give_back(bool succeeded);
+    HRESULT give_back(bool is_stored);
 
 private:
     VARIANT* target_ = nullptr;
@@ -77,8 +80,8 @@ public:
 private:
     VARIANT* target_variant_ = nullptr;
     BSTR* target_text_ = nullptr;
-    std::vector<char> buffer_;
-    std::vector<char> before_;
+    TextBuffer buffer_;
+    std::string before_;
 };
 
 // Wide texts; the caller keeps the BSTR.

@@ -91,7 +91,7 @@ constexpr Method kMethods[] = {
     method<&IDBgate1::FindSupplyAct>("FindSupplyAct", "pSupplyAct"),
     method<&IDBgate1::FindStockType>("FindStockType", "pStockTypeInfo"),
     method<&IDBgate1::UpdateStockType>("UpdateStockType", "pStockTypeInfo"),
-    method<&IDBgate1::ComputeInStock>("ComputeInStock", "dwStockTypeID", "pnInStock"),
+    method<&IDBgate1::ComputeInStock, OutInteger::kAlways>("ComputeInStock", "dwStockTypeID", "pnInStock"),
     method<&IDBgate1::GetHead>("GetHead", "pHeadInfo"),
     method<&IDBgate1::SetHead>("SetHead", "pHeadInfo"),
     method<&IDBgate1::CloseDB>("CloseDB"),

@@ -3,7 +3,7 @@
 //
 // 1. Inside a method the component's lock is held and its module state is current; the lock is free and the caller's
 //    state is back on every way out. Names and calls by name need neither before they reach a method: they read
-//    constant tables.
+//    constant tables, and take the lock for no longer than it takes to make a buffer for a text known.
 // 2. A method gives S_OK or E_FAIL and nothing else.
 // 3. No exception leaves a method, except the CDaoException* that `call_with_errors` lets out to a caller that can
 //    catch it; any other caller gets E_FAIL and the platform's error info.
@@ -21,6 +21,7 @@
 #include "frame/dispatch.h"
 #include "frame/method_frame.h"
 #include "frame/method_table.h"
+#include "frame/text_buffer.h"
 #include "frame/type_information.h"
 
 namespace frame {
@@ -171,11 +172,11 @@ protected:
 
     template <class List>
     static HRESULT enum_first(List& list, LPSTR text) {
-        return call([&] { return list.EnumFirst(text); });
+        return call([&] { return list.EnumFirst(text, room_for_text(text)); });
     }
     template <class List>
     static HRESULT enum_next(List& list, LPSTR text) {
-        return call([&] { return list.EnumNext(text); });
+        return call([&] { return list.EnumNext(text, room_for_text(text)); });
     }
     template <class List>
     static HRESULT add(List& list, LPSTR text) {

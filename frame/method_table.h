@@ -26,6 +26,12 @@ struct BadArgument {
     HRESULT result = S_OK;      // S_OK: all were converted
 };
 
+// What becomes of the out integer of a method that fails.
+enum class OutInteger {
+    kIfChanged,  // the method may have left it alone; then the caller's value stays, of whatever type it is
+    kAlways,     // the method stores it whatever it answers
+};
+
 struct Method {
     const char* name;
     std::array<const char*, kMaxParameters> parameters;
@@ -36,11 +42,12 @@ struct Method {
     HRESULT (*invoke)(IDispatch* gate, std::span<VARIANT* const> arguments, BadArgument& bad);
 };
 
-template <auto Member>
+template <auto Member, OutInteger kOutInteger = OutInteger::kIfChanged>
 struct MethodCaller;
 
-template <class Gate, class... Parameters, HRESULT (STDMETHODCALLTYPE Gate::*Member)(Parameters...)>
-struct MethodCaller<Member> {
+template <class Gate, class... Parameters, HRESULT (STDMETHODCALLTYPE Gate::*Member)(Parameters...),
+          OutInteger kOutInteger>
+struct MethodCaller<Member, kOutInteger> {
     static constexpr std::size_t kParameters = sizeof...(Parameters);
 
     static HRESULT invoke(IDispatch* gate, std::span<VARIANT* const> arguments, BadArgument& bad) {
@@ -58,16 +65,17 @@ private:
         };
         if (!(fits(I, std::get<I>(values).take(*arguments[I])) && ...)) return bad.result;
         const HRESULT result = (static_cast<Gate*>(gate)->*Member)(std::get<I>(values).value()...);
-        static_cast<void>((fits(I, std::get<I>(values).give_back(SUCCEEDED(result))) && ...));
+        [[maybe_unused]] const bool is_stored = SUCCEEDED(result) || kOutInteger == OutInteger::kAlways;
+        static_cast<void>((fits(I, std::get<I>(values).give_back(is_stored)) && ...));
         return result;
     }
 };
 
-template <auto Member, class... Names>
+template <auto Member, OutInteger kOutInteger = OutInteger::kIfChanged, class... Names>
 constexpr Method method(const char* name, Names... parameters) {
     static_assert(sizeof...(Names) == MethodCaller<Member>::kParameters, "a name for every parameter");
     static_assert(sizeof...(Names) <= kMaxParameters);
-    return {name, {parameters...}, sizeof...(Names), MethodCaller<Member>::invoke};
+    return {name, {parameters...}, sizeof...(Names), MethodCaller<Member, kOutInteger>::invoke};
 }
 
 }  // namespace frame

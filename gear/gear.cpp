@@ -150,7 +150,6 @@ constinit const TableMapping<GearCatInfo> kCategories{
     .key = {"RecID", &GearCatInfo::RecID},
     .read = kCategoryColumns,
     .write = std::span(kCategoryColumns).subspan(1),
-    .null_record = studio::NullRecord::kFailsAtOnce,
 };
 
 }  // namespace gear

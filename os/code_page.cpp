@@ -108,7 +108,7 @@ std::u16string utf8_to_utf16(std::string_view narrow) {
         char32_t code_point = 0;
         const std::size_t length = decode_utf8(narrow, code_point);
         if (length == 0) {
-            wide.push_back(u'?');
+            wide.push_back(kUnknownCharacter);
             narrow.remove_prefix(1);
             continue;
         }

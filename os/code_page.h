@@ -7,7 +7,10 @@
 
 namespace os::detail {
 
-// UTF-8 to UTF-16. Every byte that is not part of a well-formed character becomes one "?": stray and
+// What a byte becomes that its code page does not know. Not "?", which in a pattern stands for every character.
+inline constexpr char16_t kUnknownCharacter = 0xFFFD;
+
+// UTF-8 to UTF-16. Every byte that is not part of a well-formed character becomes one U+FFFD: stray and
 // missing continuation bytes, overlong forms, surrogates, and values past U+10FFFF.
 std::u16string utf8_to_utf16(std::string_view narrow);
 // UTF-16 to UTF-8. A surrogate without its partner becomes "?".

@@ -8,8 +8,9 @@
 
 namespace os {
 
-// Full path, without symbolic links, of the library file (or test program) that holds this code, in the form of
-// os/file.h. Fixed at the first call; "" when the system cannot tell.
+// Full path of the library file that holds this code, in the form of os/file.h: the one by which it was loaded, which
+// may lead through symbolic links. Of a program that contains this code, the file itself. Fixed at the first call; ""
+// when the system cannot tell.
 std::string module_path();
 
 // Folder part of `path` without a trailing separator; "" when it has none. The folder of something in a root keeps the
@@ -30,9 +31,9 @@ DateOrder date_order();
 void set_date_format_for_test(std::string_view separator, DateOrder order);
 
 // Text in the narrow code page (the system's ANSI code page on Windows; elsewhere UTF-8 where the
-// environment's locale says so, otherwise Windows-1252) to UTF-16 and back. What has no equivalent
-// becomes "?". Code page 1252 maps its five unassigned bytes to the same code points, so that every
-// byte survives a round trip.
+// environment's locale says so, otherwise Windows-1252) to UTF-16 and back. A byte that the code page does not know
+// becomes U+FFFD, a character that it lacks "?". Code page 1252 maps its five unassigned bytes to the same code points,
+// so that every byte survives a round trip.
 std::u16string widen(std::string_view narrow);
 std::string narrow(std::u16string_view wide);
 // Narrows pure ASCII text, the same in every code page: writes its `wide.size()` characters to `to`. For any other text

@@ -31,6 +31,10 @@ DateFormat system_date_format();
 // Conversion from the system's narrow code page.
 std::u16string system_widen(std::string_view narrow);
 std::string system_narrow(std::u16string_view wide);
+#ifdef _WIN32
+// Text in a code page of the system, by its number.
+std::u16string widen_from(unsigned code_page, std::string_view narrow);
+#endif
 
 struct LocalTime {
     std::int32_t year = 0;

@@ -4,7 +4,9 @@
 #include <limits.h>
 #include <link.h>
 #include <stdlib.h>
+#include <sys/stat.h>
 #include <time.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -41,18 +43,35 @@ std::string mapped_file(std::uintptr_t address) {
     return {};
 }
 
+bool leads_to(const std::string& path, const std::string& file) {
+    struct stat one {};
+    struct stat other {};
+    return ::stat(path.c_str(), &one) == 0 && ::stat(file.c_str(), &other) == 0 && one.st_dev == other.st_dev &&
+           one.st_ino == other.st_ino;
+}
+
+// The path that the loader was given, be it relative to the working folder; "" where that has changed since.
+std::string loaded_by(std::string_view name, const std::string& file) {
+    while (name.starts_with("./")) name.remove_prefix(2);
+    const std::unique_ptr<char, decltype(&::free)> folder(::getcwd(nullptr, 0), &::free);
+    if (!folder || name.empty()) return {};
+    const std::string path = join_path(folder.get(), name);
+    return leads_to(path, file) ? path : std::string();
+}
+
 std::string find_module() {
     const void* here = reinterpret_cast<const void*>(&module_path);
     Dl_info info{};
     link_map* module = nullptr;
     if (::dladdr1(here, &info, reinterpret_cast<void**>(&module), RTLD_DL_LINKMAP) == 0) return {};
     const std::string name = module != nullptr ? module->l_name : "";
+    if (name.starts_with('/')) return name;
     // The loader does not name the main program; the kernel does.
-    std::string path = name.empty() ? resolved("/proc/self/exe") : std::string();
-    if (path.empty() && name.starts_with('/')) path = resolved(name);
-    if (path.empty()) path = mapped_file(reinterpret_cast<std::uintptr_t>(here));
-    if (path.empty() && info.dli_fname != nullptr) path = resolved(info.dli_fname);
-    return path;
+    std::string file = name.empty() ? resolved("/proc/self/exe") : std::string();
+    if (file.empty()) file = mapped_file(reinterpret_cast<std::uintptr_t>(here));
+    if (file.empty() && info.dli_fname != nullptr) file = resolved(info.dli_fname);
+    const std::string path = loaded_by(name, file);
+    return path.empty() ? file : path;
 }
 
 }  // namespace

@@ -67,16 +67,41 @@ detail::DateFormat detail::system_date_format() {
     return format;
 }
 
+std::u16string detail::widen_from(unsigned code_page, std::string_view narrow) {
+    if (narrow.empty()) return {};
+    const auto convert = [code_page](std::string_view from, wchar_t* to, int room) {
+        return ::MultiByteToWideChar(code_page, MB_ERR_INVALID_CHARS, from.data(), static_cast<int>(from.size()), to,
+                                     room);
+    };
+    std::u16string wide;
+    if (const int units = convert(narrow, nullptr, 0); units > 0) {
+        wide.resize(static_cast<std::size_t>(units));
+        convert(narrow, reinterpret_cast<wchar_t*>(wide.data()), units);
+        return wide;
+    }
+    // Character by character, for the system would hide an unknown byte behind one that stands for something.
+    constexpr int kMostUnits = 4;
+    while (!narrow.empty()) {
+        const bool is_lead = ::IsDBCSLeadByteEx(code_page, static_cast<BYTE>(narrow.front())) != 0;
+        const std::size_t length = is_lead && narrow.size() > 1 ? 2 : 1;
+        std::array<wchar_t, kMostUnits> character{};
+        const int units = is_lead && length == 1 ? 0 : convert(narrow.substr(0, length), character.data(), kMostUnits);
+        if (units > 0) {
+            wide.append(character.begin(), character.begin() + units);
+            narrow.remove_prefix(length);
+        } else {
+            wide.push_back(kUnknownCharacter);
+            narrow.remove_prefix(1);
+        }
+    }
+    return wide;
+}
+
 std::u16string detail::system_widen(std::string_view narrow) {
     const UINT code_page = ::GetACP();
     if (code_page == kUtf8) return utf8_to_utf16(narrow);
     if (code_page == kWindows1252) return windows_1252_to_utf16(narrow);
-    if (narrow.empty()) return {};
-    const int size = static_cast<int>(narrow.size());
-    const int units = ::MultiByteToWideChar(CP_ACP, 0, narrow.data(), size, nullptr, 0);
-    std::u16string wide(static_cast<std::size_t>(std::max(units, 0)), u'\0');
-    ::MultiByteToWideChar(CP_ACP, 0, narrow.data(), size, reinterpret_cast<wchar_t*>(wide.data()), units);
-    return wide;
+    return widen_from(code_page, narrow);
 }
 
 std::string detail::system_narrow(std::u16string_view wide) {

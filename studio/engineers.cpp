@@ -28,7 +28,6 @@ constinit const TableMapping<EngineerInfo> kEngineers{
     .key = {"RecID", &EngineerInfo::RecID},
     .read = kEngineer,
     .write = std::span(kEngineer).subspan(1),
-    .null_record = NullRecord::kFailsAtOnce,
     .find_by = FindBy::kKeyOrName,
     .add_opens = AddOpens::kNamedRowsIfNone,
     .name = {"Name", &EngineerInfo::Name},
@@ -40,7 +39,6 @@ constinit const TableMapping<SeqInfo> kSequencers{
     .key = {"RecID", &SeqInfo::RecID},
     .read = kSequencer,
     .write = std::span(kSequencer).subspan(1),
-    .null_record = NullRecord::kFailsAtOnce,
     .find_by = FindBy::kKeyOrName,
     .name = {"Name", &SeqInfo::Name},
 };
@@ -51,7 +49,6 @@ constinit const TableMapping<RoomInfo> kRooms{
     .key = {"RecID", &RoomInfo::RecID},
     .read = kRoom,
     .write = std::span(kRoom).subspan(1),
-    .null_record = NullRecord::kFailsAtOnce,
     .add_opens = AddOpens::kNamedRowsIfNone,
     .name = {"Name", &RoomInfo::Name},
 };

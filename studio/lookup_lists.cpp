@@ -15,12 +15,12 @@ constexpr Column<ListName> kColumns[] = {
 };
 
 constexpr TableMapping<ListName> list(const char* table) {
-    return {.table = table, .read = kColumns, .write = kColumns, .null_record = NullRecord::kFailsAtOnce};
+    return {.table = table, .read = kColumns, .write = kColumns};
 }
 
-void copy_name(const CString& name, LPSTR buffer) {
+void copy_name(const CString& name, LPSTR buffer, std::size_t size) {
     const std::string_view whole(name.GetString(), static_cast<std::size_t>(name.GetLength()));
-    const std::string_view text = db::text_within(whole, kListNameSize - 1);
+    const std::string_view text = db::text_within(whole, size - 1);
     std::memcpy(buffer, text.data(), text.size());
     buffer[text.size()] = 0;
 }
@@ -32,17 +32,17 @@ constinit const TableMapping<ListName> kProjectTypes = list("Def_ProjTypes");
 constinit const TableMapping<ListName> kTrackDestinations = list("Def_TrackDestination");
 constinit const TableMapping<ListName> kEquipmentActions = list("Def_EquipActs");
 
-HRESULT NameList::EnumFirst(LPSTR buffer) {
+HRESULT NameList::EnumFirst(LPSTR buffer, std::size_t size) {
     ListName first;
     const HRESULT result = names_.EnumFirst(buffer != nullptr ? &first : nullptr);
-    if (result == S_OK) copy_name(first.Name, buffer);
+    if (result == S_OK) copy_name(first.Name, buffer, size);
     return result;
 }
 
-HRESULT NameList::EnumNext(LPSTR buffer) {
+HRESULT NameList::EnumNext(LPSTR buffer, std::size_t size) {
     ListName next;
     const HRESULT result = names_.EnumNext(buffer != nullptr ? &next : nullptr);
-    if (result == S_OK) copy_name(next.Name, buffer);
+    if (result == S_OK) copy_name(next.Name, buffer, size);
     return result;
 }
 

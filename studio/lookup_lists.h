@@ -2,18 +2,21 @@
 //
 // Invariants
 //  1. A list holds a name once: adding an existing name and deleting a missing one succeed.
-//  2. A returned name takes at most kListNameSize bytes of the caller's buffer and always ends with a zero byte.
+//  2. A returned name fits in the caller's buffer, always ends with a zero byte, and is truncated between two
+//     characters if it is longer.
 #pragma once
 
 #include <kvdb/com.h>
 #include <kvdb/cstring.h>
 
+#include <cstddef>
+
 #include "studio/record_table.h"
 
 namespace studio {
 
-// Bytes of a caller's buffer: the longest name that a column holds, plus the zero byte.
-inline constexpr int kListNameSize = 255 + 1;
+// Bytes of a host's buffer: the longest name that a column holds where a character is a byte, plus the zero byte.
+inline constexpr std::size_t kListNameSize = 255 + 1;
 
 // A row of a list.
 struct ListName {
@@ -31,11 +34,11 @@ public:
     NameList(const TableMapping<ListName>& mapping, CDaoDatabase* const& database)
         : mapping_(mapping), database_(database), names_(mapping, database) {}
 
-    // Copies the first name to a buffer of kListNameSize bytes; a failure leaves the buffer unchanged. E_FAIL when the
+    // Copies the first name to a buffer of `size` bytes; a failure leaves the buffer unchanged. E_FAIL when the
     // list is empty, the buffer null or the database not open, and on an engine error.
-    HRESULT EnumFirst(LPSTR buffer);
+    HRESULT EnumFirst(LPSTR buffer, std::size_t size = kListNameSize);
     // The next name; also E_FAIL at the end.
-    HRESULT EnumNext(LPSTR buffer);
+    HRESULT EnumNext(LPSTR buffer, std::size_t size = kListNameSize);
     // S_OK also when the name exists, in any case. E_FAIL, and nothing is added, for an empty name, one that is too
     // long, and one whose double quote breaks the statement.
     HRESULT Add(LPCSTR name);

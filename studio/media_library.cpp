@@ -44,7 +44,7 @@ constinit const TableMapping<LibGrpInfo> kLibraryGroups{
     .key = {"GroupID", &LibGrpInfo::GroupID},
     .read = kGroup,
     .write = all_but_the_last(kGroup),
-    .null_record = NullRecord::kFailsAtOnce,
+    .null_next = NullNext::kMovesOn,
     .add_opens = AddOpens::kNamedRows,
     .name = {"Name", &LibGrpInfo::Name},
 };
@@ -57,6 +57,7 @@ constinit const TableMapping<MediaLibInfo> kMediaLibraries{
     .filter = kOfGroup,
     .filter_rule = FilterRule::kParent,
     .null_record = NullRecord::kFailsAtOnce,
+    .null_next = NullNext::kMovesOn,
     .add_opens = AddOpens::kParentRows,
     .parent = {"GroupID", &MediaLibInfo::GroupID},
 };
@@ -69,6 +70,7 @@ constinit const TableMapping<MediaFileInfo> kMediaFiles{
     .filter = kOfLibrary,
     .filter_rule = FilterRule::kParent,
     .null_record = NullRecord::kFailsAtOnce,
+    .null_next = NullNext::kMovesOn,
     .add_opens = AddOpens::kParentRows,
     .parent = {"LibID", &MediaFileInfo::LibID},
 };

@@ -39,9 +39,17 @@ enum class AddOpens {
     kNamedRowsIfNone,  // the same; if there are any, nothing is added and the result is S_OK
 };
 
+// The beginning of an enumeration without a record.
 enum class NullRecord {
-    kEmptyStatement,  // the enumeration starts, and fails at the statement
+    kEmptyStatement,  // where a filter needs one: the enumeration starts, and fails at the statement
+    kWholeTable,      // the enumeration starts and fails on its first row, as where there is no filter at all
     kFailsAtOnce,     // an enumeration in progress continues undisturbed
+};
+
+// The next row of an enumeration without a record.
+enum class NullNext {
+    kStays,    // on the row it is on
+    kMovesOn,  // the row is passed by
 };
 
 template <class Record>
@@ -61,6 +69,7 @@ struct TableMapping {
     std::span<const Clause<Record>> filter = {};
     FilterRule filter_rule = FilterRule::kClauses;
     NullRecord null_record = NullRecord::kEmptyStatement;
+    NullNext null_next = NullNext::kStays;
     FindBy find_by = FindBy::kKey;
     ChangeBy change_by = ChangeBy::kKey;  // update and delete
     AddOpens add_opens = AddOpens::kWholeTable;
@@ -72,7 +81,7 @@ struct TableMapping {
     std::string statement(const Record* record, WhenNothingIsSet otherwise = WhenNothingIsSet::kWholeTable) const {
         if (table == nullptr) return {};
         if (filter.empty() && filter_rule == FilterRule::kClauses) return whole_table(table);
-        if (record == nullptr) return {};
+        if (record == nullptr) return null_record == NullRecord::kWholeTable ? whole_table(table) : std::string();
         return filter_statement(table, key, filter_rule, filter, *record, otherwise);
     }
 };
@@ -96,7 +105,8 @@ inline bool is_usable(const CDaoDatabase* database) { return database != nullptr
 inline constexpr int kForReading = dbForwardOnly | dbReadOnly;
 inline constexpr int kForWriting = 0;
 
-template <class Record>
+// `Rows` is the record set, for tests another one that records how it is called.
+template <class Record, class Rows = CDaoRecordset>
 class RecordTable {
 public:
     // Both must outlive the table; the database pointer may change and may be null.
@@ -120,7 +130,8 @@ public:
 
     // `record` is only filled. The cursor is closed before EnumFirst and after the end.
     HRESULT EnumNext(Record* record) {
-        if (!is_usable(database_) || record == nullptr || cursor_ == nullptr || !cursor_->IsOpen()) return E_FAIL;
+        if (!is_usable(database_) || cursor_ == nullptr || !cursor_->IsOpen()) return E_FAIL;
+        if (record == nullptr && mapping_.null_next == NullNext::kStays) return E_FAIL;
         return guarded(
             [&] {
                 const auto off_the_rows = [&] { return cursor_->IsBOF() || cursor_->IsEOF(); };
@@ -141,7 +152,7 @@ public:
             [&] {
                 const std::string statement = find_statement(*record);
                 if (statement.empty()) return E_FAIL;
-                CDaoRecordset rows(database_);
+                Rows rows(database_);
                 rows.Open(dbOpenDynaset, statement.c_str(), kForReading);
                 return rows.GetRecordCount() >= 1 ? read_columns(rows, mapping_.read, *record) : E_FAIL;
             },
@@ -153,7 +164,7 @@ public:
         if (!is_usable(database_) || record == nullptr) return E_FAIL;
         return guarded(
             [&] {
-                CDaoRecordset rows(database_);
+                Rows rows(database_);
                 rows.Open(dbOpenDynaset, add_statement(*record).c_str(), kForWriting);
                 if (mapping_.add_opens == AddOpens::kNamedRowsIfNone && rows.GetRecordCount() >= 1) return S_OK;
                 rows.AddNew();
@@ -175,7 +186,7 @@ public:
         if (!is_usable(database_) || record == nullptr) return E_FAIL;
         return guarded(
             [&] {
-                CDaoRecordset rows(database_);
+                Rows rows(database_);
                 rows.Open(dbOpenDynaset, change_statement(*record).c_str(), kForWriting);
                 if (rows.GetRecordCount() < 1) return E_FAIL;
                 rows.Edit();
@@ -206,7 +217,7 @@ private:
     void open_cursor() {
         if (cursor_ != nullptr && cursor_->m_pDatabase == database_) return close_cursor();
         ReleaseCursor();
-        cursor_ = std::make_unique<CDaoRecordset>(database_);
+        cursor_ = std::make_unique<Rows>(database_);
     }
     void close_cursor() {
         if (cursor_ != nullptr && cursor_->IsOpen()) cursor_->Close();
@@ -254,7 +265,7 @@ private:
         if (!is_usable(database_)) return E_FAIL;
         return guarded(
             [&] {
-                CDaoRecordset rows(database_);
+                Rows rows(database_);
                 rows.Open(dbOpenDynaset, statement.c_str(), kForWriting);
                 if (rows.GetRecordCount() < 1) return E_FAIL;
                 rows.MoveFirst();
@@ -267,7 +278,7 @@ private:
 
     const TableMapping<Record>& mapping_;
     CDaoDatabase* const& database_;
-    std::unique_ptr<CDaoRecordset> cursor_;
+    std::unique_ptr<Rows> cursor_;
 };
 
 }  // namespace studio

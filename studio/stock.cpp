@@ -111,7 +111,7 @@ constinit const TableMapping<StockInfo> kStock{
     .read = kStockRead,
     .write = kStockWrite,
     .filter = kStockFilter,
-    .null_record = NullRecord::kFailsAtOnce,
+    .null_record = NullRecord::kWholeTable,
 };
 
 constinit const TableMapping<SupplyAct> kSupply{
@@ -128,7 +128,6 @@ constinit const TableMapping<StockTypeInfo> kStockTypes{
     .read = kStockTypeRead,
     .write = kStockTypeWrite,
     .enum_read = kStockTypeEnumRead,
-    .null_record = NullRecord::kFailsAtOnce,
 };
 
 constinit const TableMapping<EquipInfo> kEquipment{
@@ -136,7 +135,6 @@ constinit const TableMapping<EquipInfo> kEquipment{
     .key = {"RecID", &EquipInfo::RecID},
     .read = kEquipmentColumns,
     .write = std::span(kEquipmentColumns).subspan(1),
-    .null_record = NullRecord::kFailsAtOnce,
 };
 
 HRESULT compute_in_stock(CDaoDatabase* database, RecordTable<StockTypeInfo>& types, LONG type_id, LONG* in_stock) {

@@ -191,6 +191,9 @@ inline constexpr std::uint32_t kKindMask = 0xC0000000;
 inline constexpr std::size_t kMaxInline = 64;    // bytes
 inline constexpr std::size_t kMaxSingle = 4076;  // bytes
 inline constexpr std::size_t kChainData = 4072;  // bytes per piece, after the 4-byte pointer
+// The longest memo that is written in the short form, in characters: with the column's flag, and without.
+inline constexpr std::size_t kMaxShortFlagged = 1024;
+inline constexpr std::size_t kMaxShort = 32;
 }  // namespace long_value
 
 namespace properties {                                    // the property blob

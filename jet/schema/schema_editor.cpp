@@ -42,6 +42,7 @@ std::uint16_t length_of(const NewColumn& column) {
     }
 }
 
+bool is_text(ColumnType type) { return type == ColumnType::kText || type == ColumnType::kMemo; }
 bool is_variable(ColumnType type) { return type == ColumnType::kText || is_long_value(type); }
 
 // Takes the column into the definition: number, place in the row, flags.
@@ -78,15 +79,18 @@ ColumnDef& append_column(TableDef& def, const NewColumn& column) {
         }
     }
     if (column.autonumber) added.flags |= tdef::kFlagAutoNumber;
+    if (column.compressed && is_text(column.type)) added.ext_flags |= tdef::kExtCompressed;
     added.allow_zero_length = column.allow_zero_length;
     def.columns.push_back(std::move(added));
     return def.columns.back();
 }
 
-// Zero length is allowed or not by a property alone, so every text says it.
+// Zero length is allowed or not by a property alone, so every text says it. The property of the short form repeats the
+// definition's flag.
 void describe(PropertySet& properties, const ColumnDef& column) {
-    if (column.type != ColumnType::kText && column.type != ColumnType::kMemo) return;
+    if (!is_text(column.type)) return;
     properties.set_column_flag(column.name, u"AllowZeroLength", column.allow_zero_length);
+    if (column.is_compressed()) properties.set_column_flag(column.name, u"UnicodeCompression", true);
 }
 
 }  // namespace

@@ -21,6 +21,7 @@ struct NewColumn {
     std::uint16_t text_characters = 255;  // kText only, 1..255
     bool autonumber = false;              // kLong only
     bool allow_zero_length = false;       // kText and kMemo only
+    bool compressed = false;              // kText and kMemo only: may take one byte a character
 };
 
 class SchemaEditor {

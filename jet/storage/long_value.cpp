@@ -65,8 +65,8 @@ private:
 
 }  // namespace
 
-ByteVector LongValues::encode_memo(std::u16string_view text) {
-    return encode_text(text, 2 * text.size() <= lv::kMaxInline);
+ByteVector LongValues::encode_memo(const ColumnDef& column, std::u16string_view text) {
+    return encode_text(text, text.size() <= (column.is_compressed() ? lv::kMaxShortFlagged : lv::kMaxShort));
 }
 
 std::optional<ByteSpan> LongValues::inline_bytes(ByteSpan reference) {

@@ -30,8 +30,9 @@ public:
     // Gives back what the reference leads to. Inside a transaction.
     void release(const ColumnDef& column, ByteSpan reference);
 
-    // A memo's text to and from the bytes stored; short text is compressed, as the format's own writer does.
-    static ByteVector encode_memo(std::u16string_view text);
+    // The bytes of a memo's text. Short text takes the short form, as the format's own writer does; how long it may be
+    // depends on the column's flag.
+    static ByteVector encode_memo(const ColumnDef& column, std::u16string_view text);
 
 private:
     RowId write_single(const ColumnDef& column, ByteSpan bytes);

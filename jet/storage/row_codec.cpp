@@ -153,7 +153,11 @@ ByteVector encode_value(const Value& value, const ColumnDef& column) {
         void operator()(Date v) const { append_u64(to, std::bit_cast<std::uint64_t>(v.days)); }
         void operator()(const std::u16string& v) const {
             const bool fixed = column.is_fixed();
-            to = encode_text(v, !fixed && (column.ext_flags & jet4::tdef::kExtCompressed) != 0);
+            if (fixed && begins_like_mark(v)) {
+                fail(errors::kBadConversion,
+                     "The text of fixed length in column '" + to_utf8(column.name) + "' cannot begin with U+FEFF.");
+            }
+            to = encode_text(v, !fixed && column.is_compressed());
             // Fixed text is padded with blanks to its full width.
             while (fixed && to.size() + 1 < column.length_bytes) append_u16(to, u' ');
         }

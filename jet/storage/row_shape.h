@@ -33,6 +33,7 @@ struct ColumnDef {
 
     bool is_fixed() const { return (flags & jet4::tdef::kFlagFixed) != 0; }
     bool is_autonumber() const { return (flags & jet4::tdef::kFlagAutoNumber) != 0; }
+    bool is_compressed() const { return (ext_flags & jet4::tdef::kExtCompressed) != 0; }
     bool is_long() const { return is_long_value(type); }
     bool general_order() const { return lcid == jet4::kGeneralOrder && sort_version == 0; }
 };

@@ -2,13 +2,44 @@
 
 #include <algorithm>
 
+#include "jet/base/error.h"
+#include "jet/base/types.h"
+
 namespace jet {
 namespace {
 
 constexpr std::uint8_t kMark[] = {0xFF, 0xFE};
 
+bool is_narrow(char16_t c) { return c >= 1 && c <= 0xFF; }
+
 bool compressible(std::u16string_view text) {
-    return text.size() > 2 && std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= 1 && c <= 0xFF; });
+    return text.size() > 2 && std::all_of(text.begin(), text.end(), is_narrow);
+}
+
+void append_unit(ByteVector& bytes, char16_t c) {
+    bytes.push_back(static_cast<std::uint8_t>(c));
+    bytes.push_back(static_cast<std::uint8_t>(c >> 8));
+}
+
+// Two bytes a character up to the last one that needs them, then one.
+ByteVector encode_toggling(std::u16string_view text) {
+    ByteVector bytes;
+    bytes.reserve(2 * text.size() + 4);
+    append_bytes(bytes, kMark);
+    bytes.push_back(0);
+    std::size_t wide = text.size();
+    while (is_narrow(text[wide - 1])) --wide;
+    for (const char16_t c : text.substr(0, wide)) {
+        if ((c & 0xFF) == 0) {
+            fail(errors::kBadConversion, "A text that begins with U+FEFF and holds '" + to_utf8({&c, 1}) +
+                                             "' cannot be kept: the format has no form for both.");
+        }
+        append_unit(bytes, c);
+    }
+    if (wide == text.size()) return bytes;
+    bytes.push_back(0);
+    for (const char16_t c : text.substr(wide)) bytes.push_back(static_cast<std::uint8_t>(c));
+    return bytes;
 }
 
 bool is_marked(ByteSpan bytes) { return bytes.size() >= 2 && bytes[0] == kMark[0] && bytes[1] == kMark[1]; }
@@ -32,7 +63,10 @@ bool is_ascii_unit(const std::uint8_t* unit) { return unit[1] == 0 && unit[0] !=
 
 }  // namespace
 
+bool begins_like_mark(std::u16string_view text) { return text.starts_with(u'\uFEFF'); }
+
 ByteVector encode_text(std::u16string_view text, bool compress) {
+    if (begins_like_mark(text)) return encode_toggling(text);
     ByteVector bytes;
     if (compress && compressible(text)) {
         bytes.reserve(text.size() + 2);

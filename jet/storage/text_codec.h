@@ -1,4 +1,5 @@
-// Text as rows hold it: UTF-16LE, or compressed to one byte a character behind the mark FF FE.
+// Text as rows hold it: UTF-16LE, or compressed to one byte a character after the mark FF FE. In the compressed form a
+// zero byte toggles between one byte and two bytes a character.
 #pragma once
 
 #include <cstddef>
@@ -11,8 +12,11 @@
 namespace jet {
 
 // `compress`: use the short form where the format's own writer would (three characters or more, all of
-// them U+0001..U+00FF).
+// them U+0001..U+00FF). Text that begins like the mark takes the toggling form in any case; with a character U+xx00 in
+// it, which that form cannot say, 3421.
 ByteVector encode_text(std::u16string_view text, bool compress);
+// Whether the first character is U+FEFF, which as plain text would be taken for the mark.
+bool begins_like_mark(std::u16string_view text);
 // Accepts every form, the toggling one included; an odd last byte is ignored.
 std::u16string decode_text(ByteSpan bytes);
 // As above, into a text whose memory is used again.

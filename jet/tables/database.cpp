@@ -193,9 +193,13 @@ void Database::close() {
         Impl& impl;
         ~Release() { impl.open_path.reset(); }
     } release{*impl_};
+    while (pager().in_transaction()) pager().rollback();
     if (!pager().read_only()) {
         try {
-            for (auto& [page, table] : impl_->tables) table->flush_autonumber();
+            for (auto& [page, table] : impl_->tables) {
+                // One whose making was taken back is not in the file.
+                if (impl_->catalog && impl_->catalog->find(static_cast<std::int32_t>(page))) table->flush_autonumber();
+            }
         } catch (const Error&) {
             // A number that could not be stored may be handed out again; nothing else is lost.
         } catch (const std::bad_alloc&) {
@@ -251,6 +255,8 @@ SchemaEditor Database::schema_editor() { return {impl_->storage, impl_->definiti
 void Database::create_table(std::u16string_view name, std::span<const NewColumn> columns) {
     Transaction transaction(pager());
     schema_editor().create_table(name, columns);
+    const auto page = static_cast<PageNumber>(impl_->catalog->find(name)->entry.id);
+    if (const auto left = impl_->tables.find(page); left != impl_->tables.end()) left->second->begin_anew(name);
     transaction.commit();
 }
 

@@ -21,6 +21,8 @@ void Table::forget() {
 void Table::refresh() const {
     parts_.def = definitions_.load(parts_.def.page, parts_.def.name);
     parts_.rows = RowStore(storage_, parts_.def);
+    // What a transaction had taken away is back, the number of the last row as well.
+    autonumber_ = std::max(autonumber_, parts_.def.last_autonumber);
     stale_ = false;
 }
 
@@ -69,10 +71,17 @@ std::int32_t Table::take_autonumber() {
 }
 
 void Table::flush_autonumber() {
-    if (stale_ || autonumber_ == parts_.def.last_autonumber) return;
+    TableDef& def = parts().def;
+    if (autonumber_ == def.last_autonumber) return;
     Transaction transaction(storage_.pager());
-    store_counts(parts_.def);
+    store_counts(def);
     transaction.commit();
+}
+
+void Table::begin_anew(std::u16string_view name) {
+    parts_.def.name = name;
+    autonumber_ = 0;
+    forget();
 }
 
 void Table::store_counts(TableDef& def) {
@@ -84,7 +93,8 @@ StoredValue Table::stored_value(const ColumnDef& column, const Value& value) con
     if (is_null(value)) return std::nullopt;
     if (!column.is_long()) return encode_value(value, column);
     const auto* text = std::get_if<std::u16string>(&value);
-    return storage_.long_values().write(column, text ? LongValues::encode_memo(*text) : std::get<ByteVector>(value));
+    return storage_.long_values().write(column,
+                                        text ? LongValues::encode_memo(column, *text) : std::get<ByteVector>(value));
 }
 
 ByteVector Table::encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const {

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <span>
+#include <string_view>
 #include <vector>
 
 #include "jet/base/types.h"
@@ -74,6 +75,8 @@ public:
     void rewrite_rows(const TableDef& old_def, bool numbers);
     // The auto-number is gone: another one will begin anew.
     void restart_autonumbers() { autonumber_ = 0; }
+    // A new table has come to the page of this one, whose making was taken back.
+    void begin_anew(std::u16string_view name);
 
 private:
     // What is derived from the table's pages. Nobody comes to it but through `parts`, which reads it again when it has
@@ -111,7 +114,7 @@ private:
     DefinitionStore& definitions_;
     mutable Parts parts_;
     mutable bool stale_ = false;
-    std::int32_t autonumber_ = 0;  // highest one handed out
+    mutable std::int32_t autonumber_ = 0;  // highest one handed out
     std::vector<TableWatcher*> watchers_;
 };
 

@@ -105,6 +105,25 @@ TEST(OleVariant, change_type_between_numbers_rounds_half_to_even) {
     EXPECT_EQ(value.boolVal, VARIANT_TRUE);
 }
 
+// As dates only; a date keeps whatever count it holds.
+TEST(OleVariant, number_is_a_date_between_the_years_100_and_9999) {
+    const auto becomes_a_date = [](double days) {
+        COleVariant value(days);
+        try {
+            value.ChangeType(VT_DATE);
+        } catch (COleException* e) {
+            e->Delete();
+            return false;
+        }
+        return value.vt == VT_DATE && value.date == days;
+    };
+    EXPECT_TRUE(becomes_a_date(2958465.999));
+    EXPECT_FALSE(becomes_a_date(2958466.0));
+    EXPECT_TRUE(becomes_a_date(-657434.0));
+    EXPECT_TRUE(becomes_a_date(-657434.999));
+    EXPECT_FALSE(becomes_a_date(-657435.0));
+}
+
 TEST(OleVariant, change_type_failure_keeps_the_value) {
     COleVariant value("Fish");
     try {

@@ -7,6 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <span>
+#include <string>
+
 #include "os/system.h"
 
 namespace {
@@ -58,14 +61,46 @@ TEST(ValueToText, text_ends_at_its_first_zero_byte) {
     EXPECT_EQ(db::value_to_text(of_type(VT_BSTR)), "");
 }
 
+struct TypeName {
+    int type;
+    const char* name;
+};
+// Those whose values have no text of their own.
+constexpr TypeName kNamedTypes[] = {
+    {9, "VT_DISPATCH"},       {10, "VT_ERROR"},       {12, "VT_VARIANT"},
+    {13, "VT_UNKNOWN"},       {16, "VT_I1"},          {18, "VT_UI2"},
+    {19, "VT_UI4"},           {20, "VT_I8"},          {21, "VT_UI8"},
+    {22, "VT_INT"},           {23, "VT_UINT"},        {24, "VT_VOID"},
+    {25, "VT_HRESULT"},       {26, "VT_PTR"},         {27, "VT_SAFEARRAY"},
+    {28, "VT_CARRAY"},        {29, "VT_USERDEFINED"}, {30, "VT_LPSTR"},
+    {31, "VT_LPWSTR"},        {64, "VT_FILETIME"},    {65, "VT_BLOB"},
+    {66, "VT_STREAM"},        {67, "VT_STORAGE"},     {68, "VT_STREAMED_OBJECT"},
+    {69, "VT_STORED_OBJECT"}, {70, "VT_BLOB_OBJECT"}, {71, "VT_CF"},
+    {72, "VT_CLSID"},
+};
+// The others have names behind the flags.
+constexpr TypeName kTextTypes[] = {
+    {0, "VT_EMPTY"}, {1, "VT_NULL"}, {2, "VT_I2"},   {3, "VT_I4"},    {4, "VT_R4"},   {5, "VT_R8"},
+    {6, "VT_CY"},    {7, "VT_DATE"}, {8, "VT_BSTR"}, {11, "VT_BOOL"}, {17, "VT_UI1"},
+};
+
 TEST(ValueToText, other_types_give_their_names) {
-    EXPECT_EQ(db::value_to_text(of_type(9)), "VT_DISPATCH");
-    EXPECT_EQ(db::value_to_text(of_type(10)), "VT_ERROR");
-    EXPECT_EQ(db::value_to_text(of_type(13)), "VT_UNKNOWN");
-    EXPECT_EQ(db::value_to_text(of_type(16)), "VT_I1");
-    EXPECT_EQ(db::value_to_text(of_type(31)), "VT_LPWSTR");
-    EXPECT_EQ(db::value_to_text(of_type(64)), "VT_FILETIME");
-    EXPECT_EQ(db::value_to_text(of_type(72)), "VT_CLSID");
+    for (const auto& [type, name] : kNamedTypes) EXPECT_EQ(db::value_to_text(of_type(type)), name);
+}
+
+TEST(ValueToText, every_name_stands_behind_the_flags) {
+    for (const auto types : {std::span<const TypeName>(kNamedTypes), std::span<const TypeName>(kTextTypes)}) {
+        for (const auto& [type, name] : types) {
+            EXPECT_EQ(db::value_to_text(of_type(VT_ARRAY | type)), (std::string("Array of ") + name).c_str());
+            EXPECT_EQ(db::value_to_text(of_type(VT_BYREF | type)), (std::string("FishPointer to ") + name).c_str());
+            EXPECT_EQ(db::value_to_text(of_type(VT_ARRAY | VT_BYREF | type)),
+                      (std::string("Array of Pointer to ") + name).c_str());
+        }
+    }
+    for (const int type : {14, 15, 32, 63}) {
+        EXPECT_EQ(db::value_to_text(of_type(VT_ARRAY | type)), "Array of ");
+        EXPECT_EQ(db::value_to_text(of_type(VT_BYREF | type)), "FishPointer to ");
+    }
 }
 
 TEST(ValueToText, unnamed_types_give_fish) {

@@ -151,6 +151,30 @@ TEST(CTime, missing_midnight_moves_to_the_first_second_of_the_day) {
     const CTime inside(2005, 10, 16, 0, 40, 10);
     expect_date(inside, 2005, 10, 16);
 }
+
+// Summer time ends: 02:30 (01:30, 01:45) is shown twice. Whatever was asked before, one of the two is meant.
+TEST(CTime, hour_that_occurs_twice_is_always_read_as_the_same_one) {
+    struct Twice {
+        const char* zone;
+        int month, day, hour, minute;
+        LONG count;
+    };
+    for (const Twice& twice : {
+             Twice{"CET-1CEST,M3.5.0,M10.5.0/3", 10, 30, 2, 30, 1130635800},       // the second: 01:30 in Greenwich
+             Twice{"EST5EDT,M4.1.0,M10.5.0", 10, 30, 1, 30, 1130650200},           // the first: 05:30 in Greenwich
+             Twice{"LHST-10:30LHDT-11,M10.1.0,M3.5.0", 3, 27, 1, 45, 1111850100},  // the second: 15:15 the day before
+         }) {
+        const Zone zone(twice.zone);
+        for (const int month_before : {1, 7, 1, 12, 6}) {
+            const CTime before(2005, month_before, 15, 12, 0, 0);
+            const CTime time(2005, twice.month, twice.day, twice.hour, twice.minute, 0);
+            EXPECT_EQ(time.GetTime(), twice.count) << twice.zone << " after month " << month_before;
+            EXPECT_EQ(time.GetHour(), twice.hour);
+            EXPECT_EQ(time.GetMinute(), twice.minute);
+            EXPECT_NE(before.GetTime(), 0);
+        }
+    }
+}
 #endif
 
 TEST(CTime, every_day_of_a_year_round_trips_in_every_zone) {

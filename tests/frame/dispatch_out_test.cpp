@@ -68,6 +68,22 @@ TEST(DispatchOutInteger, stored_before_a_failure_is_given_back) {
     EXPECT_EQ(number, 42);
 }
 
+TEST(DispatchOutInteger, always_stored_one_is_given_back_though_it_looks_like_the_one_before) {
+    Probe probe;
+    probe.answer = E_FAIL;
+    for (const LONG stored : {3, 0}) {
+        probe.stored = stored;
+        for (Variant inner : {Variant(), Variant::r8(3.25), Variant::r8(1e12), Variant::text(u"3"), Variant::i4(3)}) {
+            EXPECT_EQ(invoke(probe, kCount, {Variant::ref(inner)}).result, DISP_E_EXCEPTION);
+            EXPECT_EQ(inner.vt, VT_I4);
+            EXPECT_EQ(inner.lVal, stored);
+        }
+        double real = 3.25;
+        EXPECT_EQ(invoke(probe, kCount, {Variant::ref_to(VT_R8, &real)}).result, DISP_E_EXCEPTION);
+        EXPECT_EQ(real, stored);
+    }
+}
+
 TEST(DispatchOutInteger, what_cannot_hold_it_mismatches_before_the_call) {
     Probe probe;
     BSTR text = nullptr;
@@ -148,6 +164,31 @@ TEST(DispatchText, longest_name_fits_in_any_code_page) {
     EXPECT_EQ(SysStringLen(text), 1020u);
     SysFreeString(text);
     os::set_code_page(os::CodePage::kSystem);
+}
+
+// A host's own buffer has 256 bytes; the one of a call by name is known for as long as the call lasts.
+TEST(DispatchText, room_of_a_buffer_is_known_while_its_call_lasts) {
+    Probe probe;
+    EXPECT_EQ(invoke(probe, kName, {Variant::text(u"Drums")}).result, S_OK);
+    EXPECT_EQ(probe.room, 255u * 4 + 1);
+    EXPECT_EQ(invoke(probe, kName, {Variant::text(std::u16string(3000, u'x'))}).result, S_OK);
+    EXPECT_EQ(probe.room, 3001u);
+    char buffer[256] = "Drums";
+    EXPECT_EQ(frame::room_for_text(buffer), 256u);
+    EXPECT_EQ(frame::room_for_text(nullptr), 256u);
+    frame::TextBuffer outer;
+    outer.fill("outer", 500);
+    char* inner_address = nullptr;
+    {
+        frame::TextBuffer inner;
+        inner.fill("", 700);
+        inner_address = inner.data();
+        EXPECT_EQ(frame::room_for_text(inner.data()), 700u);
+        EXPECT_EQ(frame::room_for_text(outer.data()), 500u);
+        EXPECT_STREQ(outer.data(), "outer");
+    }
+    EXPECT_EQ(frame::room_for_text(inner_address), 256u);
+    EXPECT_EQ(frame::room_for_text(outer.data()), 500u);
 }
 
 TEST(DispatchText, characters_travel_in_the_narrow_code_page) {

@@ -19,6 +19,7 @@ struct IProbe : IDispatch {
     virtual HRESULT STDMETHODCALLTYPE Compute(LONG dwType, LONG* pnResult) = 0;
     virtual HRESULT STDMETHODCALLTYPE Name(LPSTR szName) = 0;
     virtual HRESULT STDMETHODCALLTYPE File(BSTR szFile) = 0;
+    virtual HRESULT STDMETHODCALLTYPE Count(LONG* pnResult) = 0;
 
 protected:
     ~IProbe() = default;
@@ -31,6 +32,7 @@ constexpr frame::Method kMethods[] = {
     frame::method<&IProbe::Compute>("Compute", "dwType", "pnResult"),
     frame::method<&IProbe::Name>("Name", "szName"),
     frame::method<&IProbe::File>("File", "szFile"),
+    frame::method<&IProbe::Count, frame::OutInteger::kAlways>("Count", "pnResult"),
 };
 
 // Records what arrives and returns the given result.
@@ -75,12 +77,19 @@ public:
     HRESULT STDMETHODCALLTYPE Name(LPSTR szName) override {
         ++calls;
         text = szName;
+        room = frame::room_for_text(szName);
         if (stores) std::strcpy(szName, new_text.c_str());
         return answer;
     }
     HRESULT STDMETHODCALLTYPE File(BSTR szFile) override {
         ++calls;
         wide = text_of(szFile);
+        return answer;
+    }
+
+    HRESULT STDMETHODCALLTYPE Count(LONG* pnResult) override {
+        ++calls;
+        *pnResult = stored;
         return answer;
     }
 
@@ -92,11 +101,12 @@ public:
     bool stores = true;
     LONG stored = 42;
     std::string text;
+    std::size_t room = 0;
     std::string new_text = "Bass";
     std::u16string wide;
 };
 
-constexpr DISPID kPlain = 1, kTakeKey = 2, kTakeRecord = 3, kCompute = 4, kName = 5, kFile = 6;
+constexpr DISPID kPlain = 1, kTakeKey = 2, kTakeRecord = 3, kCompute = 4, kName = 5, kFile = 6, kCount = 7;
 
 inline Variant with(VARTYPE type, LONGLONG bits) {
     Variant result;

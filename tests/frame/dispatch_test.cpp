@@ -62,7 +62,7 @@ TEST(DispatchInvoke, unknown_identifier_is_member_not_found) {
     Probe probe;
     EXPECT_EQ(invoke(probe, 0, {}).result, DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(invoke(probe, -1, {}).result, DISP_E_MEMBERNOTFOUND);
-    EXPECT_EQ(invoke(probe, 7, {}).result, DISP_E_MEMBERNOTFOUND);
+    EXPECT_EQ(invoke(probe, kCount + 1, {}).result, DISP_E_MEMBERNOTFOUND);
     EXPECT_EQ(probe.calls, 0);
 }
 
@@ -151,6 +151,7 @@ TEST(DispatchNamedArguments, unknown_or_twice_given_is_parameter_not_found) {
     EXPECT_EQ(unknown.result, DISP_E_PARAMNOTFOUND);
     EXPECT_EQ(unknown.bad_argument, 0u);
     EXPECT_EQ(invoke(probe, kCompute, {Variant::i4(8), Variant::ref(out)}, {0}).result, DISP_E_PARAMNOTFOUND);
+    EXPECT_EQ(invoke(probe, kTakeKey, {Variant::i4(8)}, {1}).result, DISP_E_PARAMNOTFOUND);  // one parameter, number 0
     EXPECT_EQ(invoke(probe, kTakeKey, {Variant::i4(8)}, {DISPID_PROPERTYPUT}).result, DISP_E_PARAMNOTFOUND);
     EXPECT_EQ(probe.calls, 0);
 }

@@ -1,6 +1,7 @@
 // Contacts, categories, messages and services through the gate.
 #include <gtest/gtest.h>
 
+#include "os/system.h"
 #include "tests/gates/contacts_cases.h"
 #include "tests/gates/record_round_trip.h"
 
@@ -62,6 +63,43 @@ TEST(ServicesGate, mappings_go_in_their_order) { expect_orders(kServices); }
 TEST(ServicesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kServices); }
 
 // ---- Contacts
+
+// One byte a character: a row of eight full texts has no more than half a page.
+TEST(ClientsGate, texts_of_full_width_are_kept_together) {
+    OpenGate<IDBgate1> gate;
+    CString ClientInfo::*const texts[] = {&ClientInfo::Name,    &ClientInfo::LastName, &ClientInfo::Company,
+                                          &ClientInfo::Title,   &ClientInfo::Address,  &ClientInfo::Country,
+                                          &ClientInfo::WebSite, &ClientInfo::Email};
+    ClientInfo client;
+    for (std::size_t i = 0; i < std::size(texts); ++i) {
+        client.*texts[i] = std::string(255, static_cast<char>('a' + i)).c_str();
+    }
+    ASSERT_EQ(call(*gate, &IDBgate1::AddClient, client), S_OK);
+    ClientInfo found;
+    found.ClientID = client.ClientID;
+    ASSERT_EQ(call(*gate, &IDBgate1::FindClient, found), S_OK);
+    for (CString ClientInfo::*const text : texts) EXPECT_EQ(found.*text, client.*text);
+}
+
+// Every text but the last at its full width of two-byte characters: longer than a page.
+TEST(ClientsGate, row_that_cannot_fit_is_refused_and_nothing_is_saved) {
+    OpenGate<IDBgate1> gate;
+    add_client(*gate, "there", "before", "1");
+    std::string wide;
+    for (int i = 0; i < 255; ++i) wide += os::narrow(u"\u20ac");
+    ClientInfo client = filled(kClients, 0, 1);
+    for (const Member<ClientInfo>& member : kClients.members) {
+        if (member.store == Store::kText) client.*std::get<CString ClientInfo::*>(member.place) = wide.c_str();
+    }
+    EXPECT_EQ(call(*gate, &IDBgate1::AddClient, client), E_FAIL);
+    client.ClientID = 1;
+    EXPECT_EQ(call(*gate, &IDBgate1::UpdateClient, client), E_FAIL);
+    EXPECT_EQ(names(kClients, *gate, ClientInfo()), " there");
+    ClientInfo found;
+    found.ClientID = 1;
+    ASSERT_EQ(call(*gate, &IDBgate1::FindClient, found), S_OK);
+    EXPECT_EQ(found.Company, "before");
+}
 
 TEST(ClientsGate, record_with_nothing_set_enumerates_every_contact_but_finds_none) {
     OpenGate<IDBgate1> gate;

@@ -29,6 +29,7 @@ inline const RecordCase<IDBgate1, RoomInfo> kRooms{
     .remove = &IDBgate1::DeleteRoom,
     .members = {member::text("Name", &RoomInfo::Name), member::currency("BasePrice", &RoomInfo::BasePrice),
                 member::currency("FullPrice", &RoomInfo::FullPrice), member::integer("ExData", &RoomInfo::ExData)},
+    .adds = Adds::kNamesOnce,
     .read_order = {"Name", "BasePrice", "FullPrice", "ExData"},
     .write_order = {"Name", "BasePrice", "FullPrice", "ExData"}};
 

@@ -231,18 +231,6 @@ TEST(ExtendedSessionsGate, quote_in_a_pattern_fails_and_ends_the_enumeration) {
     EXPECT_EQ(call(*gate, &IDBgate1::EnumEx_NextSession, record), E_FAIL);
 }
 
-TEST(ExtendedSessionsGate, row_that_cannot_be_read_leaves_the_record_alone) {
-    OpenGate<IDBgate1> gate;
-    add_session(*gate, 4, march(1));
-    gate.while_closed([&] { delete_column(gate.file("sldb.mdb"), "Sessions", "Notes"); });
-    SessionExInfo record;
-    record.Reserved = "sentinel";
-    EXPECT_EQ(call(*gate, &IDBgate1::EnumEx_FirstSession, record), E_FAIL);
-    EXPECT_EQ(record.SessionID, 0);
-    EXPECT_EQ(record.SongName, "");
-    EXPECT_EQ(record.Reserved, "sentinel");
-}
-
 TEST(ExtendedSessionsGate, closed_database_fails) {
     OpenGate<IDBgate1> gate;
     add_session(*gate, 4, march(1));

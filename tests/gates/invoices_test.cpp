@@ -248,6 +248,33 @@ TEST(InvoiceDefaultsGate, empty_table_fails_and_gets_no_row) {
     gate.while_closed([&] { EXPECT_TRUE(rows_of(gate.file("sldb.mdb"), "Def_Invoice", "BaseCounter").empty()); });
 }
 
+TEST(InvoiceDefaultsGate, first_of_several_rows_is_the_one) {
+    OpenGate<IDBgate1> gate;
+    gate.while_closed([&] {
+        const auto database = open_main_file(gate.file("sldb.mdb"));
+        jet::Table* const table = database->find_table(u"Def_Invoice");
+        for (const std::int32_t counter : {50, 60}) {
+            std::vector<jet::Value> row(table->def().columns.size());
+            row[0] = std::u16string(u"another");
+            row[2] = counter;
+            table->insert(row);
+        }
+        database->close();
+    });
+    expect_stored_defaults(*gate, first_defaults());
+    InvoiceDef defaults = some_defaults();
+    EXPECT_EQ(gate->SetInvoiceDef(address_of(defaults)), S_OK);
+    expect_stored_defaults(*gate, some_defaults());
+    gate.while_closed([&] {
+        const auto rows = rows_of(gate.file("sldb.mdb"), "Def_Invoice", "BaseCounter");
+        ASSERT_EQ(rows.size(), 3u);
+        for (const std::int32_t counter : {50, 60}) {
+            EXPECT_EQ(std::get<std::u16string>(rows.at(counter).at("StudioName").value), u"another");
+            EXPECT_TRUE(jet::is_null(rows.at(counter).at("VAT1").value));
+        }
+    });
+}
+
 // Unlike that of a record, a failed writing of the defaults keeps nothing.
 TEST(InvoiceDefaultsGate, failed_writing_changes_nothing) {
     const OpenGate<IDBgate1> gate;

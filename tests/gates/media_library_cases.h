@@ -15,6 +15,7 @@ inline const RecordCase<IDBgate1, LibGrpInfo> kGroups{.table = "LibGroups",
                                                       .update = &IDBgate1::UpdateLibGrp,
                                                       .remove = &IDBgate1::DeleteLibGrp,
                                                       .members = {member::text("Name", &LibGrpInfo::Name)},
+                                                      .opened_by = "Name",
                                                       .read_order = {"Name"},
                                                       .write_order = {"Name"}};
 
@@ -31,6 +32,7 @@ inline const RecordCase<IDBgate1, MediaLibInfo> kLibraries{
     .members = {member::integer("GroupID", &MediaLibInfo::GroupID), member::text("Name", &MediaLibInfo::Name),
                 member::text("Descript", &MediaLibInfo::Descript)},
     .parents = {&MediaLibInfo::GroupID},
+    .opened_by = "GroupID",
     .read_order = {"Name", "Descript", "GroupID"},
     .write_order = {"Name", "Descript", "GroupID"}};
 
@@ -46,6 +48,7 @@ inline const RecordCase<IDBgate1, MediaFileInfo> kFiles{
     .members = {member::integer("LibID", &MediaFileInfo::LibID), member::memo("Path", &MediaFileInfo::Path),
                 member::text("Descript", &MediaFileInfo::Descript)},
     .parents = {&MediaFileInfo::LibID},
+    .opened_by = "LibID",
     .read_order = {"Path", "Descript", "LibID"},
     .write_order = {"Path", "Descript", "LibID"}};
 

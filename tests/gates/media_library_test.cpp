@@ -9,18 +9,19 @@ using namespace testing_support;
 TEST(LibraryGroupsGate, members_make_the_round_trip) { expect_round_trip(kGroups); }
 TEST(LibraryGroupsGate, columns_hold_the_members_of_their_name) { expect_columns(kGroups); }
 TEST(LibraryGroupsGate, failure_leaves_the_record_alone) { expect_failures(kGroups); }
+TEST(LibraryGroupsGate, mappings_go_in_their_order) { expect_orders(kGroups); }
 TEST(LibraryGroupsGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kGroups); }
 
 TEST(MediaLibrariesGate, members_make_the_round_trip) { expect_round_trip(kLibraries); }
 TEST(MediaLibrariesGate, columns_hold_the_members_of_their_name) { expect_columns(kLibraries); }
 TEST(MediaLibrariesGate, failure_leaves_the_record_alone) { expect_failures(kLibraries); }
-TEST(MediaLibrariesGate, reading_goes_in_its_order) { expect_read_order(kLibraries); }
+TEST(MediaLibrariesGate, mappings_go_in_their_order) { expect_orders(kLibraries); }
 TEST(MediaLibrariesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kLibraries); }
 
 TEST(MediaFilesGate, members_make_the_round_trip) { expect_round_trip(kFiles); }
 TEST(MediaFilesGate, columns_hold_the_members_of_their_name) { expect_columns(kFiles); }
 TEST(MediaFilesGate, failure_leaves_the_record_alone) { expect_failures(kFiles); }
-TEST(MediaFilesGate, reading_goes_in_its_order) { expect_read_order(kFiles); }
+TEST(MediaFilesGate, mappings_go_in_their_order) { expect_orders(kFiles); }
 TEST(MediaFilesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kFiles); }
 
 LONG add_group(IDBgate1& gate, const char* name) {

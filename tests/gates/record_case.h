@@ -82,6 +82,12 @@ Member<R> untouched(const char* name, Place R::*place, const char* sentinel = "u
 
 }  // namespace member
 
+// What Add does with a name that is there already.
+enum class Adds {
+    kAlways,
+    kNamesOnce,  // nothing, and answers S_OK
+};
+
 template <class Gate, class Record>
 struct RecordCase {
     using Method = HRESULT (STDMETHODCALLTYPE Gate::*)(LONG_PTR);
@@ -100,6 +106,7 @@ struct RecordCase {
     std::vector<Member<Record>> members;       // all but the key
     std::vector<LONG Record::*> parents = {};  // the same in every variant and given to the enumeration
     const char* opened_by = nullptr;           // the column that picks the rows Add opens; null: the whole table
+    Adds adds = Adds::kAlways;
     std::vector<const char*> read_order = {};  // columns but the key
     std::vector<const char*> write_order = {};
     std::function<void(Record&)> ask = nullptr;  // what else an enumeration has to be given

@@ -228,7 +228,7 @@ void expect_read_order(const RecordCase<Gate, Record>& table) {
 }
 
 // Without the column that picks the rows it opens, Add fails before it adds; with any other missing it saves
-// what was set before.
+// what was set before. Where a name is added once only, Update alone shows the order.
 template <class Gate, class Record>
 void expect_write_order(const RecordCase<Gate, Record>& table) {
     const std::ptrdiff_t columns = stored_members(table);
@@ -236,7 +236,7 @@ void expect_write_order(const RecordCase<Gate, Record>& table) {
     OpenGate<Gate> gate(table.prepare);
     const std::string path = gate.file(table.file);
     const LONG kept = add_variant(table, *gate, 1);
-    bool can_add = true;
+    bool can_add = table.adds == Adds::kAlways;
     for (auto missing = columns - 1; missing >= 0; --missing) {
         const std::string column = table.write_order[missing];
         SCOPED_TRACE("writing without " + column);
@@ -244,7 +244,9 @@ void expect_write_order(const RecordCase<Gate, Record>& table) {
         if (table.opened_by != nullptr && column == table.opened_by) can_add = false;
 
         Record record = filled(table, kNoKey, 2);
-        EXPECT_EQ(call(*gate, table.add, record), E_FAIL);
+        if (table.adds == Adds::kAlways) {
+            EXPECT_EQ(call(*gate, table.add, record), E_FAIL);
+        }
         const LONG added = record.*table.key;
         EXPECT_EQ(added != kNoKey, can_add);
         expect_same(table, record, filled(table, added, 2));

@@ -2,6 +2,7 @@
 #include <climits>
 #include <filesystem>
 
+#include "tests/frame/late_binding.h"
 #include "tests/gates/record_round_trip.h"
 #include "tests/gates/stock_cases.h"
 
@@ -331,6 +332,51 @@ TEST(InStockGate, closed_database_fails_with_0) {
         EXPECT_EQ(closed->ComputeInStock(type, &in_stock), E_FAIL);
         EXPECT_EQ(in_stock, 0);
     }
+}
+
+// The number is stored before anything can fail, so a reference of whatever kind holds it then too.
+TEST(InStockGate, failing_call_by_name_stores_its_number_in_every_kind_of_reference) {
+    const OpenGate<IDBgate1> gate;
+    constexpr LONG kNoType = 4711;
+    buy(*gate, kNoType, 5);
+    for (const LONG stored : {5, 0}) {
+        SCOPED_TRACE(stored);
+        const auto fails = [&](Variant place) {
+            const Outcome outcome = invoke(*gate, u"ComputeInStock", {Variant::i4(kNoType), std::move(place)});
+            EXPECT_EQ(outcome.result, DISP_E_EXCEPTION);
+            EXPECT_EQ(outcome.scode, E_FAIL);
+        };
+        for (const LONG before : {stored, LONG{0}, LONG{77}}) {
+            LONG whole = before;
+            fails(Variant::ref(whole));
+            EXPECT_EQ(whole, stored);
+        }
+        // Values that look like the number only after a conversion, or that have none.
+        for (const double before : {stored + 0.4, stored - 0.3, 1e12, -1e300}) {
+            double real = before;
+            fails(Variant::ref_to(VT_R8, &real));
+            EXPECT_EQ(real, stored) << before;
+            Variant inner = Variant::r8(before);
+            fails(Variant::ref(inner));
+            EXPECT_EQ(inner.vt, VT_I4) << before;
+            EXPECT_EQ(inner.lVal, stored) << before;
+        }
+        for (Variant inner : {Variant(), Variant::text(u"5"), Variant::text(u""), Variant::text(u"no number")}) {
+            fails(Variant::ref(inner));
+            EXPECT_EQ(inner.vt, VT_I4);
+            EXPECT_EQ(inner.lVal, stored);
+        }
+        hand_out(*gate, kNoType, 5);
+    }
+    // A method that stores nothing when it fails leaves what is there.
+    ASSERT_EQ(gate->CloseDB(), S_OK);
+    Variant version = Variant::text(u"before");
+    EXPECT_EQ(invoke(*gate, u"GetDBVer", {Variant::ref(version)}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(version.vt, VT_BSTR);
+    Variant stock;
+    EXPECT_EQ(invoke(*gate, u"ComputeInStock", {Variant::i4(1), Variant::ref(stock)}).result, DISP_E_EXCEPTION);
+    EXPECT_EQ(stock.vt, VT_I4);
+    EXPECT_EQ(stock.lVal, 0);
 }
 
 // Outside of the contract, which asks for a place; a host in error is not worth a crash.

@@ -26,6 +26,12 @@ jet::NewColumn column(const std::u16string& name, ColumnType type, bool allow_ze
     return column;
 }
 
+jet::NewColumn flagged(const std::u16string& name, ColumnType type) {
+    jet::NewColumn flagged = column(name, type);
+    flagged.compressed = true;
+    return flagged;
+}
+
 jet::NewColumn key_column(const std::u16string& name) {
     jet::NewColumn column;
     column.name = name;
@@ -179,6 +185,37 @@ TEST_F(CreatedFilesInterop, texts_currencies_and_dates_at_their_limits_read_back
     const OurTable& limits = find(tables, u"Limits");
     ASSERT_EQ(limits.rows.size(), rows.size());
     for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(limits.rows[i].values, rows[i]) << "row " << i;
+}
+
+// With the compression flag and without, and texts that begin like its mark.
+TEST_F(CreatedFilesInterop, compressed_texts_and_memos_read_back_equal) {
+    const jet::NewColumn columns[] = {flagged(u"Text", ColumnType::kText), column(u"PlainText", ColumnType::kText),
+                                      flagged(u"Memo", ColumnType::kMemo), column(u"PlainMemo", ColumnType::kMemo)};
+    database_->create_table(u"Compressed", columns);
+    std::vector<Values> rows;
+    const auto add = [&](const std::u16string& text, const std::u16string& memo) {
+        rows.push_back({text, text, memo, memo});
+        insert(u"Compressed", rows.back());
+    };
+    for (const std::size_t length : {1u, 2u, 3u, 32u, 33u, 255u}) {
+        add(std::u16string(length, u'x'), std::u16string(length, u'x'));
+        add(std::u16string(length, u'\u00fc'), std::u16string(length, u'\u00fc'));
+        add(std::u16string(length, u'\u4e2d'), std::u16string(length, u'\u4e2d'));
+    }
+    for (const std::size_t length : {256u, 1023u, 1024u, 1025u, 2100u, 9000u}) {
+        add(u"memo", std::u16string(length, u'm'));
+        add(u"memo", std::u16string(length, u'\u00e9'));
+        add(u"memo", std::u16string(length - 1, u'm') + u'\u4e2d');
+    }
+    for (const std::u16string& text :
+         {std::u16string(u"\uFEFF"), std::u16string(u"\uFEFFmark"), std::u16string(u"\uFEFF\u4e2d\u6587 and more"),
+          std::u16string(u"in \uFEFF it")}) {
+        add(text, text + std::u16string(60, u'y'));
+    }
+    const auto tables = compare();
+    const OurTable& found = find(tables, u"Compressed");
+    ASSERT_EQ(found.rows.size(), rows.size());
+    for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(found.rows[i].values, rows[i]) << "row " << i;
 }
 
 TEST_F(CreatedFilesInterop, memos_of_every_length_up_to_a_million_characters_read_back_equal) {

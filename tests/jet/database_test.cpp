@@ -5,6 +5,7 @@
 #include <fstream>
 
 #include "jet/check/check.h"
+#include "jet/storage/data_page.h"
 #include "support/temp_folder.h"
 
 namespace jet {
@@ -153,6 +154,61 @@ TEST_F(DatabaseTest, freed_space_is_used_again) {
         for (int i = 0; i < 2000; ++i) rows.push_back(add(u"some name of a thing", u"", i));
     }
     EXPECT_LE(database_->pager().page_count(), pages + 1);
+    expect_sound();
+}
+
+// Pages that were full are not looked at again until something on them becomes free.
+TEST_F(DatabaseTest, room_of_rows_that_shrank_takes_new_rows) {
+    create();
+    std::vector<RowId> rows;
+    for (int i = 0; i < 200; ++i) rows.push_back(add(std::u16string(250, u'x'), u"", i));
+    const std::uint32_t pages = database_->pager().page_count();
+    for (const RowId row : rows) {
+        const ColumnChange change{1, std::u16string(u"x")};
+        things().update(row, {&change, 1});
+    }
+    for (int i = 0; i < 180; ++i) add(std::u16string(220, u'y'), u"", i);
+    EXPECT_EQ(database_->pager().page_count(), pages);
+    EXPECT_EQ(count_rows(), 380u);
+    expect_sound();
+}
+
+// This engine moves a row once; others leave a pointer that leads to another one.
+TEST_F(DatabaseTest, row_moved_twice_by_another_writer_goes_with_all_its_places) {
+    create();
+    const RowId row = add(u"x", u"", 1);
+    for (int i = 0; i < 7; ++i) add(std::u16string(250, u'f'), u"", i);  // the page is full
+    const ColumnChange longer{1, std::u16string(250, u'x')};
+    things().update(row, {&longer, 1});
+    const auto pointed_at = [&](RowId pointer) {
+        const Page page = database_->pager().read(pointer.page);
+        const DataPage data(page.bytes(), pointer.page);
+        return RowId::unpack(load_u32(data.row(data.slot(pointer.slot)), 0));
+    };
+    const RowId middle = pointed_at(row);
+    RowId last;
+    {
+        Transaction transaction(database_->pager());
+        const MutablePage page = database_->pager().modify(middle.page);
+        const ByteSpan bytes =
+            DataPage(page.bytes(), middle.page).row(DataPage(page.bytes(), middle.page).slot(middle.slot));
+        const ByteVector body(bytes.begin(), bytes.end());
+        ByteVector pointer;
+        replace_row(page.bytes(), middle.page, middle.slot, ByteVector(4));
+        last = {middle.page, add_row(page.bytes(), middle.page, body, jet4::data::kBodyFlag)};
+        append_u32(pointer, last.pack());
+        replace_row(page.bytes(), middle.page, middle.slot, pointer);
+        set_slot_flags(page.bytes(), middle.page, middle.slot, jet4::data::kMovedFlag);
+        transaction.commit();
+    }
+    EXPECT_EQ(values(row)[1], Value(std::u16string(250, u'x')));
+    things().erase(row);
+    for (const RowId place : {row, middle, last}) {
+        const Page page = database_->pager().read(place.page);
+        const bool is_free = database_->allocator().is_free(place.page);
+        EXPECT_TRUE(is_free || DataPage(page.bytes(), place.page).slot(place.slot).is_deleted()) << place.page;
+    }
+    EXPECT_EQ(count_rows(), 7u);
     expect_sound();
 }
 

@@ -155,11 +155,11 @@ TEST_F(LongValueTest, chain_of_one_piece_and_empty_field_are_read) {
 }
 
 TEST_F(LongValueTest, memo_text_is_compressed_up_to_32_characters) {
-    EXPECT_EQ(LongValues::encode_memo(u"abc").size(), 5u);
-    EXPECT_EQ(LongValues::encode_memo(u"ab").size(), 4u);
-    EXPECT_EQ(LongValues::encode_memo(std::u16string(32, u'x')).size(), 34u);
-    EXPECT_EQ(LongValues::encode_memo(std::u16string(33, u'x')).size(), 66u);
-    EXPECT_EQ(LongValues::encode_memo(std::u16string(32, u'\u4e00')).size(), 64u);
+    EXPECT_EQ(LongValues::encode_memo(column_, u"abc").size(), 5u);
+    EXPECT_EQ(LongValues::encode_memo(column_, u"ab").size(), 4u);
+    EXPECT_EQ(LongValues::encode_memo(column_, std::u16string(32, u'x')).size(), 34u);
+    EXPECT_EQ(LongValues::encode_memo(column_, std::u16string(33, u'x')).size(), 66u);
+    EXPECT_EQ(LongValues::encode_memo(column_, std::u16string(32, u'\u4e00')).size(), 64u);
 }
 
 TEST_F(LongValueTest, broken_references_are_damage) {

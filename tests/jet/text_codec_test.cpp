@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "jet/base/error.h"
 #include "jet/base/types.h"
 
 namespace jet {
@@ -40,6 +41,28 @@ TEST(TextCodec, toggling_form_is_read) {
     EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 'a', 0})), u"a");
     // The high byte of a unit is no toggle.
     EXPECT_EQ(decode_text(bytes({0xFF, 0xFE, 0, 'x', 0, 'y', 0, 0, 'z'})), u"xyz");
+}
+
+// As plain text it would be taken for the mark, and what follows for one byte a character.
+TEST(TextCodec, text_beginning_like_the_mark_takes_the_toggling_form) {
+    EXPECT_EQ(encode_text(u"\uFEFF", false), bytes({0xFF, 0xFE, 0, 0xFF, 0xFE}));
+    EXPECT_EQ(encode_text(u"\uFEFFab\u4e01c", true),
+              bytes({0xFF, 0xFE, 0, 0xFF, 0xFE, 'a', 0, 'b', 0, 0x01, 0x4e, 0, 'c'}));
+    EXPECT_EQ(encode_text(u"a\uFEFF", false), bytes({'a', 0, 0xFF, 0xFE}));
+    for (const std::u16string& text : {std::u16string(u"\uFEFF\uFEFF"), std::u16string(u"\uFEFF\u4e01\u4e02"),
+                                       std::u16string(u"\uFEFFab"), std::u16string(u"\uFEFF\u0001\uffff\u00ff")}) {
+        EXPECT_EQ(decode_text(encode_text(text, false)), text);
+        EXPECT_EQ(decode_text(encode_text(text, true)), text);
+        EXPECT_EQ(ascii_length(encode_text(text, true)), std::nullopt);
+    }
+}
+
+TEST(TextCodec, text_beginning_like_the_mark_with_a_unit_of_a_zero_low_byte_is_refused) {
+    for (const std::u16string& text :
+         {std::u16string(u"\uFEFF\u0100"), std::u16string(u"\uFEFFa\u3000b"), std::u16string(u"\uFEFF\0a", 3)}) {
+        EXPECT_THROW(encode_text(text, true), Error) << to_utf8(text);
+        EXPECT_EQ(decode_text(encode_text(text.substr(1), true)), text.substr(1));
+    }
 }
 
 TEST(TextCodec, odd_last_byte_and_lone_marks_are_harmless) {

@@ -137,6 +137,24 @@ TEST_F(UsageMapTest, members_too_far_apart_go_to_bitmap_pages) {
     EXPECT_EQ(map.next(301), 808u);
 }
 
+// Each bitmap page begins anew with its first bit, also after one without members and after one that is not there.
+TEST_F(UsageMapTest, next_goes_on_in_the_next_bitmap_page_across_a_gap) {
+    start();
+    constexpr PageNumber kBlock = usage::kPagesPerBitmap;
+    const std::set<PageNumber> pages = {5, 900, kBlock + 2, 3 * kBlock + 1, 3 * kBlock + 2000};
+    UsageMap map = new_map();
+    for (const PageNumber page : pages) map.add(page);
+    EXPECT_EQ(map.bitmap_pages().size(), 3u);
+    EXPECT_EQ(members(map), pages);
+    EXPECT_EQ(map.next(901), kBlock + 2);
+    EXPECT_EQ(map.next(kBlock - 1), kBlock + 2);
+    EXPECT_EQ(map.next(kBlock + 3), 3 * kBlock + 1);
+    EXPECT_EQ(map.next(2 * kBlock + 7000), 3 * kBlock + 1);
+    EXPECT_FALSE(map.next(3 * kBlock + 2001));
+    map.remove(kBlock + 2);
+    EXPECT_EQ(map.next(901), 3 * kBlock + 1);
+}
+
 TEST_F(UsageMapTest, every_form_holds_exactly_its_members) {
     start();
     extend_to(3000);

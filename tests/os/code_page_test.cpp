@@ -71,18 +71,18 @@ TEST_F(CodePageTest, utf8_beyond_the_bmp_becomes_a_surrogate_pair) {
     EXPECT_EQ(os::narrow(std::u16string{0xDBFF, 0xDFFF}), "\xF4\x8F\xBF\xBF");
 }
 
-TEST_F(CodePageTest, utf8_bad_bytes_become_one_question_mark_each) {
+TEST_F(CodePageTest, utf8_bad_bytes_become_one_unknown_character_each) {
     os::set_code_page(CodePage::kUtf8);
-    EXPECT_EQ(os::widen("a\xE4z"), u"a?z");                       // stray lead
-    EXPECT_EQ(os::widen("\x80\xBF"), u"??");                      // stray continuations
-    EXPECT_EQ(os::widen("\xE2\x82"), u"??");                      // ends too early
-    EXPECT_EQ(os::widen("\xE2\x82z"), u"??z");                    // broken off
-    EXPECT_EQ(os::widen("\xC0\x80\xC1\xBF"), u"????");            // overlong
-    EXPECT_EQ(os::widen("\xE0\x9F\xBF"), u"???");                 // overlong
-    EXPECT_EQ(os::widen("\xF0\x8F\xBF\xBF"), u"????");            // overlong
-    EXPECT_EQ(os::widen("\xED\xA0\x80\xED\xBF\xBF"), u"??????");  // surrogates
-    EXPECT_EQ(os::widen("\xF4\x90\x80\x80"), u"????");            // past the last code point
-    EXPECT_EQ(os::widen("\xF8\xFE\xFF"), u"???");
+    EXPECT_EQ(os::widen("a\xE4z"), u"a\uFFFDz");                                                // stray lead
+    EXPECT_EQ(os::widen("\x80\xBF"), u"\uFFFD\uFFFD");                                          // stray continuations
+    EXPECT_EQ(os::widen("\xE2\x82"), u"\uFFFD\uFFFD");                                          // ends too early
+    EXPECT_EQ(os::widen("\xE2\x82z"), u"\uFFFD\uFFFDz");                                        // broken off
+    EXPECT_EQ(os::widen("\xC0\x80\xC1\xBF"), u"\uFFFD\uFFFD\uFFFD\uFFFD");                      // overlong
+    EXPECT_EQ(os::widen("\xE0\x9F\xBF"), u"\uFFFD\uFFFD\uFFFD");                                // overlong
+    EXPECT_EQ(os::widen("\xF0\x8F\xBF\xBF"), u"\uFFFD\uFFFD\uFFFD\uFFFD");                      // overlong
+    EXPECT_EQ(os::widen("\xED\xA0\x80\xED\xBF\xBF"), u"\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD\uFFFD");  // surrogates
+    EXPECT_EQ(os::widen("\xF4\x90\x80\x80"), u"\uFFFD\uFFFD\uFFFD\uFFFD");  // past the last code point
+    EXPECT_EQ(os::widen("\xF8\xFE\xFF"), u"\uFFFD\uFFFD\uFFFD");
 }
 
 TEST_F(CodePageTest, utf8_lone_surrogate_becomes_question_mark) {

@@ -217,13 +217,28 @@ TEST(ModulePath, library_loaded_by_relative_path_is_found_after_the_folder_chang
     EXPECT_EQ(module_path_after_leaving(folder.path(), "./a copy.so"), copy);
 }
 
-TEST(ModulePath, library_loaded_through_a_link_is_the_file_itself) {
+TEST(ModulePath, library_loaded_through_a_link_is_where_the_link_is) {
     TempFolder folder;
     TempFolder elsewhere;
     const std::string copy = elsewhere.file("copy.so");
     fs::copy_file(KVDB_OS_PROBE_MODULE, copy);
     fs::create_symlink(copy, folder.file("link.so"));
-    EXPECT_EQ(module_path_after_leaving(folder.path(), folder.file("link.so")), copy);
+    EXPECT_EQ(module_path_after_leaving(folder.path(), folder.file("link.so")), folder.file("link.so"));
+}
+
+TEST(ModulePath, library_loaded_through_a_relative_link_is_where_the_link_is) {
+    TempFolder folder;
+    TempFolder elsewhere;
+    fs::copy_file(KVDB_OS_PROBE_MODULE, elsewhere.file("copy.so"));
+    fs::create_symlink(elsewhere.file("copy.so"), folder.file("link.so"));
+    const fs::path before = fs::current_path();
+    fs::current_path(folder.path());
+    void* module = ::dlopen("./link.so", RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(module, nullptr) << ::dlerror();
+    const std::string answer = reinterpret_cast<const char* (*)()>(::dlsym(module, "probe_module_path"))();
+    fs::current_path(before);
+    ::dlclose(module);
+    EXPECT_EQ(answer, folder.file("link.so"));
 }
 
 TEST(ModulePath, two_copies_in_one_process_each_tell_their_own_place) {

@@ -61,6 +61,11 @@ TEST_F(StatementText, number_list_has_one_piece_more_than_separators) {
     EXPECT_EQ(clause::contains_any("C", ""), "()");
 }
 
+TEST_F(StatementText, number_of_a_list_beyond_32_bits_is_the_nearest) {
+    EXPECT_EQ(clause::contains_any("C", "2147483648"), "([C] LIKE \"*2147483647*\")");
+    EXPECT_EQ(clause::contains_any("C", "-99999999999"), "([C] LIKE \"*-2147483648*\")");
+}
+
 TEST_F(StatementText, clauses_of_a_filter_keep_their_order) {
     constexpr Clause<SessionInfo> kClauses[] = {
         filter::equals("ClientID", &SessionInfo::ClientID),

@@ -45,7 +45,8 @@ void require_plain(jet::Database& database, const std::string& path) {
         for (const jet::ColumnDef& column : def.columns) {
             bool is_same = true;
             new_column_like(column, is_same);
-            const bool is_plain = is_same && !column.required && column.ext_flags == 0 &&
+            const bool is_plain = is_same && !column.required &&
+                                  (column.ext_flags & ~jet::jet4::tdef::kExtCompressed) == 0 &&
                                   (!column.is_autonumber() || column.type == jet::ColumnType::kLong);
             if (!is_plain)
                 cannot(path, "column " + jet::to_utf8(column.name) + " of table " + name + " is of another kind");

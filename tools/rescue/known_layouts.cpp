@@ -62,6 +62,9 @@ public:
             column.length_bytes = column.type == ColumnType::kText ? kTextBytes : std::uint16_t{0};
         }
         if (kind == FieldKind::kKey) column.flags |= tdef::kFlagAutoNumber;
+        if (column.type == ColumnType::kText || column.type == ColumnType::kMemo) {
+            column.ext_flags = tdef::kExtCompressed;
+        }
         column.allow_zero_length = kind == FieldKind::kText || kind == FieldKind::kMemo;
         def_.columns.push_back(std::move(column));
     }

@@ -94,6 +94,7 @@ jet::NewColumn new_column_like(const jet::ColumnDef& column, bool& is_same) {
     made.name = column.name;
     made.type = column.type;
     made.allow_zero_length = column.allow_zero_length;
+    made.compressed = column.is_compressed();
     is_same = true;
     switch (column.type) {
         case ColumnType::kLong: made.autonumber = column.is_autonumber(); break;

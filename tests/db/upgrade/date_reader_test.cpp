@@ -79,8 +79,8 @@ TEST(Duration, of_a_number_is_hours) {
 }
 
 TEST(Duration, of_anything_else_is_0) {
-    for (const char* const text : {"", " ", "long", "2:75", "2:5", "2:005", ":30", "2:", "-1:30", "1:30:00", "1,5",
-                                   "2h", "nan", "inf", "1e300", "99999999999:00", "1 2"}) {
+    for (const char* const text : {"", " ", "long", "1:60", "2:75", "2:5", "2:005", ":30", "2:", "-1:30", "1:30:00",
+                                   "1,5", "2h", "nan", "inf", "1e300", "99999999999:00", "1 2"}) {
         EXPECT_EQ(hours(text), "0") << text;
     }
 }

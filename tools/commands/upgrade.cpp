@@ -10,6 +10,7 @@
 #include "tools/errors.h"
 #include "tools/file_copies.h"
 #include "tools/gate_call.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
@@ -59,7 +60,13 @@ public:
     Failures(const Failures&) = delete;
     Failures& operator=(const Failures&) = delete;
 
-    void begins(const db::UpgradeStep&) override { afx::clear_last_error(); }
+    // Ctrl-C ends the upgrade before a step, where no transaction is open.
+    void begins(const db::UpgradeStep& step) override {
+        afx::clear_last_error();
+        const bool is_open = is_open_;
+        is_open_ = step.with_next;
+        if (!is_open) require_uninterrupted();
+    }
     void failed(const db::UpgradeStep& step) override {
         const StudioFile& file = files_.studio.has(step) ? files_.studio : files_.invoices;
         add(std::string("in ") + file.name() + " the step \"" + step.effect + "\" failed" + engine_reason());
@@ -80,6 +87,7 @@ private:
     const StudioFiles& files_;
     std::string text_;
     bool has_stopped_ = false;
+    bool is_open_ = false;  // a step that goes on in the next one
 };
 
 void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
@@ -108,8 +116,10 @@ void upgrade(const std::string& folder, Failures& failures) {
         Studio studio(folder, Studio::Purpose::kUpgrade);
         studio.open();
     } catch (const CommandError& error) {
-        failures.could_not_open(error.what());
+        failures.could_not_open(is_interrupted() ? "interrupted" : error.what());
+        return;
     }
+    if (is_interrupted()) failures.could_not_open("interrupted");
 }
 
 // What became of the file, in words.
@@ -164,7 +174,9 @@ int run(const Options& options) {
         }
         return 0;
     }
+    catch_interrupts("both files are as they were");
     for (Before* const before : {&studio, &invoices}) {
+        require_uninterrupted();
         if (!before->is_there) continue;
         before->copy = dated_copy(before->file.path());
         if (options.no_copy) continue;
@@ -173,6 +185,7 @@ int run(const Options& options) {
     Failures failures(files);
     upgrade(files.folder(), failures);
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
+        if (is_interrupted()) break;
         if (const std::string fault = fault_of(*file); !fault.empty()) failures.add(fault);
     }
     if (failures.has_stopped() || !studio.is_current() || !invoices.is_current()) {

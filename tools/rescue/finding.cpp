@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "tools/long_work.h"
+
 namespace tools {
 namespace {
 
@@ -97,7 +99,8 @@ const Rule& rule_of(std::string_view name) {
 CheckResult check_file(jet::Database& database, const std::string& path) {
     CheckResult result;
     result.path = path;
-    for (jet::Violation& violation : jet::check_structure(database)) {
+    LongWork work("pages checked", database.pager().page_count());
+    for (jet::Violation& violation : jet::check_structure(database, [&] { work.step(); })) {
         const Rule& rule = rule_of(violation.rule);
         auto group = std::find_if(result.groups.begin(), result.groups.end(),
                                   [&](const FindingGroup& g) { return g.rule == &rule; });

@@ -26,4 +26,8 @@ std::string path_text(const std::filesystem::path& path) { return path.native();
 
 std::string file_name_of(const std::string& path) { return path_text(system_path(path).filename()); }
 
+std::string typed_path(const std::string& path) {
+    return path.find(' ') == std::string::npos ? path : "\"" + path + "\"";
+}
+
 }  // namespace tools

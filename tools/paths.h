@@ -11,5 +11,7 @@ std::filesystem::path system_path(const std::string& path);
 std::string path_text(const std::filesystem::path& path);
 // The last part of a path.
 std::string file_name_of(const std::string& path);
+// As a word that can be typed: in double quotes where it has blanks.
+std::string typed_path(const std::string& path);
 
 }  // namespace tools

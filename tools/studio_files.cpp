@@ -71,9 +71,9 @@ void require_current_version(const StudioFile& file, const std::string& folder) 
         text =
             file.path() + " has no version, for its table DBHeader has no row; kvdb rows reads its tables one by one";
     } else if (file.is_newer()) {
-        text += ": use a newer kvdb, or lower the version for good with kvdb upgrade --lower " + folder;
+        text += ": use a newer kvdb, or lower the version for good with kvdb upgrade --lower " + typed_path(folder);
     } else {
-        text += ": bring it up to date with kvdb upgrade " + folder;
+        text += ": bring it up to date with kvdb upgrade " + typed_path(folder);
     }
     throw CommandError(text);
 }
@@ -179,7 +179,7 @@ void StudioFiles::require_current() const {
         throw CommandError("the studio in " + folder_ +
                            " is not whole: kvinvdb.mdb is not there; put it back, or have an empty one made with kvdb "
                            "upgrade " +
-                           folder_);
+                           typed_path(folder_));
     }
     require_current_version(studio, folder_);
     require_current_version(invoices, folder_);

@@ -336,7 +336,7 @@ int run(const Options& options) {
     studio.close();
     output().print("\nFiles, readable by any Jet tool:\n");
     show_files(files);
-    const std::string place = folder.find(' ') == std::string::npos ? folder : "\"" + folder + "\"";
+    const std::string place = typed_path(folder);
     output().print("\nTry: kvdb list %s Tracks --where SongID=%s\n", place.c_str(), keys.song.c_str());
     output().print("     kvdb show %s Invoices %s\n", place.c_str(), keys.invoice.c_str());
     output().print("     kvdb search %s Lindstr\u00f6m\n", place.c_str());

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "tools/long_work.h"
+#include "tools/paths.h"
 
 namespace tools {
 namespace {
@@ -144,7 +145,7 @@ std::string check_text(const CheckResult& result, std::size_t listed) {
             "  What helps: keep this file as it is, take your last good copy (kvdb restore), or save what is left into "
             "a "
             "new\n  file with: kvdb salvage " +
-            result.path + " NEW.mdb\n";
+            typed_path(result.path) + " NEW.mdb\n";
     } else if (result.remarks > 0) {
         text += "  Nothing has to be done. kvdb compact makes a studio's files anew, without what is left over.\n";
     }

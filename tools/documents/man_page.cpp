@@ -72,7 +72,8 @@ std::string command_text(const OutlineCommand& command) {
 
 std::string man_page(const Outline& outline) {
     const std::string about = outline.help.substr(outline.help.find(": ") + 2);
-    std::string page = std::string(".TH KVDB 1 ") + kDate + " \"kvdb " KVDB_VERSION "\" \"User Commands\"\n";
+    std::string page =
+        std::string(".TH KVDB 1 ") + kDate + " \"kvdb " KVDB_VERSION "\" \"User Commands\"\n.nh\n.ad l\n";
     page += ".SH NAME\nkvdb \\- " + escaped(about.substr(0, about.size() - 1)) + "\n";
     page += ".SH SYNOPSIS\n" + bold("kvdb") + " " + italic("COMMAND") + " [" + italic("WORD") + " ...] [" +
             italic("OPTION") + " ...]\n";

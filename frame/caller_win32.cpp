@@ -2,6 +2,8 @@
 // module with an unwinder of its own cannot be unwound by ours, and ends when it is tried.
 #include "frame/caller.h"
 
+#include <cstdint>
+
 #include "os/module_win32.h"
 
 // The slot of our own import table for the unwinder; a build without a shared unwinder has none and does not link.

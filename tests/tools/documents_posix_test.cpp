@@ -58,8 +58,10 @@ protected:
         static_cast<void>(std::system(("(" + command + ") >" + in_quotes(out) + " 2>&1").c_str()));
         return contents(out);
     }
-    // What stands on a terminal after the line was typed to an interactive shell, and the key for completion.
-    std::string completed(std::vector<std::string> shell, const std::string& source, const std::string& typed) {
+    // What stands on a terminal after the line was typed to an interactive shell, and the key for completion; as soon
+    // as that is what is wanted.
+    std::string completed(std::vector<std::string> shell, const std::string& source, const std::string& typed,
+                          const std::string& wanted) {
         winsize size{};
         size.ws_row = 50;
         size.ws_col = 200;
@@ -81,7 +83,7 @@ protected:
         EXPECT_NE(screen.find("ready\r"), std::string::npos) << screen;
         screen.clear();
         type(terminal, typed + "\t\t");
-        while (read_some(terminal, screen, 1500)) continue;
+        while (screen.find(wanted) == std::string::npos && read_some(terminal, screen, 5000)) continue;
         ::kill(child, SIGKILL);
         ::waitpid(child, nullptr, 0);
         ::close(terminal);
@@ -191,8 +193,8 @@ TEST_F(Documents, bash_completes_what_is_typed) {
     std::filesystem::create_directory(scratch_.file("a-studio"));
     EXPECT_EQ(output_of("bash -n " + in_quotes(scratch_.file("kvdb.bash"))), "");
     for (const Completion& completion : kCompletions) {
-        const std::string screen =
-            completed({"bash", "--norc", "--noprofile", "-i"}, "PS1='$ '; source ./kvdb.bash", completion.typed);
+        const std::string screen = completed({"bash", "--norc", "--noprofile", "-i"}, "PS1='$ '; source ./kvdb.bash",
+                                             completion.typed, completion.wanted);
         EXPECT_NE(screen.find(completion.wanted), std::string::npos) << completion.typed << "\n" << screen;
     }
 }
@@ -205,7 +207,7 @@ TEST_F(Documents, zsh_completes_what_is_typed) {
     for (const Completion& completion : kCompletions) {
         const std::string screen =
             completed({"zsh", "-f", "-i"}, "PS1='$ '; fpath=($PWD $fpath); autoload -Uz compinit; compinit -u -D",
-                      completion.typed);
+                      completion.typed, completion.wanted);
         EXPECT_NE(screen.find(completion.wanted), std::string::npos) << completion.typed << "\n" << screen;
     }
 }

@@ -1,5 +1,6 @@
 // upgrade: opens a studio as a host does, behind copies of both files, and takes them back when that fails.
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 #include "tools/gate_call.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
+#include "tools/progress.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
 
@@ -55,7 +57,10 @@ void print_change(const Before& before) {
 // The steps that failed, with the engine's reason.
 class Failures : public db::UpgradeObserver {
 public:
-    explicit Failures(const StudioFiles& files) : files_(files) { db::set_upgrade_observer(this); }
+    explicit Failures(const StudioFiles& files)
+        : files_(files), progress_(std::in_place, "steps", steps_of(files.studio) + steps_of(files.invoices)) {
+        db::set_upgrade_observer(this);
+    }
     ~Failures() override { db::set_upgrade_observer(nullptr); }
     Failures(const Failures&) = delete;
     Failures& operator=(const Failures&) = delete;
@@ -66,6 +71,7 @@ public:
         const bool is_open = is_open_;
         is_open_ = step.with_next;
         if (!is_open) require_uninterrupted();
+        progress_->step();
     }
     void failed(const db::UpgradeStep& step) override {
         const StudioFile& file = files_.studio.has(step) ? files_.studio : files_.invoices;
@@ -78,13 +84,19 @@ public:
     }
     void add(const std::string& reason) { text_ += (text_.empty() ? "" : "; ") + reason; }
 
+    // There are no more steps; what is printed from now on has the line to itself.
+    void end_of_steps() { progress_.reset(); }
+
     // All of them; "" for none.
     const std::string& text() const { return text_; }
     // Steps behind one of them were not tried.
     bool has_stopped() const { return has_stopped_; }
 
 private:
+    static std::size_t steps_of(const StudioFile& file) { return file.exists() ? file.upgrade_plan().size() : 0; }
+
     const StudioFiles& files_;
+    std::optional<Progress> progress_;
     std::string text_;
     bool has_stopped_ = false;
     bool is_open_ = false;  // a step that goes on in the next one
@@ -184,6 +196,7 @@ int run(const Options& options) {
     }
     Failures failures(files);
     upgrade(files.folder(), failures);
+    failures.end_of_steps();
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
         if (is_interrupted()) break;
         if (const std::string fault = fault_of(*file); !fault.empty()) failures.add(fault);

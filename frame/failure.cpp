@@ -18,7 +18,8 @@ namespace {
 using db::Refusal;
 
 struct Failure {
-    const IID* interface_id = nullptr;  // null: nothing failed
+    bool is_there = false;
+    IID interface_id = {};  // a copy: the gate may be gone before anybody asks
     Attempt attempt;
 };
 constinit thread_local Failure last;
@@ -100,20 +101,20 @@ BSTR wide(const std::string& text) {
 void begin_call() noexcept {
     afx::clear_last_error();
     db::clear_refusal();
-    if (last.interface_id == nullptr) return;
+    if (!last.is_there) return;
     last = {};
     clear_error_info();
 }
 
 void note_failure(REFIID interface_id, const Attempt& attempt) noexcept {
-    last = {&interface_id, attempt};
+    last = {true, interface_id, attempt};
     leave_error_info(interface_id);
 }
 
-const IID* failed_interface() noexcept { return last.interface_id; }
+const IID* failed_interface() noexcept { return last.is_there ? &last.interface_id : nullptr; }
 
 std::string failure_sentence() {
-    if (last.interface_id == nullptr) return {};
+    if (!last.is_there) return {};
     const Attempt& attempt = last.attempt;
     const bool is_in_part = db::last_refusal().why == Refusal::kSavedInPart && attempt.in_part != nullptr;
     std::string text = is_in_part ? attempt.in_part : attempt.failed;
@@ -124,12 +125,12 @@ std::string failure_sentence() {
 
 BSTR failure_text() noexcept {
     try {
-        return last.interface_id != nullptr ? wide(failure_sentence()) : nullptr;
+        return last.is_there ? wide(failure_sentence()) : nullptr;
     } catch (...) {
         return nullptr;  // no memory
     }
 }
 
-BSTR failure_source() noexcept { return last.interface_id != nullptr ? to_bstr("KVDB") : nullptr; }
+BSTR failure_source() noexcept { return last.is_there ? to_bstr("KVDB") : nullptr; }
 
 }  // namespace frame

@@ -131,8 +131,10 @@ protected:
             error->Delete();
         } catch (CException* error) {
             error->Delete();
-        } catch (...) {
+        } catch (const std::bad_alloc&) {
             db::refuse(db::Refusal::kNoMemory);
+        } catch (...) {
+            // What it is nobody knows here.
         }
         if (result != S_OK) note_failure(interface_id_, attempt);
         return result;
@@ -201,8 +203,10 @@ private:
         } catch (CException* error) {
             error->Delete();
             return E_FAIL;
-        } catch (...) {
+        } catch (const std::bad_alloc&) {
             return db::refuse(db::Refusal::kNoMemory);
+        } catch (...) {
+            return E_FAIL;
         }
     }
 

@@ -149,6 +149,19 @@ TEST_F(ErrorInfoGate, failure_is_told_to_the_thread_that_met_it) {
     ASSERT_EQ(gate_->CloseDB(), S_OK);
 }
 
+TEST_F(ErrorInfoGate, failure_outlives_the_gate_that_met_it) {
+    const auto other = host_.create<IDBGate3>();
+    EXPECT_EQ(gate_->DeleteProj(999), E_FAIL);
+    gate_.reset();
+#ifndef _WIN32
+    // Elsewhere it is the library that keeps it, and any gate of it can be asked.
+    const Told told = told_by(*other.get());
+    EXPECT_EQ(told.result, S_OK);
+    EXPECT_TRUE(told.interface_id == IID_IDBgate1);
+    EXPECT_EQ(told.text.rfind("Nothing was deleted from Projects in ", 0), 0u) << told.text;
+#endif
+}
+
 TEST_F(ErrorInfoGate, exception_of_an_opening_leaves_its_words_too) {
     std::ofstream(host_.folder() + "/sldb.mdb") << "this is no database";
     HRESULT result = E_FAIL;

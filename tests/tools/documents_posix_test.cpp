@@ -6,6 +6,7 @@
 #include <poll.h>
 
 #include <csignal>
+#include <cstdio>
 #include <sstream>
 
 #include "tests/tools/tool_fixture.h"
@@ -66,6 +67,7 @@ protected:
         size.ws_row = 50;
         size.ws_col = 200;
         int terminal = -1;
+        std::fflush(nullptr);
         const pid_t child = ::forkpty(&terminal, nullptr, nullptr, &size);
         if (child == 0) {
             static_cast<void>(::chdir(scratch_.path().c_str()));

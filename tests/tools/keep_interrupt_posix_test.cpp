@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <cstdio>
 #include <functional>
 #include <map>
 #include <thread>
@@ -29,7 +30,7 @@ class KeepInterrupted : public Tool {
 protected:
     void SetUp() override {
         ASSERT_EQ(demo().code, 0);
-        fill(file("sldb.mdb"), 60000);
+        fill(file("sldb.mdb"), 30000);
     }
 
     static void fill(const std::string& path, int rows) {
@@ -54,6 +55,7 @@ protected:
         SCOPED_TRACE(words[0]);
         const auto before = all_files(scratch_.path());
         const std::string out = scratch_.file("messages");
+        std::fflush(nullptr);
         const pid_t child = ::fork();
         if (child == 0) {
             std::vector<char*> arguments{const_cast<char*>(KVDB_TOOL)};
@@ -134,7 +136,7 @@ TEST_F(KeepInterrupted, upgrade_takes_both_files_back) {
     using namespace testing_support;
     OldFile(file("sldb.mdb"), OldFile::Kind::kStudio, 100005).close();
     OldFile(file("kvinvdb.mdb"), OldFile::Kind::kInvoice, 100005).close();
-    fill(file("sldb.mdb"), 60000);
+    fill(file("sldb.mdb"), 30000);
     // The copies stay; this one is there already.
     ASSERT_EQ(run("backup " + in_quotes(studio_) + " " + in_quotes(scratch_.file("copies"))).code, 0);
     for (const char* const name : {"sldb", "kvinvdb"}) {

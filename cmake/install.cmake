@@ -29,12 +29,35 @@ install(FILES ${PROJECT_BINARY_DIR}/kvdb-config.cmake ${PROJECT_BINARY_DIR}/kvdb
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kvdb.pc.in ${PROJECT_BINARY_DIR}/kvdb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/pkgconfig)
 
+# The documents, and for Unix what the tool makes of its own declarations: man page and completions.
+if(NOT WIN32)
+    install(FILES README.md CHANGELOG.md docs/owners.md docs/hosting.md docs/reference.md docs/durability.md docs/differences.md
+        docs/architecture.md docs/file-format.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+    install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+endif()
+if(TARGET kvdb_tool AND NOT WIN32)
+    set(kvdb_made ${PROJECT_BINARY_DIR}/documents)
+    set(kvdb_made_files ${kvdb_made}/kvdb.1 ${kvdb_made}/kvdb.bash ${kvdb_made}/_kvdb ${kvdb_made}/kvdb.fish)
+    add_custom_command(OUTPUT ${kvdb_made_files}
+        COMMAND ${CMAKE_COMMAND} -E make_directory ${kvdb_made}
+        COMMAND kvdb_tool help --man > ${kvdb_made}/kvdb.1
+        COMMAND kvdb_tool help --completion bash > ${kvdb_made}/kvdb.bash
+        COMMAND kvdb_tool help --completion zsh > ${kvdb_made}/_kvdb
+        COMMAND kvdb_tool help --completion fish > ${kvdb_made}/kvdb.fish
+        DEPENDS kvdb_tool VERBATIM)
+    add_custom_target(kvdb_documents ALL DEPENDS ${kvdb_made_files})
+    install(FILES ${kvdb_made}/kvdb.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+    install(FILES docs/kvdb-files.5 DESTINATION ${CMAKE_INSTALL_MANDIR}/man5)
+    install(FILES ${kvdb_made}/kvdb.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kvdb)
+    install(FILES ${kvdb_made}/_kvdb DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions)
+    install(FILES ${kvdb_made}/kvdb.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
+endif()
+
 # The content of the Windows package, all in one folder: the library finds the compiler's runtime beside it.
 if(WIN32)
     install(FILES ${kvdb_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
     install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.gates.manifest
-        ${kvdb_runtime} ${PROJECT_SOURCE_DIR}/LICENSE ${PROJECT_SOURCE_DIR}/docs/hosting.md
-        ${PROJECT_SOURCE_DIR}/docs/reference.md
+        ${kvdb_runtime} LICENSE CHANGELOG.md docs/hosting.md docs/reference.md docs/owners.md docs/durability.md
         DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)
     install(FILES ${PROJECT_SOURCE_DIR}/docs/install-windows.txt DESTINATION . RENAME README.txt
         COMPONENT package EXCLUDE_FROM_ALL)
@@ -56,5 +79,8 @@ if(TARGET frame_tests)
     if(TARGET kvdb_tool)
         target_compile_definitions(frame_tests PRIVATE KVDB_TOOL)
         add_dependencies(frame_tests kvdb_tool)
+        if(TARGET kvdb_documents)
+            add_dependencies(frame_tests kvdb_documents)
+        endif()
     endif()
 endif()

@@ -12,7 +12,8 @@ else()
 endif()
 # The commands without the command line: tests call them in-process, on a disk that fails.
 set(kvdb_tool_parts ${kvdb_tool_sources})
-list(FILTER kvdb_tool_parts EXCLUDE REGEX "/tools/(commands/.*|main|commands|command_line|declaration|help)\\.cpp$")
+list(FILTER kvdb_tool_parts EXCLUDE REGEX
+    "/tools/(commands/.*|documents/.*|main|commands|command_line|declaration|help)\\.cpp$")
 find_path(KVDB_CLI11 CLI/CLI.hpp REQUIRED PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/cli11)
 file(CREATE_LINK ${KVDB_CLI11}/CLI ${PROJECT_BINARY_DIR}/cli11/CLI SYMBOLIC)

@@ -7,6 +7,7 @@
 #include "db/content.h"
 #include "db/create_files.h"
 #include "db/database_files.h"
+#include "db/refusal.h"
 #include "db/rows.h"
 #include "db/upgrade/upgrade.h"
 #include "db/values.h"
@@ -82,11 +83,11 @@ void upgrade_invoices(CDaoDatabase& invoice) {
 // Runs `work` with the header of the main database on its row.
 template <class Work>
 HRESULT with_header(const GateDatabases& databases, int options, Work&& work) {
-    if (databases.main == nullptr || !databases.main->IsOpen()) return E_FAIL;
+    if (databases.main == nullptr || !databases.main->IsOpen()) return refuse(Refusal::kNoDatabase);
     try {
         CDaoRecordset rows(databases.main);
         rows.Open(dbOpenDynaset, kHeader, options);
-        if (rows.GetRecordCount() < 1) return E_FAIL;
+        if (rows.GetRecordCount() < 1) return refuse(Refusal::kNoRow);
         work(rows);
         rows.Close();
         return S_OK;
@@ -156,13 +157,13 @@ void shut_down_engine() {
 bool main_file_exists() { return file_exists(DatabaseFile::kMain); }
 
 HRESULT get_version(const GateDatabases& databases, LONG* version) {
-    if (version == nullptr) return E_FAIL;
+    if (version == nullptr) return refuse(Refusal::kNoRecord);
     return with_header(databases, dbForwardOnly | dbReadOnly,
                        [&](CDaoRecordset& rows) { *version = integer_field(rows, "DBversion"); });
 }
 
 HRESULT get_head(const GateDatabases& databases, HeadInfo* head) {
-    if (head == nullptr) return E_FAIL;
+    if (head == nullptr) return refuse(Refusal::kNoRecord);
     return with_header(databases, 0, [&](CDaoRecordset& rows) {
         HeadInfo read;
         read.DBversion = integer_field(rows, "DBversion");
@@ -173,7 +174,7 @@ HRESULT get_head(const GateDatabases& databases, HeadInfo* head) {
 }
 
 HRESULT set_head(const GateDatabases& databases, const HeadInfo* head) {
-    if (head == nullptr) return E_FAIL;
+    if (head == nullptr) return refuse(Refusal::kNoRecord);
     return with_header(databases, 0, [&](CDaoRecordset& rows) {
         rows.Edit();
         rows.SetFieldValue("Color1", COleVariant(head->Color1, VT_I4));

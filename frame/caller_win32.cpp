@@ -2,9 +2,8 @@
 // module with an unwinder of its own cannot be unwound by ours, and ends when it is tried.
 #include "frame/caller.h"
 
-#include <cstring>
+#include <cstdint>
 
-#include "frame/wide_text.h"
 #include "os/module_win32.h"
 
 // The slot of our own import table for the unwinder; a build without a shared unwinder has none and does not link.
@@ -13,8 +12,6 @@ extern "C" const void* const _imp___Unwind_Resume;
 namespace frame {
 
 namespace {
-
-constexpr char kErrorSource[] = "KVDB";
 
 const std::uint8_t* base_of(HMODULE module) { return reinterpret_cast<const std::uint8_t*>(module); }
 
@@ -53,28 +50,5 @@ bool catches_exceptions(const void* return_address) {
     const HMODULE unwinder = os::module_of(_imp___Unwind_Resume);
     return unwinder != nullptr && imports_from(caller, unwinder);
 }
-
-bool has_error_info() { return true; }
-
-void set_error_info(REFIID interface_id, const CDaoException& error) {
-    ICreateErrorInfo* description = nullptr;
-    if (FAILED(CreateErrorInfo(&description))) return;
-    const char* const text = error.m_pErrorInfo != nullptr ? error.m_pErrorInfo->m_strDescription.GetString() : "";
-    const BSTR source = to_bstr(kErrorSource);
-    const BSTR words = to_bstr(text);
-    description->SetGUID(interface_id);
-    description->SetSource(source);
-    description->SetDescription(words);
-    SysFreeString(source);
-    SysFreeString(words);
-    void* info = nullptr;
-    if (SUCCEEDED(description->QueryInterface(IID_IErrorInfo, &info))) {
-        SetErrorInfo(0, static_cast<IErrorInfo*>(info));
-        static_cast<IErrorInfo*>(info)->Release();
-    }
-    description->Release();
-}
-
-void clear_error_info() { SetErrorInfo(0, nullptr); }
 
 }  // namespace frame

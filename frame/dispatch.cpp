@@ -8,6 +8,7 @@
 #include <exception>
 #include <string_view>
 
+#include "frame/failure.h"
 #include "frame/wide_text.h"
 
 namespace frame {
@@ -52,17 +53,23 @@ HRESULT arrange(const Method& method, DISPPARAMS& parameters, std::span<VARIANT*
     return S_OK;
 }
 
+// For a result that is a failure: with the words that the method left, as far as there is memory for them.
 HRESULT exception_result(EXCEPINFO* exception, HRESULT failure) {
-    if (exception != nullptr) exception->scode = failure;
+    if (exception != nullptr) {
+        exception->scode = failure;
+        exception->bstrSource = failure_source();
+        exception->bstrDescription = failure_text();
+    }
     return DISP_E_EXCEPTION;
 }
 
 HRESULT exception_result(EXCEPINFO* exception, std::string_view description) {
     if (exception != nullptr) {
+        exception->scode = E_FAIL;
         exception->bstrSource = to_bstr(kErrorSource);
         exception->bstrDescription = to_bstr(description);
     }
-    return exception_result(exception, E_FAIL);
+    return DISP_E_EXCEPTION;
 }
 
 }  // namespace
@@ -106,6 +113,7 @@ HRESULT invoke_method(std::span<const Method> methods, IDispatch* gate, DISPID i
     const HRESULT arranged = arrange(method, *parameters, arguments, bad_position);
     if (FAILED(arranged)) return arranged;
 
+    begin_call();
     try {
         BadArgument bad;
         const HRESULT outcome = method.invoke(gate, arguments, bad);

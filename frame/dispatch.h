@@ -16,7 +16,7 @@ namespace frame {
 HRESULT ids_of_names(std::span<const Method> methods, REFIID riid, LPOLESTR* names, UINT count, DISPID* ids);
 
 // Calls method `id` of `gate`. The method's failure is DISP_E_EXCEPTION with `exception->scode` its
-// result; so is an exception that it lets out, with its text in `exception->bstrDescription`. An
+// result and the words that it left; so is an exception that it lets out, with its own text. An
 // argument that does not fit is DISP_E_TYPEMISMATCH or DISP_E_OVERFLOW, `*bad_argument` its place in
 // `parameters->rgvarg`. `result`, `exception` and `bad_argument` may be null.
 HRESULT invoke_method(std::span<const Method> methods, IDispatch* gate, DISPID id, REFIID riid, WORD flags,

@@ -19,27 +19,30 @@ DBgate1::~DBgate1() {
 
 // The file name has no meaning: where the files are is the component's own business.
 [[gnu::noinline]] HRESULT STDMETHODCALLTYPE DBgate1::CreateDB(BSTR) {
-    return call_with_errors(__builtin_return_address(0), [&] { return db::attach(databases_); });
+    return call_with_errors(__builtin_return_address(0), kOpening, [&] { return db::attach(databases_); });
 }
 
 [[gnu::noinline]] HRESULT STDMETHODCALLTYPE DBgate1::OpenDB() {
-    return call_with_errors(__builtin_return_address(0), [&] { return db::open(databases_); });
+    return call_with_errors(__builtin_return_address(0), kOpening, [&] { return db::open(databases_); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::GetDBVer(LONG* pdwDBver) {
-    return call([&] { return pdwDBver != nullptr ? db::get_version(databases_, pdwDBver) : E_FAIL; });
+    const Attempt attempt{.failed = "The version was not read from", .table = "DBHeader"};
+    return call(attempt, [&] { return db::get_version(databases_, pdwDBver); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::GetHead(LONG_PTR pHeadInfo) {
-    return call([&] { return pHeadInfo != 0 ? db::get_head(databases_, record<HeadInfo>(pHeadInfo)) : E_FAIL; });
+    const Attempt attempt{.failed = "The header was not read from", .table = "DBHeader"};
+    return call(attempt, [&] { return db::get_head(databases_, record<HeadInfo>(pHeadInfo)); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::SetHead(LONG_PTR pHeadInfo) {
-    return call([&] { return pHeadInfo != 0 ? db::set_head(databases_, record<HeadInfo>(pHeadInfo)) : E_FAIL; });
+    const Attempt attempt{.failed = "The colours were not changed in", .table = "DBHeader"};
+    return call(attempt, [&] { return db::set_head(databases_, record<HeadInfo>(pHeadInfo)); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::CloseDB() {
-    return call([] {
+    return call(Attempt{.failed = "The databases were not closed."}, [] {
         db::close(0);
         return S_OK;
     });
@@ -47,23 +50,31 @@ HRESULT STDMETHODCALLTYPE DBgate1::CloseDB() {
 
 // The files never need compacting; a request is answered, not carried out.
 HRESULT STDMETHODCALLTYPE DBgate1::CompactDB(LONG_PTR pCompactDBInfo) {
-    return call([&] { return pCompactDBInfo != 0 ? S_OK : E_FAIL; });
+    const Attempt attempt{.failed = "Compacting was not asked for."};
+    return call(attempt, [&] { return pCompactDBInfo != 0 ? S_OK : db::refuse(db::Refusal::kNoRecord); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::ComputeInStock(LONG dwStockTypeID, LONG* pnInStock) {
-    return call([&] { return studio::compute_in_stock(databases_.main, stock_types_, dwStockTypeID, pnInStock); });
+    const Attempt attempt{.failed = "The number in stock was not computed from", .table = "Def_StockTypes"};
+    return call(attempt,
+                [&] { return studio::compute_in_stock(databases_.main, stock_types_, dwStockTypeID, pnInStock); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::GetInvoiceDef(LONG_PTR pInvioceDef) {
-    return call([&] { return studio::get_invoice_defaults(databases_.main, record<InvoiceDef>(pInvioceDef)); });
+    const Attempt attempt{.failed = "What new invoices begin with was not read from", .table = "Def_Invoice"};
+    return call(attempt,
+                [&] { return studio::get_invoice_defaults(databases_.main, record<InvoiceDef>(pInvioceDef)); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::SetInvoiceDef(LONG_PTR pInvioceDef) {
-    return call([&] { return studio::set_invoice_defaults(databases_.main, record<InvoiceDef>(pInvioceDef)); });
+    const Attempt attempt{.failed = "What new invoices begin with was not changed in", .table = "Def_Invoice"};
+    return call(attempt,
+                [&] { return studio::set_invoice_defaults(databases_.main, record<InvoiceDef>(pInvioceDef)); });
 }
 
 HRESULT STDMETHODCALLTYPE DBgate1::IsDbExist() {
-    return call([] { return db::main_file_exists() ? S_OK : E_FAIL; });
+    const Attempt attempt{.failed = "There is no studio in the folder of the library."};
+    return call(attempt, [] { return db::main_file_exists() ? S_OK : db::refuse(db::Refusal::kNoFile); });
 }
 
 }  // namespace frame

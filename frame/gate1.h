@@ -363,7 +363,8 @@ public:
         return remove_record(participants_, pParticInfo);
     }
     HRESULT STDMETHODCALLTYPE EnumFirst_CustomQuery(LONG_PTR pCustomInfo, LONG nType) override {
-        return call([&] { return custom_query_.EnumFirst(record<CustomInfo>(pCustomInfo), nType); });
+        return call(Attempt{.failed = "There are no queries of this kind."},
+                    [&] { return custom_query_.EnumFirst(record<CustomInfo>(pCustomInfo), nType); });
     }
     HRESULT STDMETHODCALLTYPE EnumNext_CustomQuery(LONG_PTR pCustomInfo) override {
         return enum_next(custom_query_, pCustomInfo);

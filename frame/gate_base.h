@@ -6,7 +6,8 @@
 //    constant tables, and take the lock for no longer than it takes to make a buffer for a text known.
 // 2. A method gives S_OK or E_FAIL and nothing else.
 // 3. No exception leaves a method, except the CDaoException* that `call_with_errors` lets out to a caller that can
-//    catch it; any other caller gets E_FAIL and the platform's error info.
+//    catch it; any other caller gets E_FAIL.
+// 4. Whatever fails leaves its words for the thread that called (frame/failure.h).
 #pragma once
 
 #include <kvdb/com.h>
@@ -15,10 +16,13 @@
 #include <new>
 #include <span>
 
+#include "db/refusal.h"
 #include "db/session.h"
 #include "frame/caller.h"
 #include "frame/com_object.h"
 #include "frame/dispatch.h"
+#include "frame/error_info.h"
+#include "frame/failure.h"
 #include "frame/method_frame.h"
 #include "frame/method_table.h"
 #include "frame/text_buffer.h"
@@ -43,15 +47,15 @@ struct RecordAddress {
 };
 
 template <class Interface>
-class GateBase : public ComObject<Interface>, public ISupportErrorInfo {
+class GateBase : public ComObject<Interface>, public ErrorInfoPart {
 public:
     HRESULT STDMETHODCALLTYPE QueryInterface(REFIID riid, void** object) override {
         if (object == nullptr) return E_POINTER;
         *object = nullptr;
         if (riid == IID_IUnknown || riid == IID_IDispatch || riid == interface_id_) {
             *object = static_cast<Interface*>(this);
-        } else if (riid == IID_ISupportErrorInfo) {
-            *object = static_cast<ISupportErrorInfo*>(this);
+        } else if (void* const part = this->error_info_part(riid)) {
+            *object = part;
         } else {
             return this->query_marshaler(riid, object);
         }
@@ -87,7 +91,7 @@ public:
     }
 
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID riid) override {
-        return has_error_info() && riid == interface_id_ ? S_OK : S_FALSE;
+        return riid == interface_id_ ? S_OK : S_FALSE;
     }
 
     ULONG STDMETHODCALLTYPE AddRef() override { return ComObject<Interface>::AddRef(); }
@@ -103,104 +107,125 @@ protected:
     // ---- The frame of a method
 
     template <class Operation>
-    static HRESULT call(Operation&& operation) noexcept {
+    HRESULT call(const Attempt& attempt, Operation&& operation) noexcept {
         const MethodFrame method;
-        try {
-            return plain_result(operation());
-        } catch (CException* error) {
-            error->Delete();
-            return E_FAIL;
-        } catch (...) {
-            return E_FAIL;
-        }
+        begin_call();
+        const HRESULT result = plain_result_of(operation);
+        if (result != S_OK) note_failure(interface_id_, attempt);
+        return result;
     }
 
     // As `call`, but an error of the data-access engine goes out to the caller, the code that the method returns to,
     // as CDaoException*.
     template <class Operation>
-    HRESULT call_with_errors(const void* return_address, Operation&& operation) {
+    HRESULT call_with_errors(const void* return_address, const Attempt& attempt, Operation&& operation) {
         const MethodFrame method;
-        clear_error_info();
+        begin_call();
+        HRESULT result = E_FAIL;
         try {
-            return plain_result(operation());
+            result = plain_result(operation());
         } catch (CDaoException* error) {
-            if (catches_exceptions(return_address)) throw;
-            set_error_info(interface_id_, *error);
+            if (catches_exceptions(return_address)) {
+                note_failure(interface_id_, attempt);
+                throw;
+            }
             error->Delete();
-            return E_FAIL;
         } catch (CException* error) {
             error->Delete();
-            return E_FAIL;
+        } catch (const std::bad_alloc&) {
+            db::refuse(db::Refusal::kNoMemory);
         } catch (...) {
-            return E_FAIL;
+            // What it is nobody knows here.
         }
+        if (result != S_OK) note_failure(interface_id_, attempt);
+        return result;
     }
 
-    // ---- The operations of one record table, for methods that are nothing else
+    // ---- The operations of one record table, or list of names, for methods that are nothing else
 
     template <class Table>
-    static HRESULT enum_first(Table& table, LONG_PTR address) {
-        return call([&] { return table.EnumFirst(RecordAddress{address}); });
+    HRESULT enum_first(Table& table, auto place) {
+        return call(on(table, "No first row was read from"), [&] { return first(table, place); });
     }
     template <class Table>
-    static HRESULT enum_next(Table& table, LONG_PTR address) {
-        return call([&] { return table.EnumNext(RecordAddress{address}); });
+    HRESULT enum_next(Table& table, auto place) {
+        return call(on(table, "No next row was read from"), [&] { return next(table, place); });
     }
     template <class Table>
-    static HRESULT find(Table& table, LONG_PTR address) {
-        return call([&] { return table.Find(RecordAddress{address}); });
+    HRESULT find(Table& table, LONG_PTR address) {
+        return call(on(table, "No row was found in"), [&] { return table.Find(argument(address)); });
     }
     template <class Table>
-    static HRESULT add(Table& table, LONG_PTR address) {
-        return call([&] { return table.Add(RecordAddress{address}); });
+    HRESULT add(Table& table, auto row) {
+        return call(on(table, "Nothing was added to", "A row was added in part to"),
+                    [&] { return table.Add(argument(row)); });
     }
     template <class Table>
-    static HRESULT update(Table& table, LONG_PTR address) {
-        return call([&] { return table.Update(RecordAddress{address}); });
+    HRESULT update(Table& table, LONG_PTR address) {
+        return call(on(table, "Nothing was changed in", "A row was changed in part in"),
+                    [&] { return table.Update(argument(address)); });
     }
+    // By the key or, for a list, by the name.
     template <class Table>
-    static HRESULT remove(Table& table, LONG key) {
-        return call([&] { return table.Delete(key); });
+    HRESULT remove(Table& table, auto row) {
+        return call(on(table, "Nothing was deleted from"), [&] { return table.Delete(row); });
     }
     // As `remove`, for the row that the record names.
     template <class Table>
-    static HRESULT remove_record(Table& table, LONG_PTR address) {
-        return call([&] { return table.Delete(RecordAddress{address}); });
-    }
-
-    // ---- The operations of a list of names, whose rows are texts
-
-    template <class List>
-    static HRESULT enum_first(List& list, LPSTR text) {
-        return call([&] { return list.EnumFirst(text, room_for_text(text)); });
-    }
-    template <class List>
-    static HRESULT enum_next(List& list, LPSTR text) {
-        return call([&] { return list.EnumNext(text, room_for_text(text)); });
-    }
-    template <class List>
-    static HRESULT add(List& list, LPSTR text) {
-        return call([&] { return list.Add(text); });
-    }
-    template <class List>
-    static HRESULT remove(List& list, LPSTR text) {
-        return call([&] { return list.Delete(text); });
+    HRESULT remove_record(Table& table, LONG_PTR address) {
+        return call(on(table, "Nothing was deleted from"), [&] { return table.Delete(argument(address)); });
     }
 
     // Closes and frees the cursors of the tables, in the order given, whatever one of them meets.
     template <class... Tables>
     static void release_cursors(Tables&... tables) {
-        (static_cast<void>(call([&] {
-             tables.ReleaseCursor();
-             return S_OK;
-         })),
-         ...);
+        (quietly([&] { tables.ReleaseCursor(); }), ...);
+    }
+
+    // Runs the last work of a gate in the frame of a method; there is nobody left to tell what it meets.
+    template <class Work>
+    static void quietly(Work&& work) noexcept {
+        const MethodFrame method;
+        static_cast<void>(plain_result_of([&] {
+            work();
+            return S_OK;
+        }));
     }
 
     db::GateDatabases databases_;
 
 private:
     static HRESULT plain_result(HRESULT result) { return result == S_OK ? S_OK : E_FAIL; }
+
+    template <class Operation>
+    static HRESULT plain_result_of(Operation&& operation) noexcept {
+        try {
+            return plain_result(operation());
+        } catch (CException* error) {
+            error->Delete();
+            return E_FAIL;
+        } catch (const std::bad_alloc&) {
+            return db::refuse(db::Refusal::kNoMemory);
+        } catch (...) {
+            return E_FAIL;
+        }
+    }
+
+    // An operation takes its record by its address, and a name as it is. What fills a name must know the room.
+    static RecordAddress argument(LONG_PTR address) { return {address}; }
+    static LPSTR argument(LPSTR text) { return text; }
+    static HRESULT first(auto& table, LONG_PTR address) { return table.EnumFirst(argument(address)); }
+    static HRESULT first(auto& list, LPSTR text) { return list.EnumFirst(text, room_for_text(text)); }
+    static HRESULT next(auto& table, LONG_PTR address) { return table.EnumNext(argument(address)); }
+    static HRESULT next(auto& list, LPSTR text) { return list.EnumNext(text, room_for_text(text)); }
+
+    template <class Table>
+    Attempt on(const Table& table, const char* failed, const char* in_part = nullptr) const {
+        const bool is_invoice = table.is_in(databases_.invoice);
+        const char* const name = table.table();
+        return {failed, in_part, name != nullptr ? name : "a query",
+                is_invoice ? db::DatabaseFile::kInvoice : db::DatabaseFile::kMain};
+    }
 
     const IID interface_id_;
     const std::span<const Method> methods_;

@@ -24,10 +24,10 @@ public:
     // ---- Methods, in slot order
 
     [[gnu::noinline]] HRESULT STDMETHODCALLTYPE OpenDB() override {
-        return call_with_errors(__builtin_return_address(0), [&] { return db::attach(databases_); });
+        return call_with_errors(__builtin_return_address(0), kOpening, [&] { return db::attach(databases_); });
     }
     HRESULT STDMETHODCALLTYPE CloseDB() override {
-        return call([] {
+        return call(Attempt{.failed = "The databases were not closed."}, [] {
             db::close(0);
             return S_OK;
         });
@@ -116,11 +116,10 @@ protected:
 
     ~GearGate() override {
         release_cursors(gear_, services_, repairs_, categories_, rentals_);
-        static_cast<void>(call([] {
+        Base::quietly([] {
             db::close(0);
             db::shut_down_engine();
-            return S_OK;
-        }));
+        });
     }
 
 private:

@@ -39,6 +39,7 @@ has_package() {
         npm) command -v npm >/dev/null ;;
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
+        mandoc | zsh | fish) command -v "$1" >/dev/null ;;
         clang) command -v clang++ >/dev/null ;;
         # The libraries of the sanitizers and the fuzzing engine; some releases package them separately from the
         # compiler.

@@ -106,7 +106,7 @@ constinit const TableMapping<SupplyExInfo> kSupplyWithin{
 CustomQuery::CustomQuery(CDaoDatabase* const& database) : database_(database), rows_(kCustomQuery, database) {}
 
 HRESULT CustomQuery::EnumFirst(CustomInfo* record, LONG type) {
-    if (!is_usable(database_) || record == nullptr) return E_FAIL;
+    if (!is_usable(database_) || record == nullptr) return refuse_unusable(database_);
     type_ = type;
     return rows_.EnumFirst(record);
 }

@@ -28,6 +28,9 @@ public:
 
     LONG type() const { return type_; }
 
+    const char* table() const { return nullptr; }
+    bool is_in(CDaoDatabase* const& database) const { return rows_.is_in(database); }
+
 private:
     CDaoDatabase* const& database_;
     RecordTable<CustomInfo> rows_;

@@ -76,12 +76,12 @@ constexpr Column<InvoiceDef> kDefaultsWrite[] = {
 // Runs `work` on the first row of the defaults.
 template <class Work>
 HRESULT with_defaults(CDaoDatabase* database, const InvoiceDef* defaults, int options, Work&& work) {
-    if (!is_usable(database) || defaults == nullptr) return E_FAIL;
+    if (!is_usable(database) || defaults == nullptr) return refuse_unusable(database);
     return guarded(
         [&] {
             CDaoRecordset rows(database);
             rows.Open(dbOpenDynaset, whole_table(kDefaultsTable).c_str(), options);
-            return rows.GetRecordCount() >= 1 ? work(rows) : E_FAIL;
+            return rows.GetRecordCount() >= 1 ? work(rows) : db::refuse(db::Refusal::kNoRow);
         },
         [] {});
 }

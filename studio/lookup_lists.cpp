@@ -48,7 +48,7 @@ HRESULT NameList::EnumNext(LPSTR buffer, std::size_t size) {
 
 template <class Work>
 HRESULT NameList::with_rows_named(LPCSTR name, Work&& work) {
-    if (!is_usable(database_) || name == nullptr) return E_FAIL;
+    if (!is_usable(database_) || name == nullptr) return refuse_unusable(database_);
     return guarded(
         [&] {
             CDaoRecordset rows(database_);

@@ -47,6 +47,9 @@ public:
 
     void ReleaseCursor() { names_.ReleaseCursor(); }
 
+    const char* table() const { return mapping_.table; }
+    bool is_in(CDaoDatabase* const& database) const { return names_.is_in(database); }
+
 private:
     // Runs `work` on the rows with this name, opened for changes.
     template <class Work>

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "afx/dao_recordset.h"
+#include "db/refusal.h"
 #include "studio/columns.h"
 #include "studio/filter.h"
 
@@ -95,12 +96,18 @@ HRESULT guarded(Operation&& operation, Failed&& failed) {
         e->Delete();
     } catch (const std::exception&) {
         // Lack of memory outside the engine.
+        db::refuse(db::Refusal::kNoMemory);
     }
     failed();
     return E_FAIL;
 }
 
 inline bool is_usable(const CDaoDatabase* database) { return database != nullptr && database->IsOpen(); }
+
+// The refusal of a call on a database that is not open, or without a record.
+inline HRESULT refuse_unusable(const CDaoDatabase* database) {
+    return db::refuse(is_usable(database) ? db::Refusal::kNoRecord : db::Refusal::kNoDatabase);
+}
 
 inline constexpr int kForReading = dbForwardOnly | dbReadOnly;
 inline constexpr int kForWriting = 0;
@@ -117,21 +124,22 @@ public:
 
     // `record` is the filter and receives the first row. An empty result leaves the cursor open.
     HRESULT EnumFirst(Record* record) {
-        if (!is_usable(database_)) return E_FAIL;
-        if (record == nullptr && mapping_.null_record == NullRecord::kFailsAtOnce) return E_FAIL;
+        if (!is_usable(database_)) return refuse_unusable(database_);
+        if (record == nullptr && mapping_.null_record == NullRecord::kFailsAtOnce) return refuse_unusable(database_);
         return guarded(
             [&] {
                 open_cursor();
                 cursor_->Open(dbOpenDynaset, mapping_.statement(record).c_str(), kForReading);
-                return cursor_->GetRecordCount() >= 1 ? deliver(record) : E_FAIL;
+                return cursor_->GetRecordCount() >= 1 ? deliver(record) : db::refuse(db::Refusal::kNoRows);
             },
             [&] { close_cursor(); });
     }
 
     // `record` is only filled. The cursor is closed before EnumFirst and after the end.
     HRESULT EnumNext(Record* record) {
-        if (!is_usable(database_) || cursor_ == nullptr || !cursor_->IsOpen()) return E_FAIL;
-        if (record == nullptr && mapping_.null_next == NullNext::kStays) return E_FAIL;
+        if (!is_usable(database_)) return refuse_unusable(database_);
+        if (cursor_ == nullptr || !cursor_->IsOpen()) return db::refuse(db::Refusal::kNotBegun);
+        if (record == nullptr && mapping_.null_next == NullNext::kStays) return refuse_unusable(database_);
         return guarded(
             [&] {
                 const auto off_the_rows = [&] { return cursor_->IsBOF() || cursor_->IsEOF(); };
@@ -140,28 +148,29 @@ public:
                     if (!off_the_rows()) return deliver(record);
                 }
                 cursor_->Close();
-                return E_FAIL;
+                return db::refuse(db::Refusal::kNoMoreRows);
             },
             [&] { close_cursor(); });
     }
 
     // A missing row leaves the record unchanged.
     HRESULT Find(Record* record) {
-        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        if (!is_usable(database_) || record == nullptr) return refuse_unusable(database_);
         return guarded(
             [&] {
                 const std::string statement = find_statement(*record);
-                if (statement.empty()) return E_FAIL;
+                if (statement.empty()) return db::refuse(db::Refusal::kNoRow);
                 Rows rows(database_);
                 rows.Open(dbOpenDynaset, statement.c_str(), kForReading);
-                return rows.GetRecordCount() >= 1 ? read_columns(rows, mapping_.read, *record) : E_FAIL;
+                if (rows.GetRecordCount() < 1) return db::refuse(db::Refusal::kNoRow, sought_key(*record));
+                return read_columns(rows, mapping_.read, *record);
             },
             [] {});
     }
 
     // Returns the new key in the record.
     HRESULT Add(Record* record) {
-        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        if (!is_usable(database_) || record == nullptr) return refuse_unusable(database_);
         return guarded(
             [&] {
                 Rows rows(database_);
@@ -177,34 +186,34 @@ public:
                 // failure gets here.
                 rows.Update();
                 rows.Close();
-                return result;
+                return saved(result);
             },
             [] {});
     }
 
     HRESULT Update(Record* record) {
-        if (!is_usable(database_) || record == nullptr) return E_FAIL;
+        if (!is_usable(database_) || record == nullptr) return refuse_unusable(database_);
         return guarded(
             [&] {
                 Rows rows(database_);
                 rows.Open(dbOpenDynaset, change_statement(*record).c_str(), kForWriting);
-                if (rows.GetRecordCount() < 1) return E_FAIL;
+                if (rows.GetRecordCount() < 1) return db::refuse(db::Refusal::kNoRow, changed_key(*record));
                 rows.Edit();
                 rows.SetBookmark(rows.GetLastModifiedBookmark());
                 const HRESULT result = write_columns(rows, mapping_.write, *record);
                 rows.Update();  // even after a failed mapping, as in Add
                 rows.Close();
-                return result;
+                return saved(result);
             },
             [] {});
     }
 
-    HRESULT Delete(LONG key) { return delete_first(rows_where(mapping_.table, mapping_.key.column, key)); }
+    HRESULT Delete(LONG key) { return delete_first(rows_where(mapping_.table, mapping_.key.column, key), key); }
 
     // By the record's key, or by its filter if the table uses that.
     HRESULT Delete(const Record* record) {
-        if (!is_usable(database_) || record == nullptr) return E_FAIL;
-        return guarded([&] { return delete_first(change_statement(*record)); }, [] {});
+        if (!is_usable(database_) || record == nullptr) return refuse_unusable(database_);
+        return guarded([&] { return delete_first(change_statement(*record), changed_key(*record)); }, [] {});
     }
 
     // Closes and frees the cursor.
@@ -212,6 +221,10 @@ public:
         close_cursor();
         cursor_.reset();
     }
+
+    // For words about a failure: the table's name, null where it has none, and whether its rows are in that database.
+    const char* table() const { return mapping_.table; }
+    bool is_in(CDaoDatabase* const& database) const { return &database_ == &database; }
 
 private:
     void open_cursor() {
@@ -224,7 +237,7 @@ private:
     }
 
     HRESULT deliver(Record* record) {
-        if (record == nullptr) return E_FAIL;
+        if (record == nullptr) return refuse_unusable(database_);
         if (mapping_.read_row != nullptr) return mapping_.read_row(*cursor_, *record);
         return read_columns(*cursor_, mapping_.enum_read.empty() ? mapping_.read : mapping_.enum_read, *record);
     }
@@ -261,13 +274,25 @@ private:
         return whole_table(mapping_.table);
     }
 
-    HRESULT delete_first(const std::string& statement) {
-        if (!is_usable(database_)) return E_FAIL;
+    // The key of a row that is not there, where one was asked for; else 0.
+    LONG sought_key(const Record& record) const {
+        const bool by_key = mapping_.find_by == FindBy::kKey || mapping_.find_by == FindBy::kKeyOrName;
+        return by_key ? record.*mapping_.key.member : 0;
+    }
+    LONG changed_key(const Record& record) const {
+        return mapping_.change_by == ChangeBy::kKey ? record.*mapping_.key.member : 0;
+    }
+
+    // What the columns' mapping gave, of a row that has been saved.
+    static HRESULT saved(HRESULT mapped) { return mapped == S_OK ? S_OK : db::refuse(db::Refusal::kSavedInPart); }
+
+    HRESULT delete_first(const std::string& statement, LONG key) {
+        if (!is_usable(database_)) return refuse_unusable(database_);
         return guarded(
             [&] {
                 Rows rows(database_);
                 rows.Open(dbOpenDynaset, statement.c_str(), kForWriting);
-                if (rows.GetRecordCount() < 1) return E_FAIL;
+                if (rows.GetRecordCount() < 1) return db::refuse(db::Refusal::kNoRow, key);
                 rows.MoveFirst();
                 rows.Delete();
                 rows.Close();

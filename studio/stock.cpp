@@ -138,7 +138,7 @@ constinit const TableMapping<EquipInfo> kEquipment{
 };
 
 HRESULT compute_in_stock(CDaoDatabase* database, RecordTable<StockTypeInfo>& types, LONG type_id, LONG* in_stock) {
-    if (in_stock == nullptr) return E_FAIL;
+    if (in_stock == nullptr) return db::refuse(db::Refusal::kNoRecord);
     *in_stock = 0;
     return guarded(
         [&] {

@@ -6,6 +6,7 @@
 
 #include "tools/commands.h"
 #include "tools/declaration.h"
+#include "tools/documents/documents.h"
 #include "tools/errors.h"
 #include "tools/help.h"
 #include "tools/names.h"
@@ -64,16 +65,29 @@ CommandLine::CommandLine() : tree_(std::make_unique<CLI::App>(kProgramHelp, "kvd
         Declaration declaration(*app);
         runs_[command->name] = command->declare(declaration);
     }
-    CLI::App* const help = tree_->add_subcommand("help", "Print the help of a command.");
+    CLI::App* const help = tree_->add_subcommand(
+        "help", "Print the help of a command, or what is made of the commands' declarations to be installed.");
     help->group(kLookGroup);
-    help->add_option("COMMAND", help_topic_, "name of the command; without it, all of them are listed");
-    runs_["help"] = [this] {
-        output().write(help_of_all(*tree_));
-        return 0;
-    };
+    Declaration declaration(*help);
+    declaration.optional_word("COMMAND", help_topic_, "name of the command; without it, all of them are listed");
+    declaration.flag("--man", wants_man_page_, "print the man page kvdb(1)");
+    declaration.option("--completion", completion_shell_, "SHELL",
+                       "print the script that lets a shell complete kvdb's command line: bash, zsh or fish");
+    runs_["help"] = [this] { return run_help(); };
 }
 
 CommandLine::~CommandLine() = default;
+
+int CommandLine::run_help() {
+    if (wants_man_page_) {
+        output().write(man_page(outline_of(*tree_)));
+    } else if (completion_shell_) {
+        output().write(completion_script(outline_of(*tree_), *completion_shell_));
+    } else {
+        output().write(help_topic_.empty() ? help_of_all(*tree_) : help_of(command_called(*tree_, help_topic_)));
+    }
+    return 0;
+}
 
 int CommandLine::run(const std::vector<std::string>& words) {
     if (words.empty()) throw UsageError("no command; kvdb --help lists them");

@@ -4,6 +4,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,15 +25,14 @@ public:
     // meant; what a command throws goes on.
     int run(const std::vector<std::string>& words);
 
-    // The tree, for whoever makes documents of it.
-    const CLI::App& tree() const { return *tree_; }
-
 private:
-    int parse_and_run(const std::vector<std::string>& words);
+    int run_help();
 
     std::unique_ptr<CLI::App> tree_;
     std::map<std::string, std::function<int()>> runs_;  // by command
     std::string help_topic_;
+    bool wants_man_page_ = false;
+    std::optional<std::string> completion_shell_;
 };
 
 }  // namespace tools

@@ -12,6 +12,7 @@
 #include "os/file.h"
 #include "tools/errors.h"
 #include "tools/open_file.h"
+#include "tools/paths.h"
 
 namespace tools {
 namespace {
@@ -64,7 +65,7 @@ bool are_equal(os::File& a, os::File& b) {
 
 void take_attributes(const std::string& from, const std::string& to) {
     os::file_system().copy_access(from, to);
-    fs::last_write_time(to, fs::last_write_time(from));
+    fs::last_write_time(system_path(to), fs::last_write_time(system_path(from)));
 }
 
 void remove_quietly(const std::string& path) {
@@ -115,11 +116,11 @@ bool publish(const std::string& unfinished, const std::string& name) {
 // "sldb-2026-03-05.mdb", "sldb-2026-03-05-2.mdb" and so on.
 struct CopyName {
     explicit CopyName(const fs::path& path)
-        : folder(path.parent_path()), stem(path.stem().string() + "-"), ending(path.extension().string()) {}
+        : folder(path.parent_path()), stem(path_text(path.stem()) + "-"), ending(path_text(path.extension())) {}
 
-    fs::path dated(int n) const {
+    std::string dated(int n) const {
         const std::string date(COleDateTime::GetCurrentTime().Format("%Y-%m-%d").GetString());
-        return folder / (stem + date + (n == 1 ? "" : "-" + std::to_string(n)) + ending);
+        return path_text(folder / system_path(stem + date + (n == 1 ? "" : "-" + std::to_string(n)) + ending));
     }
     bool is_one(const std::string& name) const {
         constexpr std::string_view kDate = "9999-99-99";
@@ -145,8 +146,8 @@ struct CopyName {
 std::string find_equal_copy(os::File& file, const CopyName& name) {
     std::vector<std::string> found;
     for (const fs::directory_entry& entry : fs::directory_iterator(name.folder)) {
-        if (entry.is_regular_file() && name.is_one(entry.path().filename().string())) {
-            found.push_back(entry.path().string());
+        if (entry.is_regular_file() && name.is_one(path_text(entry.path().filename()))) {
+            found.push_back(path_text(entry.path()));
         }
     }
     std::sort(found.begin(), found.end());
@@ -175,10 +176,10 @@ void write_journal_back(const std::string& path) {
 
 DatedCopy dated_copy(const std::string& path) {
     const std::unique_ptr<os::File> file = lock_whole_file(path);
-    const CopyName name(path);
+    const CopyName name(system_path(path));
     if (const std::string equal = find_equal_copy(*file, name); !equal.empty()) return {equal, false};
     for (int n = 1;; ++n) {
-        const std::string copy = name.dated(n).string();
+        const std::string copy = name.dated(n);
         if (exists(copy)) continue;
         const std::string unfinished = copy + kUnfinished;
         write_unfinished(*file, path, unfinished);
@@ -199,7 +200,7 @@ void take_back(const std::string& copy, const std::string& path) {
     try {
         // A journal that stayed would be written into the file of old.
         lock_whole_file(target);
-        fs::rename(unfinished, target);  // in its place, as one step
+        os::file_system().replace(unfinished, target);
     } catch (...) {
         remove_quietly(unfinished);
         throw;

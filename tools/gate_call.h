@@ -1,5 +1,5 @@
-// Calls of a gate's methods. E_FAIL is an end, a key that is not there, or an error of the engine; the component that
-// is part of the tool can be asked which.
+// Calls of a gate's methods. E_FAIL is an end, a key that is not there, or an error of the engine; the gate can be
+// asked for the words, and the component that is part of the tool for the engine's number.
 #pragma once
 
 #include <kvdb/com.h>
@@ -7,6 +7,7 @@
 #include <string>
 
 #include "afx/dao_error.h"
+#include "jet/base/types.h"
 #include "tools/errors.h"
 #include "tools/open_file.h"
 
@@ -28,15 +29,21 @@ inline std::string engine_reason() {
     return ": " + text;
 }
 
-// The same for a call whose record holds these texts: a gate puts some of them into a statement between double quotes.
-inline std::string engine_reason(bool has_double_quote) {
-    const bool is_syntax = afx::last_error().number == jet::errors::kExpressionSyntax;
-    return is_syntax && has_double_quote ? ": the gate takes no name with a double quote in it" : engine_reason();
+// What the gate left about its last call, which failed.
+inline std::string gate_words(IUnknown& gate) {
+    IErrorInfo* info = nullptr;
+    if (GetErrorInfoOf(&gate, &info) != S_OK) return "the call failed" + engine_reason();
+    BSTR text = nullptr;
+    info->GetDescription(&text);
+    info->Release();
+    const std::string words = jet::to_utf8({reinterpret_cast<const char16_t*>(text), SysStringLen(text)});
+    SysFreeString(text);
+    return words;
 }
 
 // To be called after a call that failed where an end or an absent row is no error.
-inline void require_no_engine_error(const std::string& what) {
-    if (afx::last_error().number != 0) throw CommandError(what + engine_reason());
+inline void require_no_engine_error(IUnknown& gate) {
+    if (afx::last_error().number != 0) throw CommandError(gate_words(gate));
 }
 
 }  // namespace tools

@@ -122,6 +122,8 @@ std::string help_of(const CLI::App& command) {
     return text + explained(name_of(*command.get_help_ptr()), command.get_help_ptr()->get_description());
 }
 
+std::string help_notes() { return kNotes; }
+
 std::string help_of_all(const CLI::App& tree) {
     std::string text = tree.get_description() + "\n";
     for (const char* const group : kCommandGroups) {

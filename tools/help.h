@@ -18,6 +18,9 @@ std::string help_of(const CLI::App& command);
 // All commands by group, each with its usage and its first sentence.
 std::string help_of_all(const CLI::App& tree);
 
+// What holds for all commands: a paragraph on each line.
+std::string help_notes();
+
 // The text in lines of at most `width` characters, each behind `indent` blanks.
 std::string wrapped(const std::string& text, std::size_t indent, std::size_t width);
 

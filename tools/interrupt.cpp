@@ -1,6 +1,7 @@
 #include "tools/interrupt.h"
 
 #include <csignal>
+#include <string>
 
 #include "tools/errors.h"
 
@@ -8,6 +9,7 @@ namespace tools {
 namespace {
 
 volatile std::sig_atomic_t has_come = 0;
+const char* outcome_of_it = "";
 
 // The second one ends the program as ever.
 void note(int number) {
@@ -17,7 +19,8 @@ void note(int number) {
 
 }  // namespace
 
-void catch_interrupts() {
+void catch_interrupts(const char* outcome) {
+    outcome_of_it = outcome;
     std::signal(SIGINT, note);
     std::signal(SIGTERM, note);
 #ifdef SIGHUP
@@ -25,8 +28,10 @@ void catch_interrupts() {
 #endif
 }
 
+bool is_interrupted() { return has_come != 0; }
+
 void require_uninterrupted() {
-    if (has_come != 0) throw CommandError("interrupted; nothing of it was kept");
+    if (has_come != 0) throw CommandError(std::string("interrupted; ") + outcome_of_it);
 }
 
 }  // namespace tools

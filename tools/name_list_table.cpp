@@ -12,7 +12,7 @@ void NameListTable::for_each_name(Studio& studio, Visit&& visit) const {
     char buffer[studio::kListNameSize];
     bool goes_on = succeeds([&] { return (gate.*methods_.first)(buffer); });
     while (goes_on && visit(CString(buffer))) goes_on = succeeds([&] { return (gate.*methods_.next)(buffer); });
-    if (!goes_on) require_no_engine_error(name() + " cannot be read");
+    if (!goes_on) require_no_engine_error(studio.open());
 }
 
 void NameListTable::list(Studio& studio, const Assignments& filter, const RowVisitor& visit) const {
@@ -59,8 +59,7 @@ std::string NameListTable::add(Studio& studio, const Assignments& members) const
     parse(column(), members[0].value, text);
     require_fits(name(), column(), text);
     if (!call(methods_.add, studio, text)) {
-        throw CommandError("'" + members[0].value + "' could not be added to " + name() +
-                           engine_reason(members[0].value.find('"') != std::string::npos));
+        throw CommandError(gate_words(studio.open()));
     }
     return members[0].value;
 }
@@ -71,7 +70,7 @@ void NameListTable::set(Studio&, const std::string&, const Assignments&) const {
 
 void NameListTable::remove(Studio& studio, const std::string& key) const {
     if (!call(methods_.remove, studio, find(studio, key))) {
-        throw CommandError("'" + key + "' could not be deleted from " + name() + engine_reason());
+        throw CommandError(gate_words(studio.open()));
     }
 }
 

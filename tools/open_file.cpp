@@ -7,6 +7,7 @@
 #include "os/system.h"
 #include "tools/errors.h"
 #include "tools/names.h"
+#include "tools/paths.h"
 
 namespace tools {
 namespace {
@@ -72,7 +73,7 @@ std::unique_ptr<jet::Database> open_to_read(const std::string& path, const std::
 
 std::vector<std::string> jet_files_of(const std::string& file_or_folder) {
     std::error_code error;
-    const fs::file_status status = fs::status(file_or_folder, error);
+    const fs::file_status status = fs::status(system_path(file_or_folder), error);
     if (status.type() == fs::file_type::not_found) {
         throw CommandError("there is no file or folder " + file_or_folder);
     }
@@ -80,7 +81,7 @@ std::vector<std::string> jet_files_of(const std::string& file_or_folder) {
     std::vector<std::string> files;
     for (const char* const name : {kStudioFile, kInvoiceFile}) {
         const std::string path = os::join_path(file_or_folder, name);
-        if (fs::exists(path, error)) files.push_back(path);
+        if (fs::exists(system_path(path), error)) files.push_back(path);
     }
     if (files.empty()) {
         throw CommandError("there is no studio in " + file_or_folder + ": neither sldb.mdb nor kvinvdb.mdb is there");

@@ -7,7 +7,7 @@
 namespace tools {
 namespace {
 
-constexpr std::uint64_t kBetweenLooks = 256;
+constexpr std::uint64_t kBetweenLooks = 256;  // at the clock; of few steps each may take long
 
 std::string with_commas(std::uint64_t number) {
     std::string digits = std::to_string(number);
@@ -37,7 +37,7 @@ Progress::~Progress() {
 void Progress::step(std::uint64_t count) {
     done_ += count;
     if (!is_wanted_ || done_ < next_look_) return;
-    next_look_ = done_ + kBetweenLooks;
+    next_look_ = done_ + (total_ != 0 && total_ < 100 * kBetweenLooks ? 1 : kBetweenLooks);
     look();
 }
 

@@ -1,11 +1,15 @@
 #include "tools/studio.h"
 
+#include <algorithm>
+#include <string_view>
+
 #include "db/content.h"
 #include "db/database_files.h"
 #include "db/session.h"
 #include "frame/entry_points.h"
+#include "frame/failure.h"
 #include "tools/errors.h"
-#include "tools/member_text.h"
+#include "tools/gate_call.h"
 #include "tools/open_file.h"
 #include "tools/studio_files.h"
 
@@ -34,10 +38,12 @@ void open_databases(Gate& gate, const std::string& folder) {
         result = gate.OpenDB();
     } catch (CDaoException* exception) {
         const LONG number = exception->m_pErrorInfo->m_lErrorCode;
-        const std::string text = to_utf8(exception->m_pErrorInfo->m_strDescription);
         exception->Delete();
         if (is_in_use(static_cast<int>(number))) throw CommandError(in_use_text("the studio in " + folder));
-        throw CommandError("the studio in " + folder + " cannot be opened: " + text);
+        const std::string words = gate_words(gate);
+        const std::size_t why = std::string_view(frame::kOpening.failed).size() + 1;
+        throw CommandError("the studio in " + folder +
+                           " cannot be opened: " + words.substr(std::min(why, words.size())));
     }
     if (FAILED(result)) throw CommandError("the studio in " + folder + " cannot be opened");
 }

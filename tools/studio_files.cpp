@@ -10,6 +10,7 @@
 #include "tools/errors.h"
 #include "tools/names.h"
 #include "tools/open_file.h"
+#include "tools/paths.h"
 
 namespace tools {
 namespace {
@@ -36,15 +37,15 @@ std::optional<std::int32_t> header_value(jet::Database& database, const char* co
 }
 
 bool is_studio_file(const fs::path& path) {
-    const std::string name = path.filename().string();
+    const std::string name = path_text(path.filename());
     return is_same_name(name, kStudioFile) || is_same_name(name, kInvoiceFile);
 }
 
 // Of a folder, or of one of its two files.
 std::string full_path(const std::string& place) {
     std::error_code error;
-    const fs::file_status status = fs::status(place, error);
-    fs::path path = fs::absolute(place).lexically_normal();
+    const fs::file_status status = fs::status(system_path(place), error);
+    fs::path path = fs::absolute(system_path(place)).lexically_normal();
     if (status.type() == fs::file_type::not_found) {
         throw CommandError("there is no folder " + place + "; wanted is the one that holds sldb.mdb and kvinvdb.mdb");
     }
@@ -58,7 +59,7 @@ std::string full_path(const std::string& place) {
         path = path.parent_path();
     }
     if (!path.has_filename() && path.has_relative_path()) path = path.parent_path();  // a separator at its end
-    return path.string();
+    return path_text(path);
 }
 
 void require_current_version(const StudioFile& file, const std::string& folder) {
@@ -70,9 +71,9 @@ void require_current_version(const StudioFile& file, const std::string& folder) 
         text =
             file.path() + " has no version, for its table DBHeader has no row; kvdb rows reads its tables one by one";
     } else if (file.is_newer()) {
-        text += ": use a newer kvdb, or lower the version for good with kvdb upgrade --lower " + folder;
+        text += ": use a newer kvdb, or lower the version for good with kvdb upgrade --lower " + typed_path(folder);
     } else {
-        text += ": bring it up to date with kvdb upgrade " + folder;
+        text += ": bring it up to date with kvdb upgrade " + typed_path(folder);
     }
     throw CommandError(text);
 }
@@ -81,7 +82,7 @@ void require_current_version(const StudioFile& file, const std::string& folder) 
 
 bool is_other_file(const std::string& path) {
     std::error_code error;
-    return fs::is_regular_file(path, error) && !is_studio_file(path);
+    return fs::is_regular_file(system_path(path), error) && !is_studio_file(system_path(path));
 }
 
 StudioFile::StudioFile(const std::string& folder, const char* name, std::span<const db::UpgradeStep> upgrade,
@@ -178,7 +179,7 @@ void StudioFiles::require_current() const {
         throw CommandError("the studio in " + folder_ +
                            " is not whole: kvinvdb.mdb is not there; put it back, or have an empty one made with kvdb "
                            "upgrade " +
-                           folder_);
+                           typed_path(folder_));
     }
     require_current_version(studio, folder_);
     require_current_version(invoices, folder_);

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <algorithm>
-#include <cstring>
 
 #include "db/schema.h"
 #include "tools/column_limits.h"
@@ -48,7 +47,7 @@ public:
         while (goes_on && visit(row_of(record))) {
             goes_on = succeeds([&] { return (gate.*methods_.next)(address_of(record)); });
         }
-        if (!goes_on && !is_left_out(afx::last_error().number)) require_no_engine_error(name() + " cannot be read");
+        if (!goes_on && !is_left_out(afx::last_error().number)) require_no_engine_error(gate);
     }
 
     std::string statement(const Assignments& filter) const override {
@@ -71,7 +70,7 @@ public:
         require_fits(record);
         Gate& gate = opened_gate<Gate>(studio);
         if (!succeeds([&] { return (gate.*methods_.add)(address_of(record)); })) {
-            throw CommandError("nothing could be added to " + name() + engine_reason(has_double_quote(record)));
+            throw CommandError(gate_words(gate));
         }
         // A name that the table holds once is there already: a success of the gate that adds nothing.
         if (record.*mapping_.key.member == 0)
@@ -87,7 +86,7 @@ public:
         require_keeps(record, key);
         Gate& gate = opened_gate<Gate>(studio);
         if (!succeeds([&] { return (gate.*methods_.update)(address_of(record)); })) {
-            throw CommandError("row " + key + " of " + name() + " could not be changed" + engine_reason());
+            throw CommandError(gate_words(gate));
         }
     }
 
@@ -98,7 +97,7 @@ public:
             return methods_.remove_key != nullptr ? (gate.*methods_.remove_key)(record.*mapping_.key.member)
                                                   : (gate.*methods_.remove)(address_of(record));
         });
-        if (!is_deleted) throw CommandError("row " + key + " of " + name() + " could not be deleted" + engine_reason());
+        if (!is_deleted) throw CommandError(gate_words(gate));
     }
 
 private:
@@ -126,9 +125,7 @@ private:
         Gate& gate = opened_gate<Gate>(studio);
         if (record.*mapping_.key.member != 0) {
             if (succeeds([&] { return (gate.*methods_.find)(address_of(record)); })) return record;
-            if (!is_left_out(afx::last_error().number)) {
-                require_no_engine_error("row " + key + " of " + name() + " cannot be read");
-            }
+            if (!is_left_out(afx::last_error().number)) require_no_engine_error(gate);
         }
         throw CommandError("there is no row " + key + " in " + name());
     }
@@ -136,12 +133,6 @@ private:
     // Used where a file has it, but part of no new one: a table that is not there has no rows.
     bool is_left_out(int error_number) const {
         return error_number == jet::errors::kNoSuchTable && is_same_name(name(), db::engineers_table().name);
-    }
-
-    bool has_double_quote(const Record& record) const {
-        return std::any_of(mapping_.write.begin(), mapping_.write.end(), [&](const studio::Column<Record>& column) {
-            return column.text != nullptr && std::strchr((record.*column.text).GetString(), '"') != nullptr;
-        });
     }
 
     // What is not given is empty, and at times that is no value of the column either.

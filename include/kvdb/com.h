@@ -138,6 +138,7 @@ inline constexpr IID IID_NULL = GUID_NULL;
 inline constexpr IID IID_IUnknown{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_IClassFactory{0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_ISupportErrorInfo{0xDF0B3D60, 0x548F, 0x101B, {0x8E, 0x65, 0x08, 0, 0x2B, 0x2B, 0xD1, 0x19}};
+inline constexpr IID IID_IErrorInfo{0x1CF2B120, 0x547D, 0x101B, {0x8E, 0x65, 0x08, 0, 0x2B, 0x2B, 0xD1, 0x19}};
 inline constexpr IID IID_IDispatch{0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 // ---- BSTR ------------------------------------------------------------------------------------
@@ -212,6 +213,18 @@ struct ISupportErrorInfo : IUnknown {
 
 protected:
     ~ISupportErrorInfo() = default;
+};
+
+// The words of a failure. Each text is a new BSTR, the caller's to free; null where there is none.
+struct IErrorInfo : IUnknown {
+    virtual HRESULT STDMETHODCALLTYPE GetGUID(GUID* pGUID) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetSource(BSTR* pBstrSource) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetDescription(BSTR* pBstrDescription) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetHelpFile(BSTR* pBstrHelpFile) = 0;
+    virtual HRESULT STDMETHODCALLTYPE GetHelpContext(DWORD* pdwHelpContext) = 0;
+
+protected:
+    ~IErrorInfo() = default;
 };
 
 struct ITypeInfo;
@@ -444,3 +457,24 @@ using LPFNGETCLASSOBJECT = HRESULT(STDAPICALLTYPE*)(REFCLSID rclsid, REFIID riid
 using LPFNCANUNLOADNOW = HRESULT(STDAPICALLTYPE*)();
 
 #endif
+
+// The words of the failure of this thread's last call of `object`: S_OK and error info, the caller's to release;
+// S_FALSE and null where that call succeeded. To be asked before the thread's next call. On Windows it is what the
+// platform carries for the thread; elsewhere a component keeps it itself, and its objects have IErrorInfo, which goes
+// on to speak of the thread's last call.
+inline HRESULT GetErrorInfoOf(IUnknown* object, IErrorInfo** info) {
+#ifdef _WIN32
+    static_cast<void>(object);
+    return ::GetErrorInfo(0, info);
+#else
+    void* found = nullptr;
+    *info = nullptr;
+    if (FAILED(object->QueryInterface(IID_IErrorInfo, &found))) return S_FALSE;
+    *info = static_cast<IErrorInfo*>(found);
+    GUID failed = GUID_NULL;
+    if (SUCCEEDED((*info)->GetGUID(&failed)) && failed != GUID_NULL) return S_OK;
+    (*info)->Release();
+    *info = nullptr;
+    return S_FALSE;
+#endif
+}

@@ -50,8 +50,12 @@ void RowSet::for_each(const std::function<void(RowId)>& visitor) const {
     }
 }
 
-Context::Context(Database& checked, std::vector<Violation>& into)
-    : database(checked), pager(checked.pager()), violations_(into), uses_(pager.page_count(), Use::kNone) {}
+Context::Context(Database& checked, std::vector<Violation>& into, const std::function<void()>& on_page)
+    : database(checked),
+      pager(checked.pager()),
+      violations_(into),
+      on_page_(on_page),
+      uses_(pager.page_count(), Use::kNone) {}
 
 void Context::report(PageNumber page, int row, std::string rule, std::string detail) {
     if (++count_ > kMaxFindings) throw Enough{};
@@ -89,6 +93,7 @@ bool Context::claim(PageNumber page, Use use) {
         return false;
     }
     uses_[page] = use;
+    if (on_page_) on_page_();
     return true;
 }
 
@@ -167,9 +172,9 @@ void check_all(Context& context, Database& database) {
 
 }  // namespace
 
-std::vector<Violation> check_structure(Database& database) {
+std::vector<Violation> check_structure(Database& database, const std::function<void()>& on_page) {
     std::vector<Violation> violations;
-    Context context(database, violations);
+    Context context(database, violations, on_page);
     try {
         check_all(context, database);
     } catch (const check::Enough&) {

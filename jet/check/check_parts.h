@@ -49,7 +49,7 @@ struct Enough {};
 
 class Context {
 public:
-    Context(Database& checked, std::vector<Violation>& into);
+    Context(Database& checked, std::vector<Violation>& into, const std::function<void()>& on_page);
 
     // Throws Enough when there are too many altogether.
     void report(PageNumber page, int row, std::string rule, std::string detail);
@@ -86,6 +86,7 @@ public:
 
 private:
     std::vector<Violation>& violations_;
+    const std::function<void()>& on_page_;
     std::map<std::string, std::size_t> counts_;  // findings by rule
     std::size_t count_ = 0;
     std::vector<Use> uses_;  // by page

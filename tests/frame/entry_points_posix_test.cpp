@@ -53,16 +53,3 @@ TEST(LateBindingGate, there_is_no_type_information_without_a_type_library) {
     EXPECT_EQ(gate->GetTypeInfo(0, 0, &info), DISP_E_BADINDEX);
     EXPECT_EQ(info, nullptr);
 }
-
-TEST(LateBindingGate, there_is_no_error_info_without_a_platform_for_it) {
-    GateHost host;
-    const auto gate = host.create<IDBgate1>();
-    ComPtr<ISupportErrorInfo> support;
-    ASSERT_EQ(gate->QueryInterface(IID_ISupportErrorInfo, support.put()), S_OK);
-    EXPECT_EQ(support->InterfaceSupportsErrorInfo(IID_IDBgate1), S_FALSE);
-    ComPtr<IUnknown> own;
-    ComPtr<IUnknown> other;
-    EXPECT_EQ(gate->QueryInterface(IID_IUnknown, own.put()), S_OK);
-    EXPECT_EQ(support->QueryInterface(IID_IUnknown, other.put()), S_OK);
-    EXPECT_EQ(own.get(), other.get());
-}

@@ -48,10 +48,10 @@ public:
     UnrulyGate() : GearGate(IID_IDBgate2, frame::gate2_methods(), gear::kRentals) {}
 
     HRESULT STDMETHODCALLTYPE OpenDB() override {
-        return call_with_errors(__builtin_return_address(0), [&] { return end(); });
+        return call_with_errors(__builtin_return_address(0), {}, [&] { return end(); });
     }
     HRESULT STDMETHODCALLTYPE AddGear(LONG_PTR) override {
-        return call([&] { return end(); });
+        return call({}, [&] { return end(); });
     }
 
     Way way = Way::kAnswer;

@@ -49,7 +49,12 @@ TEST_F(InstallSlow, tree_has_headers_library_and_packages) {
         EXPECT_TRUE(fs::exists(fs::path(prefix()) / name)) << name;
     }
 #ifdef KVDB_TOOL
-    EXPECT_TRUE(fs::exists(fs::path(prefix()) / "bin/kvdb"));
+    for (const char* name : {"bin/kvdb", "share/man/man1/kvdb.1", "share/man/man5/kvdb-files.5",
+                             "share/doc/kvdb/owners.md", "share/bash-completion/completions/kvdb",
+                             "share/zsh/vendor-completions/_kvdb", "share/fish/vendor_completions.d/kvdb.fish"}) {
+        EXPECT_TRUE(fs::exists(fs::path(prefix()) / name)) << name;
+        EXPECT_NE(fs::file_size(fs::path(prefix()) / name), 0u) << name;
+    }
 #endif
 }
 

@@ -96,6 +96,11 @@ TEST_F(StructureCheck, page_in_the_map_of_an_index_only_is_named) {
     EXPECT_EQ(broken(), Rules{"index-map"});
 }
 
+TEST_F(StructureCheck, index_node_whose_level_is_not_set_is_named) {
+    bytes()[subject().at(name_root(), jet4::index::kLevel)] = 0;
+    EXPECT_EQ(broken(), Rules{"index-level-unset"});
+}
+
 TEST_F(StructureCheck, wrong_index_level_is_named) {
     bytes()[subject().at(index_page(name_root()).child(0), jet4::index::kLevel)] = 1;
     EXPECT_EQ(broken(), Rules{"index-level"});

@@ -414,6 +414,34 @@ TEST_P(GateMemoryFault, creating_makes_whole_files_or_none) {
         20);
 }
 
+TEST_P(GateMemoryFault, failure_is_the_same_without_memory_for_its_words) {
+    make_studio();
+    ASSERT_EQ(gate_->OpenDB(), S_OK);
+    at_every_request([&](int, int granted) {
+        HRESULT result = S_OK;
+        HRESULT given = E_FAIL;
+        BSTR words = nullptr;
+        int refused = 0;
+        {
+            const RefusedMemory refusal(granted, GetParam());
+            result = gate_->DeleteProj(999);
+            IErrorInfo* info = nullptr;
+            if (GetErrorInfoOf(gate_.get(), &info) == S_OK) {
+                given = info->GetDescription(&words);
+                info->Release();
+            }
+            refused = refusal.refused();
+        }
+        EXPECT_EQ(result, E_FAIL);
+        EXPECT_EQ(given, S_OK);
+        if (refused == 0) {
+            EXPECT_NE(words, nullptr);
+        }
+        SysFreeString(words);
+        return refused;
+    });
+}
+
 TEST_P(GateMemoryFault, call_by_name_lets_nothing_out) {
     make_studio();
     ASSERT_EQ(gate_->OpenDB(), S_OK);

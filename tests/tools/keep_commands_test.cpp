@@ -233,10 +233,27 @@ TEST_F(Keeping, findings_of_one_rule_do_not_hide_those_of_another) {
     EXPECT_GT(std::count(all.out.begin(), all.out.end(), '\n'), 100);
 }
 
+TEST_F(Keeping, folder_that_was_made_for_nothing_goes_away_again) {
+    damage("sldb.mdb");
+    EXPECT_EQ(backup().code, 1);
+    EXPECT_FALSE(fs::exists(copies()));
+    // One that was there stays.
+    fs::create_directory(copies());
+    EXPECT_EQ(backup().code, 1);
+    EXPECT_TRUE(fs::exists(copies()));
+}
+
+TEST_F(Keeping, advice_names_a_path_with_blanks_as_it_is_to_be_typed) {
+    damage("sldb.mdb");
+    const Outcome outcome = run("check " + in_quotes(studio_));
+    EXPECT_NE(outcome.out.find("kvdb salvage \"" + file("sldb.mdb") + "\" NEW.mdb"), std::string::npos) << outcome.out;
+}
+
 TEST(CheckRules, rule_that_nobody_knows_is_damage) {
     EXPECT_EQ(tools::rule_of("row-count").grade, tools::Grade::kRemark);
     EXPECT_EQ(tools::rule_of("page-leaked").grade, tools::Grade::kRemark);
     EXPECT_EQ(tools::rule_of("slot-order").grade, tools::Grade::kDamage);
+    EXPECT_EQ(tools::rule_of("index-level-unset").grade, tools::Grade::kRemark);
     EXPECT_EQ(tools::rule_of("a new one").grade, tools::Grade::kDamage);
 }
 

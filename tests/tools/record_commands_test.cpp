@@ -156,7 +156,7 @@ TEST_P(EveryList, what_a_list_cannot_do_is_refused) {
     expect_failure(on("set", list + " a Name=b"), 2, "not changed");
     expect_failure(on("list", list + " --filter Name=b"), 2, "no filter");
     expect_failure(on("add", list + " Name="), 2, "Name of " + list + " cannot be empty");
-    expect_failure(on("add", list + " 'Name=3\" tape'"), 1, "could not be added");
+    expect_failure(on("add", list + " 'Name=3\" tape'"), 1, "takes no double quote");
 }
 
 TEST_F(Records, values_that_do_not_parse_are_usage_errors) {
@@ -251,7 +251,7 @@ TEST_F(Records, room_of_a_name_that_is_there_is_not_added) {
 }
 
 TEST_F(Records, engineers_have_no_table_in_a_new_file) {
-    expect_failure(on("add", "Def_Engineers Name=Kim Price=30"), 1, "nothing could be added");
+    expect_failure(on("add", "Def_Engineers Name=Kim Price=30"), 1, "Nothing was added to Def_Engineers in ");
     EXPECT_EQ(on("list", "Def_Engineers --json").out, "[\n]\n");
     expect_failure(on("show", "Def_Engineers 1"), 1, "no row 1");
 }

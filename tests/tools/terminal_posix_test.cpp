@@ -133,4 +133,20 @@ TEST_F(ProgressSlow, long_import_tells_how_far_it_is_and_takes_the_line_away) {
     EXPECT_NE(exported.find("rows\n"), std::string::npos) << exported;
 }
 
+TEST_F(ProgressSlow, keeping_commands_tell_how_far_they_are) {
+    demo();
+    {
+        std::ofstream csv(scratch_.file("many.csv"), std::ios::binary);
+        csv << "Name,Notes\n";
+        for (int i = 0; i < 400000; ++i) csv << "Project " << i << "," << std::string(100, 'n') << "\n";
+    }
+    ASSERT_EQ(run("import " + in_quotes(studio_) + " Projects " + in_quotes(scratch_.file("many.csv"))).code, 0);
+    const std::string compacted = run_in_terminal({"compact", studio_}, 80);
+    EXPECT_NE(compacted.find(" rows copied, "), std::string::npos) << compacted;
+    EXPECT_NE(compacted.find(" s left"), std::string::npos) << compacted;
+    const std::string salvaged = run_in_terminal({"salvage", file("sldb.mdb"), scratch_.file("saved.mdb")}, 80);
+    EXPECT_NE(salvaged.find(" rows saved, "), std::string::npos) << salvaged;
+    EXPECT_NE(salvaged.find(" s left"), std::string::npos) << salvaged;
+}
+
 }  // namespace

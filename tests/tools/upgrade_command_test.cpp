@@ -87,7 +87,7 @@ TEST_F(OldStudioTool, info_on_a_header_without_a_row_says_that_no_upgrade_is_pos
     const Outcome outcome = run("info " + in_quotes(studio_));
     EXPECT_EQ(outcome.code, 0) << outcome.errors;
     expect_line(outcome, "no header row");
-    expect_line(outcome, "upgrade: not possible");
+    expect_line(outcome, "upgrade: not possible, for its table DBHeader has no row that tells the version; ");
     for (const std::string command : {"upgrade", "projects"}) {
         expect_failure(run(command + " " + in_quotes(studio_)), 1, "DBHeader has no row");
     }

@@ -7,7 +7,9 @@
 #include "tools/commands.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/studio_files.h"
 
 namespace tools {
@@ -17,11 +19,25 @@ namespace fs = std::filesystem;
 
 std::string now() { return std::string(COleDateTime::GetCurrentTime().Format("%Y-%m-%d-%H%M%S").GetString()); }
 
-void make_folder(const std::string& folder) {
-    std::error_code error;
-    fs::create_directories(folder, error);
-    if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
-}
+// The folder that is written to. Where nothing comes of it, one that was made for it goes away again.
+class WantedFolder {
+public:
+    explicit WantedFolder(const std::string& folder) : path_(system_path(folder)) {
+        std::error_code error;
+        is_new_ = fs::create_directories(path_, error);
+        if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
+    }
+    ~WantedFolder() {
+        std::error_code error;
+        if (is_new_) fs::remove(path_, error);  // only an empty one
+    }
+    WantedFolder(const WantedFolder&) = delete;
+    WantedFolder& operator=(const WantedFolder&) = delete;
+
+private:
+    fs::path path_;
+    bool is_new_ = false;
+};
 
 struct BackupOptions {
     std::string folder;
@@ -38,7 +54,8 @@ void bind_backup(Declaration& declare, BackupOptions& options) {
 int run_backup(const BackupOptions& options) {
     if (options.keep && *options.keep < 1) throw UsageError("--keep wants a number of at least 1");
     const StudioFiles files(options.folder);
-    make_folder(options.destination);
+    catch_interrupts();
+    const WantedFolder destination(options.destination);
     std::optional<std::size_t> keep;
     if (options.keep) keep = static_cast<std::size_t>(*options.keep);
     const BackupOutcome outcome = make_backup(files.folder(), options.destination, now(), keep);
@@ -77,9 +94,10 @@ int run_restore(const RestoreOptions& options) {
         return 0;
     }
     if (options.folder.empty()) throw UsageError("restore wants the folder of the studio as its second word");
+    catch_interrupts("the studio is as it was");
     const BackupSet set = find_backup(options.from, options.at);
-    make_folder(options.folder);
-    const RestoreOutcome outcome = restore_backup(set, fs::absolute(options.folder).string(), now());
+    const WantedFolder folder(options.folder);
+    const RestoreOutcome outcome = restore_backup(set, path_text(fs::absolute(system_path(options.folder))), now());
     for (const std::string& path : outcome.restored) output().print("restored %s\n", path.c_str());
     if (!set.name.empty()) output().print("as it was on %s\n", set.name.c_str());
     if (set.invoices.empty()) output().print("the copy has no invoices; kvinvdb.mdb is as it was\n");

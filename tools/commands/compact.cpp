@@ -3,6 +3,7 @@
 
 #include "tools/commands.h"
 #include "tools/declaration.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/studio_files.h"
 
@@ -18,6 +19,7 @@ void bind(Declaration& declare, Options& options) { declare.folder(options.folde
 int run(const Options& options) {
     const StudioFiles files(options.folder);
     files.require_studio();
+    catch_interrupts("the file that was being made anew is as it was");
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
         if (!file->exists()) continue;
         const CompactOutcome outcome = compact_file(file->path());

@@ -9,6 +9,7 @@
 #include "tools/member_text.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/studio_files.h"
 
 namespace tools {
@@ -25,8 +26,8 @@ std::string fresh_folder() {
     for (int n = 1;; ++n) {
         const fs::path candidate = fs::temp_directory_path() / ("kvdb-demo-" + std::to_string(n));
         std::error_code error;
-        if (fs::create_directory(candidate, error)) return candidate.string();
-        if (error || n == 10000) throw CommandError("cannot make a folder in " + fs::temp_directory_path().string());
+        if (fs::create_directory(candidate, error)) return path_text(candidate);
+        if (error || n == 10000) throw CommandError("cannot make a folder in " + path_text(fs::temp_directory_path()));
     }
 }
 
@@ -296,7 +297,7 @@ void show_files(const StudioFiles& files) {
         const auto database = open_to_read(file);
         const std::size_t violations = jet::check_structure(*database).size();
         output().print("  %s: %ju bytes, %zu tables, structural check: %s\n", file.c_str(),
-                       static_cast<std::uintmax_t>(fs::file_size(file)), database->table_names().size(),
+                       static_cast<std::uintmax_t>(fs::file_size(system_path(file))), database->table_names().size(),
                        violations == 0 ? "sound" : "NOT SOUND");
         if (violations != 0) throw CommandError(file + " is not sound");
     }
@@ -316,7 +317,7 @@ int run(const Options& options) {
         folder = fresh_folder();
     } else {
         std::error_code error;
-        fs::create_directories(folder, error);
+        fs::create_directories(system_path(folder), error);
         if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
     }
     const StudioFiles files(folder);
@@ -335,7 +336,7 @@ int run(const Options& options) {
     studio.close();
     output().print("\nFiles, readable by any Jet tool:\n");
     show_files(files);
-    const std::string place = folder.find(' ') == std::string::npos ? folder : "\"" + folder + "\"";
+    const std::string place = typed_path(folder);
     output().print("\nTry: kvdb list %s Tracks --where SongID=%s\n", place.c_str(), keys.song.c_str());
     output().print("     kvdb show %s Invoices %s\n", place.c_str(), keys.invoice.c_str());
     output().print("     kvdb search %s Lindstr\u00f6m\n", place.c_str());

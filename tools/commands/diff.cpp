@@ -5,8 +5,10 @@
 #include "tools/commands.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
+#include "tools/interrupt.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/rescue/data_diff.h"
 #include "tools/value_text.h"
 
@@ -49,7 +51,7 @@ public:
     bool compare(const std::string& a, const std::string& b, const std::optional<std::string>& password) {
         const auto left = open_to_read(a, password);
         const auto right = open_to_read(b, password);
-        file_ = fs::path(b).filename().string();
+        file_ = file_name_of(b);
         const DiffVisitor visitor{[&](const RowDifference& row) { tell(row); },
                                   [&](const std::string& table, const std::string& what) { tell_schema(table, what); }};
         return diff_databases(*left, *right, visitor);
@@ -129,18 +131,19 @@ private:
 };
 
 int run(const Options& options) {
-    const bool a_is_folder = fs::is_directory(options.a);
-    if (a_is_folder != fs::is_directory(options.b)) {
+    const bool a_is_folder = fs::is_directory(system_path(options.a));
+    if (a_is_folder != fs::is_directory(system_path(options.b))) {
         throw UsageError("diff wants two folders or two files, and one of each was given");
     }
+    catch_interrupts("this is not all that differs");
     Teller teller(options.json);
     bool is_same = true;
     if (!a_is_folder) {
         is_same = teller.compare(options.a, options.b, options.password);
     } else {
         std::map<std::string, std::pair<std::string, std::string>> files;
-        for (const std::string& path : jet_files_of(options.a)) files[fs::path(path).filename().string()].first = path;
-        for (const std::string& path : jet_files_of(options.b)) files[fs::path(path).filename().string()].second = path;
+        for (const std::string& path : jet_files_of(options.a)) files[file_name_of(path)].first = path;
+        for (const std::string& path : jet_files_of(options.b)) files[file_name_of(path)].second = path;
         for (auto file = files.rbegin(); file != files.rend(); ++file) {
             const auto& [a, b] = file->second;
             if (a.empty() || b.empty()) {

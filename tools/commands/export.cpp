@@ -11,6 +11,7 @@
 #include "tools/interrupt.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/progress.h"
 #include "tools/row_selection.h"
 
@@ -78,7 +79,7 @@ int run(const Options& options) {
     for (const std::string& file : jet_files_of(options.folder)) {
         databases.push_back(open_to_read(file, options.password, damage_teller(file)));
     }
-    if (databases.size() == 1 && std::filesystem::is_directory(options.folder)) {
+    if (databases.size() == 1 && std::filesystem::is_directory(system_path(options.folder))) {
         std::fprintf(stderr,
                      "kvdb: only one of the studio's two files is in %s; the tables of the other one are missing\n",
                      options.folder.c_str());

@@ -1,6 +1,5 @@
 // import: records from a CSV file, each through the gate of its table, all in one transaction.
 #include <algorithm>
-#include <filesystem>
 #include <fstream>
 
 #include "db/session.h"
@@ -12,6 +11,7 @@
 #include "tools/gate_table.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/progress.h"
 #include "tools/studio_files.h"
 
@@ -115,7 +115,7 @@ Assignments assignments(const Names& members, const Names& fields) {
 
 int run(const Options& options) {
     const GateTable& table = gate_table(options.table);
-    std::ifstream in(std::filesystem::u8path(options.file), std::ios::binary);
+    std::ifstream in(system_path(options.file), std::ios::binary);
     if (!in) throw CommandError(options.file + " cannot be read; is it there, and may you read it?");
     CsvReader csv(in);
     const Names members = members_of(table, csv.names());

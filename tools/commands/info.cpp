@@ -7,6 +7,7 @@
 #include "tools/errors.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/studio_files.h"
 
 namespace tools {
@@ -47,7 +48,8 @@ void print_file(const char* what, const StudioFile& file) {
         return;
     }
     output().print("%s: %s (%ju bytes), version %s\n", what, file.path().c_str(),
-                   static_cast<std::uintmax_t>(std::filesystem::file_size(file.path())), file.version_text().c_str());
+                   static_cast<std::uintmax_t>(std::filesystem::file_size(system_path(file.path()))),
+                   file.version_text().c_str());
     print_plan(file);
     for (const auto& [table, rows] : file.row_counts()) {
         output().print("  %-24s %8u row%s\n", table.c_str(), rows, rows == 1 ? "" : "s");
@@ -58,7 +60,7 @@ void print_file(const char* what, const StudioFile& file) {
 int print_other_file(const std::string& path, const std::optional<std::string>& password) {
     const auto database = open_to_read(path, password);
     output().print("%s (%ju bytes), a Jet 4 file that is none of a studio's\n", path.c_str(),
-                   static_cast<std::uintmax_t>(std::filesystem::file_size(path)));
+                   static_cast<std::uintmax_t>(std::filesystem::file_size(system_path(path))));
     for (const std::u16string& name : database->table_names()) {
         const jet::Table* const table = database->find_table(name);
         if (table == nullptr) continue;

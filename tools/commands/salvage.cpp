@@ -3,6 +3,7 @@
 
 #include "tools/commands.h"
 #include "tools/declaration.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
 #include "tools/rescue/salvage_text.h"
 
@@ -22,6 +23,7 @@ void bind(Declaration& declare, Options& options) {
 }
 
 int run(const Options& options) {
+    catch_interrupts();
     const SalvageReport report = salvage(options.from, options.to);
     output().write((options.json ? salvage_json : salvage_text)(report, options.from, options.to));
     return 0;

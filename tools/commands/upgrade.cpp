@@ -1,5 +1,6 @@
 // upgrade: opens a studio as a host does, behind copies of both files, and takes them back when that fails.
 #include <exception>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,9 @@
 #include "tools/errors.h"
 #include "tools/file_copies.h"
 #include "tools/gate_call.h"
+#include "tools/interrupt.h"
 #include "tools/output.h"
+#include "tools/progress.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
 
@@ -54,12 +57,22 @@ void print_change(const Before& before) {
 // The steps that failed, with the engine's reason.
 class Failures : public db::UpgradeObserver {
 public:
-    explicit Failures(const StudioFiles& files) : files_(files) { db::set_upgrade_observer(this); }
+    explicit Failures(const StudioFiles& files)
+        : files_(files), progress_(std::in_place, "steps", steps_of(files.studio) + steps_of(files.invoices)) {
+        db::set_upgrade_observer(this);
+    }
     ~Failures() override { db::set_upgrade_observer(nullptr); }
     Failures(const Failures&) = delete;
     Failures& operator=(const Failures&) = delete;
 
-    void begins(const db::UpgradeStep&) override { afx::clear_last_error(); }
+    // Ctrl-C ends the upgrade before a step, where no transaction is open.
+    void begins(const db::UpgradeStep& step) override {
+        afx::clear_last_error();
+        const bool is_open = is_open_;
+        is_open_ = step.with_next;
+        if (!is_open) require_uninterrupted();
+        progress_->step();
+    }
     void failed(const db::UpgradeStep& step) override {
         const StudioFile& file = files_.studio.has(step) ? files_.studio : files_.invoices;
         add(std::string("in ") + file.name() + " the step \"" + step.effect + "\" failed" + engine_reason());
@@ -71,15 +84,22 @@ public:
     }
     void add(const std::string& reason) { text_ += (text_.empty() ? "" : "; ") + reason; }
 
+    // There are no more steps; what is printed from now on has the line to itself.
+    void end_of_steps() { progress_.reset(); }
+
     // All of them; "" for none.
     const std::string& text() const { return text_; }
     // Steps behind one of them were not tried.
     bool has_stopped() const { return has_stopped_; }
 
 private:
+    static std::size_t steps_of(const StudioFile& file) { return file.exists() ? file.upgrade_plan().size() : 0; }
+
     const StudioFiles& files_;
+    std::optional<Progress> progress_;
     std::string text_;
     bool has_stopped_ = false;
+    bool is_open_ = false;  // a step that goes on in the next one
 };
 
 void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
@@ -108,8 +128,10 @@ void upgrade(const std::string& folder, Failures& failures) {
         Studio studio(folder, Studio::Purpose::kUpgrade);
         studio.open();
     } catch (const CommandError& error) {
-        failures.could_not_open(error.what());
+        failures.could_not_open(is_interrupted() ? "interrupted" : error.what());
+        return;
     }
+    if (is_interrupted()) failures.could_not_open("interrupted");
 }
 
 // What became of the file, in words.
@@ -164,7 +186,9 @@ int run(const Options& options) {
         }
         return 0;
     }
+    catch_interrupts("both files are as they were");
     for (Before* const before : {&studio, &invoices}) {
+        require_uninterrupted();
         if (!before->is_there) continue;
         before->copy = dated_copy(before->file.path());
         if (options.no_copy) continue;
@@ -172,7 +196,9 @@ int run(const Options& options) {
     }
     Failures failures(files);
     upgrade(files.folder(), failures);
+    failures.end_of_steps();
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
+        if (is_interrupted()) break;
         if (const std::string fault = fault_of(*file); !fault.empty()) failures.add(fault);
     }
     if (failures.has_stopped() || !studio.is_current() || !invoices.is_current()) {

@@ -5,6 +5,7 @@
 #include <system_error>
 
 #include "tools/errors.h"
+#include "tools/paths.h"
 
 namespace tools {
 
@@ -15,34 +16,34 @@ Draft::Draft(const std::string& path, bool is_folder) : path_(path) {
     std::error_code error;
     while (path_.size() > 1 && (path_.back() == '/' || path_.back() == '\\')) path_.pop_back();
     draft_ = path_ + ".kvdb-draft";  // a name that nobody gives to anything else
-    const fs::path folder = fs::path(path_).parent_path();
+    const fs::path folder = system_path(path_).parent_path();
     if (!folder.empty() && !fs::is_directory(folder, error)) {
-        throw CommandError("there is no folder " + folder.string() + " to write to");
+        throw CommandError("there is no folder " + path_text(folder) + " to write to");
     }
-    if (fs::exists(fs::symlink_status(path_, error))) {
+    if (fs::exists(fs::symlink_status(system_path(path_), error))) {
         throw CommandError(path_ +
                            " is there already, and an export overwrites nothing; name another place, or remove "
                            "it first");
     }
-    fs::remove_all(draft_, error);  // of an export that was killed
-    if (is_folder && !fs::create_directory(draft_, error)) {
+    fs::remove_all(system_path(draft_), error);  // of an export that was killed
+    if (is_folder && !fs::create_directory(system_path(draft_), error)) {
         throw CommandError("cannot make the folder " + draft_ + ": " + error.message());
     }
 }
 
 Draft::~Draft() {
     std::error_code error;
-    if (!is_kept_) fs::remove_all(draft_, error);
+    if (!is_kept_) fs::remove_all(system_path(draft_), error);
 }
 
 void Draft::keep() {
     std::error_code error;
-    fs::rename(draft_, path_, error);
+    fs::rename(system_path(draft_), system_path(path_), error);
     if (error) throw CommandError("cannot give " + draft_ + " the name " + path_ + ": " + error.message());
     is_kept_ = true;
 }
 
-OutFile::OutFile(const std::string& path) : path_(path), out_(fs::path(path), std::ios::binary | std::ios::trunc) {
+OutFile::OutFile(const std::string& path) : path_(path), out_(system_path(path), std::ios::binary | std::ios::trunc) {
     if (!out_) fail();
 }
 

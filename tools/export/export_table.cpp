@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <bitset>
-#include <filesystem>
 #include <map>
 #include <memory>
 
 #include "tools/errors.h"
 #include "tools/names.h"
+#include "tools/paths.h"
 
 namespace tools {
 namespace {
@@ -92,7 +92,7 @@ std::vector<ExportTable> export_tables(const std::vector<std::unique_ptr<jet::Da
     Names all;
     Names file_names;
     for (const auto& database : databases) {
-        const std::string stem = std::filesystem::path(database->path()).stem().string();
+        const std::string stem = path_text(system_path(database->path()).stem());
         for (const std::u16string& wide_name : database->table_names()) {
             const jet::Table* const table = database->find_table(wide_name);
             if (table == nullptr) continue;
@@ -100,7 +100,7 @@ std::vector<ExportTable> export_tables(const std::vector<std::unique_ptr<jet::Da
             const std::string name = has(all, own_name) ? stem + "_" + own_name : own_name;
             all.push_back(name);
             if (!wanted.empty() && !has(wanted, name)) continue;
-            tables.emplace_back(*table, name, std::filesystem::path(database->path()).filename().string());
+            tables.emplace_back(*table, name, file_name_of(database->path()));
             tables.back().file_name = safe_file_name(name, file_names);
             file_names.push_back(tables.back().file_name);
         }

@@ -1,8 +1,8 @@
 // CSV and JSON lines: a file for each table, and schema.json, which tells their columns.
-#include <filesystem>
 
 #include "tools/export/draft.h"
 #include "tools/export/export_writer.h"
+#include "tools/paths.h"
 #include "tools/value_text.h"
 
 namespace tools {
@@ -49,7 +49,7 @@ protected:
     OutFile& out() { return *out_; }
 
 private:
-    std::string path_of(const std::string& name) const { return (std::filesystem::path(folder_) / name).string(); }
+    std::string path_of(const std::string& name) const { return path_text(system_path(folder_) / system_path(name)); }
 
     std::string folder_;
     std::string ending_;

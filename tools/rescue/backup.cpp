@@ -228,6 +228,7 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
     }
     clear_leftovers(folder, false);
     RestoreOutcome outcome;
+    bool is_replacing = false;
     try {
         for (Part& part : parts) {
             part.to = os::file_system().resolved(part.to);
@@ -242,6 +243,7 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
         for (Part& part : parts) {
             if (!part.kept.empty()) outcome.kept.push_back(part.kept);
         }
+        is_replacing = true;
         for (Part& part : parts) {
             // It is in the copy that is kept, and must not come into the restored file.
             if (exists(jet::Journal::path_for(part.to))) {
@@ -260,6 +262,10 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
     } catch (...) {
         for (const Part& part : parts) {
             if (!part.draft.empty()) remove_quietly(part.draft);
+            // A copy of what is in its place still.
+            if (is_replacing || part.kept.empty()) continue;
+            remove_quietly(jet::Journal::path_for(part.kept));
+            remove_quietly(part.kept);
         }
         throw;
     }

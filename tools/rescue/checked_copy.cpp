@@ -8,6 +8,7 @@
 #include "os/draft.h"
 #include "os/file.h"
 #include "tools/errors.h"
+#include "tools/long_work.h"
 #include "tools/open_file.h"
 #include "tools/rescue/finding.h"
 
@@ -16,43 +17,54 @@ namespace {
 
 constexpr std::size_t kShareBytes = 64 * jet::jet4::kPageSize;
 
-// Gives `into` up to its size of bytes from `at`; returns how many.
-using Reader = std::function<std::size_t(std::uint64_t at, jet::MutableByteSpan into)>;
+// What is copied.
+struct Original {
+    std::string path;
+    std::uint64_t bytes = 0;
+    // Gives `into` up to its size of bytes from `at`; returns how many.
+    std::function<std::size_t(std::uint64_t at, jet::MutableByteSpan into)> read;
 
-void write_all(const Reader& read, os::File& file) {
+    LongWork work(const char* what) const { return {what, bytes / jet::jet4::kPageSize}; }
+};
+
+void write_all(const Original& from, os::File& file) {
+    LongWork work = from.work("pages copied");
     jet::ByteVector share(kShareBytes);
     for (std::uint64_t at = 0;;) {
-        const std::size_t got = read(at, share);
+        const std::size_t got = from.read(at, share);
         if (got == 0) break;
         file.write(at, jet::ByteSpan(share).first(got));
+        work.step(got / jet::jet4::kPageSize);
         at += got;
     }
     file.sync();
 }
 
-void compare_all(const Reader& read, os::File& file, const std::string& path) {
+void compare_all(const Original& from, os::File& file, const std::string& path) {
+    LongWork work = from.work("pages compared");
     jet::ByteVector share(kShareBytes);
     jet::ByteVector written(kShareBytes);
     for (std::uint64_t at = 0;;) {
-        const std::size_t got = read(at, share);
+        const std::size_t got = from.read(at, share);
         const std::size_t back = file.read(at, jet::MutableByteSpan(written).first(got == 0 ? 1 : got));
         if (back != got ||
             !std::equal(share.begin(), share.begin() + static_cast<std::ptrdiff_t>(got), written.begin())) {
             throw CommandError(path + " does not hold what was written to it; the disk cannot be relied on");
         }
         if (got == 0) return;
+        work.step(got / jet::jet4::kPageSize);
         at += got;
     }
 }
 
-std::string write_draft(const Reader& read, const std::string& like, const std::string& target) {
+std::string write_draft(const Original& from, const std::string& target) {
     os::FileSystem& files = os::file_system();
     const std::string draft = os::draft_name(target);
     try {
         const auto file = files.open(draft, os::OpenMode::kCreateSide);
-        write_all(read, *file);
-        compare_all(read, *file, draft);
-        files.copy_access(like, draft);
+        write_all(from, *file);
+        compare_all(from, *file, draft);
+        files.copy_access(from.path, draft);
     } catch (...) {
         remove_quietly(draft);
         throw;
@@ -84,7 +96,7 @@ void remove_quietly(const std::string& path) {
 }
 
 std::string write_checked_draft(const PageSource& pages, const std::string& target) {
-    const Reader read = [&](std::uint64_t at, jet::MutableByteSpan into) {
+    const auto read = [&](std::uint64_t at, jet::MutableByteSpan into) {
         const auto first = static_cast<jet::PageNumber>(at / jet::jet4::kPageSize);
         std::size_t got = 0;
         for (jet::PageNumber page = first; page < pages.page_count() && got + jet::jet4::kPageSize <= into.size();
@@ -95,7 +107,8 @@ std::string write_checked_draft(const PageSource& pages, const std::string& targ
         if (pages.refused() > 0) throw CommandError("the disk does not give all of " + pages.path() + " back");
         return got;
     };
-    const std::string draft = write_draft(read, pages.path(), target);
+    const std::uint64_t bytes = std::uint64_t{pages.page_count()} * jet::jet4::kPageSize;
+    const std::string draft = write_draft({pages.path(), bytes, read}, target);
     try {
         require_sound(draft, pages.path());
     } catch (...) {
@@ -107,7 +120,8 @@ std::string write_checked_draft(const PageSource& pages, const std::string& targ
 
 std::string write_plain_draft(const std::string& from, const std::string& target) {
     const auto file = os::file_system().open(from, os::OpenMode::kReadSide);
-    return write_draft([&](std::uint64_t at, jet::MutableByteSpan into) { return file->read(at, into); }, from, target);
+    const auto read = [&](std::uint64_t at, jet::MutableByteSpan into) { return file->read(at, into); };
+    return write_draft({from, file->size(), read}, target);
 }
 
 }  // namespace tools

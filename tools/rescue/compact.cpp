@@ -4,6 +4,7 @@
 #include "jet/tables/database.h"
 #include "os/file.h"
 #include "tools/errors.h"
+#include "tools/long_work.h"
 #include "tools/open_file.h"
 #include "tools/rescue/checked_copy.h"
 #include "tools/rescue/finding.h"
@@ -55,7 +56,7 @@ void require_plain(jet::Database& database, const std::string& path) {
     if (has_rows(database, jet::jet4::kRelationshipsPage)) cannot(path, "its tables have relationships");
 }
 
-std::size_t copy_table(jet::Database& from, NewFile& to, const std::u16string& name) {
+std::size_t copy_table(jet::Database& from, NewFile& to, const std::u16string& name, LongWork& work) {
     jet::Table& table = *from.find_table(name);
     jet::Table& copy = *to.database().find_table(name);
     std::size_t rows = 0;
@@ -70,7 +71,14 @@ std::size_t copy_table(jet::Database& from, NewFile& to, const std::u16string& n
             }
         }
         to.insert(copy, std::move(values));
+        work.step();
     }
+    return rows;
+}
+
+std::uint64_t row_count(jet::Database& database) {
+    std::uint64_t rows = 0;
+    for (const std::u16string& name : database.table_names()) rows += database.find_table(name)->def().row_count;
     return rows;
 }
 
@@ -109,7 +117,12 @@ CompactOutcome compact_file(const std::string& name) {
 
     NewFile fresh(path, options, NewFile::Place::kReplace);
     make_tables(*database, fresh);
-    for (const std::u16string& table : database->table_names()) outcome.rows += copy_table(*database, fresh, table);
+    {
+        LongWork work("rows copied", row_count(*database));
+        for (const std::u16string& table : database->table_names()) {
+            outcome.rows += copy_table(*database, fresh, table, work);
+        }
+    }
     fresh.finish();
     {
         const auto made = open_to_read(fresh.draft());

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <map>
 
+#include "tools/long_work.h"
 #include "tools/value_text.h"
 
 namespace tools {
@@ -44,9 +45,13 @@ public:
     bool run() {
         const std::vector<Entry> left = entries(a_, number_a_, true);
         const std::vector<Entry> right = entries(b_, number_b_, false);
+        LongWork work("rows compared", left.size() + right.size(), true);
         std::size_t i = 0;
         std::size_t k = 0;
+        std::size_t told = 0;
         while (i < left.size() || k < right.size()) {
+            work.step(i + k - told);
+            told = i + k;
             if (k == right.size() || (i < left.size() && left[i].key < right[k].key)) {
                 tell_whole(a_, left[i++].row, Kind::kRemoved, number_a_);
             } else if (i == left.size() || right[k].key < left[i].key) {
@@ -98,7 +103,9 @@ private:
     std::vector<Entry> entries(const Table& table, std::optional<std::size_t> number, bool is_first) const {
         std::vector<Entry> all;
         jet::RowView view;
+        LongWork work("rows read", table.def().row_count, true);
         for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
+            work.step();
             if (!table.read(*id, view)) continue;
             std::uint64_t key = 0;
             if (number) {

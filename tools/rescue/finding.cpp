@@ -2,6 +2,9 @@
 
 #include <algorithm>
 
+#include "tools/long_work.h"
+#include "tools/paths.h"
+
 namespace tools {
 namespace {
 
@@ -97,7 +100,8 @@ const Rule& rule_of(std::string_view name) {
 CheckResult check_file(jet::Database& database, const std::string& path) {
     CheckResult result;
     result.path = path;
-    for (jet::Violation& violation : jet::check_structure(database)) {
+    LongWork work("pages checked", database.pager().page_count());
+    for (jet::Violation& violation : jet::check_structure(database, [&] { work.step(); })) {
         const Rule& rule = rule_of(violation.rule);
         auto group = std::find_if(result.groups.begin(), result.groups.end(),
                                   [&](const FindingGroup& g) { return g.rule == &rule; });
@@ -141,7 +145,7 @@ std::string check_text(const CheckResult& result, std::size_t listed) {
             "  What helps: keep this file as it is, take your last good copy (kvdb restore), or save what is left into "
             "a "
             "new\n  file with: kvdb salvage " +
-            result.path + " NEW.mdb\n";
+            typed_path(result.path) + " NEW.mdb\n";
     } else if (result.remarks > 0) {
         text += "  Nothing has to be done. kvdb compact makes a studio's files anew, without what is left over.\n";
     }

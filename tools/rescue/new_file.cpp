@@ -4,6 +4,7 @@
 #include "os/draft.h"
 #include "os/file.h"
 #include "tools/errors.h"
+#include "tools/long_work.h"
 #include "tools/open_file.h"
 #include "tools/rescue/checked_copy.h"
 
@@ -68,7 +69,8 @@ void NewFile::commit() {
 
 void NewFile::finish() {
     commit();
-    const std::vector<jet::Violation> violations = jet::check_structure(*database_);
+    LongWork work("pages checked", database_->pager().page_count());
+    const std::vector<jet::Violation> violations = jet::check_structure(*database_, [&] { work.step(); });
     database_->close();
     database_.reset();
     if (violations.empty()) return;

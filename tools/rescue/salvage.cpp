@@ -11,6 +11,7 @@
 #include "jet/pages/header.h"
 #include "jet/storage/row_codec.h"
 #include "tools/errors.h"
+#include "tools/long_work.h"
 #include "tools/rescue/known_layouts.h"
 #include "tools/rescue/new_file.h"
 #include "tools/rescue/page_source.h"
@@ -106,7 +107,9 @@ private:
         for (std::size_t c = 0; c < def.columns.size() && !facts.key; ++c) {
             if (def.columns[c].is_autonumber() && def.columns[c].type == ColumnType::kLong) facts.key = c;
         }
+        LongWork work("rows found", 0);
         walk_rows(pages_, table(i), [&](jet::RowId, const FoundRow& row, unsigned) {
+            work.step();
             ++facts.rows;
             if (const auto key = key_of(row, facts)) {
                 if (*key > def.last_autonumber || *key < 1) ++facts.above;
@@ -309,8 +312,10 @@ private:
         std::unordered_map<std::int32_t, std::uint64_t> keys;  // and what their rows hold
         bool has_key_column = false;
         for (const jet::ColumnDef& column : into->def().columns) has_key_column |= column.is_autonumber();
+        LongWork work("rows saved", facts_[i].rows);
         const WalkCounts counts =
             walk_rows(pages_, table(i), [&](jet::RowId place, const FoundRow& row, unsigned doubts) {
+                work.step();
                 const auto key = key_of(row, facts_[i]);
                 if (key && !takes_key(i, *key, row, keys, doubts)) {
                     ++outcome.left_out;

@@ -1,6 +1,7 @@
 #include "tools/rescue/same_data.h"
 
 #include "jet/schema/catalog.h"
+#include "tools/long_work.h"
 
 namespace tools {
 namespace {
@@ -26,12 +27,14 @@ bool is_same_column(const jet::ColumnDef& a, const jet::ColumnDef& b) {
 }
 
 std::string difference_of_rows(const jet::Table& a, const jet::Table& b, const std::string& name) {
+    LongWork work("rows compared", a.def().row_count);
     jet::RowView row;
     jet::RowView other;
     std::size_t n = 0;
     auto at = a.next_row({});
     auto other_at = b.next_row({});
     for (; at && other_at; at = a.next_row(*at), other_at = b.next_row(*other_at), ++n) {
+        work.step();
         if (!a.read(*at, row) || !b.read(*other_at, other))
             return "row " + std::to_string(n) + " of " + name + " cannot be read";
         for (std::size_t i = 0; i < a.def().columns.size(); ++i) {

@@ -1,13 +1,14 @@
 #include "tools/rescue/survey.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <set>
 
 #include "db/content.h"
 #include "db/upgrade/schema_history.h"
 #include "jet/indexes/collation.h"
 #include "jet/schema/properties.h"
+#include "tools/long_work.h"
+#include "tools/paths.h"
 #include "tools/rescue/found_row.h"
 #include "tools/rescue/page_maps.h"
 #include "tools/rescue/table_guess.h"
@@ -59,7 +60,9 @@ FileSurvey::FileSurvey(const PageSource& pages) : pages_(pages), long_values_(pa
 
 void FileSurvey::note_pages() {
     ByteVector page(jet::jet4::kPageSize);
+    LongWork work("pages looked at", notes_.size());
     for (PageNumber page_no = 1; page_no < notes_.size(); ++page_no) {
+        work.step();
         pages_.read(page_no, page);
         const bool is_head = jet::load_u32(page, jet::jet4::tdef::kMagic) == jet::jet4::tdef::kMagicValue;
         const FoundPage look = look_at_page(page, pages_.present(page_no));
@@ -105,7 +108,7 @@ void FileSurvey::find_studio_file() {
     }
     if (studio_file_ || has_catalogue_) return;
     // With everything gone that says what a file is, there is its name.
-    const std::string name = std::filesystem::path(pages_.path()).filename().string();
+    const std::string name = file_name_of(pages_.path());
     if (name.starts_with("sldb")) studio_file_ = DatabaseFile::kMain;
     if (name.starts_with("kvinvdb")) studio_file_ = DatabaseFile::kInvoice;
 }

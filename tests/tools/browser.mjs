@@ -25,7 +25,7 @@ export class Browser {
         this.folder = mkdtempSync(path.join(tmpdir(), "kvdb-browser-"));
         this.process = spawn(program, ["--headless", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
             "--disable-background-networking", "--remote-debugging-pipe", "--user-data-dir=" + this.folder,
-            "about:blank"], { stdio: ["ignore", "ignore", "ignore", "pipe", "pipe"] });
+            "about:blank"], { stdio: ["ignore", "ignore", "ignore", "pipe", "pipe"], detached: true });
         this.waiting = new Map();
         this.listeners = [];
         this.lastId = 0;
@@ -93,7 +93,8 @@ export class Browser {
                 rmSync(this.folder, { recursive: true, force: true, maxRetries: 5 });
                 resolve();
             });
-            this.process.kill("SIGKILL");
+            // Distributions start it by a script: the whole group is to go.
+            process.kill(-this.process.pid, "SIGKILL");
         });
     }
 }

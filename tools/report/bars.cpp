@@ -13,7 +13,6 @@ constexpr double kPlotLeft = 0.1;  // names of the lines stand before it
 constexpr int kPlotTop = 10;
 constexpr int kPlotHeight = 152;
 constexpr int kLines = 4;
-constexpr std::size_t kMostLabels = 6;
 
 // A step of 1, 2 or 5 times a power of ten that divides the height into at most kLines parts; whole where all is.
 double nice_step(double most) {
@@ -72,7 +71,9 @@ std::string upright_bars(const std::vector<UprightBar>& bars) {
     const double top = step * std::ceil(most / step - 1e-9);
     std::string text = lines_across(step, top);
     const double pitch = (1 - kPlotLeft) / static_cast<double>(std::max<std::size_t>(bars.size(), 1));
-    const std::size_t labelled = (bars.size() + kMostLabels - 1) / kMostLabels;
+    // As many as a narrow screen has room for.
+    const std::size_t most_labels = !bars.empty() && bars.back().label.size() > 4 ? 4 : 6;
+    const std::size_t labelled = (bars.size() + most_labels - 1) / most_labels;
     for (std::size_t i = 0; i < bars.size(); ++i) {
         const UprightBar& bar = bars[i];
         const double x = kPlotLeft + pitch * static_cast<double>(i);

@@ -166,7 +166,9 @@ std::string Calendar::year_html(int year) const {
     for (unsigned month = 1; month <= 12; ++month) {
         const sys_days first = std::chrono::year(year) / std::chrono::month(month) / 1;
         const double share = std::max(0.0, static_cast<double>((first - begin).count()) / (7.0 * kWeeks));
-        content += "<text class=\"tick\" x=\"" + percent(share) + "\" y=\"12\">" + kMonths[month - 1] + "</text>";
+        // A narrow screen has room for every other one.
+        content += "<text class=\"tick" + std::string(month % 2 == 0 ? " minor" : "") + "\" x=\"" + percent(share) +
+                   "\" y=\"12\">" + kMonths[month - 1] + "</text>";
     }
     content += "\n";
     int top = kMonthsHeight;
@@ -229,7 +231,11 @@ std::string bookings_picture(const StudioTables& tables, sys_days today) {
         others += "<details class=\"year\"><summary>" + std::to_string(at->first) + ": " + told(at->second) +
                   "</summary>\n" + calendar.year_html(at->first) + "</details>\n";
     }
-    if (!others.empty()) card.body += "<h4>Other years</h4>\n" + others;
+    if (!others.empty()) {
+        card.body += "<details class=\"years\"><summary>" +
+                     counted(calendar.years().size() - 1, "other year", "other years") + "</summary>\n" + others +
+                     "</details>\n";
+    }
     return card.html();
 }
 

@@ -52,7 +52,7 @@ std::string name_of_piece(const jet::Value& manufacturer, const jet::Value& mode
 
 std::string told(const Repairs& repairs) {
     std::string text = counted(repairs.count, "repair", "repairs");
-    if (repairs.count > 0) text += " for " + repairs.cost.text();
+    if (repairs.count > 0) text += " for " + repairs.cost.rounded();
     if (repairs.away > 0) text += ", " + count_text(repairs.away) + " not back yet";
     return text;
 }
@@ -63,9 +63,9 @@ std::string body_html(const std::vector<Piece>& pieces, const std::string& sente
     for (const Piece& piece : pieces) {
         bars.push_back(
             {piece.name,
-             piece.repairs.count == 0 ? piece.cost.text() : counted(piece.repairs.count, "repair", "repairs"),
+             piece.repairs.count == 0 ? piece.cost.rounded() : counted(piece.repairs.count, "repair", "repairs"),
              piece.cost.units(), piece.repairs.cost.units(),
-             piece.name + ": bought for " + piece.cost.text() + ", " + told(piece.repairs)});
+             piece.name + ": bought for " + piece.cost.rounded() + ", " + told(piece.repairs)});
         numbers.rows.push_back({piece.name, piece.cost.text(), std::to_string(piece.repairs.count),
                                 std::to_string(piece.repairs.away), piece.repairs.cost.text()});
     }
@@ -99,9 +99,9 @@ std::string gear_picture(const StudioTables& tables) {
              {name_of_piece(row[1], row[2]), Amount(row[3]), repairs == by_piece.end() ? Repairs() : repairs->second});
     });
     Card card{"gear", "Gear and its repairs", "Gear", "", ""};
-    card.sentence = count == 0
-                        ? "There is no gear."
-                        : counted(count, "piece", "pieces") + ", bought for " + worth.text() + "; " + told(all) + ".";
+    card.sentence =
+        count == 0 ? "There is no gear."
+                   : counted(count, "piece", "pieces") + ", bought for " + worth.rounded() + "; " + told(all) + ".";
     if (count > pieces.size()) {
         card.sentence += " Shown are the " + count_text(pieces.size()) + " with most repairs.";
     }

@@ -63,12 +63,12 @@ public:
         const StudioTables studio(tables);
         const std::string name = studio_name(studio, source);
         const std::chrono::sys_days day = today();
-        made_ = "Made by kvdb on " + iso_text(day) + " from " + files_of(tables);
+        const std::string made = "Made by kvdb on " + iso_text(day) + " from " + files_of(tables);
         put("style-hash", policy_hash(page_parts().style_sum));
         put("script-hash", policy_hash(page_parts().script_sum));
         put("title", html_text(name));
         put("style", page_parts().style);
-        put("header", "<h1>" + html_text(name) + "</h1>\n<p>" + html_text(made_) + "</p>\n");
+        put("header", "<h1>" + html_text(name) + "</h1>\n<p>" + html_text(made) + "</p>\n");
         put("glance", key_figures(studio) + "<div class=\"cards\">\n" + bookings_picture(studio, day) +
                           invoices_picture(studio, day) + projects_picture(studio, day) + gear_picture(studio) +
                           stock_picture(studio) + "</div>\n");
@@ -90,7 +90,7 @@ public:
 
     void finish(std::span<const ExportTable> tables) override {
         put("table-list", table_list_html(tables, counts_));
-        put("footer", html_text(made_) + ". Nothing in this page leaves it: it needs no network and sends nothing.");
+        put("footer", "Nothing in this page leaves it: it needs no network and sends nothing.");
         put("manifest", page_manifest(tables, counts_));
         put("script", page_parts().script);
         out_.write(rest_);
@@ -116,7 +116,6 @@ private:
 
     OutFile out_;
     std::string_view rest_ = page_parts().html;
-    std::string made_;
     std::vector<std::uint64_t> counts_;  // rows written, by table
     std::string block_;                  // rows that wait
 };

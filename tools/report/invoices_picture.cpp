@@ -37,8 +37,8 @@ std::string month_text(int month) {
 }
 
 std::string told(const Month& month) {
-    return counted(month.invoices, "invoice", "invoices") + " of " + month.total.text() + ", " + month.unpaid.text() +
-           " unpaid";
+    return counted(month.invoices, "invoice", "invoices") + " of " + month.total.rounded() + ", " +
+           month.unpaid.rounded() + " unpaid";
 }
 
 // The last month that has an invoice; one that lies more than a year ahead is a slip, unless all do.

@@ -33,7 +33,7 @@ std::string key_figures(const StudioTables& tables) {
         tables.each("Invoices", {"Balance"}, [&](StudioTables::Values row) {
             if (const Amount balance(row[0]); balance.is_positive()) unpaid += balance;
         });
-        items += figure("Invoices", "Unpaid", unpaid.text());
+        items += figure("Invoices", "Unpaid", unpaid.rounded());
     }
     return items.empty() ? "" : "<ul class=\"figures\">\n" + items + "</ul>\n";
 }

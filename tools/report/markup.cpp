@@ -122,4 +122,16 @@ std::string Amount::text() const {
     return (is_negative ? "-" : "") + with_commas(digits.substr(0, digits.size() - 4)) + "." + decimals;
 }
 
+std::string Amount::rounded() const {
+    Amount cents;
+    cents.ten_thousandths_ = ten_thousandths_ / 100 * 100;
+    const std::int64_t rest = ten_thousandths_ % 100;
+    // Half a cent is a whole one; at the end of the range it stays as it is.
+    Amount one;
+    one.ten_thousandths_ = rest >= 50 ? 100 : rest <= -50 ? -100 : 0;
+    Amount sum = cents;
+    sum += one;
+    return sum.ten_thousandths_ % 100 == 0 ? sum.text() : cents.text();
+}
+
 }  // namespace tools

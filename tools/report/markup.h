@@ -34,6 +34,8 @@ public:
     bool is_positive() const { return ten_thousandths_ > 0; }
     // With commas and two to four decimals: "12,345.60".
     std::string text() const;
+    // With two decimals, for a sentence.
+    std::string rounded() const;
 
 private:
     std::int64_t ten_thousandths_ = 0;

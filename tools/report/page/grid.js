@@ -76,7 +76,7 @@ class Grid {
     widthOf(i) {
         const column = this.table.columns[i];
         const rows = this.table.rows;
-        const step = Math.max(1, Math.floor(rows.length / 200));
+        const step = Math.max(1, Math.floor(rows.length / 1000));
         let characters = column.name.length + 2;
         for (let r = 0; r < rows.length; r += step) {
             characters = Math.max(characters, shown(rows[r][i], column).length);

@@ -37,6 +37,8 @@ has_package() {
         locales) command -v localedef >/dev/null && [ -e /usr/share/i18n/locales/de_DE ] ;;
         nodejs) command -v node >/dev/null ;;
         npm) command -v npm >/dev/null ;;
+        # The browser without a window; a whole one does as well.
+        chromium-headless-shell) command -v chromium-headless-shell chromium chromium-browser google-chrome >/dev/null ;;
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
         clang) command -v clang++ >/dev/null ;;
@@ -72,6 +74,15 @@ need_packages() {
     for package in "${missing[@]}"; do
         has_package "$package" || die "$package is installed, but what it should bring is not found"
     done
+}
+
+# The browser that the tests of the report's page look into. It is large, and not every release packs it.
+# Tests that need it skip where it could not be had.
+install_browser() {
+    if ! (need_packages chromium-headless-shell); then
+        [ "${CI:-}" != true ] || die "The browser for the tests could not be installed"
+        say "The browser could not be installed: the tests that need it will skip"
+    fi
 }
 
 # build_preset PRESET [-DNAME=VALUE...] [-- TARGET...]: configures and builds; the named targets alone when given.

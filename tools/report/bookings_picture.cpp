@@ -177,7 +177,7 @@ std::string Calendar::year_html(int year) const {
         content += room_html(year, room, top);
         top += kRoomHeight;
     }
-    NumberTable numbers{{"Week", "Room", "Bookings", "Hours"}, {}};
+    NumberTable numbers{{"Week", "Room", "Bookings", "Hours"}, {}, 2};
     std::map<std::pair<int, std::size_t>, Booked> by_week;
     for (const std::size_t room : rooms) {
         for (auto at = cells_.lower_bound({year, room, 0}); at != cells_.end(); ++at) {

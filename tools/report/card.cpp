@@ -9,12 +9,16 @@ std::string NumberTable::html(const std::string& title) const {
     std::string text = "<details class=\"numbers\"><summary>" + html_text(title) +
                        "</summary><div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"" +
                        html_text(title) + "\"><table><thead><tr>";
-    for (const std::string& name : header) text += "<th scope=\"col\">" + html_text(name) + "</th>";
+    for (std::size_t i = 0; i < header.size(); ++i) {
+        text +=
+            std::string("<th scope=\"col\"") + (i < names ? " class=\"name\">" : ">") + html_text(header[i]) + "</th>";
+    }
     text += "</tr></thead><tbody>\n";
     for (const auto& row : rows) {
         text += "<tr>";
         for (std::size_t i = 0; i < row.size(); ++i) {
-            text += (i == 0 ? "<th scope=\"row\">" : "<td>") + html_text(row[i]) + (i == 0 ? "</th>" : "</td>");
+            text += (i < names ? "<th scope=\"row\" class=\"name\">" : "<td>") + html_text(row[i]) +
+                    (i < names ? "</th>" : "</td>");
         }
         text += "</tr>\n";
     }

@@ -6,10 +6,11 @@
 
 namespace tools {
 
-// The numbers behind a picture. The first column tells what a row is, the others are numbers.
+// The numbers behind a picture. The first columns tell what a row is, the others are numbers.
 struct NumberTable {
     std::vector<std::string> header;
     std::vector<std::vector<std::string>> rows;
+    std::size_t names = 1;  // columns that tell
     // As HTML, folded away below `title`; "" without rows.
     std::string html(const std::string& title) const;
 };

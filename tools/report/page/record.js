@@ -40,8 +40,12 @@ class RecordView {
         this.body.scrollTop = 0;
         this.before.disabled = place === 0;
         this.after.disabled = place === numbers.length - 1;
-        if (!this.dialog.open) this.dialog.showModal();
-        this.body.focus();
+        // A button that was pressed keeps the focus, unless it can be pressed no more.
+        const wasOpen = this.dialog.open;
+        if (!wasOpen) this.dialog.showModal();
+        if (!wasOpen || !this.dialog.contains(document.activeElement) || document.activeElement.disabled) {
+            this.body.focus();
+        }
     }
 
     leaveFor(table, column, value) {

@@ -38,6 +38,13 @@ public:
         table.insert(row);
     }
 
+    // In the first row.
+    void set(const std::u16string& table_name, const std::u16string& column, const jet::Value& value) {
+        jet::Table& table = *database_->find_table(table_name);
+        const jet::ColumnChange change{*table.def().find_column(column), value};
+        table.update(*table.next_row({}), {&change, 1});
+    }
+
 private:
     std::unique_ptr<jet::Database> database_;
 };
@@ -48,6 +55,7 @@ inline void add_hostile_rows(const std::string& path) {
     StudioRows rows(path);
     std::u16string memo;
     while (memo.size() < 60000) memo += text + u"\r\n";
+    rows.set(u"Def_Invoice", u"StudioName", text);
     rows.add(u"Projects", {{u"Name", text}, {u"ProjCreateDate", jet::Date{46000}}, {u"Notes", memo}});
     rows.add(u"Def_Rooms", {{u"Name", text.substr(0, 50)}});
     rows.add(u"Bookings", {{u"DateStart", jet::Date{46000.5}},

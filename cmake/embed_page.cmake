@@ -1,4 +1,5 @@
-# Puts the sources of the report's page into C++: cmake -DFOLDER=tools/report/page -DOUTPUT=FILE.cpp -P embed_page.cmake.
+# Puts the sources of the report's page into C++:
+# cmake -DFOLDER=tools/report/page -DOUTPUT=FILE.cpp -P embed_page.cmake
 # The script's files become one, in the order below. The sums are what the page's own policy knows its parts by.
 set(scripts data.js grid.js record.js page.js)
 
@@ -29,5 +30,6 @@ foreach(part html style script)
 endforeach()
 string(APPEND text "\n}  // namespace\n\nconst PageParts& page_parts() {\n    static constexpr PageParts kParts{\n")
 string(APPEND text "        {k_html, sizeof k_html}, {k_style, sizeof k_style}, \"${style_sum}\",\n")
-string(APPEND text "        {k_script, sizeof k_script}, \"${script_sum}\"};\n    return kParts;\n}\n\n}  // namespace tools\n")
+string(APPEND text "        {k_script, sizeof k_script}, \"${script_sum}\"};\n    return kParts;\n}\n\n")
+string(APPEND text "}  // namespace tools\n")
 file(WRITE ${OUTPUT} "${text}")

@@ -38,7 +38,9 @@ has_package() {
         nodejs) command -v node >/dev/null ;;
         npm) command -v npm >/dev/null ;;
         # The browser without a window; a whole one does as well.
-        chromium-headless-shell) command -v chromium-headless-shell chromium chromium-browser google-chrome >/dev/null ;;
+        chromium-headless-shell)
+            command -v chromium-headless-shell chromium chromium-browser google-chrome >/dev/null
+            ;;
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
         clang) command -v clang++ >/dev/null ;;

@@ -29,6 +29,8 @@ jet::DamageListener damage_teller(const std::string& path) {
     return [path](const jet::DamagedPlace& place) { tell(path, place); };
 }
 
+std::size_t damaged_places() { return places; }
+
 void require_undamaged() {
     if (places == 0) return;
     throw CommandError("the file is damaged: " + std::to_string(places) + (places == 1 ? " place" : " places") +

@@ -143,8 +143,8 @@ class Page {
     }
 
     async key(key, code = key) {
-        const keys = { Enter: 13, Escape: 27, Tab: 9, End: 35, Home: 36, ArrowUp: 38, ArrowDown: 40, PageDown: 34, " ": 32 };
-        const text = key === "Enter" ? "\r" : key === " " ? " " : undefined;
+        const keys = { Enter: 13, Escape: 27, End: 35, Home: 36, ArrowUp: 38, ArrowDown: 40 };
+        const text = key === "Enter" ? "\r" : undefined;
         const common = { key, code, windowsVirtualKeyCode: keys[key] };
         await this.send("Input.dispatchKeyEvent", { type: text ? "keyDown" : "rawKeyDown", text, ...common });
         await this.send("Input.dispatchKeyEvent", { type: "keyUp", ...common });

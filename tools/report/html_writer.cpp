@@ -3,6 +3,7 @@
 // Rows go to the file as they come, in blocks of some size: the script reads a table's blocks when it shows the table.
 #include <filesystem>
 
+#include "tools/damage.h"
 #include "tools/export/draft.h"
 #include "tools/export/export_writer.h"
 #include "tools/report/markup.h"
@@ -55,6 +56,23 @@ std::string files_of(std::span<const ExportTable> tables) {
     return text;
 }
 
+// "" for a file that is no studio's.
+std::string glance(const StudioTables& tables, std::chrono::sys_days day) {
+    const std::string cards = bookings_picture(tables, day) + invoices_picture(tables, day) +
+                              projects_picture(tables, day) + gear_picture(tables) + stock_picture(tables);
+    if (cards.empty()) return "";
+    return "<section id=\"glance\" aria-labelledby=\"glance-heading\">\n<h2 id=\"glance-heading\" class=\"unseen\">"
+           "At a glance</h2>\n" +
+           key_figures(tables) + "<div class=\"cards\">\n" + cards + "</div>\n</section>\n";
+}
+
+std::string notice() {
+    const std::size_t places = damaged_places();
+    if (places == 0) return "";
+    return "<p class=\"notice\" role=\"note\"><strong>What is shown is not all.</strong> The files are damaged: " +
+           counted(places, "place", "places") + " could not be read. kvdb check tells more.</p>\n";
+}
+
 class HtmlWriter final : public ExportWriter {
 public:
     explicit HtmlWriter(const std::string& path) : out_(path) {}
@@ -69,9 +87,7 @@ public:
         put("title", html_text(name));
         put("style", page_parts().style);
         put("header", "<h1>" + html_text(name) + "</h1>\n<p>" + html_text(made) + "</p>\n");
-        put("glance", key_figures(studio) + "<div class=\"cards\">\n" + bookings_picture(studio, day) +
-                          invoices_picture(studio, day) + projects_picture(studio, day) + gear_picture(studio) +
-                          stock_picture(studio) + "</div>\n");
+        put("glance", glance(studio, day));
         put("rows", "");
     }
 
@@ -89,6 +105,7 @@ public:
     void end(const ExportTable&) override { write_block(); }
 
     void finish(std::span<const ExportTable> tables) override {
+        put("notice", notice());
         put("table-list", table_list_html(tables, counts_));
         put("footer", "Nothing in this page leaves it: it needs no network and sends nothing.");
         put("manifest", page_manifest(tables, counts_));

@@ -76,12 +76,16 @@ class Grid {
     widthOf(i) {
         const column = this.table.columns[i];
         const rows = this.table.rows;
-        const step = Math.max(1, Math.floor(rows.length / 1000));
+        const step = isNumber(column) ? 1 : Math.max(1, Math.floor(rows.length / 1000));
         let characters = column.name.length + 2;
         for (let r = 0; r < rows.length; r += step) {
-            characters = Math.max(characters, shown(rows[r][i], column).length);
+            const value = rows[r][i];
+            // An amount grows by its decimals.
+            if (value === undefined || String(value).length + 3 <= characters) continue;
+            characters = Math.max(characters, shown(value, column).length);
         }
-        return Math.round(Math.min(characters, 38) * 7.7 + 24);
+        // A number that is cut would be another one.
+        return Math.round(isNumber(column) ? characters * 8.8 + 24 : Math.min(characters, 38) * 7.7 + 24);
     }
 
     get rowsInView() {

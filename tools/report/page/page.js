@@ -165,7 +165,7 @@ function listTables() {
 function followAddress() {
     const wanted = fromAddress();
     if (wanted === null) return;
-    const isFromAbove = document.getElementById("glance").contains(document.activeElement);
+    const isFromAbove = document.getElementById("glance")?.contains(document.activeElement) === true;
     if (search.value !== "" && isFromAbove) searchFor("");
     showTable(wanted.table, wanted.filter);
     const place = section.getBoundingClientRect();

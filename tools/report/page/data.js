@@ -23,14 +23,14 @@ function isEmpty(value) {
 }
 
 // As a person orders names: without regard to case and accents, numbers by their size. Keys that are made once are
-// many times faster than a comparison by the rules of a language.
-function sortTexts(texts) {
-    const keys = new Map(texts.map((text) => [text, orderKey(String(text))]));
-    texts.sort((a, b) => {
-        const [left, right] = [keys.get(a), keys.get(b)];
-        if (left === right) return a < b ? -1 : 1;
-        return left < right ? -1 : 1;
+// faster than a comparison by the rules of a language.
+function inOrder(texts) {
+    const keyed = texts.map((text) => ({ text, key: orderKey(String(text)) }));
+    keyed.sort((a, b) => {
+        if (a.key === b.key) return a.text < b.text ? -1 : 1;
+        return a.key < b.key ? -1 : 1;
     });
+    return keyed.map((one) => one.text);
 }
 
 function orderKey(text) {
@@ -121,10 +121,10 @@ class Table {
     // Places of all rows in the order of a column, found once; rows of one value have one place.
     places(column) {
         const kind = this.columns[column].kind;
-        const values = [...new Set(this.rows.map((row) => row[column] ?? null))].filter((value) => !isEmpty(value));
+        let values = [...new Set(this.rows.map((row) => row[column] ?? null))].filter((value) => !isEmpty(value));
         if (kind === "number" || kind === "money") values.sort((a, b) => Number(a) - Number(b));
         else if (kind === "date") values.sort();
-        else sortTexts(values);
+        else values = inOrder(values);
         const places = new Map(values.map((value, place) => [value, place]));
         return Float64Array.from(this.rows, (row) => places.get(row[column]) ?? Infinity);
     }

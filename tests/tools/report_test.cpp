@@ -83,6 +83,47 @@ TEST_F(Report, page_has_the_studio_at_a_glance) {
     EXPECT_EQ(count_of(text, "{{"), 0U);
 }
 
+TEST_F(Report, slips_and_gaps_of_the_rows_keep_the_pictures_right) {
+    ASSERT_EQ(demo().code, 0);
+    {
+        StudioRows rows(file("sldb.mdb"));
+        const auto booking = [&](double start, double end, std::int32_t room) {
+            rows.add(u"Bookings", {{u"DateStart", jet::Date{start}}, {u"DateEnd", jet::Date{end}}, {u"RoomID", room}});
+        };
+        booking(46388.5, 46388.75, 1);   // 2027-01-01, a Friday
+        booking(46024, 46025, 99);       // 2026-01-01, in a room that is not there
+        booking(46094.5, 46094.25, 0);   // ends before it begins, and is in no room
+        booking(2958465, 2958465.5, 1);  // 9999-12-31
+        rows.add(u"Bookings", {{u"ClientName", jet::Value(std::u16string(u"some day"))}});
+        rows.add(u"Projects", {{u"Name", jet::Value(std::u16string(u"undated"))}});
+        rows.add(u"GearRepairs", {{u"GearID", std::int32_t{1}}, {u"SendDate", jet::Date{46000}}, {u"Cost", 30.25F}});
+        // A host that has no date writes day 0.
+        rows.add(u"GearRepairs",
+                 {{u"GearID", std::int32_t{1}}, {u"SendDate", jet::Date{46000}}, {u"ReturnDate", jet::Date{0}}});
+        StudioRows invoices(file("kvinvdb.mdb"));
+        const auto invoice = [&](double day, std::int64_t total, float balance) {
+            invoices.add(u"Invoices",
+                         {{u"Date", jet::Date{day}}, {u"Total", jet::Currency{total}}, {u"Balance", balance}});
+        };
+        invoice(46082, 1000000, -50.0F);  // 2026-03-01, paid too much
+        invoice(109000, 10000, 1.0F);     // 2198
+        invoice(0, 20000, 2.0F);
+    }
+    const std::string text = page();
+    for (const char* const part :
+         {"Studio A, 2026-W53 from 2026-12-28: 1 booking, 6 h",
+          "Other rooms, 2026-W01 from 2025-12-29: 1 booking, 24 h", "No room, 2026-W11 from 2026-03-09: 1 booking, 0 h",
+          "2 bookings have no date of use", "2026-03: 2 invoices of 1,030.56, 730.56 unpaid",
+          "4 invoices of 1,033.56, 733.56 unpaid.",
+          "<th scope=\"row\" class=\"name\">no date</th><td>1</td><td>2.00</td><td>2.00</td>",
+          "Bars from 2025-04 to 2026-03", "4 projects. 1 has no date.",
+          "Sorensen R-84: bought for 1,850.00, 3 repairs for 150.25, 2 not back yet"}) {
+        EXPECT_TRUE(has(text, part)) << part;
+    }
+    EXPECT_FALSE(has(text, "2198-06: "));
+    EXPECT_FALSE(has(text, "9999-W"));
+}
+
 TEST_F(Report, page_names_nothing_outside_of_itself) {
     ASSERT_EQ(demo().code, 0);
     const std::string text = page();

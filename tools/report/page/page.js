@@ -116,7 +116,7 @@ function sortBy(column) {
         : "Sorted by " + name + (page.sorted.descending ? ", descending" : ", ascending"));
 }
 
-// The table that is shown first, then how many rows of each table have it, one table after the other.
+// What the shown table has of it, then how many rows of each table do, some tables at a time.
 const MOST_MILLISECONDS_AT_ONCE = 16;
 let searchRound = 0;
 function searchFor(text) {
@@ -127,6 +127,7 @@ function searchFor(text) {
     const list = document.getElementById("table-list");
     list.setAttribute("aria-busy", "true");
     const links = [...list.querySelectorAll("a")];
+    links.sort((a, b) => (b.dataset.name === page.table.name) - (a.dataset.name === page.table.name));
     const countSome = () => {
         if (round !== searchRound) return;
         const end = performance.now() + MOST_MILLISECONDS_AT_ONCE;

@@ -119,23 +119,34 @@ class Grid {
         const first = Math.max(0, Math.floor(inView) - ROWS_AROUND);
         const end = Math.min(this.numbers.length, Math.ceil(inView) + this.rowsInView + ROWS_AROUND + 1);
         if (!isNew && first === this.first && end === this.end) return;
-        this.first = first;
-        this.end = end;
         const hadFocus = this.body.contains(document.activeElement);
+        if (isNew || first >= this.end || end <= this.first) {
+            this.body.replaceChildren(this.space(), this.space());
+            this.first = this.end = first;
+        }
+        this.moveTo(first, end);
         const above = Math.max(0, this.box.scrollTop - (inView - first) * ROW_HEIGHT);
         const below = Math.max(0, this.height - above - (end - first) * ROW_HEIGHT);
-        const rows = [this.space(above)];
-        for (let place = first; place < end; ++place) rows.push(this.rowAt(place));
-        rows.push(this.space(below));
-        this.body.replaceChildren(...rows);
-        if (hadFocus && !this.focusActive()) this.box.focus({ preventScroll: true });
+        this.body.firstChild.firstChild.style.height = above + "px";
+        this.body.lastChild.firstChild.style.height = below + "px";
+        if (hadFocus && !this.body.contains(document.activeElement) && !this.focusActive()) {
+            this.box.focus({ preventScroll: true });
+        }
     }
 
-    space(height) {
+    // Rows that stay in view stay in the document.
+    moveTo(first, end) {
+        const { body } = this;
+        for (; this.first < first; ++this.first) body.children[1].remove();
+        for (; this.end > end; --this.end) body.lastChild.previousSibling.remove();
+        while (this.first > first) body.firstChild.after(this.rowAt(--this.first));
+        while (this.end < end) body.lastChild.before(this.rowAt(this.end++));
+    }
+
+    space() {
         const row = element("tr", undefined, { className: "space" });
         row.setAttribute("aria-hidden", "true");
         const cell = element("td", undefined, { colSpan: this.columns.length + 1 });
-        cell.style.height = height + "px";
         row.append(cell);
         return row;
     }

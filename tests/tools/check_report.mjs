@@ -143,6 +143,7 @@ async function checkRecord(page) {
         .map((button) => button.innerText)`),
         ["Tracks (SongID): 2", "Sessions (SongID): 1", "Mixes (SongID): 1"]);
     await page.key("Escape");
+    await page.value("kvdbFrame()");
     expect("closed", await page.value(`document.getElementById("record").open`), false);
     expect("focus is back on the row", await page.value("document.activeElement.innerText"), "1");
     await page.value(`document.querySelector("#rows tbody button").click()`);

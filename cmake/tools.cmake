@@ -17,8 +17,15 @@ list(FILTER kvdb_tool_parts EXCLUDE REGEX
 find_path(KVDB_CLI11 CLI/CLI.hpp REQUIRED PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/cli11)
 file(CREATE_LINK ${KVDB_CLI11}/CLI ${PROJECT_BINARY_DIR}/cli11/CLI SYMBOLIC)
+# The page of its reports is made of files of their own, which the tool contains.
+set(kvdb_page ${PROJECT_BINARY_DIR}/report_page.cpp)
+file(GLOB kvdb_page_sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/report/page/*)
+add_custom_command(OUTPUT ${kvdb_page}
+    COMMAND ${CMAKE_COMMAND} -DFOLDER=${PROJECT_SOURCE_DIR}/tools/report/page -DOUTPUT=${kvdb_page}
+        -P ${PROJECT_SOURCE_DIR}/cmake/embed_page.cmake
+    DEPENDS ${kvdb_page_sources} ${PROJECT_SOURCE_DIR}/cmake/embed_page.cmake VERBATIM)
 if(kvdb_tool_sources)
-    add_library(kvdb_tool_parts STATIC ${kvdb_tool_parts})
+    add_library(kvdb_tool_parts STATIC ${kvdb_tool_parts} ${kvdb_page})
     target_link_libraries(kvdb_tool_parts PUBLIC kvdb_frame kvdb_options)
     list(REMOVE_ITEM kvdb_tool_sources ${kvdb_tool_parts})
     add_executable(kvdb_tool ${kvdb_tool_sources})

@@ -37,6 +37,10 @@ has_package() {
         locales) command -v localedef >/dev/null && [ -e /usr/share/i18n/locales/de_DE ] ;;
         nodejs) command -v node >/dev/null ;;
         npm) command -v npm >/dev/null ;;
+        # The browser without a window; a whole one does as well.
+        chromium-headless-shell)
+            command -v chromium-headless-shell chromium chromium-browser google-chrome >/dev/null
+            ;;
         clang-format) command -v clang-format >/dev/null ;;
         python3) command -v python3 >/dev/null ;;
         mandoc | zsh | fish) command -v "$1" >/dev/null ;;
@@ -74,6 +78,14 @@ need_packages() {
     for package in "${missing[@]}"; do
         has_package "$package" || die "$package is installed, but what it should bring is not found"
     done
+}
+
+# The browser in which tests load the report's page. It is large, and some releases do not package it. Tests that need it
+# skip if it cannot be installed.
+install_browser() {
+    if ! (need_packages chromium-headless-shell); then
+        say "The browser could not be installed: the tests that need it will skip"
+    fi
 }
 
 # build_preset PRESET [-DNAME=VALUE...] [-- TARGET...]: configures and builds; only the named targets, if any.

@@ -20,6 +20,7 @@ std::span<const Command* const> all_commands() {
         &kDeleteCommand,
         &kImportCommand,
         // Ways out, and care of the files.
+        &kReportCommand,
         &kExportCommand,
         &kDemoCommand,
         &kCheckCommand,

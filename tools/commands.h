@@ -17,6 +17,7 @@ extern const Command kRowsCommand;
 extern const Command kCheckCommand;
 extern const Command kSearchCommand;
 extern const Command kSqlCommand;
+extern const Command kReportCommand;
 extern const Command kExportCommand;
 extern const Command kImportCommand;
 extern const Command kAddCommand;

@@ -2,13 +2,14 @@
 """Reads an export back and compares it with the tables it was made of, value by value. Exit code 1 and a line for
 each difference; 77 when what is needed for the comparison is not on the machine.
 
-usage: compare_export.py KVDB FORM FILE EXPORT [FILE EXPORT ...]     FORM: sqlite, csv, jsonl or postgres
+usage: compare_export.py KVDB FORM FILE EXPORT [FILE EXPORT ...]     FORM: sqlite, csv, jsonl, html or postgres
 
 What the tables hold is what `kvdb rows --json` prints, with every digit.
 """
 
 import csv
 import glob
+import html.parser
 import json
 import os
 import pwd
@@ -68,6 +69,45 @@ def read_jsonl(export, table):
     with open(os.path.join(export, file_of(export, table)), encoding="utf-8", newline="\n") as file:
         for line in file.read().split("\n")[:-1]:
             yield parse(line)
+
+
+class Page(html.parser.HTMLParser):
+    """The data of a report's page: what its elements for data hold, by their attributes."""
+
+    def __init__(self, path):
+        super().__init__()
+        self.manifest = None
+        self.rows = {}
+        self.attributes = None
+        self.text = ""
+        with open(path, encoding="utf-8", newline="") as file:
+            self.feed(file.read())
+        self.close()
+
+    def handle_starttag(self, tag, attributes):
+        self.attributes = dict(attributes) if tag == "script" else None
+        self.text = ""
+
+    def handle_data(self, data):
+        self.text += data
+
+    def handle_endtag(self, tag):
+        if tag == "script" and self.attributes.get("type") == "application/json":
+            if "data-table" in self.attributes:
+                self.rows.setdefault(int(self.attributes["data-table"]), []).extend(parse(self.text))
+            else:
+                self.manifest = json.loads(self.text)
+
+
+def read_html(export, table):
+    page = Page(export)
+    number, about = next((i, t) for i, t in enumerate(page.manifest["tables"]) if t["name"] == table)
+    names = [column["name"] for column in about["columns"]]
+    rows = page.rows.get(number, [])
+    if len(rows) != about["rows"]:
+        sys.exit(f"{table}: {len(rows)} rows, and the page says {about['rows']}")
+    for row in rows:
+        yield dict(zip(names, row + [None] * (len(names) - len(row))))
 
 
 class Postgres:
@@ -170,7 +210,7 @@ def main():
                 go(file, server.read)
                 server.psql("-c", f"DROP SCHEMA \"{SCHEMA.replace(chr(34), chr(34) * 2)}\" CASCADE")
     else:
-        read = {"sqlite": read_sqlite, "csv": read_csv, "jsonl": read_jsonl}[form]
+        read = {"sqlite": read_sqlite, "csv": read_csv, "jsonl": read_jsonl, "html": read_html}[form]
         for file, export in pairs:
             go(file, lambda table, export=export: read(export, table))
     print(f"{len(pairs)} files, {values} values compared, {differences} differences")

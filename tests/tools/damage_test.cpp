@@ -66,6 +66,21 @@ void expect_damage(const Outcome& outcome, const std::string& place) {
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 2) << outcome.errors;
 }
 
+TEST_F(DamagedStudio, report_says_in_its_page_that_it_is_not_all) {
+    const std::string page = scratch_.file("page.html");
+    const std::string command = "report " + in_quotes(studio_) + " -o " + in_quotes(page);
+    ASSERT_EQ(run(command).code, 0);
+    EXPECT_EQ(contents(page).find("What is shown is not all"), std::string::npos);
+    std::filesystem::remove(page);
+    lose_a_page();
+    // The tables are read more than once for it, and the place is told once.
+    expect_damage(run(command), "page " + std::to_string(page_) + ": ");
+    EXPECT_NE(
+        contents(page).find("What is shown is not all.</strong> The files are damaged: 1 place could not be read"),
+        std::string::npos);
+    EXPECT_GT(count_songs(contents(page)), kSongs / 2);
+}
+
 TEST_F(DamagedStudio, lost_page_is_named_and_the_rows_around_it_are_listed) {
     ASSERT_EQ(count_songs(run(songs_by_gate()).out), kSongs);
     ASSERT_EQ(count_songs(run(songs_by_engine()).out), kSongs);

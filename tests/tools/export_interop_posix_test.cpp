@@ -104,6 +104,8 @@ TEST_F(ExportInterop, csv_reads_the_same_values) { compare_all("csv"); }
 
 TEST_F(ExportInterop, json_lines_read_the_same_values) { compare_all("jsonl"); }
 
+TEST_F(ExportInterop, html_page_holds_the_same_values) { compare_all("html"); }
+
 TEST_F(ExportInterop, postgres_loads_the_same_values) { compare_all("postgres", " --schema 'the \"studio\"'"); }
 
 // Starts the tool, and gives its process.
@@ -120,7 +122,7 @@ pid_t start(const std::vector<std::string>& words) {
 
 TEST_F(ExportInterop, interrupted_export_leaves_nothing) {
     make_rich_file(scratch_.file("rich.mdb"), 300000);
-    for (const std::string form : {"sqlite", "jsonl", "postgres"}) {
+    for (const std::string form : {"sqlite", "jsonl", "postgres", "html"}) {
         SCOPED_TRACE(form);
         const std::string to = scratch_.file("interrupted." + form);
         const pid_t child = start({"export", scratch_.file("rich.mdb"), to, "--to", form});
@@ -138,7 +140,7 @@ TEST_F(ExportInterop, interrupted_export_leaves_nothing) {
 
 TEST_F(ExportInterop, export_that_cannot_be_written_leaves_nothing) {
     make_rich_file(scratch_.file("rich.mdb"), 20000);
-    for (const std::string form : {"sqlite", "sqlite-script", "csv", "jsonl", "postgres"}) {
+    for (const std::string form : {"sqlite", "sqlite-script", "csv", "jsonl", "postgres", "html"}) {
         SCOPED_TRACE(form);
         const std::string to = scratch_.file("full." + form);
         const std::string errors = scratch_.file("errors");

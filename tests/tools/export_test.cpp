@@ -20,7 +20,7 @@ protected:
 };
 
 TEST_F(Export, every_form_is_written_and_overwrites_nothing) {
-    for (const std::string form : {"sqlite", "sqlite-script", "csv", "jsonl", "postgres"}) {
+    for (const std::string form : {"sqlite", "sqlite-script", "csv", "jsonl", "postgres", "html"}) {
         SCOPED_TRACE(form);
         const Outcome outcome = write(form);
         EXPECT_EQ(outcome.code, 0) << outcome.errors;
@@ -36,7 +36,7 @@ TEST_F(Export, what_cannot_be_meant_is_refused_and_leaves_nothing) {
     const std::string begin = "export " + in_quotes(studio_) + " " + in_quotes(out("x"));
     expect_failure(run(begin), 2, "--to is required");
     expect_failure(run(begin + " --to sqlit"), 2, "did you mean sqlite?");
-    expect_failure(run(begin + " --to excel"), 2, "it takes sqlite, sqlite-script, csv, jsonl, postgres");
+    expect_failure(run(begin + " --to excel"), 2, "it takes sqlite, sqlite-script, csv, jsonl, postgres, html");
     expect_failure(run(begin + " --to csv --tables Projcts"), 2, "did you mean Projects?");
     expect_failure(run(begin + " --to csv --schema x"), 2, "--schema goes with --to postgres alone");
     expect_failure(run("export " + in_quotes(studio_) + " " + in_quotes(out("no/where")) + " --to csv"), 1,

@@ -72,6 +72,7 @@ TEST_F(ToolMemory, reading_needs_no_more_for_a_large_table) {
         {"export", studio, scratch_.file("x.sqlite"), "--to", "sqlite"},
         {"export", studio, scratch_.file("x.csv"), "--to", "csv"},
         {"export", studio, scratch_.file("x.postgres"), "--to", "postgres"},
+        {"report", studio, "-o", scratch_.file("x.html")},
     };
     for (const std::vector<std::string>& words : commands) EXPECT_LT(peak_of(words), kMostKibibytes) << words[0];
 }

@@ -9,6 +9,7 @@ std::span<const ExportFormat> export_formats() {
         {"csv", true, make_csv_writer},
         {"jsonl", true, make_json_lines_writer},
         {"postgres", false, make_postgres_writer},
+        {"html", false, make_html_writer},
     };
     return kFormats;
 }

@@ -11,11 +11,14 @@
 
 namespace tools {
 
-// Calls come in this order: for each table begin, its rows, and end; then finish, once. CommandError where something
-// cannot be written.
+// Calls come in this order: start; for each table begin, its rows, and end; then finish, once. CommandError where
+// something cannot be written.
 class ExportWriter {
 public:
     virtual ~ExportWriter() = default;
+    // `source` is the folder or file that the tables are of, as it was named.
+    virtual void start([[maybe_unused]] const std::string& source,
+                       [[maybe_unused]] std::span<const ExportTable> tables) {}
     virtual void begin(const ExportTable& table) = 0;
     // Values by column of the table.
     virtual void row(const ExportTable& table, std::span<const jet::Value> values) = 0;
@@ -39,6 +42,7 @@ std::unique_ptr<ExportWriter> make_json_lines_writer(const std::string& path, co
 std::unique_ptr<ExportWriter> make_postgres_writer(const std::string& path, const std::optional<std::string>& schema);
 std::unique_ptr<ExportWriter> make_sqlite_script_writer(const std::string& path,
                                                         const std::optional<std::string>& schema);
+std::unique_ptr<ExportWriter> make_html_writer(const std::string& path, const std::optional<std::string>& schema);
 // Where there is no library for it: the script.
 std::unique_ptr<ExportWriter> make_sqlite_writer(const std::string& path, const std::optional<std::string>& schema);
 

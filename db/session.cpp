@@ -124,7 +124,7 @@ HRESULT open(GateDatabases& databases) {
     close_quietly(main);
     if (file_exists(DatabaseFile::kMain)) {
         open_file(main, DatabaseFile::kMain);
-        upgrade_main_file(main);  // its result is deliberately ignored
+        upgrade_main_file(main);  // its result is ignored here
     } else {
         create_main_file(main);
         attempt([&] { add_sample_equipment(main); });  // a studio without samples is valid

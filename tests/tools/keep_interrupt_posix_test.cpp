@@ -21,7 +21,10 @@ namespace fs = std::filesystem;
 std::map<std::string, std::string> all_files(const std::string& folder) {
     std::map<std::string, std::string> files;
     for (const auto& entry : fs::recursive_directory_iterator(folder)) {
-        if (entry.is_regular_file()) files[entry.path().string()] = contents(entry.path().string());
+        if (!entry.is_regular_file()) continue;
+        std::string bytes(entry.file_size(), 0);
+        std::ifstream(entry.path(), std::ios::binary).read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+        files[entry.path().string()] = std::move(bytes);
     }
     return files;
 }

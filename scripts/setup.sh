@@ -80,8 +80,8 @@ need_packages() {
     done
 }
 
-# The browser in which tests load the report's page. It is large, and some releases do not package it. Tests that need it
-# skip if it cannot be installed.
+# The browser in which tests load the report's page. It is large, and some releases do not package it. Tests that need
+# it skip if it cannot be installed.
 install_browser() {
     if ! (need_packages chromium-headless-shell); then
         say "The browser could not be installed: the tests that need it will skip"

@@ -218,6 +218,12 @@ async function checkHostile(browser) {
     await page.value(`kvdbSearch("</script><script>")`);
     expect("found by its signs", await page.value("kvdbFacts()"), `1 of ${last + 1} rows, Projects in sldb.mdb`);
     await checkQuiet(page, "with hostile texts");
+    // Were one of them to get out of its element, the page's policy would still keep it from running.
+    await page.value(`document.body.append(Object.assign(document.createElement("script"),
+        { textContent: "window.pwned = 1" })); document.body.insertAdjacentHTML("beforeend",
+        "<img src=x onerror=window.pwned=1>"); new Promise((done) => setTimeout(done, 100))`);
+    expect("a script that is not the page's own", await page.value("typeof window.pwned"), "undefined");
+    expect("complaints about it", page.complaints.length >= 2, true);
     await page.close();
 }
 

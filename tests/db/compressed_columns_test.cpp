@@ -7,7 +7,7 @@
 #include "db/schema.h"
 #include "jet/tables/database.h"
 #include "os/system.h"
-#include "tests/db/upgrade_fixture.h"
+#include "tests/db/upgrade/upgrade_fixture.h"
 
 using namespace testing_support;
 

@@ -33,6 +33,8 @@ public:
     // must do it.
     bool request() noexcept;
     bool failed() const { return failed_; }
+    // Forgets what was requested, and waits as the destructor does; nothing is synced from then on.
+    void stop() noexcept { alarm_.reset(); }
 
 private:
     void sync() noexcept;

@@ -58,6 +58,9 @@ public:
     void sync();
     // Has it synced soon, without waiting for it. False when it will not be: sync() must be called.
     bool sync_later();
+    // Takes that back, and waits for the end of what is under way. To be called when sync() is next: two syncs at once
+    // would wait for each other.
+    void sync_no_later();
     // A sync failed, this way or that: nobody knows what the disk holds, and a later sync may succeed without having
     // written it. Only the next opening, which reads back what there is, can tell.
     bool failed() const;

@@ -68,14 +68,16 @@ FrameRef Pager::load(PageNumber page_no) {
     return read_into_cache(page_no);
 }
 
-// A page soon after the last one that was read, as an enumeration asks for them, brings more and more of the next ones
-// with it.
+// After some pages that each came soon after the one before, as an enumeration asks for them, a page brings more and
+// more of the next ones with it.
 std::size_t Pager::pages_to_read(PageNumber page_no) {
     constexpr PageNumber kNear = 8;
+    constexpr std::size_t kSingly = 8;  // a small file is read page by page
     constexpr std::size_t kLongestRun = 32;
     const bool is_next = page_no > last_read_ && page_no - last_read_ <= kNear;
-    run_pages_ = is_next ? std::min({2 * run_pages_, kLongestRun, options_.cache_pages / 8 + 1}) : 1;
-    return std::min<std::size_t>(run_pages_, page_count_ - page_no);
+    const std::size_t more = run_pages_ < kSingly ? run_pages_ + 1 : 2 * run_pages_;
+    run_pages_ = is_next ? std::min({more, kLongestRun, options_.cache_pages / 8 + 1}) : 1;
+    return run_pages_ < kSingly ? 1 : std::min<std::size_t>(run_pages_, page_count_ - page_no);
 }
 
 // None where the run cannot be had: then the page must be read alone.

@@ -62,12 +62,13 @@ int CDaoRecordset::GetFieldPosition(const char* name) const {
     return afx::translated([&] { return static_cast<int>(state().field(text_or_empty(name))); });
 }
 
-std::span<const int> CDaoRecordset::known_positions(const void* list) const {
-    return afx::translated([&] { return state().names().known(list); });
+const afx::FieldExchange* CDaoRecordset::known_exchange(const void* list, std::size_t size) const {
+    return afx::translated([&] { return state().fields().known(list, size); });
 }
 
-std::span<const int> CDaoRecordset::learn_positions(const void* list, std::span<const char* const> names) const {
-    return afx::translated([&] { return state().names().learn(list, names); });
+const afx::FieldExchange& CDaoRecordset::learn_exchange(const void* list,
+                                                        std::span<const afx::ExchangedMember> members) const {
+    return afx::translated([&]() -> const afx::FieldExchange& { return state().fields().learn(list, members); });
 }
 
 void CDaoRecordset::GetFieldValue(const char* name, COleVariant& value) {
@@ -78,8 +79,12 @@ void CDaoRecordset::GetFieldValue(int index, COleVariant& value) {
     afx::translated([&] { state().get(state().field(index), value); });
 }
 
-bool CDaoRecordset::GetFieldText(int index, CString& text) {
-    return afx::translated([&] { return state().get_text(state().field(index), text); });
+int CDaoRecordset::GetExchangedField(const afx::FieldExchange& exchange, std::size_t i) const {
+    return afx::translated([&] { return exchange.field(i); });
+}
+
+std::size_t CDaoRecordset::ReadFields(const afx::FieldExchange& exchange, std::size_t from, void* record) {
+    return afx::translated([&] { return state().read(exchange, from, record); });
 }
 
 COleVariant CDaoRecordset::GetFieldValue(const char* name) {
@@ -108,6 +113,10 @@ void CDaoRecordset::SetFieldValue(const char* name, const char* text) {
 
 void CDaoRecordset::SetFieldValue(int index, const char* text) {
     afx::translated([&] { state().set(state().field(index), os::widen(text_or_empty(text))); });
+}
+
+std::size_t CDaoRecordset::WriteFields(const afx::FieldExchange& exchange, std::size_t from, const void* record) {
+    return afx::translated([&] { return state().write(exchange, from, record); });
 }
 
 void CDaoRecordset::AddNew() {

@@ -6,9 +6,9 @@
 
 #include <memory>
 #include <span>
-#include <vector>
 
 #include "afx/dao_database.h"
+#include "afx/exchanged_member.h"
 #include "afx/ole_variant.h"
 
 // The engine's side of an open record set.
@@ -19,7 +19,8 @@ public:
 
 namespace afx {
 class RecordsetState;
-}
+class FieldExchange;
+}  // namespace afx
 
 class CDaoRecordset : public CObject, private afx::DatabaseUser {
 public:
@@ -48,16 +49,6 @@ public:
 
     // 0-based position of a field; 3265.
     int GetFieldPosition(const char* name) const;
-    // Positions of the fields that a list of columns names (objects with a member `name`), looked up once for each
-    // table: whatever stands at the list's address stays the same. -1 for a name that is no field.
-    template <class Columns>
-    std::span<const int> GetFieldPositions(const Columns& columns) const {
-        const std::span<const int> known = known_positions(columns.data());
-        if (known.size() == columns.size()) return known;
-        std::vector<const char*> names;
-        for (const auto& column : columns) names.push_back(column.name);
-        return learn_positions(columns.data(), names);
-    }
 
     // The current row's value, or that of the pending new or edited row. By name without regard to case, or
     // by 0-based position: 3265. 3021 without a current row, 3167 when another set has deleted it.
@@ -66,10 +57,19 @@ public:
     virtual COleVariant GetFieldValue(const char* name);
     virtual COleVariant GetFieldValue(int index);
 
-    // A text field straight into `text`, as the first of the above and the variant's text would give it. False,
-    // and `text` is untouched, for whatever has to be asked for as a variant: other types, Null, texts that are
-    // not plain ASCII, values of a pending row. Errors as above.
-    bool GetFieldText(int index, CString& text);
+    // The exchange of a list of columns with the fields here, bound once for each table: whatever stands at the list's
+    // address stays the same. `members_of(columns)` gives the members in their order, when they are bound.
+    template <class Columns, class MembersOf>
+    const afx::FieldExchange& GetFieldExchange(const Columns& columns, MembersOf&& members_of) const {
+        const afx::FieldExchange* const known = known_exchange(columns.data(), columns.size());
+        return known != nullptr ? *known : learn_exchange(columns.data(), members_of(columns));
+    }
+    // Position of the field that member number `i` of the exchange goes with; 3265.
+    int GetExchangedField(const afx::FieldExchange& exchange, std::size_t i) const;
+    // Takes the current row's fields into the members of `record` from number `from` of the exchange on, as the values
+    // would give them, and gives the number of the first that has to go by its value; that of members when there is
+    // none. 3021 and 3167 as above.
+    std::size_t ReadFields(const afx::FieldExchange& exchange, std::size_t from, void* record);
 
     // 3020 without a pending AddNew or Edit, 3265, 3163 text too long, 3421 no conversion, 3164 an
     // auto-number; the buffer is then as it was. Zero length and Null are checked by Update.
@@ -77,6 +77,10 @@ public:
     virtual void SetFieldValue(int index, const COleVariant& value);
     void SetFieldValue(const char* name, const char* text);
     void SetFieldValue(int index, const char* text);
+
+    // Sets the pending row's fields from the members of `record`, as ReadFields goes the other way. A column that does
+    // not take its member's value is left to its value, which says why.
+    std::size_t WriteFields(const afx::FieldExchange& exchange, std::size_t from, const void* record);
 
     // A pending new row; its auto-number is there at once and is not given out again.
     virtual void AddNew();
@@ -103,8 +107,8 @@ public:
 
 private:
     afx::RecordsetState& state() const;
-    std::span<const int> known_positions(const void* list) const;
-    std::span<const int> learn_positions(const void* list, std::span<const char* const> names) const;
+    const afx::FieldExchange* known_exchange(const void* list, std::size_t size) const;
+    const afx::FieldExchange& learn_exchange(const void* list, std::span<const afx::ExchangedMember> members) const;
     void database_closing() noexcept override { CDaoRecordset::Close(); }
     void database_destroyed() noexcept override { m_pDatabase = nullptr; }
 

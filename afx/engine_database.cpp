@@ -50,7 +50,7 @@ void EngineDatabase::begin() {
 
 void EngineDatabase::commit() {
     --transactions_;
-    names_.clear();  // should it fail, tables may be gone
+    fields_.clear();  // should it fail, tables may be gone
     try {
         engine_->pager().commit();
     } catch (...) {
@@ -62,18 +62,18 @@ void EngineDatabase::commit() {
 
 void EngineDatabase::rollback() {
     --transactions_;
-    names_.clear();
+    fields_.clear();
     engine_->pager().rollback();
 }
 
-std::shared_ptr<const FieldNames> EngineDatabase::field_names(const jet::Table& table) {
-    std::shared_ptr<const FieldNames>& names = names_[&table];
-    if (!names) {
-        std::vector<std::u16string> all;
-        for (const jet::ColumnDef& column : table.def().columns) all.push_back(column.name);
-        names = std::make_shared<const FieldNames>(std::move(all));
+std::shared_ptr<const TableFields> EngineDatabase::fields(const jet::Table& table) {
+    std::shared_ptr<const TableFields>& fields = fields_[&table];
+    if (!fields) {
+        std::vector<std::u16string> names;
+        for (const jet::ColumnDef& column : table.def().columns) names.push_back(column.name);
+        fields = std::make_shared<const TableFields>(FieldNames(std::move(names)), &table.def());
     }
-    return names;
+    return fields;
 }
 
 EngineDatabase& require_open(const CDaoDatabase* database) {

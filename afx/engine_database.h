@@ -7,7 +7,7 @@
 #include <unordered_map>
 
 #include "afx/dao_database.h"
-#include "afx/field_names.h"
+#include "afx/field_exchange.h"
 #include "jet/tables/database.h"
 
 namespace afx {
@@ -28,10 +28,10 @@ public:
     void commit();
     void rollback();
 
-    // The names of a table's fields, made when first asked for.
-    std::shared_ptr<const FieldNames> field_names(const jet::Table& table);
+    // The fields of a table, made when first asked for.
+    std::shared_ptr<const TableFields> fields(const jet::Table& table);
     // To be called after every schema change.
-    void schema_changed() { names_.clear(); }
+    void schema_changed() { fields_.clear(); }
 
     static EngineDatabase& of(const CDaoDatabase& database) {
         return static_cast<EngineDatabase&>(*database.m_pDAODatabase);
@@ -39,7 +39,7 @@ public:
 
 private:
     std::unique_ptr<jet::Database> engine_;
-    std::unordered_map<const jet::Table*, std::shared_ptr<const FieldNames>> names_;
+    std::unordered_map<const jet::Table*, std::shared_ptr<const TableFields>> fields_;
     int transactions_ = 0;
     bool exclusive_;
 };

@@ -49,20 +49,6 @@ std::optional<std::size_t> FieldNames::find(const char* name) const {
     return found;
 }
 
-std::span<const int> FieldNames::known(const void* list) const {
-    const auto found = lists_.find(list);
-    return found != lists_.end() ? std::span<const int>(found->second) : std::span<const int>();
-}
-
-std::span<const int> FieldNames::learn(const void* list, std::span<const char* const> names) const {
-    std::vector<int> positions;
-    for (const char* name : names) {
-        const std::optional<std::size_t> position = look_up(name);
-        positions.push_back(position ? static_cast<int>(*position) : -1);
-    }
-    return lists_[list] = std::move(positions);
-}
-
 std::optional<std::size_t> FieldNames::look_up(std::string_view name) const {
     for (std::size_t slot = hash_of(name) & (slots_.size() - 1); slots_[slot] != 0;
          slot = (slot + 1) & (slots_.size() - 1)) {

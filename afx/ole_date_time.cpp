@@ -16,9 +16,7 @@ constexpr double kLastDay = 2958465;   // 31 December 9999
 constexpr std::int32_t kSecondsPerDay = 86400;
 constexpr std::chrono::sys_days kEpoch = std::chrono::sys_days{std::chrono::year{1899} / std::chrono::December / 30};
 
-struct Parts {
-    int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-};
+using Parts = COleDateTime::Parts;
 
 std::optional<Parts> split(const COleDateTime& moment) {
     if (moment.m_status != COleDateTime::valid) return std::nullopt;
@@ -67,6 +65,11 @@ COleDateTime COleDateTime::GetCurrentTime() {
     return COleDateTime(day + std::floor((now - day) * kSecondsPerDay + 1e-3) / kSecondsPerDay);
 }
 
+bool COleDateTime::GetParts(Parts& parts) const noexcept {
+    const std::optional<Parts> found = split(*this);
+    if (found) parts = *found;
+    return found.has_value();
+}
 int COleDateTime::GetYear() const noexcept { return part(*this, &Parts::year); }
 int COleDateTime::GetMonth() const noexcept { return part(*this, &Parts::month); }
 int COleDateTime::GetDay() const noexcept { return part(*this, &Parts::day); }

@@ -38,6 +38,11 @@ public:
     void SetStatus(DateTimeStatus status) noexcept { m_status = status; }
     operator DATE() const noexcept { return m_dt; }
 
+    // All parts at once, as the next ones give each; false, and `parts` is untouched, where they would be -1.
+    struct Parts {
+        int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
+    };
+    bool GetParts(Parts& parts) const noexcept;
     // Parts, rounded to the nearest second; -1 when the moment is not valid or out of range.
     int GetYear() const noexcept;
     int GetMonth() const noexcept;

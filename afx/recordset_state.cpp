@@ -38,11 +38,11 @@ RecordsetState::RecordsetState(EngineDatabase& database, std::string_view statem
         aggregate_ = query.aggregate();
         std::vector<std::u16string> names;
         for (const jet::sql::ResultColumn& column : query.columns()) names.push_back(column.name);
-        names_ = std::make_shared<const FieldNames>(std::move(names));
+        fields_ = std::make_shared<const TableFields>(FieldNames(std::move(names)), nullptr);
         read_only_ = settled_ = true;
         visited_ = 1;
     } else {
-        names_ = database.field_names(*table_);
+        fields_ = database.fields(*table_);
         rows_ = std::make_unique<jet::sql::RowSet>(std::move(query));
     }
     table_->add_watcher(this);
@@ -140,7 +140,7 @@ void RecordsetState::move_next() {
 // ---- Values --------------------------------------------------------------------------------------
 
 std::size_t RecordsetState::field(const char* name) const {
-    const std::optional<std::size_t> position = names_->find(name);
+    const std::optional<std::size_t> position = fields_->names().find(name);
     if (!position) {
         jet::fail(errors::kNotInCollection, "Table '" + jet::to_utf8(table_->def().name) + "' has no field '" +
                                                 jet::to_utf8(os::widen(name)) + "'.");
@@ -149,7 +149,7 @@ std::size_t RecordsetState::field(const char* name) const {
 }
 
 std::size_t RecordsetState::field(int index) const {
-    if (index < 0 || static_cast<std::size_t>(index) >= names_->size()) {
+    if (index < 0 || static_cast<std::size_t>(index) >= fields_->names().size()) {
         jet::fail(errors::kNotInCollection, "There is no field number " + std::to_string(index) + ".");
     }
     return static_cast<std::size_t>(index);
@@ -164,9 +164,9 @@ void RecordsetState::require_current() {
 const jet::RowView& RecordsetState::view() {
     require_current();
     if (!has_view_) {
-        if (!table_->read(*current_, view_)) jet::fail(errors::kRowDeleted, "The row has been deleted.");
+        const bool is_read = rows_->give_view(*current_, view_) || table_->read(*current_, view_);
+        if (!is_read) jet::fail(errors::kRowDeleted, "The row has been deleted.");
         has_view_ = true;
-        view_.prefetch_long_values();
     }
     return view_;
 }
@@ -185,22 +185,19 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
     to_variant(scratch_, value);
 }
 
-bool RecordsetState::get_text(std::size_t field, CString& text) {
-    if (rows_ == nullptr || edit_.is_pending()) return false;
-    const auto stored = view().stored_text(field);
-    const auto length = stored ? jet::ascii_length(*stored) : std::nullopt;
-    if (!length || *length > std::numeric_limits<int>::max()) return false;
-    if (*length == 0) {
-        text.Empty();
-    } else {
-        jet::copy_ascii(*stored, text.GetBufferSetLength(static_cast<int>(*length)));
-    }
-    return true;
+std::size_t RecordsetState::read(const FieldExchange& exchange, std::size_t from, void* record) {
+    if (from == exchange.size() || rows_ == nullptr || edit_.is_pending()) return from;
+    return exchange.read(view(), table_->def(), memory_, from, record);
 }
 
 void RecordsetState::set(std::size_t field, jet::Value value) {
     if (!edit_.is_pending()) jet::fail(errors::kNoEdit, "Neither AddNew nor Edit is pending.");
     edit_.set(field, table_->coerce(field, std::move(value)));
+}
+
+std::size_t RecordsetState::write(const FieldExchange& exchange, std::size_t from, const void* record) {
+    if (rows_ == nullptr || !edit_.is_pending()) return from;
+    return exchange.write(edit_, table_->def(), from, record);
 }
 
 // ---- Changing rows -------------------------------------------------------------------------------

@@ -30,15 +30,16 @@ public:
     void move_first();
     void move_next();
 
-    const FieldNames& names() const { return *names_; }
+    const TableFields& fields() const { return *fields_; }
     // Position for those below; 3265.
     std::size_t field(const char* name) const;
     std::size_t field(int index) const;
     void get(std::size_t field, COleVariant& value);
-    // A text field of the current row without a variant between; false, and `text` is untouched, for everything
-    // that has to go through one.
-    bool get_text(std::size_t field, CString& text);
+    // As FieldExchange::read of the current row; of a pending row and of an aggregate everything goes by value.
+    std::size_t read(const FieldExchange& exchange, std::size_t from, void* record);
     void set(std::size_t field, jet::Value value);
+    // As FieldExchange::write into the pending row; where there is none, everything goes by value.
+    std::size_t write(const FieldExchange& exchange, std::size_t from, const void* record);
 
     void add_new();
     void edit();
@@ -75,7 +76,7 @@ private:
 
     std::unique_ptr<jet::sql::RowSet> rows_;  // none for an aggregate
     jet::Table* table_ = nullptr;
-    std::shared_ptr<const FieldNames> names_;
+    std::shared_ptr<const TableFields> fields_;
     jet::Value aggregate_;
     const std::uint64_t opening_;
     bool forward_only_;
@@ -94,6 +95,7 @@ private:
     bool has_view_ = false;
     jet::RowView view_;
     jet::Value scratch_;  // the value decoded last, for its memory
+    ReadingMemory memory_;
 
     EditBuffer edit_;
     std::optional<Token> last_modified_;

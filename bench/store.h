@@ -28,9 +28,10 @@ public:
     virtual std::string main_file() const = 0;
 };
 
-// Both keep their files in `folder`, which exists.
+// All keep their files in `folder`, which exists.
 std::unique_ptr<Store> make_kvdb_store(const std::string& folder);
 std::unique_ptr<Store> make_sqlite_store(const std::string& folder);
+std::unique_ptr<Store> make_lmdb_store(const std::string& folder);
 
 // Project number `n` of the fixed data: sixteen members, some 200 bytes.
 ProjInfo sample_project(std::int32_t n);

@@ -148,9 +148,10 @@ COleVariant date_value(CTime time, TimeOfDay precision) {
 }
 
 CTime time_of(const COleDateTime& date, TimeOfDay precision) {
+    COleDateTime::Parts parts;
+    if (!date.GetParts(parts)) return CTime(-1);
     const bool with_time = precision == TimeOfDay::kToTheMinute;
-    return CTime(date.GetYear(), date.GetMonth(), date.GetDay(), with_time ? date.GetHour() : 0,
-                 with_time ? date.GetMinute() : 0, 0);
+    return CTime(parts.year, parts.month, parts.day, with_time ? parts.hour : 0, with_time ? parts.minute : 0, 0);
 }
 
 }  // namespace db

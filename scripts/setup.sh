@@ -33,6 +33,7 @@ has_package() {
         libcli11-dev) has_header CLI/CLI.hpp ;;
         libbenchmark-dev) has_header benchmark/benchmark.h ;;
         libsqlite3-dev) has_header sqlite3.h ;;
+        liblmdb-dev) has_header lmdb.h ;;
         mdbtools) command -v mdb-export >/dev/null ;;
         locales) command -v localedef >/dev/null && [ -e /usr/share/i18n/locales/de_DE ] ;;
         nodejs) command -v node >/dev/null ;;

@@ -10,7 +10,47 @@ db::TimeOfDay precision_of(Conversion conversion) {
     return conversion == Conversion::kDateToTheMinute ? db::TimeOfDay::kToTheMinute : db::TimeOfDay::kDropped;
 }
 
+CTime calendar_date(DATE days) { return db::time_of(COleDateTime(days), db::TimeOfDay::kDropped); }
+CTime minute(DATE days) { return db::time_of(COleDateTime(days), db::TimeOfDay::kToTheMinute); }
+float amount(CY stored) { return db::float_of(COleCurrency(stored)); }
+
+bool days_of(CTime time, DATE& days, db::TimeOfDay precision) {
+    const COleVariant value = db::date_value(time, precision);
+    days = value.date;
+    return value.vt == VT_DATE;
+}
+bool calendar_days(CTime time, DATE& days) { return days_of(time, days, db::TimeOfDay::kDropped); }
+bool days_to_the_minute(CTime time, DATE& days) { return days_of(time, days, db::TimeOfDay::kToTheMinute); }
+CY stored_amount(float value) { return db::currency_of(value); }
+
 }  // namespace
+
+afx::ExchangedMember exchanged_member(const char* name, Conversion conversion, std::size_t offset) {
+    using Type = afx::ExchangedMember::Type;
+    afx::ExchangedMember member{.column = name, .offset = offset};
+    switch (conversion) {
+        case Conversion::kText: member.type = Type::kText; break;
+        case Conversion::kInteger: member.type = Type::kInteger; break;
+        case Conversion::kDate:
+            member.type = Type::kTime;
+            member.time_of = calendar_date;
+            member.days_of = calendar_days;
+            break;
+        case Conversion::kDateToTheMinute:
+            member.type = Type::kTime;
+            member.time_of = minute;
+            member.days_of = days_to_the_minute;
+            break;
+        case Conversion::kCurrency:
+        case Conversion::kCurrencyByText:
+            member.type = Type::kAmount;
+            member.amount_of = amount;
+            member.stored_amount_of = stored_amount;
+            break;
+        case Conversion::kSingle: break;  // a float has digits that its text has not
+    }
+    return member;
+}
 
 bool is_failed_mapping(const CDaoException& error) {
     switch (error.m_pErrorInfo->m_lErrorCode) {
@@ -23,7 +63,6 @@ bool is_failed_mapping(const CDaoException& error) {
 }
 
 void read_value(CDaoRecordset& rows, int field, CString& member) {
-    if (rows.GetFieldText(field, member)) return;
     COleVariant value;
     rows.GetFieldValue(field, value);
     if (value.vt == VT_BSTR) {

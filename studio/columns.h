@@ -5,9 +5,12 @@
 #include <kvdb/cstring.h>
 #include <kvdb/ctime.h>
 
+#include <cstddef>
 #include <span>
+#include <vector>
 
 #include "afx/dao_recordset.h"
+#include "afx/exchanged_member.h"
 
 namespace studio {
 
@@ -79,15 +82,44 @@ void write_value(CDaoRecordset& rows, int field, Conversion conversion, float me
 // Whether an error concerns one column: the column does not accept the value, or does not exist.
 bool is_failed_mapping(const CDaoException& error);
 
-// Calls `work` with each column and its field's position. E_FAIL at the first column that fails, a missing one
-// included; its exception is deleted. All other errors, such as lack of memory, propagate.
-template <class Record, class Work>
-HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> columns, Work&& work) {
-    try {
-        const std::span<const int> fields = rows.GetFieldPositions(columns);
-        for (std::size_t i = 0; i < columns.size(); ++i) {
-            work(columns[i], fields[i] >= 0 ? fields[i] : rows.GetFieldPosition(columns[i].name));
+// Calls visit(member) with the member of the column.
+template <class Record, class Owner, class Visit>
+void visit_member(const Column<Record>& column, Owner& record, Visit&& visit) {
+    if (column.text != nullptr) {
+        visit(record.*column.text);
+    } else if (column.number != nullptr) {
+        visit(record.*column.number);
+    } else if (column.time != nullptr) {
+        visit(record.*column.time);
+    } else {
+        visit(record.*column.amount);
+    }
+}
+
+// How the exchange of fields sees a column whose member lies `offset` bytes behind its record's beginning.
+afx::ExchangedMember exchanged_member(const char* name, Conversion conversion, std::size_t offset);
+
+template <class Record>
+const afx::FieldExchange& exchange_of(CDaoRecordset& rows, std::span<const Column<Record>> columns,
+                                      const Record& record) {
+    return rows.GetFieldExchange(columns, [&record](std::span<const Column<Record>> bound) {
+        std::vector<afx::ExchangedMember> members;
+        for (const Column<Record>& column : bound) {
+            visit_member(column, record, [&](const auto& member) {
+                const auto offset = reinterpret_cast<const char*>(&member) - reinterpret_cast<const char*>(&record);
+                members.push_back(exchanged_member(column.name, column.conversion, static_cast<std::size_t>(offset)));
+            });
         }
+        return members;
+    });
+}
+
+// Runs `mapping`; E_FAIL for the failure of a column, whose exception is deleted. Everything else that goes wrong, lack
+// of memory first of all, is no matter of a column and goes on its way.
+template <class Mapping>
+HRESULT mapped(Mapping&& mapping) {
+    try {
+        mapping();
         return S_OK;
     } catch (CDaoException* e) {
         if (!is_failed_mapping(*e)) throw;
@@ -96,19 +128,40 @@ HRESULT for_each_column(CDaoRecordset& rows, std::span<const Column<Record>> col
     }
 }
 
-// Reads the columns of the current row into the record. After a failure the members before the failed one keep their
-// new contents.
+template <class Record>
+void read_by_value(CDaoRecordset& rows, int field, const Column<Record>& column, Record& record) {
+    if (column.text != nullptr) {
+        read_value(rows, field, record.*column.text);
+    } else if (column.number != nullptr) {
+        read_value(rows, field, record.*column.number);
+    } else if (column.time != nullptr) {
+        read_value(rows, field, column.conversion, record.*column.time);
+    } else {
+        read_value(rows, field, column.conversion, record.*column.amount);
+    }
+}
+
+template <class Record>
+void write_by_value(CDaoRecordset& rows, int field, const Column<Record>& column, const Record& record) {
+    if (column.text != nullptr) {
+        write_value(rows, field, record.*column.text);
+    } else if (column.number != nullptr) {
+        write_value(rows, field, record.*column.number);
+    } else if (column.time != nullptr) {
+        write_value(rows, field, column.conversion, record.*column.time);
+    } else {
+        write_value(rows, field, column.conversion, record.*column.amount);
+    }
+}
+
+// Reads the columns of the current row into the record. Of a failure the members before it keep their new
+// contents.
 template <class Record>
 HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, Record& record) {
-    return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {
-        if (column.text != nullptr) {
-            read_value(rows, field, record.*column.text);
-        } else if (column.number != nullptr) {
-            read_value(rows, field, record.*column.number);
-        } else if (column.time != nullptr) {
-            read_value(rows, field, column.conversion, record.*column.time);
-        } else {
-            read_value(rows, field, column.conversion, record.*column.amount);
+    return mapped([&] {
+        const afx::FieldExchange& exchange = exchange_of(rows, columns, record);
+        for (std::size_t i = 0; (i = rows.ReadFields(exchange, i, &record)) < columns.size(); ++i) {
+            read_by_value(rows, rows.GetExchangedField(exchange, i), columns[i], record);
         }
     });
 }
@@ -117,15 +170,10 @@ HRESULT read_columns(CDaoRecordset& rows, std::span<const Column<Record>> column
 // nothing of the buffer may be saved.
 template <class Record>
 HRESULT write_columns(CDaoRecordset& rows, std::span<const Column<Record>> columns, const Record& record) {
-    return for_each_column(rows, columns, [&](const Column<Record>& column, int field) {
-        if (column.text != nullptr) {
-            write_value(rows, field, record.*column.text);
-        } else if (column.number != nullptr) {
-            write_value(rows, field, record.*column.number);
-        } else if (column.time != nullptr) {
-            write_value(rows, field, column.conversion, record.*column.time);
-        } else {
-            write_value(rows, field, column.conversion, record.*column.amount);
+    return mapped([&] {
+        const afx::FieldExchange& exchange = exchange_of(rows, columns, record);
+        for (std::size_t i = 0; (i = rows.WriteFields(exchange, i, &record)) < columns.size(); ++i) {
+            write_by_value(rows, rows.GetExchangedField(exchange, i), columns[i], record);
         }
     });
 }

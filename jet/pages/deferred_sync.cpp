@@ -13,7 +13,7 @@ DeferredSync::~DeferredSync() = default;
 // false.
 bool DeferredSync::request() noexcept {
     try {
-        return alarm_->set(clock_.now() + kSyncDelay);
+        return alarm_ != nullptr && alarm_->set(clock_.now() + kSyncDelay);
     } catch (...) {
         return false;
     }

@@ -32,6 +32,8 @@ public:
     // the caller must sync.
     bool request() noexcept;
     bool failed() const { return failed_; }
+    // Forgets what was requested, and waits as the destructor does; nothing is synced from then on.
+    void stop() noexcept { alarm_.reset(); }
 
 private:
     void sync() noexcept;

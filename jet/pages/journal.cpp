@@ -167,6 +167,13 @@ void Journal::sync() {
 
 bool Journal::sync_later() { return !name_unsynced_ && deferred_ && deferred_->request(); }
 
+void Journal::sync_no_later() {
+    if (!deferred_) return;
+    deferred_->stop();
+    sync_failed_ |= deferred_->failed();
+    deferred_.reset();
+}
+
 bool Journal::failed() const { return sync_failed_ || (deferred_ && deferred_->failed()); }
 
 void Journal::reset() {

@@ -57,6 +57,9 @@ public:
     void sync();
     // Schedules a sync without waiting for it. False when it will not happen: sync() must be called.
     bool sync_later();
+    // Cancels a scheduled sync and waits for one in progress. Call it before sync(): two syncs at once would wait for
+    // each other.
+    void sync_no_later();
     // A sync failed, here or in the background: the content of the disk is unknown, and a later sync may succeed
     // without having written the data. Only the next opening can tell, by reading it back.
     bool failed() const;

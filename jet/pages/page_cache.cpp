@@ -10,12 +10,6 @@ namespace {
 
 constexpr std::uint8_t kMaxUses = 3;
 
-void prefetch_line([[maybe_unused]] const void* address) {
-#ifdef __GNUC__
-    __builtin_prefetch(address);
-#endif
-}
-
 }  // namespace
 
 // Frames allocated together, as many as fill a large page of memory.
@@ -46,13 +40,6 @@ FrameRef PageCache::use(PageNumber page_no) {
     if (page_no != last_used_ && place.frame->uses < kMaxUses) ++place.frame->uses;
     last_used_ = page_no;
     return place;
-}
-
-void PageCache::prefetch(PageNumber page_no) const {
-    if (const FrameRef place = find(page_no)) {
-        prefetch_line(place.frame);
-        prefetch_line(place.bytes);
-    }
 }
 
 FrameRef PageCache::add(PageNumber page_no) {

@@ -88,8 +88,6 @@ public:
     FrameRef add(PageNumber page_no);
     // Frees the frame; needs no memory.
     void remove(Frame& frame);
-    // CPU prefetch hint; any page number is allowed.
-    void prefetch(PageNumber page_no) const;
     // Call after frames have become evictable: restarts the search for one.
     void search_again() { search_from_ = 0; }
 

@@ -1,5 +1,6 @@
 #include "jet/pages/pager.h"
 
+#include <algorithm>
 #include <cstring>
 #include <new>
 #include <utility>
@@ -16,7 +17,8 @@ Pager::Pager(os::FileSystem& files, std::unique_ptr<os::File> file, std::string 
       file_(std::move(file)),
       path_(std::move(path)),
       options_(options),
-      cache_(options.cache_pages) {
+      cache_(options.cache_pages),
+      last_read_(jet4::kMaxPages) {
     with_engine_errors([&] {
         journal_ = std::make_unique<Journal>(files, path_);
         const Recovered recovered = recover(files, *file_, path_, options_.read_only);
@@ -58,6 +60,49 @@ void Pager::require_transaction(const char* what) const {
 FrameRef Pager::load(PageNumber page_no) {
     if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
     if (const FrameRef place = cache_.use(page_no)) return place;
+    const std::size_t pages = pages_to_read(page_no);
+    last_read_ = page_no;
+    if (pages > 1) {
+        if (const FrameRef place = read_run(page_no, pages)) return place;
+    }
+    return read_into_cache(page_no);
+}
+
+// After some pages that each came soon after the one before, as an enumeration asks for them, a page brings more and
+// more of the next ones with it.
+std::size_t Pager::pages_to_read(PageNumber page_no) {
+    constexpr PageNumber kNear = 8;
+    constexpr std::size_t kSingly = 8;  // a small file is read page by page
+    constexpr std::size_t kLongestRun = 32;
+    const bool is_next = page_no > last_read_ && page_no - last_read_ <= kNear;
+    const std::size_t more = run_pages_ < kSingly ? run_pages_ + 1 : 2 * run_pages_;
+    run_pages_ = is_next ? std::min({more, kLongestRun, options_.cache_pages / 8 + 1}) : 1;
+    return run_pages_ < kSingly ? 1 : std::min<std::size_t>(run_pages_, page_count_ - page_no);
+}
+
+// None where the run cannot be had: then the page must be read alone.
+FrameRef Pager::read_run(PageNumber page_no, std::size_t pages) {
+    try {
+        run_.resize(pages * jet4::kPageSize);
+        const std::size_t got = file_->read(std::uint64_t{page_no} * jet4::kPageSize, run_) / jet4::kPageSize;
+        if (got == 0) return {};
+        pages_read_ += got;
+        last_read_ = page_no + static_cast<PageNumber>(got) - 1;
+        // The page itself comes last, so that no other takes its frame.
+        for (std::size_t i = got; i-- > 0;) {
+            const PageNumber at = page_no + static_cast<PageNumber>(i);
+            if (cache_.find(at)) continue;  // and may be newer
+            const FrameRef place = cache_.add(at);
+            std::memcpy(place.bytes, run_.data() + i * jet4::kPageSize, jet4::kPageSize);
+            if (i == 0) return place;
+        }
+    } catch (const os::FileError&) {
+    } catch (const std::bad_alloc&) {
+    }
+    return {};
+}
+
+FrameRef Pager::read_into_cache(PageNumber page_no) {
     const FrameRef place = cache_.add(page_no);
     try {
         const std::uint64_t at = std::uint64_t{page_no} * jet4::kPageSize;
@@ -69,6 +114,21 @@ FrameRef Pager::load(PageNumber page_no) {
     }
     ++pages_read_;
     return place;
+}
+
+bool Pager::find(PageNumber page_no, Page& into) const {
+    const FrameRef place = cache_.find(page_no);
+    if (place) into = Page(place);
+    return static_cast<bool>(place);
+}
+
+std::size_t Pager::read_past_cache(PageNumber page_no, MutableByteSpan into) {
+    if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
+    const std::uint64_t at = std::uint64_t{page_no} * jet4::kPageSize;
+    const std::size_t got = with_engine_errors([&] { return file_->read(at, into); });
+    if (got < jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
+    pages_read_ += got / jet4::kPageSize;
+    return got / jet4::kPageSize;
 }
 
 MutablePage Pager::modify(PageNumber page_no) {
@@ -234,6 +294,7 @@ void Pager::close() {
         with_engine_errors([&] { journal_->remove(); });
         return;
     }
+    journal_->sync_no_later();
     require_writable();
     with_engine_errors([&] {
         write_back();

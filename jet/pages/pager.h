@@ -59,8 +59,11 @@ public:
     std::uint32_t page_count() const { return page_count_; }
 
     Page read(PageNumber page_no) { return Page(load(page_no)); }
-    // CPU prefetch hint for a page that will soon be read; any page number is allowed.
-    void prefetch(PageNumber page_no) const { cache_.prefetch(page_no); }
+    // The page where it is in memory; false, and `into` is untouched, where it is not.
+    bool find(PageNumber page_no, Page& into) const;
+    // The content of the .mdb from this page on, as many whole pages as `into` holds and the file has: at least one.
+    // Pages in memory may be newer. Errors as read().
+    std::size_t read_past_cache(PageNumber page_no, MutableByteSpan into);
     // Only inside a transaction.
     MutablePage modify(PageNumber page_no);
     // Appends a zeroed page (only inside a transaction); 3183 at the 2 GiB limit.
@@ -88,6 +91,9 @@ public:
 
 private:
     FrameRef load(PageNumber page_no);
+    FrameRef read_into_cache(PageNumber page_no);
+    std::size_t pages_to_read(PageNumber page_no);
+    FrameRef read_run(PageNumber page_no, std::size_t pages);
     void require_writable() const;
     void require_transaction(const char* what) const;
 
@@ -122,6 +128,9 @@ private:
     bool broken_ = false;  // the disk failed; no more commits
     bool closed_ = false;
     std::uint64_t pages_read_ = 0;
+    PageNumber last_read_ = 0;  // from the file, the last one of its run
+    std::size_t run_pages_ = 1;
+    ByteVector run_;
 };
 
 // Begins a transaction; rolls it back when it goes out of scope uncommitted.

@@ -85,6 +85,7 @@ const Catalog::Known& Catalog::known() const {
         object.row = *id;
         objects.push_back(std::move(object));
     }
+    for (std::uint32_t i = 0; i < objects.size(); ++i) found.by_exact_name.emplace(objects[i].entry.name, i);
     found.by_id.resize(objects.size());
     std::iota(found.by_id.begin(), found.by_id.end(), 0u);
     found.by_name = found.by_id;
@@ -104,16 +105,14 @@ const Catalog::Known& Catalog::known() const {
 
 const Catalog::Object* Catalog::find(std::u16string_view name) const {
     const Known& all = known();
+    const auto exact = all.by_exact_name.find(name);
+    if (exact != all.by_exact_name.end()) return &all.objects[exact->second];
     const auto name_of = [&](std::uint32_t place) -> const std::u16string& { return all.objects[place].entry.name; };
     const auto first = std::lower_bound(
         all.by_name.begin(), all.by_name.end(), name,
         [&](std::uint32_t place, std::u16string_view wanted) { return compare_text(name_of(place), wanted) < 0; });
-    const Object* same = nullptr;
-    for (auto at = first; at != all.by_name.end() && same_name(name_of(*at), name); ++at) {
-        if (name_of(*at) == name) return &all.objects[*at];
-        if (!same) same = &all.objects[*at];
-    }
-    return same;
+    const bool is_there = first != all.by_name.end() && same_name(name_of(*first), name);
+    return is_there ? &all.objects[*first] : nullptr;
 }
 
 const Catalog::Object* Catalog::find(std::int32_t id) const {

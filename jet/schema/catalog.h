@@ -4,6 +4,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "jet/pages/header.h"
@@ -81,6 +83,7 @@ private:
         std::vector<Object> objects;
         std::vector<std::uint32_t> by_id;
         std::vector<std::uint32_t> by_name;  // names in any case
+        std::unordered_map<std::u16string_view, std::uint32_t> by_exact_name;
     };
     const Known& known() const;
 

@@ -13,6 +13,7 @@ struct MapSpan {
     std::size_t position = 0;     // the column
     std::uint64_t first_key = 0;  // both ends included
     std::uint64_t last_key = 0;
+    bool is_condition = false;  // its rows are the result
 };
 
 // The entry behind `entry` in a map; none behind the last possible one.

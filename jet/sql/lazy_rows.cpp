@@ -1,6 +1,7 @@
 #include "jet/sql/lazy_rows.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "jet/sql/candidates.h"
 #include "jet/sql/collected_rows.h"
@@ -27,7 +28,7 @@ std::optional<RowId> LazyRows::next() {
     while (const auto row = next_candidate()) {
         position_ = *row;
         furthest_ = std::max(furthest_, position_);
-        if (is_member(*row)) return row;
+        if ((is_keys_row() && verdicts_.empty()) || is_member(*row)) return row;
     }
     furthest_ = kBeyondAllRows;
     return std::nullopt;
@@ -36,12 +37,13 @@ std::optional<RowId> LazyRows::next() {
 // The live row behind position_ that may be a member.
 std::optional<RowId> LazyRows::next_candidate() const {
     std::optional<RowId> row;
+    row_read_ = {};
     if (source_ == Source::kScan) {
-        row = query_.table().next_row(position_);
-    } else if (const ColumnMap* map = query_.table().column_map(span_->position)) {
-        const auto from = entry_after({span_->first_key, position_.pack()});
-        const auto entry = from ? map->lower_bound(*from) : std::nullopt;
-        if (entry && entry->key == span_->first_key) row = RowId::unpack(entry->row);
+        bool is_read = false;
+        row = query_.table().next_row(position_, row_, is_read);
+        if (row && is_read) row_read_ = *row;
+    } else {
+        row = query_.table().next_row_of_key(span_->position, span_->first_key, position_);
     }
     if (row && is_beyond_end(*row)) row.reset();
     return row;
@@ -49,7 +51,19 @@ std::optional<RowId> LazyRows::next_candidate() const {
 
 bool LazyRows::meets_condition(RowId row) const {
     if (!query_.has_condition()) return true;
-    return query_.table().read(row, row_) && query_.matches(row_);
+    if (row_read_.is_null() || row_read_ != row) {
+        row_read_ = {};
+        if (!query_.table().read(row, row_)) return false;
+        row_read_ = row;
+    }
+    return query_.matches(row_);
+}
+
+bool LazyRows::give_view(RowId row, RowView& into) {
+    if (row_read_.is_null() || row_read_ != row) return false;
+    std::swap(into, row_);
+    row_read_ = {};
+    return true;
 }
 
 // By what was written down before changes, else by the row as it is.
@@ -63,6 +77,7 @@ bool LazyRows::is_member(RowId row) const {
 
 // A row may come to stand where a member stood before it was deleted.
 void LazyRows::row_inserted(RowId row) {
+    if (row_read_ == row) row_read_ = {};
     if (is_beyond_end(row)) return;
     // Rows added at the table's end need no verdict each once it is known where the members end.
     if (!end_ && verdicts_.size() >= kFewVerdicts && !query_.table().next_row(row)) {
@@ -73,10 +88,12 @@ void LazyRows::row_inserted(RowId row) {
 }
 
 void LazyRows::row_changing(RowId row) {
-    if (!query_.has_condition() || is_beyond_end(row) || verdicts_.contains(row.pack())) return;
-    const bool member = meets_condition(row);
-    verdicts_[row.pack()] = member;
-    a_member_changed_ = a_member_changed_ || member;
+    if (query_.has_condition() && !is_beyond_end(row) && !verdicts_.contains(row.pack())) {
+        const bool member = meets_condition(row);
+        verdicts_[row.pack()] = member;
+        a_member_changed_ = a_member_changed_ || member;
+    }
+    row_read_ = {};  // its values are the old ones from now on
 }
 
 std::unique_ptr<SetRows> LazyRows::successor_for_use() {

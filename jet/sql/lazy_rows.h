@@ -17,6 +17,7 @@ public:
     void restart() override { position_ = {}; }
     std::optional<RowId> next() override;
     bool delivered(RowId row) const override { return row <= furthest_ && is_member(row); }
+    bool give_view(RowId row, RowView& into) override;
     void move_to(RowId row) override { position_ = row; }
     void row_inserted(RowId row) override;
     void row_changing(RowId row) override;
@@ -36,6 +37,8 @@ private:
     };
 
     std::optional<RowId> next_candidate() const;
+    // Whether the map alone says that a row it gives is a member.
+    bool is_keys_row() const { return source_ == Source::kKey && span_->is_condition; }
     bool is_member(RowId row) const;
     bool meets_condition(RowId row) const;
     bool is_beyond_end(RowId row) const { return end_ && *end_ <= row; }
@@ -50,7 +53,8 @@ private:
     bool a_member_changed_ = false;
     // Whether rows changed or added since the opening are members.
     std::unordered_map<std::uint32_t, bool> verdicts_;
-    mutable RowView row_;  // buffer
+    mutable RowView row_;     // buffer
+    mutable RowId row_read_;  // the row in it; null: none
 };
 
 }  // namespace jet::sql

@@ -5,6 +5,7 @@
 #include <limits>
 #include <optional>
 
+#include "jet/sql/characters.h"
 #include "jet/sql/date_literal.h"
 
 namespace jet::sql {
@@ -12,14 +13,6 @@ namespace jet::sql {
 namespace {
 
 constexpr int kCurrencyPlaces = 4;
-
-bool is_blank(char16_t c) { return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n'; }
-bool is_digit(char16_t c) { return c >= u'0' && c <= u'9'; }
-
-char16_t upper(char16_t c) { return c >= u'a' && c <= u'z' ? static_cast<char16_t>(c - u'a' + u'A') : c; }
-
-bool starts_name(char16_t c) { return (upper(c) >= u'A' && upper(c) <= u'Z') || c == u'_' || c > 0xA0; }
-bool continues_name(char16_t c) { return starts_name(c) || is_digit(c) || c == u'$'; }
 
 struct Keyword {
     std::u16string_view text;

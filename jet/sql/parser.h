@@ -23,6 +23,10 @@ std::shared_ptr<const Statement> parse(const Lexed& lexed);
 // As parse(), from the process-wide cache when a statement of this shape was parsed before. Any thread.
 std::shared_ptr<const Statement> parse_cached(const Lexed& lexed);
 
+// The statement that was remembered under a frame (jet/sql/skim.h); null when there is none. Any thread.
+std::shared_ptr<const Statement> recall_statement(const std::u16string& frame);
+void remember_statement(std::u16string frame, std::shared_ptr<const Statement> statement);
+
 // The statement for a table's whole content, as when a host gives a table's name instead of a statement.
 std::shared_ptr<const Statement> whole_table(std::u16string_view table);
 

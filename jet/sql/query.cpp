@@ -7,6 +7,7 @@
 #include "jet/sql/evaluator.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/scalar.h"
+#include "jet/sql/skim.h"
 #include "jet/sql/table_name.h"
 
 namespace jet::sql {
@@ -144,20 +145,29 @@ Query::~Query() = default;
 
 Query Query::prepare(Database& database, std::u16string_view statement) {
     auto impl = std::make_unique<Impl>();
-    Lexed lexed = lex(statement);
-    if (Table* const table = table_instead_of_statement(database, lexed)) {
-        impl->table = table;
-        impl->statement = whole_table(table->def().name);
-        lexed.literals.clear();
+    std::optional<Skimmed> skimmed = skim(statement);
+    std::vector<Literal> literals;
+    if (skimmed && (impl->statement = recall_statement(skimmed->frame)) != nullptr) {
+        literals = std::move(skimmed->literals);
     } else {
-        impl->statement = parse_cached(lexed);
-        impl->table = database.find_table(impl->statement->table);
-        if (impl->table == nullptr) {
-            fail(errors::kNoSuchTable,
-                 "There is no table " + to_utf8(impl->statement->table) + " in " + database.path() + ".");
+        Lexed lexed = lex(statement);
+        impl->table = table_instead_of_statement(database, lexed);
+        if (impl->table != nullptr) {
+            impl->statement = whole_table(impl->table->def().name);
+        } else {
+            impl->statement = parse_cached(lexed);
+            literals = std::move(lexed.literals);
+            if (skimmed && skimmed->literals == literals) {
+                remember_statement(std::move(skimmed->frame), impl->statement);
+            }
         }
     }
-    impl->binding = bind_statement(*impl->statement, impl->table->def(), std::move(lexed.literals));
+    if (impl->table == nullptr) impl->table = database.find_table(impl->statement->table);
+    if (impl->table == nullptr) {
+        fail(errors::kNoSuchTable,
+             "There is no table " + to_utf8(impl->statement->table) + " in " + database.path() + ".");
+    }
+    impl->binding = bind_statement(*impl->statement, impl->table->def(), std::move(literals));
     for (const OrderTerm& term : impl->statement->order) {
         impl->order.push_back({impl->binding.positions[term.column], term.descending});
     }
@@ -192,7 +202,9 @@ std::optional<MapSpan> Query::span() const {
         const ColumnType type = columns[test->position].type;
         const auto* number = std::get_if<std::int64_t>(test->literal);
         if (type == ColumnType::kLong && number != nullptr && test->comparison == Comparison::kEqual) {
-            return span_of_number(test->position, *number);
+            MapSpan span = span_of_number(test->position, *number);
+            span.is_condition = !chain;
+            return span;
         }
         const auto* date = std::get_if<Date>(test->literal);
         if (type != ColumnType::kDate || date == nullptr) continue;

@@ -31,6 +31,8 @@ public:
     std::optional<RowId> first_original();
     // The next one after the row delivered last.
     std::optional<RowId> next();
+    // The content of `row`, delivered last, where the set has read it already; false when it must be read.
+    bool give_view(RowId row, RowView& into) { return !is_among_additions_ && rows_->give_view(row, into); }
     // Whether the row delivered last, or moved to, is an own addition.
     bool is_among_additions() const { return is_among_additions_; }
     // Whether `row` is a member as far as the set has been collected or delivered; a member deleted

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "jet/base/types.h"
+#include "jet/storage/row_view.h"
 
 namespace jet::sql {
 
@@ -19,6 +20,8 @@ public:
     // Whether `row` is a member as far as the set has been collected or delivered; a member deleted meanwhile still is
     // one.
     virtual bool delivered(RowId row) const = 0;
+    // The row delivered last, where it has been read for its membership and has not changed since; false when not.
+    virtual bool give_view(RowId, RowView&) { return false; }
     // next() goes on behind `row`, delivered before.
     virtual void move_to(RowId row) = 0;
 

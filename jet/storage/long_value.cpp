@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/base/prefetch.h"
 #include "jet/storage/data_page.h"
 #include "jet/storage/text_codec.h"
 
@@ -76,18 +77,22 @@ std::optional<ByteSpan> LongValues::inline_bytes(ByteSpan reference) {
     return slice(reference, lv::kReference, ref.length);
 }
 
-void LongValues::prefetch(ByteSpan reference) const {
-    if (!inline_bytes(reference)) pager_.prefetch(parse_reference(reference).row.page);
+std::optional<ByteSpan> LongValues::bytes_in_place(ByteSpan reference, Page& page) const {
+    if (const auto bytes = inline_bytes(reference)) return bytes;
+    const Reference ref = parse_reference(reference);
+    if (ref.kind != lv::kSingle) return std::nullopt;
+    page = pager_.read(ref.row.page);
+    const ByteSpan piece = piece_of(page, ref.row);
+    // The next row's value mostly lies before this one and is about as long.
+    const auto before = static_cast<std::size_t>(piece.data() - page.bytes().data());
+    prefetch_bytes(page.bytes().subspan(before - std::min(before, piece.size()), std::min(before, piece.size())));
+    return slice(piece, 0, ref.length);
 }
 
 ByteVector LongValues::read(ByteSpan reference, const ValueId* value) const {
-    if (const auto bytes = inline_bytes(reference)) return {bytes->begin(), bytes->end()};
+    Page single;
+    if (const auto bytes = bytes_in_place(reference, single)) return {bytes->begin(), bytes->end()};
     const Reference ref = parse_reference(reference);
-    if (ref.kind == lv::kSingle) {
-        const Page page = pager_.read(ref.row.page);
-        const ByteSpan bytes = slice(piece_of(page, ref.row), 0, ref.length);
-        return {bytes.begin(), bytes.end()};
-    }
     if (ref.kind != 0) corrupt(ref.row.page, "a long value is of an unknown kind");
     // The length is not believed before as many bytes have been seen.
     ByteVector bytes;

@@ -20,8 +20,8 @@ public:
     // All bytes behind a stored reference. An empty field reads as an empty value. 3049 for a chain that is broken,
     // or whose pages belong to another value than `value`.
     ByteVector read(ByteSpan reference, const ValueId* value = nullptr) const;
-    // Says that they will soon be read.
-    void prefetch(ByteSpan reference) const;
+    // As above, where they stand: behind the reference, or on one page, which stays pinned in `page`. None for a chain.
+    std::optional<ByteSpan> bytes_in_place(ByteSpan reference, Page& page) const;
     // The bytes themselves where they stand behind the reference; none for a value on pages of its own.
     static std::optional<ByteSpan> inline_bytes(ByteSpan reference);
     // Stores `bytes` and returns the reference with what follows it. `inline_allowed` false puts even a

@@ -48,13 +48,9 @@ std::optional<ByteSpan> RowView::find(const ColumnDef& column) const {
 
 std::optional<ByteSpan> RowView::stored(std::size_t position) const { return find(shape_->columns.at(position)); }
 
-std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
-    const ColumnDef& column = shape_->columns.at(position);
-    if (column.type != ColumnType::kText && column.type != ColumnType::kMemo) return std::nullopt;
-    const auto stored = find(column);
-    if (!stored || column.type != ColumnType::kMemo) return stored;
+std::optional<ByteSpan> RowView::long_bytes(ByteSpan stored, Page& page) const {
     try {
-        return LongValues::inline_bytes(*stored);
+        return storage_->long_values().bytes_in_place(stored, page);
     } catch (const Error& error) {
         if (!storage_->passes_over(row_.page, error)) throw;
         return std::nullopt;
@@ -62,17 +58,5 @@ std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
 }
 
 bool RowView::is_null(std::size_t position) const { return !stored(position).has_value(); }
-
-void RowView::prefetch_long_values() const {
-    const LongValues long_values = storage_->long_values();
-    try {
-        for (const ColumnDef& column : shape_->columns) {
-            if (!column.is_long()) continue;
-            if (const auto stored = reader_.stored(column)) long_values.prefetch(*stored);
-        }
-    } catch (const Error&) {
-        // What is damaged concerns only who reads it.
-    }
-}
 
 }  // namespace jet

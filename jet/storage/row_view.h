@@ -17,6 +17,8 @@ public:
     RowView() = default;
     RowView(const RowView&) = delete;
     RowView& operator=(const RowView&) = delete;
+    RowView(RowView&&) = default;  // the bytes stay where they are
+    RowView& operator=(RowView&&) = default;
 
     // Takes a copy of the row's bytes. `storage` and `shape` are used as long as values are asked for.
     void fill(Storage& storage, const RowShape& shape, RowId row, ByteSpan bytes);
@@ -24,16 +26,14 @@ public:
     // Stored bytes of the column at `position` in the shape's columns, as RowReader gives them; they stay
     // while the view is not filled again.
     std::optional<ByteSpan> stored(std::size_t position) const;
-    // The stored text of a column that holds texts, with a memo's where the row itself holds it; none for every
-    // other value.
-    std::optional<ByteSpan> stored_text(std::size_t position) const;
+    // What a long value's stored bytes lead to, where it stands in the row or on one page, which stays pinned in
+    // `page`; none for a chain of pages.
+    std::optional<ByteSpan> long_bytes(ByteSpan stored, Page& page) const;
     // Value of the column at `position` in the shape's columns; long values are fetched.
     Value value(std::size_t position) const;
     // As above, into a value whose memory is used again.
     void value(std::size_t position, Value& into) const;
     bool is_null(std::size_t position) const;
-    // Says that all values will soon be read.
-    void prefetch_long_values() const;
 
     ByteSpan bytes() const { return bytes_; }
     // Of the row's bytes: raises damage, whoever passes over it elsewhere.

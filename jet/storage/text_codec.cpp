@@ -5,6 +5,10 @@
 #include "jet/base/error.h"
 #include "jet/base/types.h"
 
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
 namespace jet {
 namespace {
 
@@ -44,22 +48,92 @@ ByteVector encode_toggling(std::u16string_view text) {
 
 bool is_marked(ByteSpan bytes) { return bytes.size() >= 2 && bytes[0] == kMark[0] && bytes[1] == kMark[1]; }
 
-// Eight bytes at once, the first one lowest.
-std::uint64_t load_eight(const std::uint8_t* bytes) { return load_u64(ByteSpan(bytes, 8), 0); }
+#ifdef __SSE2__
 
-// `kBeyond` marks the bits that no character up to 0x7F has; taking 1 from each lane reaches its highest bit only
-// where the lane, or one below it, was zero.
-template <std::uint64_t kBeyond, std::uint64_t kOnes, std::uint64_t kHighest>
-bool has_other_than_ascii(std::uint64_t word) {
-    return (word & kBeyond) != 0 || ((word - kOnes) & kHighest) != 0;
+// What a text is made of, gathered piece by piece.
+class Seen {
+public:
+    void add_units(__m128i units) {
+        any_ = _mm_or_si128(any_, _mm_and_si128(units, _mm_set1_epi16(static_cast<short>(0xFF80))));
+        any_ = _mm_or_si128(any_, _mm_cmpeq_epi16(units, _mm_setzero_si128()));
+    }
+    void add_bytes(__m128i bytes) {
+        any_ = _mm_or_si128(any_, _mm_and_si128(bytes, _mm_set1_epi8(static_cast<char>(0x80))));
+        any_ = _mm_or_si128(any_, _mm_cmpeq_epi8(bytes, _mm_setzero_si128()));
+    }
+    void add_unit(unsigned unit) { other_ |= unit == 0 || unit >= 0x80; }
+    bool is_ascii() const { return !other_ && _mm_movemask_epi8(_mm_cmpeq_epi8(any_, _mm_setzero_si128())) == 0xFFFF; }
+
+private:
+    __m128i any_ = _mm_setzero_si128();  // bits that no character of ASCII has, and the places of NUL
+    bool other_ = false;
+};
+
+__m128i load_sixteen(const std::uint8_t* at) { return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at)); }
+
+bool copy_units(const std::uint8_t* at, std::size_t count, char* to) {
+    Seen seen;
+    const auto copy_eight = [&](std::size_t from) {
+        const __m128i units = load_sixteen(at + 2 * from);
+        seen.add_units(units);
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to + from), _mm_packus_epi16(units, units));
+    };
+    std::size_t done = 0;
+    for (; done + 8 <= count; done += 8) copy_eight(done);
+    if (count >= 8) {
+        if (done < count) copy_eight(count - 8);  // some of them twice
+        return seen.is_ascii();
+    }
+    for (; done < count; ++done) {
+        seen.add_unit(static_cast<unsigned>(at[2 * done] | at[2 * done + 1] << 8));
+        to[done] = static_cast<char>(at[2 * done]);
+    }
+    return seen.is_ascii();
 }
-bool has_other_byte(std::uint64_t word) {
-    return has_other_than_ascii<0x8080808080808080, 0x0101010101010101, 0x8080808080808080>(word);
+
+bool copy_bytes(const std::uint8_t* at, std::size_t count, char* to) {
+    Seen seen;
+    const auto copy_sixteen = [&](std::size_t from) {
+        const __m128i bytes = load_sixteen(at + from);
+        seen.add_bytes(bytes);
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(to + from), bytes);
+    };
+    std::size_t done = 0;
+    for (; done + 16 <= count; done += 16) copy_sixteen(done);
+    if (count >= 16) {
+        if (done < count) copy_sixteen(count - 16);
+        return seen.is_ascii();
+    }
+    for (; done < count; ++done) {
+        seen.add_unit(at[done]);
+        to[done] = static_cast<char>(at[done]);
+    }
+    return seen.is_ascii();
 }
-bool has_other_unit(std::uint64_t word) {
-    return has_other_than_ascii<0xFF80FF80FF80FF80, 0x0001000100010001, 0x8000800080008000>(word);
+
+#else
+
+// A unit that is no character of ASCII, or NUL, leaves a high bit: taking 1 from NUL borrows from above.
+bool copy_units(const std::uint8_t* at, std::size_t count, char* to) {
+    unsigned seen = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto unit = static_cast<unsigned>(at[2 * i] | at[2 * i + 1] << 8);
+        seen |= unit | (unit - 1);
+        to[i] = static_cast<char>(unit);
+    }
+    return seen < 0x80;
 }
-bool is_ascii_unit(const std::uint8_t* unit) { return unit[1] == 0 && unit[0] != 0 && unit[0] < 0x80; }
+
+bool copy_bytes(const std::uint8_t* at, std::size_t count, char* to) {
+    unsigned seen = 0;
+    for (std::size_t i = 0; i < count; ++i) {
+        seen |= at[i] | (at[i] - 1u);
+        to[i] = static_cast<char>(at[i]);
+    }
+    return seen < 0x80;
+}
+
+#endif
 
 }  // namespace
 
@@ -113,41 +187,11 @@ void decode_text(ByteSpan bytes, std::u16string& text) {
     }
 }
 
-std::optional<std::size_t> ascii_length(ByteSpan bytes) {
-    const std::uint8_t* at = bytes.data();
-    const std::uint8_t* const end = at + bytes.size();
-    if (is_marked(bytes)) {
-        for (at += 2; end - at >= 8; at += 8) {
-            if (has_other_byte(load_eight(at))) return std::nullopt;
-        }
-        for (; at != end; ++at) {
-            if (*at == 0 || *at >= 0x80) return std::nullopt;
-        }
-        return bytes.size() - 2;
-    }
-    for (; end - at >= 8; at += 8) {
-        if (has_other_unit(load_eight(at))) return std::nullopt;
-    }
-    for (; end - at >= 2; at += 2) {
-        if (!is_ascii_unit(at)) return std::nullopt;
-    }
-    return bytes.size() / 2;
-}
+std::size_t ascii_length(ByteSpan bytes) { return is_marked(bytes) ? bytes.size() - 2 : bytes.size() / 2; }
 
-void copy_ascii(ByteSpan bytes, char* to) {
-    const std::uint8_t* at = bytes.data();
-    if (is_marked(bytes)) {
-        std::copy(at + 2, at + bytes.size(), to);
-        return;
-    }
-    const std::uint8_t* const end = at + bytes.size();
-    for (; end - at >= 8; at += 8, to += 4) {
-        std::uint64_t word = load_eight(at);
-        word = (word | word >> 8) & 0x0000FFFF0000FFFF;
-        word |= word >> 16;
-        for (int i = 0; i < 4; ++i) to[i] = static_cast<char>(word >> (8 * i));
-    }
-    for (; end - at >= 2; at += 2) *to++ = static_cast<char>(*at);
+bool copy_ascii(ByteSpan bytes, char* to) {
+    if (is_marked(bytes)) return copy_bytes(bytes.data() + 2, bytes.size() - 2, to);
+    return copy_units(bytes.data(), bytes.size() / 2, to);
 }
 
 }  // namespace jet

@@ -3,7 +3,6 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -22,10 +21,10 @@ std::u16string decode_text(ByteSpan bytes);
 // As above, into a text whose memory is used again.
 void decode_text(ByteSpan bytes, std::u16string& into);
 
-// Most texts are ASCII, the same in every code page. How many characters a stored text has, if it is nothing but
-// ASCII without NUL; none for any other.
-std::optional<std::size_t> ascii_length(ByteSpan bytes);
-// Writes the characters of such a text to `to`.
-void copy_ascii(ByteSpan bytes, char* to);
+// Most texts are ASCII, the same in every code page. How many characters a stored text has if it is nothing but that.
+std::size_t ascii_length(ByteSpan bytes);
+// Writes its characters, as many as that, to `to`. False, and `to` holds nothing of use, where one is not ASCII, or
+// NUL.
+bool copy_ascii(ByteSpan bytes, char* to);
 
 }  // namespace jet

@@ -1,4 +1,5 @@
-// The column maps that statements have asked a table for, kept current as its rows change.
+// The column maps that statements have asked a table for, kept current as its rows change. One that has not come to a
+// row's page yet will find the row there as it is then.
 #pragma once
 
 #include <cstdint>
@@ -15,12 +16,16 @@ public:
     // A row's key in each map, in their order.
     using Keys = std::vector<std::optional<std::uint64_t>>;
 
-    // Null: it has not been asked for.
-    const ColumnMap* find(std::size_t position) const {
-        const auto found = maps_.find(position);
-        return found == maps_.end() ? nullptr : &found->second;
-    }
-    const ColumnMap* keep(std::size_t position, ColumnMap map) { return &(maps_[position] = std::move(map)); }
+    // A map and how much of the table it holds: the rows on pages before `end`, in whose order it grows.
+    struct Growing {
+        static constexpr PageNumber kWholeTable = 0xFFFFFFFF;
+        ColumnMap map;
+        PageNumber end = 0;
+        bool is_whole() const { return end == kWholeTable; }
+    };
+
+    // The column's map, which holds nothing when it has not been asked for before.
+    Growing& of(std::size_t position) { return maps_[position]; }
     void clear() { maps_.clear(); }
 
     // The keys of no row.
@@ -37,7 +42,7 @@ public:
     void change(RowId row, const Keys& from, const Keys& to) noexcept;
 
 private:
-    std::map<std::size_t, ColumnMap> maps_;
+    std::map<std::size_t, Growing> maps_;
 };
 
 }  // namespace jet

@@ -1,6 +1,8 @@
 #include "jet/tables/row_store.h"
 
-#include "jet/storage/data_page.h"
+#include <algorithm>
+
+#include "jet/base/prefetch.h"
 
 namespace jet {
 
@@ -14,7 +16,7 @@ constexpr int kMaxHops = 32;
 RowStore::RowStore(Storage& storage, const TableDef& def)
     : storage_(&storage), def_(&def), owned_(storage.map(def.owned_map)), free_(storage.map(def.free_map)) {}
 
-std::optional<RowStore::Place> RowStore::locate(RowId row) const {
+std::optional<RowStore::Place> RowStore::locate(RowId row, Page& body) const {
     if (row.is_null()) return std::nullopt;
     if (row.page >= storage_->pager().page_count()) {
         require_inside_file(row.page);
@@ -22,15 +24,14 @@ std::optional<RowStore::Place> RowStore::locate(RowId row) const {
     }
     Place place{row, row, row};
     for (int hop = 0; hop < kMaxHops; ++hop) {
-        const Page page = storage_->pager().read(place.body.page);
-        const bool ours = hop == 0 ? is_own_page(page) : DataPage::belongs_to(page.bytes(), def_->page);
-        if (hop == 0) {
-            // An address from outside: not a row when nothing of the table is there.
-            if (!ours || place.body.slot >= DataPage(page.bytes(), place.body.page).slot_count()) return std::nullopt;
-        } else if (!ours) {
-            corrupt(place.body.page, "a moved row leads to a page of another owner");
-        }
-        const DataPage data(page.bytes(), place.body.page);
+        body = storage_->pager().read(place.body.page);
+        const bool ours =
+            hop == 0 ? is_own_page(body.bytes(), row.page) : DataPage::belongs_to(body.bytes(), def_->page);
+        if (hop == 0 && !ours) return std::nullopt;
+        if (!ours) corrupt(place.body.page, "a moved row leads to a page of another owner");
+        const DataPage data(body.bytes(), place.body.page);
+        // An address from outside: not a row when nothing of the table is there.
+        if (hop == 0 && row.slot >= data.slot_count()) return std::nullopt;
         const Slot slot = data.slot(place.body.slot);
         if (slot.is_deleted() || (hop == 0 && slot.is_body())) {
             if (hop == 0) return std::nullopt;
@@ -53,10 +54,10 @@ void RowStore::require_inside_file(PageNumber page_no) const {
 
 // Whether rows of the table may stand on the page. A page of the table's map that says it is somebody else's is damage:
 // passed over in silence, its rows would be gone without a word.
-bool RowStore::is_own_page(const Page& page) const {
-    if (DataPage::belongs_to(page.bytes(), def_->page)) return true;
-    if (owned_.contains(page.number())) {
-        corrupt(page.number(), "the page belongs to table '" + to_utf8(def_->name) + "' and does not hold its rows");
+bool RowStore::is_own_page(ByteSpan page, PageNumber page_no) const {
+    if (DataPage::belongs_to(page, def_->page)) return true;
+    if (owned_.contains(page_no)) {
+        corrupt(page_no, "the page belongs to table '" + to_utf8(def_->name) + "' and does not hold its rows");
     }
     return false;
 }
@@ -83,25 +84,41 @@ std::optional<PageNumber> RowStore::next_page(PageNumber from) const {
 }
 
 // The first live row of the page at or after `from`.
-std::optional<std::uint8_t> RowStore::next_slot(PageNumber page_no, std::size_t from) const {
+std::optional<std::uint8_t> RowStore::next_slot(PageNumber page_no, std::size_t from, Reading* reading) const {
     const Page page = storage_->pager().read(page_no);
-    if (!is_own_page(page)) return std::nullopt;
+    if (!is_own_page(page.bytes(), page_no)) return std::nullopt;
     const DataPage data(page.bytes(), page_no);
     for (; from < data.slot_count(); ++from) {
         const Slot entry = data.slot(from);
-        if (!entry.is_deleted() && !entry.is_body()) return static_cast<std::uint8_t>(from);
+        if (entry.is_deleted() || entry.is_body()) continue;
+        // Its neighbour, which is next, lies before it and is about as long.
+        const std::size_t before = std::min<std::size_t>(entry.length, entry.offset);
+        prefetch_bytes(page.bytes().subspan(entry.offset - before, before));
+        const auto slot = static_cast<std::uint8_t>(from);
+        if (reading != nullptr && !entry.is_moved()) read_here({page_no, slot}, data.row(entry), *reading);
+        return slot;
     }
     return std::nullopt;
 }
 
-std::optional<RowId> RowStore::next(RowId after) const {
+// A row that cannot be read for damage is there all the same.
+void RowStore::read_here(RowId row, ByteSpan bytes, const Reading& reading) const {
+    try {
+        reading.into.fill(*storage_, *def_, row, bytes);
+        reading.is_done = true;
+    } catch (const Error&) {
+        // Who wants its values will be told.
+    }
+}
+
+std::optional<RowId> RowStore::next(RowId after, Reading* reading) const {
     std::size_t slot = after.is_null() ? 0 : after.slot + 1u;
     std::optional<PageNumber> page_no = after.is_null() ? next_page(0) : std::optional(after.page);
     for (; page_no; page_no = next_page(*page_no + 1)) {
         try {
             require_inside_file(*page_no);
             if (*page_no >= storage_->pager().page_count()) return std::nullopt;
-            if (const auto found = next_slot(*page_no, slot)) return RowId{*page_no, *found};
+            if (const auto found = next_slot(*page_no, slot, reading)) return RowId{*page_no, *found};
         } catch (const Error& error) {
             if (!storage_->passes_over(*page_no, error)) throw;
             if (*page_no >= storage_->pager().page_count()) return std::nullopt;
@@ -113,15 +130,48 @@ std::optional<RowId> RowStore::next(RowId after) const {
 
 bool RowStore::read(RowId row, RowView& into) const {
     try {
-        const auto place = locate(row);
+        Page page;
+        const auto place = locate(row, page);
         if (!place) return false;
-        const Page page = storage_->pager().read(place->body.page);
         const DataPage data(page.bytes(), place->body.page);
         into.fill(*storage_, *def_, row, data.row(data.slot(place->body.slot)));
         return true;
     } catch (const Error& error) {
         if (!storage_->passes_over(row.page, error)) throw;
         return false;
+    }
+}
+
+std::optional<PageNumber> RowStore::visit_page(PageNumber from, PageScan& pages, const Visit& visit) const {
+    const std::optional<PageNumber> page_no = next_page(from);
+    if (!page_no) return std::nullopt;
+    try {
+        require_inside_file(*page_no);
+        if (*page_no >= storage_->pager().page_count()) return std::nullopt;
+        const ByteSpan page = pages.read(*page_no);
+        if (is_own_page(page, *page_no)) visit_rows(DataPage(page, *page_no), *page_no, visit);
+    } catch (const Error& error) {
+        if (!storage_->passes_over(*page_no, error)) throw;
+        if (*page_no >= storage_->pager().page_count()) return std::nullopt;
+    }
+    return page_no;
+}
+
+void RowStore::visit_rows(const DataPage& page, PageNumber page_no, const Visit& visit) const {
+    for (std::size_t i = 0; i < page.slot_count(); ++i) {
+        const Slot slot = page.slot(i);
+        if (slot.is_deleted() || slot.is_body()) continue;
+        const RowId row{page_no, static_cast<std::uint8_t>(i)};
+        try {
+            if (!slot.is_moved()) {
+                visit(row, RowReader(page.row(slot), *def_));
+                continue;
+            }
+            RowView moved;
+            if (read(row, moved)) visit(row, moved.reader());
+        } catch (const Error& error) {
+            if (!storage_->passes_over(page_no, error)) throw;
+        }
     }
 }
 
@@ -138,7 +188,7 @@ bool RowStore::fits(PageNumber page_no, std::size_t length) const {
     // A row on a page outside of the table's map would never be found again.
     if (!owned_.contains(page_no)) corrupt(page_no, "a page with room for rows is not one of its table");
     const Page page = storage_->pager().read(page_no);
-    return is_own_page(page) && DataPage(page.bytes(), page_no).has_room(length);
+    return is_own_page(page.bytes(), page_no) && DataPage(page.bytes(), page_no).has_room(length);
 }
 
 PageNumber RowStore::page_with_room(std::size_t length) {

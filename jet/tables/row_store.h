@@ -8,11 +8,14 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
+#include "jet/pages/page_scan.h"
 #include "jet/schema/table_def.h"
+#include "jet/storage/data_page.h"
 #include "jet/storage/row_view.h"
 #include "jet/storage/storage.h"
 #include "jet/storage/usage_map.h"
@@ -33,12 +36,24 @@ public:
     RowStore(Storage& storage, const TableDef& def);
 
     // First live row after `after` in the order of (page, slot); a null RowId: the first of all.
-    std::optional<RowId> next(RowId after) const;
+    std::optional<RowId> next(RowId after) const { return next(after, nullptr); }
+    // As above, with the row's content where it stands at its address: `is_read` tells.
+    std::optional<RowId> next(RowId after, RowView& into, bool& is_read) const {
+        Reading reading{into, is_read = false};
+        return next(after, &reading);
+    }
     // None when there is no such live row. 3049 where its pointers lead nowhere.
-    std::optional<Place> locate(RowId row) const;
+    std::optional<Place> locate(RowId row) const {
+        Page body;
+        return locate(row, body);
+    }
     // As above, with the row's bytes; where damage is passed over, false for a row that cannot be read.
     bool read(RowId row, RowView& into) const;
     bool exists(RowId row) const;
+    // Visits the rows of the first page at or after `from`, and gives the page; none after the last one. `pages` is of
+    // one going through the table.
+    using Visit = std::function<void(RowId, const RowReader&)>;
+    std::optional<PageNumber> visit_page(PageNumber from, PageScan& pages, const Visit& visit) const;
 
     // Inside a transaction, with bytes of at most jet4::data::kMaxRow.
     RowId add(ByteSpan row) { return place(row, 0); }
@@ -49,9 +64,18 @@ public:
     const UsageMap& pages() const { return owned_; }
 
 private:
-    bool is_own_page(const Page& page) const;
+    bool is_own_page(ByteSpan page, PageNumber page_no) const;
+    void visit_rows(const DataPage& page, PageNumber page_no, const Visit& visit) const;
+    // As above, with the page that the row stands on.
+    std::optional<Place> locate(RowId row, Page& body) const;
     std::optional<PageNumber> next_page(PageNumber from) const;
-    std::optional<std::uint8_t> next_slot(PageNumber page_no, std::size_t from) const;
+    struct Reading {
+        RowView& into;
+        bool& is_done;
+    };
+    std::optional<RowId> next(RowId after, Reading* reading) const;
+    void read_here(RowId row, ByteSpan bytes, const Reading& reading) const;
+    std::optional<std::uint8_t> next_slot(PageNumber page_no, std::size_t from, Reading* reading) const;
     void require_inside_file(PageNumber page_no) const;
     bool fits(PageNumber page_no, std::size_t length) const;
     PageNumber page_with_room(std::size_t length);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "jet/pages/page_scan.h"
 #include "jet/tables/coerce.h"
 
 namespace jet {
@@ -222,18 +223,46 @@ void Table::erase(RowId row) {
     maps.change(row, map_keys, no_map_keys);
 }
 
-const ColumnMap* Table::column_map(std::size_t position) {
+// Takes rows into the column's map, page by page: all of them, or until one has the key that is wanted.
+void Table::grow_map(std::size_t position, std::optional<std::uint64_t> wanted) {
     auto& [def, rows, indexes, maps] = parts();
     const ColumnDef& column = def.columns.at(position);
-    if (column.type != ColumnType::kLong && column.type != ColumnType::kDate) return nullptr;
-    if (const ColumnMap* known = maps.find(position)) return known;
-    ColumnMap map;
-    RowView row;
-    for (auto id = rows.next({}); id; id = rows.next(*id)) {
-        if (!rows.read(*id, row)) continue;
-        if (const auto key = ColumnMap::key_of(row.value(position))) map.insert({*key, id->pack()});
+    ColumnMaps::Growing& growing = maps.of(position);
+    PageScan pages(storage_.pager());
+    bool found = false;
+    const auto take_in = [&](RowId row, const RowReader& reader) {
+        const auto stored = reader.stored(column);
+        if (!stored) return;
+        const std::uint64_t key = column.type == ColumnType::kLong ? ColumnMap::key_of_long(load_i32(*stored, 0))
+                                                                   : ColumnMap::key_of_date(load_f64(*stored, 0));
+        growing.map.insert({key, row.pack()});
+        found |= key == wanted;
+    };
+    while (!growing.is_whole() && !found) {
+        const auto page_no = rows.visit_page(growing.end, pages, take_in);
+        growing.end = page_no ? *page_no + 1 : ColumnMaps::Growing::kWholeTable;
     }
-    return maps.keep(position, std::move(map));
+}
+
+const ColumnMap* Table::column_map(std::size_t position) {
+    const ColumnType type = def().columns.at(position).type;
+    if (type != ColumnType::kLong && type != ColumnType::kDate) return nullptr;
+    grow_map(position, std::nullopt);
+    return &parts().maps.of(position).map;
+}
+
+std::optional<RowId> Table::next_row_of_key(std::size_t position, std::uint64_t key, RowId after) {
+    const ColumnMaps::Growing& growing = parts().maps.of(position);
+    const ColumnMap::Entry from{key, after.is_null() ? 0 : after.pack() + 1};
+    if (!after.is_null() && from.row == 0) return std::nullopt;
+    for (;;) {
+        const bool is_whole = growing.is_whole();
+        // Pages come in the order of rows: an entry of a map that still grows is the first one.
+        const auto entry = growing.map.lower_bound(from);
+        if (entry && entry->key == key) return RowId::unpack(entry->row);
+        if (is_whole) return std::nullopt;
+        grow_map(position, key);
+    }
 }
 
 void Table::rewrite_rows(const TableDef& old_def, bool numbers) {

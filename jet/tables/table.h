@@ -39,6 +39,10 @@ public:
 
     std::optional<RowId> next_row(RowId after) const override { return parts().rows.next(after); }
     bool read(RowId row, RowView& into) const override { return parts().rows.read(row, into); }
+    // The next row, with its content where it is at hand: `is_read` tells.
+    std::optional<RowId> next_row(RowId after, RowView& into, bool& is_read) const {
+        return parts().rows.next(after, into, is_read);
+    }
     bool exists(RowId row) const { return parts().rows.exists(row); }
 
     RowId insert(std::vector<Value> values) override;
@@ -59,6 +63,9 @@ public:
 
     // The ordered map of a Long or Date column, built when first asked for; null for other types.
     const ColumnMap* column_map(std::size_t position);
+    // The first row after `after` whose Long or Date column has this key in its map; a null RowId: the first of all.
+    // The map is built only as far as it takes to tell.
+    std::optional<RowId> next_row_of_key(std::size_t position, std::uint64_t key, RowId after);
 
     void add_watcher(TableWatcher* watcher) { watchers_.push_back(watcher); }
     void remove_watcher(TableWatcher* watcher) { std::erase(watchers_, watcher); }
@@ -109,6 +116,7 @@ private:
     ByteVector encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const;
     StoredValue stored_value(const ColumnDef& column, const Value& value) const;
     void store_counts(TableDef& def);
+    void grow_map(std::size_t position, std::optional<std::uint64_t> wanted);
 
     Storage& storage_;
     DefinitionStore& definitions_;

@@ -289,40 +289,6 @@ TEST_F(DaoRecordset, two_sets_on_one_table_do_not_disturb_each_other) {
     EXPECT_EQ(text(two, "Name"), "b");
 }
 
-// Texts that are plain ASCII come without a variant; what comes is what the variant would hold.
-TEST_F(DaoRecordset, field_text_is_the_variants_text_or_is_refused) {
-    const std::string long_note(5000, 'n');
-    for (const char* name : {"plain", "", "\xE4 umlaut"}) {
-        CDaoRecordset rows(&database_);
-        rows.Open(dbOpenDynaset, kAll, 0);
-        rows.AddNew();
-        rows.SetFieldValue("Name", name);
-        rows.SetFieldValue("Note", *name == 'p' ? long_note.c_str() : "short note");
-        CString text("before");
-        EXPECT_FALSE(rows.GetFieldText(rows.GetFieldPosition("Name"), text));  // of a pending row
-        EXPECT_EQ(text, "before");
-        rows.Update();
-    }
-    CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 0);
-    int given = 0;
-    for (; !rows.IsEOF(); rows.MoveNext()) {
-        for (const char* field : {"ID", "Name", "Code", "Parent", "Note"}) {
-            CString given_text("before");
-            if (!rows.GetFieldText(rows.GetFieldPosition(field), given_text)) {
-                EXPECT_EQ(given_text, "before");
-                continue;
-            }
-            EXPECT_EQ(given_text.GetString(), text(rows, field));
-            ++given;
-        }
-    }
-    EXPECT_EQ(given, 4);  // two names and two short notes
-    EXPECT_EQ(error_of([&] { rows.GetFieldPosition("Nowhere"); }), 3265);
-    CString text;
-    EXPECT_EQ(error_of([&] { rows.GetFieldText(1, text); }), 3021);
-}
-
 // A memo whose stated length leads out of its row.
 TEST_F(DaoRecordset, damaged_memo_is_an_error_only_for_who_reads_it) {
     {

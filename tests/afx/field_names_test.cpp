@@ -34,14 +34,4 @@ TEST(FieldNames, letters_beyond_ascii_have_cases_too) {
 
 TEST(FieldNames, empty_list_finds_nothing) { EXPECT_EQ(afx::FieldNames({}).find("a"), std::nullopt); }
 
-TEST(FieldNames, positions_of_a_list_are_learnt_once) {
-    const afx::FieldNames names({u"ProjID", u"Name", u"ExData"});
-    const char* list[] = {"exdata", "Nowhere", "ProjID"};
-    EXPECT_TRUE(names.known(list).empty());
-    const std::span<const int> learnt = names.learn(list, list);
-    EXPECT_EQ(std::vector<int>(learnt.begin(), learnt.end()), (std::vector<int>{2, -1, 0}));
-    EXPECT_EQ(names.known(list).data(), learnt.data());
-    EXPECT_TRUE(names.known(&names).empty());
-}
-
 }  // namespace

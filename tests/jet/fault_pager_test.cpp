@@ -120,8 +120,19 @@ TEST_F(PagerFault, refused_read_is_an_engine_error_and_no_more) {
     EXPECT_EQ(error_number([&] { pager->read(7); }), errors::kDiskError);
     EXPECT_EQ(error_number([&] { pager->read(7); }), 0);
     disk().plan({.operation = Operation::kRead});
-    EXPECT_EQ(error_number([&] { put(*pager, 8, 1); }), errors::kDiskError);
-    EXPECT_EQ(error_number([&] { put(*pager, 8, 1); }), 0);
+    EXPECT_EQ(error_number([&] { put(*pager, 3, 1); }), errors::kDiskError);
+    EXPECT_EQ(error_number([&] { put(*pager, 3, 1); }), 0);
+}
+
+// What the disk refuses may be a neighbour that nobody has asked for.
+TEST_F(PagerFault, page_refused_with_its_neighbours_is_read_alone) {
+    auto pager = open(rarely_synced());
+    for (PageNumber page_no = 1; page_no < 8; ++page_no) pager->read(page_no);
+    disk().plan({.operation = Operation::kRead});
+    const std::uint64_t before = disk().count(Operation::kRead);
+    EXPECT_EQ(error_number([&] { pager->read(8); }), 0);
+    EXPECT_EQ(disk().count(Operation::kRead), before + 2);
+    EXPECT_EQ(error_number([&] { pager->read(9); }), 0);
 }
 
 TEST_F(PagerFault, refused_replay_is_repeated_by_the_next_opening) {

@@ -77,10 +77,3 @@ TEST_F(PageCacheTest, removed_page_is_gone_and_its_pins_stay_counted) {
     EXPECT_EQ(frame.pins, 2u);
     EXPECT_FALSE(frame.dirty);
 }
-
-TEST_F(PageCacheTest, prefetch_takes_any_page_number) {
-    cache_.add(1);
-    cache_.prefetch(1);
-    cache_.prefetch(0xFFFFFFFF);
-    EXPECT_TRUE(holds(1));
-}

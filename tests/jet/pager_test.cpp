@@ -145,14 +145,6 @@ TEST_F(PagerTest, pages_read_in_passing_do_not_push_out_those_in_use) {
     EXPECT_EQ(pager->pages_read(), before);
 }
 
-TEST_F(PagerTest, prefetching_reads_no_page_whatever_its_number) {
-    auto pager = open(rarely_synced());
-    mark(*pager, 7);
-    const std::uint64_t before = pager->pages_read();
-    for (const PageNumber page_no : {0u, 7u, 8u, kPages, 0xFFFFFFu, 0xFFFFFFFFu}) pager->prefetch(page_no);
-    EXPECT_EQ(pager->pages_read(), before);
-}
-
 TEST_F(PagerTest, large_cache_reads_every_page_once) {
     auto pager = open(rarely_synced());
     for (int round = 0; round < 3; ++round) all_pages(*pager);

@@ -1,0 +1,191 @@
+#include "afx/field_exchange.h"
+
+#include <bit>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "jet/base/error.h"
+#include "jet/storage/text_codec.h"
+#include "os/system.h"
+
+namespace afx {
+namespace {
+
+// A text's stored form into its narrow one, cut at a NUL as everywhere that texts leave through C strings.
+void read_text(jet::ByteSpan stored, ReadingMemory& memory, CString& member) {
+    const std::size_t length = jet::ascii_length(stored);
+    if (length == 0) return member.Empty();
+    if (jet::copy_ascii(stored, member.GetBufferSetLength(static_cast<int>(length)))) return;
+    jet::decode_text(stored, memory.text);
+    member = os::narrow(memory.text).c_str();
+}
+
+template <class Member, class Address>
+Member& as(Address* member) {
+    return *static_cast<Member*>(member);
+}
+
+}  // namespace
+
+CTime KnownTimes::of(DATE days, CTime (*convert)(DATE)) {
+    if (converted_ < kUnknownAtFirst) {
+        ++converted_;
+        return convert(days);
+    }
+    if (entries_ == nullptr) entries_ = std::make_unique<Entry[]>(kEntries);
+    const auto bits = std::bit_cast<std::uint64_t>(days);
+    Entry* const pair = &entries_[(bits * 0x9E3779B97F4A7C15u) >> 55 << 1];
+    static_assert(kEntries == std::size_t{1} << (64 - 55 + 1));
+    const auto is_it = [&](const Entry& entry) { return entry.bits == bits && entry.convert == convert; };
+    if (is_it(pair[0])) return pair[0].time;
+    if (is_it(pair[1])) return pair[1].time;
+    pair[1] = pair[0];
+    pair[0] = {bits, convert, convert(days)};
+    return pair[0].time;
+}
+
+FieldExchange::FieldExchange(const FieldNames& names, const jet::TableDef* def,
+                             std::span<const ExchangedMember> members)
+    : members_(members.begin(), members.end()), columns_(def != nullptr ? def->columns.size() : 0) {
+    fields_.reserve(members_.size());
+    for (const ExchangedMember& member : members_) {
+        Field field;
+        field.member = &member;
+        field.offset = static_cast<std::uint32_t>(member.offset);
+        if (const auto position = names.find(member.column)) {
+            field.field = static_cast<int>(*position);
+            if (def != nullptr) field.way = way_of(def->columns.at(*position).type, member.type);
+        }
+        fields_.push_back(field);
+    }
+}
+
+FieldExchange::Way FieldExchange::way_of(jet::ColumnType column, ExchangedMember::Type member) {
+    using Type = ExchangedMember::Type;
+    using Column = jet::ColumnType;
+    struct Known {
+        Column column;
+        Type member;
+        Way way;
+    };
+    static constexpr Known kKnown[] = {
+        {Column::kText, Type::kText, Way::kText},           {Column::kMemo, Type::kText, Way::kMemo},
+        {Column::kLong, Type::kInteger, Way::kLong},        {Column::kDate, Type::kTime, Way::kDate},
+        {Column::kCurrency, Type::kAmount, Way::kCurrency},
+    };
+    for (const Known& known : kKnown) {
+        if (known.column == column && known.member == member) return known.way;
+    }
+    return Way::kByValue;
+}
+
+// False where it has to go by value.
+bool FieldExchange::read_field(const jet::RowView& row, std::optional<jet::ByteSpan> stored, ReadingMemory& memory,
+                               const Field& field, void* member) {
+    switch (field.way) {
+        case Way::kText: {
+            if (stored) {
+                read_text(*stored, memory, as<CString>(member));
+            } else {
+                as<CString>(member).Empty();
+            }
+            return true;
+        }
+        case Way::kMemo: {
+            if (!stored) {
+                as<CString>(member).Empty();
+                return true;
+            }
+            jet::Page page;
+            const auto text = row.long_bytes(*stored, page);
+            if (text) read_text(*text, memory, as<CString>(member));
+            return text.has_value();
+        }
+        case Way::kLong: as<LONG>(member) = stored ? jet::load_i32(*stored, 0) : 0; return true;
+        case Way::kDate:
+            as<CTime>(member) =
+                stored ? memory.times.of(jet::load_f64(*stored, 0), field.member->time_of) : CTime(LONG{-1});
+            return true;
+        case Way::kCurrency: {
+            CY amount{};
+            if (stored) amount.int64 = jet::load_i64(*stored, 0);
+            as<float>(member) = stored ? field.member->amount_of(amount) : 0;
+            return true;
+        }
+        case Way::kByValue: break;
+    }
+    return false;
+}
+
+std::size_t FieldExchange::read(const jet::RowView& row, const jet::TableDef& def, ReadingMemory& memory,
+                                std::size_t from, void* record) const {
+    if (def.columns.size() != columns_) return from;
+    const jet::ColumnDef* const columns = def.columns.data();
+    for (; from < fields_.size(); ++from) {
+        const Field& field = fields_[from];
+        if (field.way == Way::kByValue) break;
+        const auto stored = row.reader().stored(columns[field.field]);
+        if (!read_field(row, stored, memory, field, static_cast<char*>(record) + field.offset)) break;
+    }
+    return from;
+}
+
+int FieldExchange::field(std::size_t i) const {
+    if (fields_[i].field < 0) {
+        jet::fail(jet::errors::kNotInCollection, std::string("There is no field ") + members_[i].column + ".");
+    }
+    return fields_[i].field;
+}
+
+// False where it has to go by value: those that the column refuses.
+bool FieldExchange::write_field(EditBuffer& into, const jet::ColumnDef& column, const Field& field,
+                                const void* member) {
+    if (column.is_autonumber()) return false;
+    const auto position = static_cast<std::size_t>(field.field);
+    switch (field.way) {
+        case Way::kText:
+        case Way::kMemo: {
+            std::u16string text = os::widen(as<const CString>(member).GetString());
+            if (field.way == Way::kText && 2 * text.size() > column.length_bytes) return false;
+            into.set(position, std::move(text));
+            return true;
+        }
+        case Way::kLong: into.set(position, std::int32_t{as<const LONG>(member)}); return true;
+        case Way::kDate: {
+            DATE days = 0;
+            const bool is_date = field.member->days_of(as<const CTime>(member), days);
+            into.set(position, is_date ? jet::Value(jet::Date{days}) : jet::Value());
+            return true;
+        }
+        case Way::kCurrency: {
+            const CY amount = field.member->stored_amount_of(as<const float>(member));
+            into.set(position, jet::Currency{amount.int64});
+            return true;
+        }
+        case Way::kByValue: break;
+    }
+    return false;
+}
+
+std::size_t FieldExchange::write(EditBuffer& into, const jet::TableDef& def, std::size_t from,
+                                 const void* record) const {
+    for (; from < fields_.size(); ++from) {
+        const Field& field = fields_[from];
+        if (field.way == Way::kByValue) break;
+        const jet::ColumnDef& column = def.columns.at(static_cast<std::size_t>(field.field));
+        if (!write_field(into, column, field, static_cast<const char*>(record) + field.offset)) break;
+    }
+    return from;
+}
+
+const FieldExchange* TableFields::known(const void* list, std::size_t size) const {
+    const auto found = exchanges_.find(list);
+    return found != exchanges_.end() && found->second.size() == size ? &found->second : nullptr;
+}
+
+const FieldExchange& TableFields::learn(const void* list, std::span<const ExchangedMember> members) const {
+    return exchanges_.insert_or_assign(list, FieldExchange(names_, def_, members)).first->second;
+}
+
+}  // namespace afx

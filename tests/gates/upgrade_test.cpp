@@ -238,17 +238,4 @@ TEST_F(UpgradeGate, files_of_different_versions_are_upgraded_each_by_its_own) {
     EXPECT_EQ(content_of(invoices()).at("Invoices").rows.at(0).at("Balance"), "3.000000f");
 }
 
-TEST_F(UpgradeGate, invoice_file_without_a_header_table_is_served_as_it_stands) {
-    Oddities oddities;
-    oddities.without = {"DBHeader"};
-    OldFile file(invoices(), OldFile::Kind::kInvoice, 200000, oddities);
-    file.add("Invoices", {{"Total", amount(3)}});
-    file.close();
-    const Content before = content_of(invoices());
-    const auto gate = host_.create<IDBgate1>();
-    EXPECT_EQ(error_of_opening(*gate), 0);
-    gate->CloseDB();
-    EXPECT_EQ(difference(before, content_of(invoices())), "");
-}
-
 }  // namespace

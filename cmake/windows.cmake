@@ -1,13 +1,22 @@
 # The Windows parts of the component besides its code: undecorated exports, type library, resources, and the compiler's
 # runtime beside it.
 enable_language(RC)
+if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set(kvdb_bits 64)
+    set(kvdb_manifest_processor amd64)
+    set(kvdb_unwinder libgcc_s_seh-1.dll)
+else()
+    set(kvdb_bits 32)
+    set(kvdb_manifest_processor x86)
+    set(kvdb_unwinder libgcc_s_dw2-1.dll)
+endif()
 set(idl_dir ${PROJECT_SOURCE_DIR}/frame/idl)
 set(kvdb_tlb ${PROJECT_BINARY_DIR}/kvdb.tlb)
 add_custom_command(OUTPUT ${PROJECT_BINARY_DIR}/stdole2.tlb
-    COMMAND ${KVDB_WIDL} -t -m32 -o ${PROJECT_BINARY_DIR}/stdole2.tlb ${idl_dir}/stdole2.idl
+    COMMAND ${KVDB_WIDL} -t -m${kvdb_bits} -o ${PROJECT_BINARY_DIR}/stdole2.tlb ${idl_dir}/stdole2.idl
     DEPENDS ${idl_dir}/stdole2.idl VERBATIM)
 add_custom_command(OUTPUT ${kvdb_tlb}
-    COMMAND ${KVDB_WIDL} -t -m32 -I${idl_dir} -L${PROJECT_BINARY_DIR} -o ${kvdb_tlb}
+    COMMAND ${KVDB_WIDL} -t -m${kvdb_bits} -I${idl_dir} -L${PROJECT_BINARY_DIR} -o ${kvdb_tlb}
         ${PROJECT_SOURCE_DIR}/frame/kvdb.idl
     DEPENDS ${PROJECT_SOURCE_DIR}/frame/kvdb.idl ${idl_dir}/oaidl.idl ${idl_dir}/unknwn.idl
         ${PROJECT_BINARY_DIR}/stdole2.tlb VERBATIM)
@@ -30,11 +39,11 @@ target_link_libraries(kvdb_frame PUBLIC ole32 oleaut32 uuid advapi32)
 configure_file(${PROJECT_SOURCE_DIR}/frame/kvdb.gates.manifest.in ${PROJECT_BINARY_DIR}/kvdb.gates.manifest @ONLY)
 
 # The unwinder and its own dependency: they are copied beside every program and library.
-foreach(runtime libgcc_s_dw2-1.dll libwinpthread-1.dll)
+foreach(runtime ${kvdb_unwinder} libwinpthread-1.dll)
     execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=${runtime}
         OUTPUT_VARIABLE file OUTPUT_STRIP_TRAILING_WHITESPACE)
     if(NOT IS_ABSOLUTE "${file}")
-        find_file(kvdb_${runtime} ${runtime} PATHS /usr/i686-w64-mingw32/lib /usr/i686-w64-mingw32/bin REQUIRED
+        find_file(kvdb_${runtime} ${runtime} PATHS ${CMAKE_FIND_ROOT_PATH}/lib ${CMAKE_FIND_ROOT_PATH}/bin REQUIRED
             NO_CMAKE_FIND_ROOT_PATH)
         set(file ${kvdb_${runtime}})
     endif()

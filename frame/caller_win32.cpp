@@ -7,7 +7,12 @@
 #include "os/module_win32.h"
 
 // The slot of our own import table for the unwinder; a build without a shared unwinder has none and does not link.
-extern "C" const void* const _imp___Unwind_Resume;
+#ifdef _WIN64
+#define KVDB_IMPORTED_UNWINDER __imp__Unwind_Resume
+#else
+#define KVDB_IMPORTED_UNWINDER _imp___Unwind_Resume  // the compiler puts one more line before names of C
+#endif
+extern "C" const void* const KVDB_IMPORTED_UNWINDER;
 
 namespace frame {
 
@@ -47,7 +52,7 @@ bool catches_exceptions(const void* return_address) {
     const HMODULE caller = os::module_of(return_address);
     if (caller == nullptr) return false;
     if (caller == os::own_module()) return true;
-    const HMODULE unwinder = os::module_of(_imp___Unwind_Resume);
+    const HMODULE unwinder = os::module_of(KVDB_IMPORTED_UNWINDER);
     return unwinder != nullptr && imports_from(caller, unwinder);
 }
 

@@ -26,6 +26,16 @@ constexpr char kModule[] = "%MODULE%";
 constexpr WORD kMajorVersion = 1;
 constexpr WORD kMinorVersion = 0;
 constexpr LCID kAnyLanguage = 0;
+// Where the type library names its file for programs of this kind, and for those of the other.
+#ifdef _WIN64
+constexpr wchar_t kSystemKey[] = L"\\1.0\\0\\win64";
+constexpr wchar_t kOtherSystemKey[] = L"\\1.0\\0\\win32";
+constexpr SYSKIND kSystem = SYS_WIN64;
+#else
+constexpr wchar_t kSystemKey[] = L"\\1.0\\0\\win32";
+constexpr wchar_t kOtherSystemKey[] = L"\\1.0\\0\\win64";
+constexpr SYSKIND kSystem = SYS_WIN32;
+#endif
 
 std::wstring wide(std::string_view narrow) {
     const std::u16string text = os::widen(narrow);
@@ -98,6 +108,20 @@ private:
     bool is_watched_;
 };
 
+// Whether the component of the other kind of programs (64 or 32 bits) is registered. Each kind has classes of its own;
+// their names, and the key of the type library, are shared. Where both kinds see one class, it is ours.
+bool is_needed_by_other_kind(const Registry& registry, const std::vector<RegistrationKey>& keys) {
+    for (const RegistrationKey& list : keys) {
+        if (!list.is_kept) continue;
+        for (const RegistrationKey& entry : list.keys) {
+            const std::wstring server = wide(list.name) + L"\\" + wide(entry.name) + L"\\InprocServer32";
+            const std::optional<std::wstring> other = registry.other_view().text(server);
+            if (other && other != registry.text(server)) return true;
+        }
+    }
+    return false;
+}
+
 void uninstall(Registry& registry, const std::wstring& path, const RegistrationKey& key) {
     if (key.is_replaced) {
         registry.remove_tree(path);
@@ -114,11 +138,11 @@ void uninstall(Registry& registry, const std::wstring& path, const RegistrationK
 // missing in older versions of it.
 void install_user_type_library(Registry& registry, const std::wstring& library, const std::wstring& text) {
     const std::wstring version = library + L"\\1.0";
-    for (const std::wstring& key : {version, version + L"\\0\\win32", version + L"\\FLAGS", version + L"\\HELPDIR"}) {
+    for (const std::wstring& key : {version, library + kSystemKey, version + L"\\FLAGS", version + L"\\HELPDIR"}) {
         registry.create(key);
     }
     registry.set(version, L"", text);
-    registry.set(version + L"\\0\\win32", L"", own_file());
+    registry.set(library + kSystemKey, L"", own_file());
     registry.set(version + L"\\FLAGS", L"", std::wstring(L"0"));
     registry.set(version + L"\\HELPDIR", L"", folder_of(own_file()));
 }
@@ -168,7 +192,9 @@ public:
     void run_script(std::string_view text) {
         const std::vector<RegistrationKey> keys = parse_registration_script(text);
         for (const RegistrationKey& key : keys) save(wide(key.name), key);
+        const bool keep_names = !install_ && is_needed_by_other_kind(registry_, keys);
         for (const RegistrationKey& key : keys) {
+            if (keep_names && !key.is_kept) continue;
             EmptiedKey emptied(registry_, wide(key.name), scope_);
             (install_ ? frame::install : uninstall)(registry_, wide(key.name), key);
             if (!install_) emptied.remove();
@@ -181,8 +207,13 @@ public:
         for (const InterfaceName& entry : kInterfaces) save(interface_path(entry));
         if (scope_ == RegistrationScope::kUser) return run_user_type_library(path);
         if (!install_) {
-            if (!registry_.exists(path + L"\\1.0")) return S_OK;
-            return UnRegisterTypeLib(LIBID_KVDBLib, kMajorVersion, kMinorVersion, kAnyLanguage, SYS_WIN32);
+            if (!registry_.exists(path + kSystemKey)) return S_OK;
+            if (registry_.exists(path + kOtherSystemKey)) {
+                // The platform would remove the interfaces of both kinds.
+                registry_.remove_tree(path + kSystemKey);
+                return S_OK;
+            }
+            return UnRegisterTypeLib(LIBID_KVDBLib, kMajorVersion, kMinorVersion, kAnyLanguage, kSystem);
         }
         ComPtr<ITypeLib> library;
         const HRESULT loaded = load_type_library(library.put_typed());
@@ -215,7 +246,7 @@ private:
         if (!install_) {
             EmptiedKey libraries(registry_, L"TypeLib", scope_);
             EmptiedKey interfaces(registry_, L"Interface", scope_);
-            registry_.remove_tree(path);
+            registry_.remove_tree(registry_.exists(path + kOtherSystemKey) ? path + kSystemKey : path);
             for (const InterfaceName& entry : kInterfaces) registry_.remove_tree(interface_path(entry));
             libraries.remove();
             interfaces.remove();

@@ -82,6 +82,12 @@ void remove_tree_of(HKEY parent, const wchar_t* name) {
 
 }  // namespace
 
+Registry Registry::other_view() const {
+    Registry other = *this;
+    other.view_ = sizeof(void*) == 8 ? KEY_WOW64_32KEY : KEY_WOW64_64KEY;
+    return other;
+}
+
 void Registry::create(const std::wstring& path) {
     Key key;
     check(RegCreateKeyExW(root_, full(path).c_str(), 0, nullptr, 0, KEY_WRITE, nullptr, key.put(), nullptr));
@@ -132,6 +138,18 @@ bool Registry::is_empty(const std::wstring& path) const {
     check(RegQueryInfoKeyW(key.get(), nullptr, nullptr, nullptr, &keys, nullptr, nullptr, &values, nullptr, nullptr,
                            nullptr, nullptr));
     return keys == 0 && values == 0;
+}
+
+std::optional<std::wstring> Registry::text(const std::wstring& path) const {
+    Key key;
+    if (!is_there(RegOpenKeyExW(root_, full(path).c_str(), 0, KEY_READ | view_, key.put()))) return std::nullopt;
+    DWORD bytes = 0;
+    if (!is_there(RegQueryValueExW(key.get(), nullptr, nullptr, nullptr, nullptr, &bytes))) return std::nullopt;
+    std::wstring text(bytes / sizeof(wchar_t) + 1, L'\0');
+    bytes = static_cast<DWORD>(text.size() * sizeof(wchar_t));
+    check(RegQueryValueExW(key.get(), nullptr, nullptr, nullptr, reinterpret_cast<BYTE*>(text.data()), &bytes));
+    text.resize(text.find(L'\0'));
+    return text;
 }
 
 std::optional<SavedKey> Registry::save(const std::wstring& path) const {

@@ -33,6 +33,10 @@ public:
     // `root` is a predefined key; `prefix` the path below it, or "".
     Registry(HKEY root, std::wstring prefix) : root_(root), prefix_(std::move(prefix)) {}
 
+    // The same keys as programs of the other kind (64 or 32 bits) see them. They have classes and interfaces of their
+    // own. On 32-bit Windows, and for all other keys, both views are one. For reading only.
+    Registry other_view() const;
+
     void create(const std::wstring& path);
     // The key must exist; an empty name is the default value.
     void set(const std::wstring& path, const std::wstring& name, const std::wstring& text);
@@ -46,6 +50,8 @@ public:
     bool exists(const std::wstring& path) const;
     // Whether the key is there, with neither keys nor values.
     bool is_empty(const std::wstring& path) const;
+    // The default value; nothing where the key is missing or has none.
+    std::optional<std::wstring> text(const std::wstring& path) const;
     std::optional<SavedKey> save(const std::wstring& path) const;
     // Makes the key what it was when it was saved.
     void restore(const std::wstring& path, const std::optional<SavedKey>& saved);
@@ -57,6 +63,7 @@ private:
 
     HKEY root_;
     std::wstring prefix_;
+    REGSAM view_ = 0;
 };
 
 }  // namespace frame

@@ -62,9 +62,9 @@ TEST_F(ImageWin32, imports_are_the_systems_and_the_compilers_runtime) {
         std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::tolower(c); });
         found.insert(name);
     }
-    EXPECT_TRUE(found.count("libgcc_s_dw2-1.dll"));
+    EXPECT_TRUE(found.count(kUnwinder));
     for (const char* allowed : {"advapi32.dll", "kernel32.dll", "msvcrt.dll", "ole32.dll", "oleaut32.dll", "user32.dll",
-                                "libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}) {
+                                kUnwinder, "libwinpthread-1.dll"}) {
         found.erase(allowed);
     }
     EXPECT_EQ(found, std::set<std::string>());

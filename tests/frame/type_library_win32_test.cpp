@@ -73,10 +73,11 @@ std::vector<Function> published(const PublishedMethod (&methods)[Count]) {
     return functions;
 }
 
-// The header's names of the automation types. A record's address has the same type as an identifier.
+// Automation types by short names. A record's address is an integer of the host's own size.
 std::string automation_type(const TYPEDESC& type) {
     switch (type.vt) {
         case VT_I4: return "I4";
+        case VT_I8: return "I8";
         case VT_BSTR: return "BSTR";
         case VT_LPSTR: return "LPSTR";
         case VT_PTR: return automation_type(*type.lptdesc) + "*";
@@ -84,7 +85,8 @@ std::string automation_type(const TYPEDESC& type) {
     }
 }
 std::string automation_type(const std::string& declared_type) {
-    if (declared_type == "LONG_PTR" || declared_type == "LONG") return "I4";
+    if (declared_type == "LONG_PTR") return sizeof(void*) == 8 ? "I8" : "I4";
+    if (declared_type == "LONG") return "I4";
     if (declared_type == "LONG*") return "I4*";
     return declared_type;
 }
@@ -173,7 +175,7 @@ TEST_F(TypeLibraryWin32, has_the_published_identity) {
     EXPECT_EQ(attributes->wMajorVerNum, 1);
     EXPECT_EQ(attributes->wMinorVerNum, 0);
     EXPECT_EQ(attributes->lcid, 0u);
-    EXPECT_EQ(attributes->syskind, SYS_WIN32);
+    EXPECT_EQ(attributes->syskind, kSystem);
     library_->ReleaseTLibAttr(attributes);
     BSTR name = nullptr;
     BSTR help = nullptr;

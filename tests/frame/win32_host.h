@@ -21,6 +21,17 @@ namespace testing_support {
 
 using frame::ComPtr;
 
+// What differs between programs of 32 and 64 bits.
+#ifdef _WIN64
+constexpr const char* kUnwinder = "libgcc_s_seh-1.dll";
+constexpr const char* kSystemKey = "\\0\\win64";  // where a type library names its file
+constexpr SYSKIND kSystem = SYS_WIN64;
+#else
+constexpr const char* kUnwinder = "libgcc_s_dw2-1.dll";
+constexpr const char* kSystemKey = "\\0\\win32";
+constexpr SYSKIND kSystem = SYS_WIN32;
+#endif
+
 inline std::string bytes_of(const std::filesystem::path& path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
@@ -29,7 +40,7 @@ inline std::string bytes_of(const std::filesystem::path& path) {
 // Copies the library, the compiler's runtime and the manifest to `folder`, as an installation does.
 inline void install_files(const std::filesystem::path& folder) {
     const std::filesystem::path library = KVDB_LIBRARY;
-    for (const char* name : {"kvdb.dll", "kvdb.gates.manifest", "libgcc_s_dw2-1.dll", "libwinpthread-1.dll"}) {
+    for (const char* name : {"kvdb.dll", "kvdb.gates.manifest", kUnwinder, "libwinpthread-1.dll"}) {
         std::filesystem::copy_file(library.parent_path() / name, folder / name);
     }
 }

@@ -119,7 +119,7 @@ void expect_classes(HKEY root, const std::string& prefix, const std::string& fil
 void expect_type_library(HKEY root, const std::string& prefix, const std::string& file) {
     const std::string library = prefix + "TypeLib\\" + kLibrary + "\\1.0";
     EXPECT_EQ(registry_value(root, library), "KVDB 1.0 Type Library");
-    EXPECT_EQ(registry_value(root, library + "\\0\\win32"), file);
+    EXPECT_EQ(registry_value(root, library + kSystemKey), file);
     EXPECT_EQ(registry_value(root, library + "\\HELPDIR"), os::folder_of(file));
     const std::pair<IID, const char*> interfaces[] = {
         {IID_IDBgate1, "IDBgate1"}, {IID_IDBgate2, "IDBgate2"}, {IID_IDBGate3, "IDBGate3"}};
@@ -368,7 +368,7 @@ TEST_F(RegistrationWin32, module_path_beyond_the_code_page_is_written_as_it_is) 
         return std::wstring(text);
     };
     EXPECT_EQ(registered(L"CLSID\\{66DA35EC-B364-4F64-A3FD-D09D314C02D1}\\InprocServer32"), file);
-    EXPECT_EQ(registered(L"TypeLib\\" + wide(kLibrary) + L"\\1.0\\0\\win32"), file);
+    EXPECT_EQ(registered(L"TypeLib\\" + wide(kLibrary) + L"\\1.0" + wide(kSystemKey)), file);
     EXPECT_EQ(registered(L"TypeLib\\" + wide(kLibrary) + L"\\1.0\\HELPDIR"), folder.wstring());
     ITypeLib* library = nullptr;
     ASSERT_EQ(LoadRegTypeLib(LIBID_KVDBLib, 1, 0, 0, &library), S_OK);

@@ -22,6 +22,8 @@ endif()
 if(WIN32)
     # Programs find the compiler's runtime beside them.
     set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR})
+    # The public header leaves these to its hosts.
+    target_compile_definitions(kvdb_options INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
     target_compile_options(kvdb_options INTERFACE -Wno-non-virtual-dtor -Wno-maybe-uninitialized)
 endif()
 if(KVDB_WERROR)

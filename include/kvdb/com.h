@@ -9,12 +9,7 @@
 
 #ifdef _WIN32
 
-#ifndef WIN32_LEAN_AND_MEAN
-#define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
+// As the host has set them up: WIN32_LEAN_AND_MEAN and NOMINMAX are its own business.
 #include <windows.h>
 
 #include <objbase.h>

@@ -8,6 +8,11 @@
 //    puts into a caller's CString may be freed or changed by the caller, and the other way round.
 // 2. A block with more than one owner is never written; a writer takes a copy of its own first.
 // 3. The layout is part of the component's contract: it may not change.
+// 4. Without memory std::bad_alloc is thrown; a host built without exceptions is aborted.
+//
+// A host whose framework has classes named CString, CTime or CDaoException defines KVDB_NO_VALUE_CLASSES before it
+// includes any of these headers. Ours are then kvdb::CString, kvdb::CTime and kvdb::CDaoException; the records keep their
+// names and their layout.
 #pragma once
 
 #include <kvdb/com.h>
@@ -21,6 +26,10 @@
 #include <cstring>
 #include <new>
 #include <utility>
+
+#ifdef KVDB_NO_VALUE_CLASSES
+namespace kvdb {
+#endif
 
 class CString {
 public:
@@ -209,16 +218,24 @@ private:
     }
     Header* header() const noexcept { return header_of(characters_); }
 
-    // A block with one owner and the empty text. Throws std::bad_alloc.
+    [[noreturn]] static void fail() {
+#if defined(__cpp_exceptions) || defined(_CPPUNWIND)
+        throw std::bad_alloc();
+#else
+        std::abort();
+#endif
+    }
+
+    // A block with one owner and the empty text. Fails without memory.
     static char* allocate(int capacity) {
-        if (capacity > INT32_MAX - 64) throw std::bad_alloc();
+        if (capacity > INT32_MAX - 64) fail();
         const std::size_t bytes = sizeof(Header) + static_cast<std::size_t>(capacity) + 1;
 #ifdef _WIN32
         void* block = HeapAlloc(GetProcessHeap(), 0, bytes);
 #else
         void* block = std::malloc(bytes);
 #endif
-        if (block == nullptr) throw std::bad_alloc();
+        if (block == nullptr) fail();
         Header* header = new (block) Header{{1}, 0, capacity};
         char* characters = reinterpret_cast<char*>(header + 1);
         characters[0] = 0;
@@ -248,7 +265,7 @@ private:
     CString& append(const char* text, int count) {
         if (count <= 0) return *this;
         const int length = GetLength();
-        if (count > INT32_MAX - 64 - length) throw std::bad_alloc();
+        if (count > INT32_MAX - 64 - length) fail();
         const CString keep(*this);  // keeps `text` alive and, by sharing, forces a fresh block
         char* fresh = allocate(grown(length + count));
         std::memcpy(fresh, GetString(), static_cast<std::size_t>(length));
@@ -318,3 +335,7 @@ inline bool operator<(const char* a, const CString& b) noexcept { return b.Compa
 inline bool operator>(const CString& a, const CString& b) noexcept { return a.Compare(b) > 0; }
 inline bool operator>(const CString& a, const char* b) noexcept { return a.Compare(b) > 0; }
 inline bool operator>(const char* a, const CString& b) noexcept { return b.Compare(a) < 0; }
+
+#ifdef KVDB_NO_VALUE_CLASSES
+}  // namespace kvdb
+#endif

@@ -17,6 +17,10 @@
 #undef GetCurrentTime  // a macro of the platform's headers that would replace the member below
 #endif
 
+#ifdef KVDB_NO_VALUE_CLASSES
+namespace kvdb {
+#endif
+
 class CTime {
 public:
     CTime() noexcept = default;
@@ -156,3 +160,7 @@ private:
 };
 
 static_assert(sizeof(CTime) == 4, "the records rely on CTime being 4 bytes");
+
+#ifdef KVDB_NO_VALUE_CLASSES
+}  // namespace kvdb
+#endif

@@ -4,7 +4,8 @@
 //     catch (CDaoException* e) { ... e->m_pErrorInfo->m_strDescription ...; e->Delete(); }
 //
 // The types are visible across library boundaries, and the module that threw an exception destroys it
-// (through its virtual destructor), so a host may catch what the component throws.
+// (through its virtual destructor), so a host may catch what the component throws. Under KVDB_NO_VALUE_CLASSES it is
+// kvdb::CDaoException, another type than the one that is thrown: only for hosts that no exception can reach.
 #pragma once
 
 #include <kvdb/com.h>
@@ -17,6 +18,10 @@
 #define KVDB_VISIBLE __attribute__((visibility("default")))
 #else
 #define KVDB_VISIBLE
+#endif
+
+#ifdef KVDB_NO_VALUE_CLASSES
+namespace kvdb {
 #endif
 
 class KVDB_VISIBLE CObject {
@@ -92,3 +97,7 @@ public:
 private:
     CDaoErrorInfo error_;
 };
+
+#ifdef KVDB_NO_VALUE_CLASSES
+}  // namespace kvdb
+#endif

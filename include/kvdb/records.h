@@ -10,6 +10,12 @@
 #include <kvdb/cstring.h>
 #include <kvdb/ctime.h>
 
+// A host's own CString and CTime must not be found from here.
+#ifdef KVDB_NO_VALUE_CLASSES
+namespace kvdb {
+inline namespace records {
+#endif
+
 // ---- Database ---------------------------------------------------------------------------------
 
 // The header row of the studio file. `DBversion` is never written.
@@ -513,3 +519,9 @@ struct GearRentInfo {
     CTime DateTo;
     DWORD DateFlags = 0;  // bit 0: the first date applies; bit 1: the last
 };
+
+#ifdef KVDB_NO_VALUE_CLASSES
+}  // namespace records
+}  // namespace kvdb
+using namespace kvdb::records;
+#endif

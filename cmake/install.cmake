@@ -26,13 +26,16 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/kvdb-config-version.cmake
 install(FILES ${PROJECT_BINARY_DIR}/kvdb-config.cmake ${PROJECT_BINARY_DIR}/kvdb-config-version.cmake
     DESTINATION ${kvdb_package_dir})
 
+# Where the library is, which is not the folder of this file on Windows.
+get_filename_component(kvdb_pc_libdir ${kvdb_installed_library} DIRECTORY)
+get_filename_component(kvdb_pc_file ${kvdb_installed_library} NAME)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/kvdb.pc.in ${PROJECT_BINARY_DIR}/kvdb.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/pkgconfig)
 
 # The documents, and for Unix what the tool makes of its own declarations: man page and completions.
 if(NOT WIN32)
-    install(FILES README.md CHANGELOG.md docs/owners.md docs/hosting.md docs/reference.md docs/durability.md
-        docs/differences.md docs/architecture.md docs/file-format.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+    install(FILES README.md CHANGELOG.md docs/owners.md docs/hosting.md docs/windows.md docs/reference.md
+        docs/durability.md docs/differences.md docs/architecture.md docs/file-format.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
     install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 endif()
 if(TARGET kvdb_tool AND NOT WIN32)
@@ -56,11 +59,13 @@ endif()
 # The content of the Windows package, all in one folder: the library finds the compiler's runtime beside it.
 if(WIN32)
     install(FILES ${kvdb_runtime} DESTINATION ${CMAKE_INSTALL_BINDIR})
+    install(DIRECTORY ${kvdb_licences} DESTINATION ${CMAKE_INSTALL_DATADIR}/kvdb)
     install(FILES $<TARGET_FILE:kvdb> $<TARGET_FILE:kvdb_tool> ${kvdb_tlb} ${PROJECT_BINARY_DIR}/kvdb.gates.manifest
-        ${kvdb_runtime} LICENSE CHANGELOG.md docs/hosting.md docs/reference.md docs/owners.md docs/durability.md
-        DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)
-    install(FILES ${PROJECT_SOURCE_DIR}/docs/install-windows.txt DESTINATION . RENAME README.txt
+        ${kvdb_runtime} LICENSE CHANGELOG.md docs/windows.md docs/hosting.md docs/reference.md docs/owners.md
+        docs/durability.md DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)
+    install(FILES ${PROJECT_BINARY_DIR}/README-windows.txt DESTINATION . RENAME README.txt
         COMPONENT package EXCLUDE_FROM_ALL)
+    install(DIRECTORY ${kvdb_licences} DESTINATION . COMPONENT package EXCLUDE_FROM_ALL)
     install(DIRECTORY ${PROJECT_SOURCE_DIR}/include/kvdb DESTINATION include COMPONENT package EXCLUDE_FROM_ALL
         FILES_MATCHING PATTERN *.h)
 endif()

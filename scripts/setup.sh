@@ -42,11 +42,14 @@ has_package() {
             command -v chromium-headless-shell chromium chromium-browser google-chrome >/dev/null
             ;;
         clang) command -v clang++ >/dev/null ;;
+        lld) command -v lld-link >/dev/null ;;
+        llvm) command -v llvm-dlltool >/dev/null ;;
         # The libraries of the sanitizers and the fuzzing engine; some releases package them separately from the
         # compiler.
         libclang-rt-dev) has_fuzzing_engine ;;
         g++-mingw-w64-i686-posix) command -v i686-w64-mingw32-g++-posix >/dev/null ;;
-        mingw-w64-tools) command -v i686-w64-mingw32-widl >/dev/null ;;
+        g++-mingw-w64-x86-64-posix) command -v x86_64-w64-mingw32-g++-posix >/dev/null ;;
+        mingw-w64-tools) command -v i686-w64-mingw32-widl >/dev/null && command -v x86_64-w64-mingw32-widl >/dev/null ;;
         googletest) [ -e /usr/src/googletest/googlemock/src/gmock-all.cc ] ;;
         libc6-i386) [ -e /lib/ld-linux.so.2 ] ;;
         *) command -v "$1" >/dev/null ;;
@@ -103,10 +106,16 @@ build_preset() {
 
 # The tools that build the Windows component; with "wine", also those that run its tests.
 need_windows() {
-    need_packages g++-mingw-w64-i686-posix mingw-w64-tools googletest
+    need_packages g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools googletest
     if [ "${1:-}" = wine ]; then
         need_packages libc6-i386 locales
-        scripts/setup_wine build/wine || die "The tests of the Windows component need a Wine that runs 32-bit programs"
+        scripts/setup_wine build/wine ||
+            die "The tests of the Windows component need a Wine that runs programs of 32 and 64 bits"
+        need_packages clang lld llvm
+        if ! tests/other_compiler/setup_headers build/wine/include; then
+            [ "${CI:-}" != true ] || die "Wine's headers could not be had"
+            say "Wine's headers could not be had: the tests of hosts of another compiler will skip"
+        fi
     fi
 }
 

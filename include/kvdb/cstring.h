@@ -11,8 +11,8 @@
 // 4. Without memory std::bad_alloc is thrown; a host built without exceptions is aborted.
 //
 // A host whose framework has classes named CString, CTime or CDaoException defines KVDB_NO_VALUE_CLASSES before it
-// includes any of these headers. Ours are then kvdb::CString, kvdb::CTime and kvdb::CDaoException; the records keep their
-// names and their layout.
+// includes any of these headers. Ours are then kvdb::CString, kvdb::CTime and kvdb::CDaoException; the records keep
+// their names and their layout.
 #pragma once
 
 #include <kvdb/com.h>

@@ -2,6 +2,7 @@
 // host gets error info instead and continues.
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -59,6 +60,24 @@ TEST_F(ExceptionWin32, invoke_tells_every_host_by_its_exception_record) {
         EXPECT_EQ(ended.out.substr(0, 24), "result 80020009 [KVDB] [") << ended.out;
         expect_text_of_engine(ended.out);
     }
+}
+
+// As docs/windows.md says: the system looks for the runtime beside the program.
+TEST_F(ExceptionWin32, library_loaded_by_its_path_alone_needs_the_runtime_beside_the_program) {
+    const TempFolder elsewhere;
+    const std::string program = elsewhere.file("host.exe");
+    std::filesystem::copy_file(kStatic, program);
+    const auto load = [&](const char* way) {
+        return run_process("\"" + program + "\" \"" + folder_.path() + "\" " + way);
+    };
+    Ended ended = load("plain");
+    EXPECT_EQ(ended.code, 4u);
+    EXPECT_EQ(ended.out, "error 126\n");
+    EXPECT_EQ(load("vtable").out, "result 00000000 [] []\n");
+    for (const char* name : {kUnwinder, "libwinpthread-1.dll"}) {
+        std::filesystem::copy_file(folder_.file(name), elsewhere.file(name));
+    }
+    EXPECT_EQ(load("plain").code, 0u);
 }
 
 TEST_F(ExceptionWin32, success_leaves_no_error_info) {

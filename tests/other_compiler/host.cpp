@@ -168,7 +168,8 @@ bool refuses_a_damaged_file(IDBgate1* gate) {
     char narrow[1000] = "";
     for (UINT i = 0; i < SysStringLen(text) && i + 1 < sizeof narrow; ++i) narrow[i] = static_cast<char>(text[i]);
     SysFreeString(text);
-    printf("damaged file: %lx, names it %d\n", static_cast<unsigned long>(result), strstr(narrow, "sldb.mdb") != nullptr);
+    printf("damaged file: %lx, names it %d\n", static_cast<unsigned long>(result),
+           strstr(narrow, "sldb.mdb") != nullptr);
     return result == E_FAIL && strstr(narrow, "sldb.mdb") != nullptr;
 }
 

@@ -32,9 +32,12 @@ unsigned long _tls_index = 0;
 #pragma section(".tls$ZZZ")
 __declspec(allocate(".tls")) char _tls_start = 0;
 __declspec(allocate(".tls$ZZZ")) char _tls_end = 0;
-__declspec(allocate(".rdata$T")) extern const IMAGE_TLS_DIRECTORY _tls_used = {
-    reinterpret_cast<ULONG_PTR>(&_tls_start), reinterpret_cast<ULONG_PTR>(&_tls_end),
-    reinterpret_cast<ULONG_PTR>(&_tls_index), 0, 0, 0};
+__declspec(allocate(".rdata$T")) extern const IMAGE_TLS_DIRECTORY _tls_used = {reinterpret_cast<ULONG_PTR>(&_tls_start),
+                                                                               reinterpret_cast<ULONG_PTR>(&_tls_end),
+                                                                               reinterpret_cast<ULONG_PTR>(&_tls_index),
+                                                                               0,
+                                                                               0,
+                                                                               0};
 
 int run_host();
 void __cdecl start() { ExitProcess(static_cast<UINT>(run_host())); }

@@ -1,6 +1,7 @@
 // A host that opens the studio and prints, in one line, how a failure reaches it:
 //
 //     exception_host FOLDER vtable|invoke|create|gear
+//     exception_host FOLDER plain      loads the library without the search beside it
 //
 // It is built twice: sharing the unwinder with the component, and with everything linked statically.
 #include <kvdb/kvdb.h>
@@ -89,8 +90,13 @@ int main(int argc, char** argv) {
         if (std::strcmp(error.what(), "own") != 0) return 3;
     }
     const std::string path = std::string(argv[1]) + "\\kvdb.dll";
-    const HMODULE library = LoadLibraryExA(path.c_str(), nullptr, LOAD_WITH_ALTERED_SEARCH_PATH);
-    if (library == nullptr) return 4;
+    const bool is_plain = std::strcmp(argv[2], "plain") == 0;
+    const HMODULE library = LoadLibraryExA(path.c_str(), nullptr, is_plain ? 0 : LOAD_WITH_ALTERED_SEARCH_PATH);
+    if (library == nullptr) {
+        std::printf("error %lu\n", GetLastError());
+        return 4;
+    }
+    if (is_plain) return 0;
     const int code = run(library, argv[2]);
     std::fflush(stdout);
     return code;

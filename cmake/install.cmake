@@ -35,7 +35,8 @@ install(FILES ${PROJECT_BINARY_DIR}/kvdb.pc DESTINATION ${KVDB_INSTALL_LIBDIR}/p
 # The documents, and for Unix what the tool makes of its own declarations: man page and completions.
 if(NOT WIN32)
     install(FILES README.md CHANGELOG.md docs/owners.md docs/hosting.md docs/windows.md docs/reference.md
-        docs/durability.md docs/differences.md docs/architecture.md docs/file-format.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+        docs/durability.md docs/differences.md docs/architecture.md docs/file-format.md
+        DESTINATION ${CMAKE_INSTALL_DOCDIR})
     install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
 endif()
 if(TARGET kvdb_tool AND NOT WIN32)

@@ -28,13 +28,13 @@ std::time_t fixed_time(std::time_t* now) {
 }
 
 template <class T>
-T* at(HMODULE module, DWORD offset) {
+T* at(HMODULE module, ULONG_PTR offset) {
     return reinterpret_cast<T*>(reinterpret_cast<char*>(module) + offset);
 }
 
 // Replaces the function of that name; returns the number of places.
 int replace(HMODULE module, const char* name, const void* function) {
-    const auto* headers = at<IMAGE_NT_HEADERS>(module, static_cast<DWORD>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
+    const auto* headers = at<IMAGE_NT_HEADERS>(module, static_cast<ULONG_PTR>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
     const DWORD offset = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     int places = 0;
     for (const auto* import = at<IMAGE_IMPORT_DESCRIPTOR>(module, offset); import->Name != 0; ++import) {
@@ -57,6 +57,7 @@ int replace(HMODULE module, const char* name, const void* function) {
 void stop_clock_of(HMODULE module) {
     const int places = replace(module, "GetLocalTime", reinterpret_cast<const void*>(&fixed_local_time)) +
                        replace(module, "time", reinterpret_cast<const void*>(&fixed_time)) +
+                       replace(module, "_time64", reinterpret_cast<const void*>(&fixed_time)) +
                        replace(module, "_time32", reinterpret_cast<const void*>(&fixed_time));
     if (places < 2) throw std::runtime_error("the component asks for the time in another way");
 }

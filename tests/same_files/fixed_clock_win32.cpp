@@ -34,7 +34,8 @@ T* at(HMODULE module, ULONG_PTR offset) {
 
 // Replaces the function of that name; returns the number of places.
 int replace(HMODULE module, const char* name, const void* function) {
-    const auto* headers = at<IMAGE_NT_HEADERS>(module, static_cast<ULONG_PTR>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
+    const auto* headers =
+        at<IMAGE_NT_HEADERS>(module, static_cast<ULONG_PTR>(at<IMAGE_DOS_HEADER>(module, 0)->e_lfanew));
     const DWORD offset = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
     int places = 0;
     for (const auto* import = at<IMAGE_IMPORT_DESCRIPTOR>(module, offset); import->Name != 0; ++import) {

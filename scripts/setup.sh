@@ -108,7 +108,7 @@ build_preset() {
 need_windows() {
     need_packages g++-mingw-w64-i686-posix g++-mingw-w64-x86-64-posix mingw-w64-tools googletest
     if [ "${1:-}" = wine ]; then
-        need_packages libc6-i386 locales
+        need_packages libc6-i386 locales zip
         scripts/setup_wine build/wine ||
             die "The tests of the Windows component need a Wine that runs programs of 32 and 64 bits"
         need_packages clang lld llvm

@@ -15,15 +15,15 @@ namespace {
 constexpr char kSource[] = "KVDB";
 constexpr std::uint32_t kEngineCodes = 0x800A0000u;
 
-constinit thread_local LastError last;
+constinit thread_local LastError newest;
 
 void remember(int number, std::string_view text) noexcept {
-    std::size_t length = std::min(text.size(), sizeof last.text - 1);
+    std::size_t length = std::min(text.size(), sizeof newest.text - 1);
     // Not in the middle of a character.
     while (length > 0 && length < text.size() && (static_cast<unsigned char>(text[length]) & 0xC0) == 0x80) --length;
-    last.number = number;
-    std::copy_n(text.begin(), length, last.text);
-    last.text[length] = 0;
+    newest.number = number;
+    std::copy_n(text.begin(), length, newest.text);
+    newest.text[length] = 0;
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ void rethrow_as_dao() {
     }
 }
 
-const LastError& last_error() noexcept { return last; }
+const LastError& last_error() noexcept { return newest; }
 
 void clear_last_error() noexcept { remember(0, {}); }
 
@@ -66,12 +66,12 @@ int number_of(SCODE scode) noexcept {
 
 void AfxThrowDaoException(int afx_error, SCODE scode) {
     const int number = afx::number_of(scode);
-    const afx::LastError earlier = afx::last;
+    const afx::LastError earlier = afx::newest;
     try {
         afx::throw_dao(number, "Data access failed with error " + std::to_string(number) + ".");
     } catch (CDaoException* e) {
         e->m_nAfxDaoError = afx_error;
-        if (earlier.number == number) afx::last = earlier;  // what the engine said before it became a result code
+        if (earlier.number == number) afx::newest = earlier;  // what the engine said before it became a result code
         throw;
     }
 }

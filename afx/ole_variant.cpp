@@ -25,7 +25,7 @@ BSTR new_text(const char* from, std::size_t count) {
 BSTR new_text(std::string_view text) { return new_text(text.data() != nullptr ? text.data() : "", text.size()); }
 
 // A plain number held by the variant; none for text and everything else.
-std::optional<double> number_of(const VARIANT& source) {
+std::optional<double> plain_number(const VARIANT& source) {
     switch (source.vt) {
         case VT_EMPTY: return 0.0;
         case VT_I2: return source.iVal;
@@ -55,7 +55,7 @@ std::optional<std::string> text_of(const VARIANT& source) {
         case VT_R4: return afx::general_text(source.fltVal);
         default: break;
     }
-    const std::optional<double> number = number_of(source);
+    const std::optional<double> number = plain_number(source);
     if (!number) return std::nullopt;
     return afx::general_text(*number);
 }
@@ -104,7 +104,7 @@ bool convert_variant(const VARIANT& source, VARTYPE type, VARIANT& result) {
         } else if (!parse_double(text, value)) {
             return false;
         }
-    } else if (const std::optional<double> number = number_of(source)) {
+    } else if (const std::optional<double> number = plain_number(source)) {
         value = *number;
     } else {
         return false;

@@ -26,6 +26,13 @@ if(WIN32)
     target_compile_definitions(kvdb_options INTERFACE WIN32_LEAN_AND_MEAN NOMINMAX)
     target_compile_options(kvdb_options INTERFACE -Wno-non-virtual-dtor -Wno-maybe-uninitialized)
 endif()
+# Compiling several sources at once takes a third of the time: most of it goes into the headers that they share.
+if(KVDB_UNITY)
+    set(CMAKE_UNITY_BUILD ON)
+    set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
+    # A class that only one source knows is taken for one in a header.
+    target_compile_options(kvdb_options INTERFACE -Wno-subobject-linkage)
+endif()
 if(KVDB_WERROR)
     target_compile_options(kvdb_options INTERFACE -Werror)
 endif()

@@ -40,7 +40,7 @@ struct ContactCategory {
     LONG ex_data;
 };
 
-constexpr ContactCategory kContactCategories[] = {
+constexpr ContactCategory kSeededCategories[] = {
     {"Clients", 101, 1},   {"Artists", 101, 1},   {"Publishers", 101, 0}, {"Record Labels", 101, 0},
     {"Producers", 100, 1}, {"Engineers", 100, 1}, {"Musicians", 100, 1},  {"Directors", 100, 1},
     {"Vendors", 103, 1},   {"Personal", 102, 0},
@@ -139,7 +139,7 @@ void write_media_library(CDaoDatabase& database) {
 void write_contact_categories(CDaoDatabase& database) {
     CDaoRecordset rows(&database);
     open_table(rows, "ContactCategories");
-    for (const ContactCategory& category : kContactCategories) {
+    for (const ContactCategory& category : kSeededCategories) {
         rows.AddNew();
         rows.SetFieldValue("Name", category.name);
         rows.SetFieldValue("Type", long_value(category.type));

@@ -1,6 +1,5 @@
 #include "db/create_files.h"
 
-#include <new>
 #include <string>
 
 #include "afx/dao_database.h"
@@ -16,16 +15,6 @@ namespace db {
 namespace {
 
 constexpr SCODE kReservedError = static_cast<SCODE>(0x800A0000u + afx::errors::kReserved);
-
-void close_quietly(CDaoDatabase& database) {
-    try {
-        database.Close();
-    } catch (CDaoException* e) {
-        e->Delete();
-    } catch (const std::bad_alloc&) {
-        // It is closed even so.
-    }
-}
 
 void remove_quietly(const std::string& path) {
     try {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <new>
 
 #include "afx/dao_constants.h"
 #include "afx/engine_errors.h"
@@ -61,5 +62,15 @@ std::string connect_text(DatabaseFile file) { return connect_text(password(file)
 std::string locale_text(DatabaseFile file) { return dbLangGeneral + connect_text(file); }
 
 void set_database_folder(std::string_view folder) { given_folder() = folder; }
+
+void close_quietly(CDaoDatabase& database) noexcept {
+    try {
+        database.Close();
+    } catch (CDaoException* e) {
+        e->Delete();
+    } catch (const std::bad_alloc&) {
+        // Closed, with no memory to report anything else.
+    }
+}
 
 }  // namespace db

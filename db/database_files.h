@@ -28,6 +28,9 @@ std::string connect_text(DatabaseFile file);
 // The language of a new file, then the same, for CDaoDatabase::Create.
 std::string locale_text(DatabaseFile file);
 
+// Closes the database and drops what fails in closing: it is closed in any case.
+void close_quietly(CDaoDatabase& database) noexcept;
+
 // Sets the folder of the files; "" restores the module's folder. For a program that embeds the component (the
 // command-line tool, tests). Not while a database is open.
 void set_database_folder(std::string_view folder);

@@ -1,7 +1,6 @@
 #include "db/session.h"
 
 #include <exception>
-#include <new>
 
 #include "afx/dao_recordset.h"
 #include "db/content.h"
@@ -36,16 +35,6 @@ void open_file(CDaoDatabase& database, DatabaseFile file) {
         e->Delete();
     }
     database.Open(path.c_str(), TRUE, FALSE, connect_text(former).c_str());
-}
-
-void close_quietly(CDaoDatabase& database) {
-    try {
-        database.Close();
-    } catch (CDaoException* e) {
-        e->Delete();
-    } catch (const std::bad_alloc&) {
-        // It is closed, and there is no memory to report anything else.
-    }
 }
 
 CDaoDatabase& obtain(CDaoDatabase& database, DatabaseFile file, bool reopen) {

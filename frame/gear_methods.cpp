@@ -10,7 +10,7 @@ namespace frame {
 namespace {
 
 template <class Interface>
-constexpr Method kMethods[] = {
+constexpr Method kGearMethods[] = {
     method<&Interface::OpenDB>("OpenDB"),
     method<&Interface::CloseDB>("CloseDB"),
     method<&Interface::EnumFirstGear>("EnumFirstGear", "pGearInfo"),
@@ -44,13 +44,13 @@ constexpr Method kMethods[] = {
     method<&Interface::FindGearRent>("FindGearRent", "pGearRentInfo"),
     method<&Interface::DeleteGearRent>("DeleteGearRent", "pGearRentInfo"),
 };
-static_assert(std::size(kMethods<IDBgate2>) == 32);
-static_assert(std::size(kMethods<IDBGate3>) == 32);
+static_assert(std::size(kGearMethods<IDBgate2>) == 32);
+static_assert(std::size(kGearMethods<IDBGate3>) == 32);
 
 }  // namespace
 
-std::span<const Method> gate2_methods() { return kMethods<IDBgate2>; }
+std::span<const Method> gate2_methods() { return kGearMethods<IDBgate2>; }
 
-std::span<const Method> gate3_methods() { return kMethods<IDBGate3>; }
+std::span<const Method> gate3_methods() { return kGearMethods<IDBGate3>; }
 
 }  // namespace frame

@@ -16,7 +16,7 @@ using enum ColumnType;
 
 namespace {
 
-constexpr char kPath[] = "base.mdb";
+constexpr char kBasePath[] = "base.mdb";
 
 // Adds an index to a table, as another program would: the engine creates none for user tables.
 void add_index(Database& database, std::u16string_view table_name, std::vector<KeyColumn> columns) {
@@ -80,10 +80,10 @@ ByteVector file_after(Work&& work) {
     const testing_support::UseFileSystem use(disk);
     CreateOptions options;
     options.creation_date = 42329.5;
-    auto database = Database::create(kPath, options);
+    auto database = Database::create(kBasePath, options);
     work(*database);
     database->close();
-    return disk.content(kPath);
+    return disk.content(kBasePath);
 }
 
 ByteVector file_of_every_kind() {
@@ -101,7 +101,7 @@ ByteVector file_of_every_kind() {
         database.create_table(u"Plain", plain);
         add_index(database, u"Plain", {{0, true}, {2, false}});
         database.close();
-        const auto again = Database::open(kPath, {});
+        const auto again = Database::open(kBasePath, {});
         fill(*again->find_table(u"Rich"), 14);
         fill(*again->find_table(u"Plain"), 30);
         again->close();

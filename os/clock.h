@@ -17,8 +17,8 @@ using TimePoint = std::chrono::steady_clock::time_point;
 class Alarm {
 public:
     virtual ~Alarm() = default;
-    // Schedules the work for `due` or soon after; a setting that is still pending stays as it is. False when the system
-    // cannot create a thread: then the work will not run.
+    // Schedules the work for `due` or soon after; of two settings that are pending the earlier counts. False when the
+    // system cannot create a thread: then the work will not run.
     virtual bool set(TimePoint due) = 0;
 };
 

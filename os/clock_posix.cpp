@@ -72,7 +72,7 @@ public:
         if (::getpid() != process_) return false;
         {
             const std::lock_guard lock(state_->mutex);
-            if (state_->due) return true;
+            if (state_->due && *state_->due <= due) return true;
             state_->due = due;
         }
         if (thread_ || (!alarms_are_retired() && start())) {

@@ -35,7 +35,7 @@ public:
 
     bool set(const std::shared_ptr<AlarmState>& self, TimePoint due) {
         const CriticalSection::Guard lock(section_);
-        if (due_) return true;
+        if (due_ && *due_ <= due) return true;
         due_ = due;
         if (running_) {
             ::WakeAllConditionVariable(&changed_);

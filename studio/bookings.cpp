@@ -3,7 +3,7 @@
 namespace studio {
 namespace {
 
-constexpr Column<BookingInfo> kColumns[] = {
+constexpr Column<BookingInfo> kBookingColumns[] = {
     column::integer("RecID", &BookingInfo::RecID),
     column::date_to_the_minute("DateStart", &BookingInfo::DateStart),
     column::date_to_the_minute("DateEnd", &BookingInfo::DateEnd),
@@ -25,7 +25,7 @@ constexpr LONG kDescendingSpan = 8;
 
 // Deliberate: a date range tests only the start of a booking. Its bounds are midnights, so bookings that start later on
 // the last day are outside.
-constexpr Clause<BookingInfo> kFilter[] = {
+constexpr Clause<BookingInfo> kBookingFilter[] = {
     filter::equals("ClientID", &BookingInfo::ClientID),
     filter::equals("EngineerID", &BookingInfo::EngineerID),
     filter::equals("ProjID", &BookingInfo::ProjID),
@@ -41,9 +41,9 @@ constexpr Clause<BookingInfo> kFilter[] = {
 constinit const TableMapping<BookingInfo> kBookings{
     .table = "Bookings",
     .key = {"RecID", &BookingInfo::RecID},
-    .read = kColumns,
-    .write = std::span(kColumns).subspan(1),
-    .filter = kFilter,
+    .read = kBookingColumns,
+    .write = std::span(kBookingColumns).subspan(1),
+    .filter = kBookingFilter,
     .null_record = NullRecord::kFailsAtOnce,
 };
 

@@ -25,7 +25,7 @@ constexpr auto within_dates(const std::array<Clause<Record>, kClauses>& clauses,
 
 // ---- Sessions
 
-constexpr auto kSessionFilter = within_dates(session_clauses<SessionExInfo>(), "RecDate");
+constexpr auto kSessionExFilter = within_dates(session_clauses<SessionExInfo>(), "RecDate");
 
 // Deliberate: no column fills `Reserved`, so it takes the empty value of a fresh record.
 HRESULT read_session(CDaoRecordset& rows, SessionExInfo& record) {
@@ -53,7 +53,7 @@ HRESULT read_session(CDaoRecordset& rows, SessionExInfo& record) {
 
 // ---- Supply
 
-constexpr auto kSupplyFilter = within_dates(
+constexpr auto kSupplyExFilter = within_dates(
     std::array{
         filter::equals("ClientID", &SupplyExInfo::ClientID),
         filter::equals("ProjID", &SupplyExInfo::ProjID),
@@ -90,7 +90,7 @@ constinit const TableMapping<CustomInfo> kCustomQuery{
 constinit const TableMapping<SessionExInfo> kSessionsWithin{
     .table = "Sessions",
     .key = {"SessionID", &SessionExInfo::SessionID},
-    .filter = kSessionFilter,
+    .filter = kSessionExFilter,
     .null_record = NullRecord::kFailsAtOnce,
     .read_row = read_session,
 };
@@ -98,7 +98,7 @@ constinit const TableMapping<SessionExInfo> kSessionsWithin{
 constinit const TableMapping<SupplyExInfo> kSupplyWithin{
     .table = "Supply",
     .key = {"ActionID", &SupplyExInfo::ActionID},
-    .filter = kSupplyFilter,
+    .filter = kSupplyExFilter,
     .null_record = NullRecord::kFailsAtOnce,
     .read_row = read_supply,
 };

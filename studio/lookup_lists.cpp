@@ -10,12 +10,12 @@ namespace {
 
 constexpr char kNameColumn[] = "Name";
 
-constexpr Column<ListName> kColumns[] = {
+constexpr Column<ListName> kNameColumns[] = {
     column::text(kNameColumn, &ListName::Name),
 };
 
 constexpr TableMapping<ListName> list(const char* table) {
-    return {.table = table, .read = kColumns, .write = kColumns};
+    return {.table = table, .read = kNameColumns, .write = kNameColumns};
 }
 
 void copy_name(const CString& name, LPSTR buffer, std::size_t size) {

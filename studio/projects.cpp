@@ -40,7 +40,7 @@ constexpr Column<ProjInfo> kWrite[] = {
     column::integer("ExData", &ProjInfo::ExData),
 };
 
-constexpr Clause<ProjInfo> kFilter[] = {
+constexpr Clause<ProjInfo> kProjectFilter[] = {
     filter::equals("ClientID", &ProjInfo::ClientID),
     filter::equals("Director", &ProjInfo::Director),
     filter::equals("Producer", &ProjInfo::Producer),
@@ -54,7 +54,7 @@ constinit const TableMapping<ProjInfo> kProjects{
     .key = {"ProjID", &ProjInfo::ProjID},
     .read = kRead,
     .write = kWrite,
-    .filter = kFilter,
+    .filter = kProjectFilter,
 };
 
 }  // namespace studio

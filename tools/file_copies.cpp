@@ -19,7 +19,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kShareBytes = 1u << 20;
+constexpr std::size_t kCopiedBytes = 1u << 20;
 constexpr char kUnfinished[] = "-unfinished";
 
 std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode mode) {
@@ -44,7 +44,7 @@ std::unique_ptr<os::File> lock_whole_file(const std::string& path) {
 // Gives the bytes in shares to `visit`, until it returns false.
 template <class Visit>
 void for_each_share(os::File& file, Visit&& visit) {
-    std::vector<std::uint8_t> buffer(kShareBytes);
+    std::vector<std::uint8_t> buffer(kCopiedBytes);
     for (std::uint64_t at = 0;;) {
         const std::size_t got = file.read(at, buffer);
         if (got == 0 || !visit(at, std::span<const std::uint8_t>(buffer).first(got))) return;
@@ -55,7 +55,7 @@ void for_each_share(os::File& file, Visit&& visit) {
 bool are_equal(os::File& a, os::File& b) {
     if (a.size() != b.size()) return false;
     bool equal = true;
-    std::vector<std::uint8_t> other(kShareBytes);
+    std::vector<std::uint8_t> other(kCopiedBytes);
     for_each_share(a, [&](std::uint64_t at, std::span<const std::uint8_t> bytes) {
         const std::size_t got = b.read(at, std::span(other).first(bytes.size()));
         return equal = std::equal(bytes.begin(), bytes.end(), other.begin(), other.begin() + static_cast<long>(got));
@@ -68,7 +68,7 @@ void take_attributes(const std::string& from, const std::string& to) {
     fs::last_write_time(system_path(to), fs::last_write_time(system_path(from)));
 }
 
-void remove_quietly(const std::string& path) {
+void remove_unfinished(const std::string& path) {
     try {
         os::file_system().remove(path);
     } catch (const os::FileError&) {
@@ -97,7 +97,7 @@ void write_unfinished(os::File& from, const std::string& like, const std::string
         take_attributes(like, unfinished);
     } catch (...) {
         file.reset();
-        remove_quietly(unfinished);
+        remove_unfinished(unfinished);
         throw;
     }
 }
@@ -184,7 +184,7 @@ DatedCopy dated_copy(const std::string& path) {
         const std::string unfinished = copy + kUnfinished;
         write_unfinished(*file, path, unfinished);
         if (!publish(unfinished, copy)) {
-            remove_quietly(unfinished);
+            remove_unfinished(unfinished);
             continue;
         }
         os::file_system().sync_folder_of(copy);
@@ -202,7 +202,7 @@ void take_back(const std::string& copy, const std::string& path) {
         lock_whole_file(target);
         os::file_system().replace(unfinished, target);
     } catch (...) {
-        remove_quietly(unfinished);
+        remove_unfinished(unfinished);
         throw;
     }
     os::file_system().sync_folder_of(target);

@@ -15,7 +15,7 @@ namespace {
 
 // All of the text as a number.
 template <class Number>
-std::optional<Number> number_of(const std::string& text) {
+std::optional<Number> parsed_number(const std::string& text) {
     Number number{};
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size()) return std::nullopt;
@@ -43,7 +43,7 @@ std::string to_utf8(const CString& text) { return jet::to_utf8(os::widen(text.Ge
 CString from_utf8(const std::string& text) { return os::narrow(jet::from_utf8(text)).c_str(); }
 
 LONG parse_number(const std::string& what, const std::string& text) {
-    const auto number = number_of<std::int32_t>(text);
+    const auto number = parsed_number<std::int32_t>(text);
     if (!number) refuse(what, "a whole number from -2147483648 to 2147483647", text);
     return *number;
 }
@@ -73,7 +73,7 @@ void parse(const std::string& name, const std::string& text, CString& member) {
 void parse(const std::string& name, const std::string& text, LONG& member) { member = parse_number(name, text); }
 
 void parse(const std::string& name, const std::string& text, studio::Conversion conversion, float& member) {
-    const auto wanted = number_of<double>(text);
+    const auto wanted = parsed_number<double>(text);
     if (!wanted || !std::isfinite(*wanted)) refuse(name, "a decimal number", text);
     constexpr double kLargest = static_cast<double>(std::numeric_limits<float>::max());
     const bool is_in_range = std::abs(*wanted) <= kLargest;
@@ -102,7 +102,7 @@ void parse(const std::string& name, const std::string& text, studio::Conversion 
         is_to_the_minute(conversion) ? "a moment as YYYY-MM-DDTHH:MM" : "a date as YYYY-MM-DD from 1970 to 2038";
     if (!has_time && !matches(text, "9999-99-99")) refuse(name, wanted, text);
     const auto part = [&](std::size_t from, std::size_t count) {
-        return number_of<int>(text.substr(from, count)).value_or(-1);
+        return parsed_number<int>(text.substr(from, count)).value_or(-1);
     };
     const int hour = has_time ? part(11, 2) : 0;
     const int minute = has_time ? part(14, 2) : 0;

@@ -46,7 +46,7 @@ Parts parts_of(const std::string& word) {
     throw UsageError("'" + word + "' is no condition; wanted is COLUMN=VALUE, or !=, <, <=, >, >= or ~ in place of =");
 }
 
-std::optional<double> number_of(const std::string& text) {
+std::optional<double> finite_number(const std::string& text) {
     double number = 0;
     const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
     if (result.ec != std::errc() || result.ptr != text.data() + text.size() || !std::isfinite(number)) return {};
@@ -193,8 +193,8 @@ void RowCondition::parse_value(const jet::ColumnDef& column, const std::string& 
         return;
     }
     const bool is_truth = column.type == jet::ColumnType::kBoolean;
-    const auto first = is_truth && (from == "true" || from == "false") ? from == "true" : number_of(from);
-    const auto last = dots == std::string::npos ? first : number_of(to);
+    const auto first = is_truth && (from == "true" || from == "false") ? from == "true" : finite_number(from);
+    const auto last = dots == std::string::npos ? first : finite_number(to);
     if (!first || !last) {
         throw UsageError(jet::to_utf8(column.name) + " takes a number, or two of them with .. between, not '" + text +
                          "'");

@@ -9,17 +9,6 @@
 
 namespace tools {
 
-void SelectionOptions::declare(Declaration& declaration) {
-    declaration.repeated_option("--where", where, "CONDITION",
-                                "rows for which it holds: COLUMN=VALUE, or != < <= > >= or ~ (contains) in place of =; "
-                                "a date may be a month or a year, and A..B is a span; may be repeated");
-    declaration.option("--columns", columns, "A,B", "these columns alone");
-    declaration.option("--sort", sort, "A,-B", "in the order of these columns; - before a name turns it round");
-    declaration.option("--from", from, "DATE", "rows whose first column of dates is on that day or later");
-    declaration.option("--to", to, "DATE", "rows whose first column of dates is on that day or earlier");
-    declaration.option("--limit", limit, "N", "no more than N rows");
-}
-
 Names split_list(const std::string& text) {
     Names names;
     std::size_t begin = 0;

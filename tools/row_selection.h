@@ -9,12 +9,13 @@
 #include <string>
 #include <vector>
 
-#include "tools/declaration.h"
 #include "tools/open_file.h"
 #include "tools/row_condition.h"
 #include "tools/row_printer.h"
 
 namespace tools {
+
+class Declaration;
 
 struct SelectionOptions {
     std::vector<std::string> where;

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t kMostMissing = 12;
 
-std::int32_t number_of(const jet::Value& value) {
+std::int32_t version_number(const jet::Value& value) {
     if (const auto* number = std::get_if<std::int32_t>(&value)) return *number;
     const auto* text = std::get_if<std::u16string>(&value);
     return text != nullptr ? std::atoi(jet::to_utf8(*text).c_str()) : 0;
@@ -33,7 +33,7 @@ std::optional<std::int32_t> header_value(jet::Database& database, const char* co
     jet::RowView row;
     if (!first || !table->read(*first, row)) return std::nullopt;
     const auto position = table->def().find_column(jet::from_utf8(column));
-    return position ? number_of(row.value(*position)) : 0;
+    return position ? version_number(row.value(*position)) : 0;
 }
 
 bool is_studio_file(const fs::path& path) {

@@ -165,4 +165,8 @@ std::string json_value(const jet::Value& value) {
     return is_json_literal(value) ? text : json_string(text);
 }
 
+std::string plural(std::size_t count, const char* one, const char* many) {
+    return std::to_string(count) + " " + (count == 1 ? one : many);
+}
+
 }  // namespace tools

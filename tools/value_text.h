@@ -1,6 +1,7 @@
 // Column values as text for people and programs: plain, CSV (RFC 4180) and JSON.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -17,5 +18,7 @@ std::string csv_quoted(std::string_view utf8);
 // One JSON value: numbers of every kind with all their digits, everything else but truth values as a text.
 std::string json_value(const jet::Value& value);
 std::string json_string(std::string_view utf8);
+// "1 row", "2 rows".
+std::string plural(std::size_t count, const char* one, const char* many);
 
 }  // namespace tools

@@ -47,6 +47,8 @@ enum class ColumnType : std::uint8_t {
 
 constexpr bool is_long_value(ColumnType type) { return type == ColumnType::kOle || type == ColumnType::kMemo; }
 
+inline constexpr int kCurrencyPlaces = 4;  // after the decimal point
+
 // Amount in ten-thousandths.
 struct Currency {
     std::int64_t ten_thousandths = 0;

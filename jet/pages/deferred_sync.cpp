@@ -11,9 +11,9 @@ DeferredSync::~DeferredSync() = default;
 
 // The commit is already in the journal and must not be reported as failed, so any failure to set the alarm returns
 // false.
-bool DeferredSync::request() noexcept {
+bool DeferredSync::request(std::chrono::milliseconds delay) noexcept {
     try {
-        return alarm_ != nullptr && alarm_->set(clock_.now() + kSyncDelay);
+        return alarm_ != nullptr && alarm_->set(clock_.now() + delay);
     } catch (...) {
         return false;
     }

@@ -28,9 +28,9 @@ public:
     DeferredSync(const DeferredSync&) = delete;
     DeferredSync& operator=(const DeferredSync&) = delete;
 
-    // Schedules a sync of the journal in kSyncDelay, or earlier if one is already scheduled. False: it will not happen,
+    // Schedules a sync of the journal after `delay`, or earlier if one is already scheduled. False: it will not happen,
     // the caller must sync.
-    bool request() noexcept;
+    bool request(std::chrono::milliseconds delay) noexcept;
     bool failed() const { return failed_; }
     // Forgets what was requested, and waits as the destructor does; nothing is synced from then on.
     void stop() noexcept { alarm_.reset(); }

@@ -12,6 +12,9 @@ namespace {
 constexpr std::size_t kKeptBufferBytes = 4u << 20;
 constexpr std::uint64_t kKeptFileBytes = 32u << 20;
 
+// A burst of commits has the journal synced in the background every so many bytes, so that little is left when it ends.
+constexpr std::uint64_t kEarlySyncBytes = 512u << 10;
+
 }  // namespace
 
 std::uint64_t fresh_salt() {
@@ -129,6 +132,7 @@ void Journal::append(std::span<const JournalPage> pages, std::uint32_t page_coun
     checksum_ = checksum;
     started_ = true;
     unsynced_ = true;
+    bytes_since_sync_ += total;
     if (buffer_bytes_ > kKeptBufferBytes) {
         buffer_.reset();
         buffer_bytes_ = 0;
@@ -163,9 +167,15 @@ void Journal::sync() {
     }
     name_unsynced_ = false;
     unsynced_ = false;
+    bytes_since_sync_ = 0;
 }
 
-bool Journal::sync_later() { return !name_unsynced_ && deferred_ && deferred_->request(); }
+bool Journal::sync_later() {
+    if (name_unsynced_ || !deferred_) return false;
+    if (bytes_since_sync_ < kEarlySyncBytes) return deferred_->request(kSyncDelay);
+    bytes_since_sync_ = 0;
+    return deferred_->request(std::chrono::milliseconds(0));
+}
 
 void Journal::sync_no_later() {
     if (!deferred_) return;

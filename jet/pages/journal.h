@@ -83,6 +83,7 @@ private:
     std::unique_ptr<DeferredSync> deferred_;
     bool started_ = false;
     bool unsynced_ = false;
+    std::uint64_t bytes_since_sync_ = 0;  // appended since a sync was asked for without delay
     bool name_unsynced_ = false;
     bool sync_failed_ = false;
     std::uint64_t end_ = 0;         // bytes used by the generation; 0: its header is written with the first commit

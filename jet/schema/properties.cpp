@@ -12,7 +12,7 @@ namespace jet {
 
 namespace {
 
-namespace format = jet4::properties;
+namespace layout = jet4::properties;
 
 [[noreturn]] void damaged(const char* what) {
     fail(errors::kDamaged, std::string("The database is damaged: the properties of a table ") + what + ".");
@@ -55,7 +55,7 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& se
     block.type = type;
     const std::uint32_t header_bytes = reader.take_u32();
     block.owner = reader.take_name();
-    if (header_bytes != format::kOwnerHeader + 2 * block.owner.size()) damaged("hold a block with a wrong header");
+    if (header_bytes != layout::kOwnerHeader + 2 * block.owner.size()) damaged("hold a block with a wrong header");
     while (!reader.at_end()) {
         Property property;
         const std::uint16_t length = reader.take_u16();
@@ -63,7 +63,7 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& se
         property.type = static_cast<ColumnType>(reader.take_u8());
         property.name = reader.take_u16();
         property.data_bytes = reader.take_u16();
-        if (length != format::kValueHeader + property.data_bytes) damaged("hold a value of a wrong length");
+        if (length != layout::kValueHeader + property.data_bytes) damaged("hold a value of a wrong length");
         if (property.name >= set.names.size()) damaged("hold a value without a name");
         property.data_at = static_cast<std::uint32_t>(set.data.size());
         append_bytes(set.data, reader.take(property.data_bytes));
@@ -72,13 +72,13 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& se
     return block;
 }
 
-void append_name(ByteVector& to, std::u16string_view name) {
+void append_text(ByteVector& to, std::u16string_view name) {
     append_u16(to, static_cast<std::uint16_t>(2 * name.size()));
     for (const char16_t unit : name) append_u16(to, unit);
 }
 
 void append_block(ByteVector& to, std::uint16_t type, ByteSpan body) {
-    append_u32(to, static_cast<std::uint32_t>(format::kBlockHeader + body.size()));
+    append_u32(to, static_cast<std::uint32_t>(layout::kBlockHeader + body.size()));
     append_u16(to, type);
     append_bytes(to, body);
 }
@@ -106,7 +106,7 @@ void PropertySet::visit_column_flags(std::u16string_view property,
                                      const std::function<void(std::u16string_view column, bool value)>& visit) const {
     const std::vector<bool> wanted = names_like(names, property);
     for (const PropertyBlock& block : blocks) {
-        if (block.type != format::kColumnBlock) continue;
+        if (block.type != layout::kColumnBlock) continue;
         const auto found = std::find_if(block.properties.begin(), block.properties.end(),
                                         [&](const Property& candidate) { return wanted[candidate.name]; });
         if (found != block.properties.end()) visit(block.owner, is_true(data_of(*found)));
@@ -126,7 +126,7 @@ void PropertySet::set_column_flag(std::u16string_view column, std::u16string_vie
     const std::vector<bool> wanted = names_like(names, property);
     PropertyBlock* own_block = nullptr;
     for (PropertyBlock& block : blocks) {
-        if (block.type != format::kColumnBlock || !same_name(block.owner, column)) continue;
+        if (block.type != layout::kColumnBlock || !same_name(block.owner, column)) continue;
         if (!own_block) own_block = &block;
         for (Property& candidate : block.properties) {
             if (!wanted[candidate.name]) continue;
@@ -135,7 +135,7 @@ void PropertySet::set_column_flag(std::u16string_view column, std::u16string_vie
         }
     }
     if (!own_block) {
-        blocks.push_back({format::kColumnBlock, std::u16string(column), {}});
+        blocks.push_back({layout::kColumnBlock, std::u16string(column), {}});
         own_block = &blocks.back();
     }
     auto name = std::find(names.begin(), names.end(), property);
@@ -152,7 +152,7 @@ void PropertySet::set_column_flag(std::u16string_view column, std::u16string_vie
 
 void PropertySet::remove_column(std::u16string_view column) {
     std::erase_if(blocks, [&](const PropertyBlock& block) {
-        return block.type == format::kColumnBlock && same_name(block.owner, column);
+        return block.type == layout::kColumnBlock && same_name(block.owner, column);
     });
 }
 
@@ -160,21 +160,21 @@ PropertySet parse_properties(ByteSpan blob) {
     PropertySet set;
     if (blob.empty()) return set;
     BlobReader reader(blob);
-    if (reader.take_u32() != format::kMagicValue) damaged("lack their mark");
+    if (reader.take_u32() != layout::kMagicValue) damaged("lack their mark");
     bool named = false;
     while (!reader.at_end()) {
         const std::uint32_t block_bytes = reader.take_u32();
         const std::uint16_t type = reader.take_u16();
-        if (block_bytes < format::kBlockHeader) damaged("hold a block of a wrong length");
-        BlobReader body(reader.take(block_bytes - format::kBlockHeader));
-        if (type == format::kNameBlock) {
+        if (block_bytes < layout::kBlockHeader) damaged("hold a block of a wrong length");
+        BlobReader body(reader.take(block_bytes - layout::kBlockHeader));
+        if (type == layout::kNameBlock) {
             if (named) damaged("have two lists of names");
             named = true;
             while (!body.at_end()) {
                 if (set.names.size() == kMaxNames) damaged("have too many names");
                 set.names.push_back(body.take_name());
             }
-        } else if (type == format::kObjectBlock || type == format::kColumnBlock) {
+        } else if (type == layout::kObjectBlock || type == layout::kColumnBlock) {
             if (set.blocks.size() == kMaxBlocks) damaged("belong to more columns than a table can have");
             set.blocks.push_back(parse_block(type, body, set));
         } else {
@@ -189,10 +189,10 @@ ByteVector build_properties(const PropertySet& set) {
     ByteVector values;
     for (const PropertyBlock& block : set.blocks) {
         ByteVector body;
-        append_u32(body, static_cast<std::uint32_t>(format::kOwnerHeader + 2 * block.owner.size()));
-        append_name(body, block.owner);
+        append_u32(body, static_cast<std::uint32_t>(layout::kOwnerHeader + 2 * block.owner.size()));
+        append_text(body, block.owner);
         for (const Property& property : block.properties) {
-            append_u16(body, static_cast<std::uint16_t>(format::kValueHeader + property.data_bytes));
+            append_u16(body, static_cast<std::uint16_t>(layout::kValueHeader + property.data_bytes));
             append_u8(body, property.ddl);
             append_u8(body, static_cast<std::uint8_t>(property.type));
             append_u16(body, property.name);
@@ -203,10 +203,10 @@ ByteVector build_properties(const PropertySet& set) {
     }
 
     ByteVector blob;
-    append_u32(blob, format::kMagicValue);
+    append_u32(blob, layout::kMagicValue);
     ByteVector name_list;
-    for (const std::u16string& name : set.names) append_name(name_list, name);
-    append_block(blob, format::kNameBlock, name_list);
+    for (const std::u16string& name : set.names) append_text(name_list, name);
+    append_block(blob, layout::kNameBlock, name_list);
     append_bytes(blob, values);
     return blob;
 }

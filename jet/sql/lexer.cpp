@@ -12,8 +12,6 @@ namespace jet::sql {
 
 namespace {
 
-constexpr int kCurrencyPlaces = 4;
-
 struct Keyword {
     std::u16string_view text;
     TokenKind kind;

@@ -12,7 +12,6 @@ namespace jet::sql {
 namespace {
 
 constexpr std::int64_t kUnit = 10000;  // ten-thousandths in one
-constexpr int kCurrencyPlaces = 4;
 constexpr int kSingleDigits = 7;
 constexpr int kDoubleDigits = 15;
 

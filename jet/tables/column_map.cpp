@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint64_t kTopBit = 0x8000000000000000u;
 
-constexpr std::size_t kBlock = 512;  // entries
+constexpr std::size_t kBlockEntries = 512;  // entries
 
 // How many of `size` entries in order, entry_at(0) and on, stand before `wanted`; their keys are not below `first`, and
 // the last of them is `last`. Keys given out in order lie evenly: the place is where the key says, and nothing else is
@@ -125,7 +125,7 @@ void ColumnMap::insert(Entry entry) {
     std::size_t at = block_of(entry);
     if (at == blocks_.size()) {
         // Keys mostly grow: a full last block stays full instead of being halved.
-        if (blocks_.empty() || blocks_.back().size() >= kBlock) {
+        if (blocks_.empty() || blocks_.back().size() >= kBlockEntries) {
             blocks_.emplace_back();
             lasts_.emplace_back();
         }
@@ -139,7 +139,7 @@ void ColumnMap::insert(Entry entry) {
     if (block.entry(place) == entry) return;
     block.insert(place, entry);
     ++size_;
-    if (block.size() <= kBlock) return;
+    if (block.size() <= kBlockEntries) return;
     Block upper = block.cut(block.size() / 2);
     lasts_.insert(lasts_.begin() + static_cast<std::ptrdiff_t>(at), block.entry(block.size() - 1));
     blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(at) + 1, std::move(upper));

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr char kAll[] = "SELECT * FROM [Items]";
+constexpr char kAllItems[] = "SELECT * FROM [Items]";
 
 class DaoRecordset : public ItemsTest {
 protected:
@@ -24,7 +24,7 @@ TEST_F(DaoRecordset, open_with_rows_stands_on_the_first) {
     add("two");
     CDaoRecordset rows(&database_);
     EXPECT_FALSE(rows.IsOpen());
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_TRUE(rows.IsOpen());
     EXPECT_NE(rows.m_pDAORecordset, nullptr);
     EXPECT_FALSE(rows.IsBOF());
@@ -34,14 +34,14 @@ TEST_F(DaoRecordset, open_with_rows_stands_on_the_first) {
 
 TEST_F(DaoRecordset, open_without_rows_has_both_flags) {
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     EXPECT_TRUE(rows.IsBOF());
     EXPECT_TRUE(rows.IsEOF());
     EXPECT_EQ(rows.GetRecordCount(), 0);
     EXPECT_EQ(error_of([&] { rows.MoveNext(); }), 3021);
     EXPECT_EQ(error_of([&] { rows.GetFieldValue("Name"); }), 3021);
     CDaoRecordset scrollable(&database_);
-    scrollable.Open(dbOpenDynaset, kAll, 0);
+    scrollable.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_EQ(error_of([&] { scrollable.MoveFirst(); }), 3021);
 }
 
@@ -60,28 +60,28 @@ TEST_F(DaoRecordset, statement_errors_surface_at_open) {
 
 TEST_F(DaoRecordset, open_without_database_throws) {
     CDaoRecordset unbound;
-    EXPECT_EQ(error_of([&] { unbound.Open(dbOpenDynaset, kAll, 0); }), 3420);
+    EXPECT_EQ(error_of([&] { unbound.Open(dbOpenDynaset, kAllItems, 0); }), 3420);
     CDaoDatabase closed;
     CDaoRecordset rows(&closed);
-    EXPECT_EQ(error_of([&] { rows.Open(dbOpenDynaset, kAll, 0); }), 3420);
+    EXPECT_EQ(error_of([&] { rows.Open(dbOpenDynaset, kAllItems, 0); }), 3420);
     EXPECT_FALSE(rows.IsOpen());
 }
 
 TEST_F(DaoRecordset, failed_reopening_leaves_it_closed) {
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_EQ(error_of([&] { rows.Open(dbOpenDynaset, "", 0); }), 3078);
     EXPECT_FALSE(rows.IsOpen());
     EXPECT_EQ(error_of([&] { rows.GetRecordCount(); }), 3420);
     rows.Close();
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_TRUE(rows.IsOpen());
 }
 
 TEST_F(DaoRecordset, record_count_is_of_rows_visited) {
     for (const char* name : {"a", "b", "c"}) add(name);
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_EQ(rows.GetRecordCount(), 1);
     rows.MoveNext();
     EXPECT_EQ(rows.GetRecordCount(), 2);
@@ -100,7 +100,7 @@ TEST_F(DaoRecordset, record_count_is_of_rows_visited) {
 TEST_F(DaoRecordset, moving_past_the_end_throws_only_the_second_time) {
     add("one");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     rows.MoveNext();
     EXPECT_TRUE(rows.IsEOF());
     EXPECT_FALSE(rows.IsBOF());
@@ -112,7 +112,7 @@ TEST_F(DaoRecordset, moving_past_the_end_throws_only_the_second_time) {
 TEST_F(DaoRecordset, forward_only_read_only_set_refuses_the_rest) {
     add("one");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     EXPECT_EQ(error_of([&] { rows.MoveFirst(); }), 3251);
     EXPECT_EQ(error_of([&] { rows.AddNew(); }), 3027);
     EXPECT_EQ(error_of([&] { rows.Edit(); }), 3027);
@@ -120,14 +120,14 @@ TEST_F(DaoRecordset, forward_only_read_only_set_refuses_the_rest) {
     EXPECT_EQ(error_of([&] { rows.SetFieldValue("Name", "x"); }), 3020);
     EXPECT_EQ(text(rows, "Name"), "one");
     CDaoRecordset snapshot(&database_);
-    snapshot.Open(dbOpenSnapshot, kAll);
+    snapshot.Open(dbOpenSnapshot, kAllItems);
     EXPECT_EQ(error_of([&] { snapshot.Edit(); }), 3027);
     EXPECT_EQ(error_of([&] { snapshot.MoveFirst(); }), 0);
 }
 
 TEST_F(DaoRecordset, values_have_their_variant_types) {
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     rows.AddNew();
     rows.SetFieldValue("Name", "caf\xE9");
     rows.SetFieldValue("Parent", COleVariant(static_cast<long>(-5), VT_I4));
@@ -203,7 +203,7 @@ TEST_F(DaoRecordset, order_by_and_conditions_select) {
 TEST_F(DaoRecordset, rows_added_later_are_not_delivered) {
     add("a");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     add("b");
     rows.MoveNext();
     EXPECT_TRUE(rows.IsEOF());
@@ -215,7 +215,7 @@ TEST_F(DaoRecordset, rows_deleted_later_are_passed_over) {
     const LONG b = add("b");
     add("c");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     remove(b);
     rows.MoveNext();
     EXPECT_EQ(text(rows, "Name"), "c");
@@ -244,7 +244,7 @@ TEST_F(DaoRecordset, row_deleted_under_the_cursor_reads_3167_and_moving_on_works
     const LONG a = add("a");
     add("b");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     EXPECT_EQ(text(rows, "Name"), "a");
     remove(a);
     EXPECT_EQ(error_of([&] { rows.GetFieldValue("Name"); }), 3167);
@@ -255,7 +255,7 @@ TEST_F(DaoRecordset, row_deleted_under_the_cursor_reads_3167_and_moving_on_works
 TEST_F(DaoRecordset, place_of_a_deleted_row_taken_by_a_new_one_is_not_the_old_row) {
     const LONG a = add("a");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_EQ(text(rows, "Name"), "a");
     remove(a);
     for (int i = 0; i < 300; ++i) add("new");
@@ -270,7 +270,7 @@ TEST_F(DaoRecordset, all_rows_behind_the_cursor_deleted_reaches_the_end) {
     add("a");
     const LONG b = add("b");
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 260);
+    rows.Open(dbOpenDynaset, kAllItems, 260);
     remove(b);
     rows.MoveNext();
     EXPECT_TRUE(rows.IsEOF());
@@ -280,8 +280,8 @@ TEST_F(DaoRecordset, two_sets_on_one_table_do_not_disturb_each_other) {
     for (const char* name : {"a", "b", "c"}) add(name);
     CDaoRecordset one(&database_);
     CDaoRecordset two(&database_);
-    one.Open(dbOpenDynaset, kAll, 260);
-    two.Open(dbOpenDynaset, kAll, 260);
+    one.Open(dbOpenDynaset, kAllItems, 260);
+    two.Open(dbOpenDynaset, kAllItems, 260);
     one.MoveNext();
     one.MoveNext();
     two.MoveNext();
@@ -293,7 +293,7 @@ TEST_F(DaoRecordset, two_sets_on_one_table_do_not_disturb_each_other) {
 TEST_F(DaoRecordset, damaged_memo_is_an_error_only_for_who_reads_it) {
     {
         CDaoRecordset rows(&database_);
-        rows.Open(dbOpenDynaset, kAll, 0);
+        rows.Open(dbOpenDynaset, kAllItems, 0);
         rows.AddNew();
         rows.SetFieldValue("Name", "sound");
         rows.SetFieldValue("Note", "hurt");
@@ -309,7 +309,7 @@ TEST_F(DaoRecordset, damaged_memo_is_an_error_only_for_who_reads_it) {
     file.close();
     database_.Open(path("items.mdb").c_str());
     CDaoRecordset rows(&database_);
-    rows.Open(dbOpenDynaset, kAll, 0);
+    rows.Open(dbOpenDynaset, kAllItems, 0);
     EXPECT_EQ(text(rows, "Name"), "sound");
     EXPECT_EQ(error_of([&] { rows.GetFieldValue("Note"); }), 3049);
     EXPECT_EQ(text(rows, "Name"), "sound");

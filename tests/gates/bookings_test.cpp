@@ -1,5 +1,6 @@
 // Bookings through the main gate.
 #include "tests/gates/bookings_cases.h"
+#include "tests/gates/dates.h"
 #include "tests/gates/record_round_trip.h"
 
 namespace {
@@ -14,9 +15,6 @@ TEST(BookingsGate, overlong_text_keeps_what_was_set_before) { expect_half_writte
 
 constexpr LONG kAscending = 4;
 constexpr LONG kDescending = 8;
-
-// A day of March 2005.
-CTime march(int day, int hour = 0, int minute = 0) { return CTime(2005, 3, day, hour, minute, 0); }
 
 // Adds a booking from `start` for two hours.
 LONG book(IDBgate1& gate, CTime start, LONG room = 0, LONG extra = 0) {

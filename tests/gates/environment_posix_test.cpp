@@ -162,7 +162,7 @@ struct ListNames {
     HRESULT (STDMETHODCALLTYPE IDBgate1::*add)(LPSTR);
     const char16_t* word;
 };
-constexpr ListNames kLists[] = {
+constexpr ListNames kListsByName[] = {
     {&IDBgate1::EnumFirstTrackType, &IDBgate1::AddTrackType, u"TrackType"},
     {&IDBgate1::EnumFirstProjType, &IDBgate1::AddProjType, u"ProjType"},
     {&IDBgate1::EnumFirstTrackDestin, &IDBgate1::AddTrackDestin, u"TrackDestin"},
@@ -185,7 +185,7 @@ TEST_F(Utf8Gate, longest_name_of_a_list_is_cut_for_a_buffer_and_whole_by_invoke)
         narrow += "\xC3\xA4";
         wide += u'\u00e4';
     }
-    for (const ListNames& list : kLists) {
+    for (const ListNames& list : kListsByName) {
         const std::string word(list.word, list.word + std::char_traits<char16_t>::length(list.word));
         SCOPED_TRACE(word);
         std::string name = narrow;

@@ -3,6 +3,7 @@
 
 #include <string>
 
+#include "tests/gates/dates.h"
 #include "tests/gates/record_round_trip.h"
 
 using namespace testing_support;
@@ -11,8 +12,6 @@ namespace {
 
 constexpr DWORD kFrom = 1;
 constexpr DWORD kTo = 2;
-
-CTime march(int day) { return CTime(2005, 3, day, 0, 0, 0); }
 
 SessionInfo add_session(IDBgate1& gate, LONG project, CTime date) {
     SessionInfo session;

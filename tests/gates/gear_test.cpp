@@ -1,4 +1,5 @@
 // The five gear tables through both gear gates.
+#include "tests/gates/dates.h"
 #include "tests/gates/gear_cases.h"
 #include "tests/gates/record_round_trip.h"
 
@@ -232,8 +233,6 @@ TYPED_TEST(EachGearGate, conditions_of_services_and_repairs_select) {
 }
 
 // ---- Rentals
-
-CTime march(int day, int hour = 0) { return CTime(2005, 3, day, hour, 0, 0); }
 
 TEST(RentalsGate, older_gate_stores_neither_gear_nor_client_nor_room) {
     GateHost host;

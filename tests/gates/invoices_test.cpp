@@ -1,4 +1,5 @@
 // Invoices, their lines and their defaults through the main gate.
+#include "tests/gates/dates.h"
 #include "tests/gates/invoices_cases.h"
 #include "tests/gates/record_round_trip.h"
 
@@ -19,9 +20,6 @@ TEST(InvoiceLinesGate, mappings_go_in_their_order) { expect_orders(kInvoiceLines
 TEST(InvoiceLinesGate, overlong_text_keeps_what_was_set_before) { expect_half_written(kInvoiceLines); }
 
 // ---- Invoices
-
-// A day of March 2005.
-CTime march(int day, int hour = 0) { return CTime(2005, 3, day, hour, 0, 0); }
 
 LONG add_invoice(IDBgate1& gate, CTime date) {
     InvoiceInfo record;

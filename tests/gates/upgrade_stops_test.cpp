@@ -30,11 +30,6 @@ const Stop kStops[] = {
     {.at = "the gear", .version = 200010, .also = "GearRepairs"},
 };
 
-std::string version_in(const Content& content) {
-    const auto& rows = content.at("DBHeader").rows;
-    return rows.empty() ? "none" : rows[0].at("DBversion");
-}
-
 class UpgradeStops : public ::testing::TestWithParam<Stop> {};
 
 TEST_P(UpgradeStops, studio_is_served_and_keeps_what_is_written) {

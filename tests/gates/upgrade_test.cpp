@@ -24,8 +24,6 @@ std::vector<Record> all_of(IDBgate1& gate, Method first, Method next, const Reco
     return records;
 }
 
-std::string version_in(const Content& content) { return content.at("DBHeader").rows.at(0).at("DBversion"); }
-
 class UpgradeGate : public ::testing::Test {
 protected:
     std::string studio() const { return host_.file("sldb.mdb"); }

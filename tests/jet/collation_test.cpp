@@ -8,20 +8,11 @@
 #include <string>
 
 #include "jet/base/types.h"
+#include "tests/support/hex.h"
 
 namespace {
 
-std::string hex(const jet::ByteVector& bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        char two[4];
-        std::snprintf(two, sizeof two, "%02X", byte);
-        if (!text.empty()) text += ' ';
-        text += two;
-    }
-    return text;
-}
-
+using testing_support::hex;
 jet::ByteVector key(std::u16string_view text) {
     jet::ByteVector bytes;
     jet::append_sort_key(bytes, text);

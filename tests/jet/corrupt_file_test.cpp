@@ -15,7 +15,7 @@
 namespace jet {
 namespace {
 
-constexpr char kPath[] = "d/damaged.mdb";
+constexpr char kDamagedPath[] = "d/damaged.mdb";
 constexpr double kSecondsAllowed = 10;  // of the processor; sanitizers are slow
 
 void count_one() { testing_support::count_tried(testing_support::Figure::kDamagedFiles); }
@@ -36,7 +36,7 @@ Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t 
         ByteVector file = good;
         for (std::uint32_t i = random.below(4) + 1; i > 0; --i) damage_once(file, random);
         MemoryDisk memory;
-        memory.disk.set_content(kPath, file);
+        memory.disk.set_content(kDamagedPath, file);
         count_one();
         reset_largest_allocation();
         const std::clock_t begin = std::clock();
@@ -45,9 +45,9 @@ Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t 
                 EXPECT_TRUE(error == 0 || (error >= 3000 && error < 4000)) << error;
                 ++(error == 0 ? tally.served : tally.refused);
             };
-            count_in(read_file(kPath));
+            count_in(read_file(kDamagedPath));
             EXPECT_EQ(memory.disk.change_count(), 0u) << "reading only";
-            if (seed % changed_one_in == 0) count_in(change_file(kPath));
+            if (seed % changed_one_in == 0) count_in(change_file(kDamagedPath));
         } catch (const std::exception& error) {
             ADD_FAILURE() << "not an engine error: " << error.what();
         }
@@ -76,9 +76,9 @@ INSTANTIATE_TEST_SUITE_P(Part, RichFileCorrupt, ::testing::Range(0u, 10u));
 
 TEST(FileCorrupt, file_without_damage_is_read_whole) {
     MemoryDisk memory;
-    memory.disk.set_content(kPath, rich_file());
-    EXPECT_EQ(read_file(kPath), 0);
-    const auto database = Database::open(kPath, {});
+    memory.disk.set_content(kDamagedPath, rich_file());
+    EXPECT_EQ(read_file(kDamagedPath), 0);
+    const auto database = Database::open(kDamagedPath, {});
     expect_sound(*database);
     EXPECT_GT(read_everything(*database), 40u * 11 + 300 * 2 + 3 * 50);
     change_a_little(*database);
@@ -91,12 +91,13 @@ TEST(FileCorrupt, every_truncation_gives_an_engine_error_or_none) {
     const ByteVector& good = rich_file();
     for (std::size_t size = 0; size < good.size(); size += size < 5000 ? 97 : 1811) {
         MemoryDisk memory;
-        memory.disk.set_content(kPath, ByteVector(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
+        memory.disk.set_content(kDamagedPath,
+                                ByteVector(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size)));
         count_one();
-        const int error = change_file(kPath);
+        const int error = change_file(kDamagedPath);
         const bool refused = error == errors::kDamaged || error == errors::kNotADatabase;
         EXPECT_TRUE(refused || size % jet4::kPageSize == 0) << size << ": " << error;
-        read_file(kPath);
+        read_file(kDamagedPath);
     }
 }
 
@@ -108,11 +109,11 @@ TEST(FileCorrupt, pages_of_zeros_and_ones_are_survived) {
             std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at), jet4::kPageSize,
                         static_cast<std::uint8_t>(fill));
             MemoryDisk memory;
-            memory.disk.set_content(kPath, file);
+            memory.disk.set_content(kDamagedPath, file);
             count_one();
-            read_file(kPath);
-            change_file(kPath);
-            EXPECT_TRUE(memory.disk.exists(kPath));
+            read_file(kDamagedPath);
+            change_file(kDamagedPath);
+            EXPECT_TRUE(memory.disk.exists(kDamagedPath));
         }
     }
 }

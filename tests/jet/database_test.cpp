@@ -68,16 +68,6 @@ protected:
     std::unique_ptr<Database> database_;
 };
 
-template <class Work>
-int error_number(Work&& work) {
-    try {
-        work();
-    } catch (const Error& error) {
-        return error.number();
-    }
-    return 0;
-}
-
 TEST_F(DatabaseTest, new_file_has_no_user_table_and_is_sound) {
     database_ = Database::create(path(), {});
     EXPECT_TRUE(database_->table_names().empty());

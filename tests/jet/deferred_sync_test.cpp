@@ -1,6 +1,7 @@
 // What a burst of commits leaves unsynced is brought to the disk without another call.
 #include "jet/pages/deferred_sync.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <thread>
@@ -39,6 +40,21 @@ TEST_F(DeferredSyncTest, tail_of_a_burst_is_on_the_disk_in_time) {
     EXPECT_EQ(mark_after_power_loss(), 1) << "the first is a sync point, the others wait";
     disk().clock().advance(244ms);
     EXPECT_EQ(mark_after_power_loss(), 3);
+}
+
+TEST_F(DeferredSyncTest, long_burst_is_synced_on_its_way) {
+    auto pager = open(rarely_synced());
+    put(*pager, 7, 1);
+    std::uint8_t last = 1;
+    for (int commits = 0; commits < 200; ++commits) {
+        Transaction transaction(*pager);
+        MutablePage page = pager->modify(7);
+        std::fill(page.bytes().begin() + 64, page.bytes().end(), ++last);
+        transaction.commit();
+    }
+    EXPECT_EQ(mark_after_power_loss(), 1);
+    disk().clock().advance(0ms);
+    EXPECT_GT(mark_after_power_loss(), 100) << "asked for without delay, after so many bytes";
 }
 
 TEST_F(DeferredSyncTest, nothing_is_pending_when_nothing_is_unsynced) {

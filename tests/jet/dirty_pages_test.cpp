@@ -12,7 +12,7 @@ using testing_support::Operation;
 
 namespace {
 
-constexpr char kPath[] = "x.mdb";
+constexpr char kDirtyPath[] = "x.mdb";
 
 class DirtyPagesTest : public testing::Test {
 protected:
@@ -24,10 +24,10 @@ protected:
         dirty_.add(*place.frame);
     }
     bool is_dirty(PageNumber page_no) const { return cache_.find(page_no).frame->dirty; }
-    int stored(PageNumber page_no) const { return disk_.content(kPath).at(page_no * jet4::kPageSize + 100); }
+    int stored(PageNumber page_no) const { return disk_.content(kDirtyPath).at(page_no * jet4::kPageSize + 100); }
 
     testing_support::FaultFileSystem disk_;
-    std::unique_ptr<os::File> file_ = disk_.open(kPath, os::OpenMode::kCreateExclusive);
+    std::unique_ptr<os::File> file_ = disk_.open(kDirtyPath, os::OpenMode::kCreateExclusive);
     PageCache cache_{256};
     DirtyPages dirty_;
 };

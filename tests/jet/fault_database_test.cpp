@@ -14,7 +14,7 @@ using testing_support::Fault;
 using testing_support::FaultFileSystem;
 using testing_support::Operation;
 using testing_support::UseFileSystem;
-using Kind = ScriptStep::Kind;
+using StepKind = ScriptStep::Kind;
 
 struct Variant {
     const char* name;
@@ -150,15 +150,15 @@ private:
     void repeat(std::size_t i) {
         const ScriptStep& step = operation_script()[i];
         switch (step.kind) {
-            case Kind::kCreate:
+            case StepKind::kCreate:
                 state_.database.reset();
                 if (os::file_system().exists(kScriptPath)) return;
                 EXPECT_TRUE(succeeds(step, state_, where_)) << where_;
                 return;
-            case Kind::kClose: state_.database.reset(); return;
-            case Kind::kOpen: EXPECT_TRUE(succeeds(step, state_, where_)) << where_; return;
-            case Kind::kSync:
-            case Kind::kChange: break;
+            case StepKind::kClose: state_.database.reset(); return;
+            case StepKind::kOpen: EXPECT_TRUE(succeeds(step, state_, where_)) << where_; return;
+            case StepKind::kSync:
+            case StepKind::kChange: break;
         }
         if (content_of(*state_.database) != script_contents()[i])
             ADD_FAILURE() << where_ << ": a failed step left something in memory";

@@ -12,7 +12,7 @@ using testing_support::CrashMode;
 using testing_support::FaultFileSystem;
 using testing_support::Operation;
 using testing_support::UseFileSystem;
-using Kind = ScriptStep::Kind;
+using StepKind = ScriptStep::Kind;
 
 // The range of steps of which the file may hold the first so many.
 struct Expected {
@@ -37,7 +37,7 @@ void expect_prefix(const FaultFileSystem& disk, CrashMode mode, std::uint32_t se
 }
 
 // Tells whether a step that succeeded is sure to be there, given whether it was the first change since an opening.
-using Promise = std::function<bool(Kind, bool first)>;
+using Promise = std::function<bool(StepKind, bool first)>;
 
 // Runs the script on `disk` and calls `cut` after each change of it.
 void cut_everywhere(FaultFileSystem& disk, const PagerOptions& pager, const Promise& promised,
@@ -54,8 +54,8 @@ void cut_everywhere(FaultFileSystem& disk, const PagerOptions& pager, const Prom
         expected.at_most = i + 1;
         script[i].run(state);
         if (promised(script[i].kind, first)) expected.at_least = i + 1;
-        if (script[i].kind == Kind::kOpen) first = true;
-        if (script[i].kind == Kind::kChange) first = false;
+        if (script[i].kind == StepKind::kOpen) first = true;
+        if (script[i].kind == StepKind::kChange) first = false;
     }
     disk.set_observer({});
     EXPECT_GT(change, script.size());
@@ -87,10 +87,10 @@ PagerOptions rarely_synced() {
 }
 
 // With hardly a sync point of its own, a run has those of its first change, of sync_point() and of close().
-bool promised_rarely(Kind kind, bool first) { return kind != Kind::kChange || first; }
+bool promised_rarely(StepKind kind, bool first) { return kind != StepKind::kChange || first; }
 
 TEST(DatabasePowerCrash, with_every_commit_synced_nothing_is_lost) {
-    cut_in_every_mode(always_synced(), 4, [](Kind, bool) { return true; });
+    cut_in_every_mode(always_synced(), 4, [](StepKind, bool) { return true; });
 }
 
 TEST(DatabasePowerCrash, between_sync_points_only_the_last_stretch_is_lost) {

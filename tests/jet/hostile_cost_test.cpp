@@ -17,7 +17,7 @@
 namespace jet {
 namespace {
 
-constexpr char kPath[] = "d/hostile.mdb";
+constexpr char kHostilePath[] = "d/hostile.mdb";
 constexpr double kMegabyte = 1 << 20;
 #if defined(__SANITIZE_ADDRESS__) || defined(_WIN32)
 constexpr double kSlowness = 12;  // of the build, or of an emulator
@@ -308,15 +308,15 @@ ByteVector file_of(const Hostile& hostile) {
     MemoryDisk memory;
     OpenOptions options;
     options.pager.journal_limit_bytes = 64 << 20;
-    Database::create(kPath, {})->close();
-    const auto database = Database::open(kPath, options);
+    Database::create(kHostilePath, {})->close();
+    const auto database = Database::open(kHostilePath, options);
     {
         Transaction transaction(database->pager());
         hostile.make(*database);
         transaction.commit();
     }
     database->pager().sync_point();
-    return memory.disk.content(kPath);
+    return memory.disk.content(kHostilePath);
 }
 
 void order_by_text(Database& database) {
@@ -329,7 +329,7 @@ TEST(HostileCost, file_made_to_be_expensive_is_read_and_checked_within_bounds) {
         SCOPED_TRACE(hostile.name);
         const ByteVector file = file_of(hostile);
         MemoryDisk memory;
-        memory.disk.set_content(kPath, file);
+        memory.disk.set_content(kHostilePath, file);
         const double seconds_allowed = kSlowness * (2 + static_cast<double>(file.size()) / (10 * kMegabyte));
         for (const bool damage_passed_over : {false, true}) {
             reset_peak_allocation();
@@ -339,7 +339,7 @@ TEST(HostileCost, file_made_to_be_expensive_is_read_and_checked_within_bounds) {
             int places = 0;
             if (damage_passed_over) options.on_damage = [&](const DamagedPlace&) { ++places; };
             error_number([&] {
-                const auto database = Database::open(kPath, options);
+                const auto database = Database::open(kHostilePath, options);
                 read_everything(*database);
                 error_number([&] { order_by_text(*database); });
             });

@@ -11,10 +11,10 @@
 
 namespace {
 
-using Entry = std::pair<jet::ByteVector, jet::RowId>;
+using KeyAndRow = std::pair<jet::ByteVector, jet::RowId>;
 
-std::vector<Entry> stored_entries(jet::Database& database, const jet::TableDef& def, const jet::RealIndex& index) {
-    std::vector<Entry> entries;
+std::vector<KeyAndRow> stored_entries(jet::Database& database, const jet::TableDef& def, const jet::RealIndex& index) {
+    std::vector<KeyAndRow> entries;
     const jet::Index tree(database.pager(), database.allocator(), def.page, index.root, index.map);
     tree.visit([&entries](jet::ByteSpan key, jet::RowId row) {
         entries.emplace_back(jet::ByteVector(key.begin(), key.end()), row);
@@ -23,8 +23,8 @@ std::vector<Entry> stored_entries(jet::Database& database, const jet::TableDef& 
     return entries;
 }
 
-std::vector<Entry> computed_entries(const jet::Table& table, const jet::RealIndex& index) {
-    std::vector<Entry> entries;
+std::vector<KeyAndRow> computed_entries(const jet::Table& table, const jet::RealIndex& index) {
+    std::vector<KeyAndRow> entries;
     jet::RowView row;
     for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
         EXPECT_TRUE(table.read(*id, row));

@@ -1,6 +1,7 @@
 // Keys of index entries against known bytes, and their order against that of the values.
 #include "jet/indexes/index_key.h"
 #include "jet/schema/table_def.h"
+#include "tests/support/hex.h"
 
 #include <gtest/gtest.h>
 
@@ -10,17 +11,7 @@ namespace {
 
 using jet::ColumnType;
 using jet::Value;
-
-std::string hex(const jet::ByteVector& bytes) {
-    std::string text;
-    for (const std::uint8_t byte : bytes) {
-        char two[4];
-        std::snprintf(two, sizeof two, "%02X", byte);
-        if (!text.empty()) text += ' ';
-        text += two;
-    }
-    return text;
-}
+using testing_support::hex;
 
 struct Fixture {
     jet::TableDef def;
@@ -46,7 +37,7 @@ jet::ByteVector key_of(ColumnType type, const Value& value, bool ascending = tru
 std::string ascending(ColumnType type, const Value& value) { return hex(key_of(type, value)); }
 std::string descending(ColumnType type, const Value& value) { return hex(key_of(type, value, false)); }
 
-jet::Numeric numeric(bool negative, std::uint64_t magnitude) {
+jet::Numeric numeric_of(bool negative, std::uint64_t magnitude) {
     jet::Numeric value;
     value.bytes[0] = negative ? 0x80 : 0x00;
     for (std::size_t i = 0; i < 4; ++i) {
@@ -124,10 +115,11 @@ TEST(IndexKey, numeric_keeps_its_sign_byte_in_both_directions) {
     const std::string zeros = "00 00 00 00 00 00 00 00 ";
     const std::string ones = "FF FF FF FF FF FF FF FF ";
     EXPECT_EQ("7F FF " + zeros + "00 00 00 01 00 00 00 02",
-              ascending(ColumnType::kNumeric, numeric(false, 0x100000002)));
-    EXPECT_EQ("7F 00 " + ones + "FF FF FF FE FF FF FF FD", ascending(ColumnType::kNumeric, numeric(true, 0x100000002)));
-    EXPECT_EQ("80 FF " + ones + "FF FF FF FF FF FF FF FD", descending(ColumnType::kNumeric, numeric(false, 2)));
-    EXPECT_EQ("80 00 " + zeros + "00 00 00 00 00 00 00 02", descending(ColumnType::kNumeric, numeric(true, 2)));
+              ascending(ColumnType::kNumeric, numeric_of(false, 0x100000002)));
+    EXPECT_EQ("7F 00 " + ones + "FF FF FF FE FF FF FF FD",
+              ascending(ColumnType::kNumeric, numeric_of(true, 0x100000002)));
+    EXPECT_EQ("80 FF " + ones + "FF FF FF FF FF FF FF FD", descending(ColumnType::kNumeric, numeric_of(false, 2)));
+    EXPECT_EQ("80 00 " + zeros + "00 00 00 00 00 00 00 02", descending(ColumnType::kNumeric, numeric_of(true, 2)));
 }
 
 TEST(IndexKey, columns_follow_each_other) {

@@ -16,7 +16,7 @@ namespace {
 using testing_support::FaultFileSystem;
 using testing_support::UseFileSystem;
 
-constexpr char kPath[] = "a.mdb";
+constexpr char kNestedPath[] = "a.mdb";
 constexpr std::size_t kCachePages = 8;
 constexpr std::size_t kDeepest = 4;
 constexpr std::size_t kMostTables = 4;
@@ -24,18 +24,18 @@ constexpr std::size_t kMostColumns = 9;
 constexpr std::size_t kMostRows = 60;
 
 // A row by the names of its columns; a column that it has no value in is Null.
-using ModelRow = std::map<std::u16string, Value>;
+using NamedValues = std::map<std::u16string, Value>;
 
 struct ModelTable {
-    std::vector<NewColumn> columns;         // Id (auto-number), Key (long) and others
-    std::map<std::int32_t, ModelRow> rows;  // by Key
+    std::vector<NewColumn> columns;            // Id (auto-number), Key (long) and others
+    std::map<std::int32_t, NamedValues> rows;  // by Key
 };
 using Model = std::map<std::u16string, ModelTable>;
 
 class NestedTransactions {
 public:
     explicit NestedTransactions(std::uint32_t seed) : use_(files_), random_(seed) {
-        Database::create(kPath, {})->close();
+        Database::create(kNestedPath, {})->close();
         open();
     }
 
@@ -54,7 +54,7 @@ private:
         options.pager.cache_pages = kCachePages;
         options.pager.sync_interval = std::chrono::milliseconds(0);  // pages are clean after each commit
         options.pager.journal_limit_bytes = 1u << 16;
-        database_ = Database::open(kPath, options);
+        database_ = Database::open(kNestedPath, options);
     }
     // A number that was given out is stored at the closing, so that it is not given out again.
     void reopen() {
@@ -178,7 +178,7 @@ private:
         if (table == nullptr || table->rows.size() >= kMostRows) return;
         const auto key = static_cast<std::int32_t>(random_.below(200));
         if (table->rows.contains(key)) return;
-        ModelRow row;
+        NamedValues row;
         std::vector<Value> values;
         for (const NewColumn& column : table->columns) {
             Value value;
@@ -244,7 +244,7 @@ private:
     void expect_row(const std::u16string& name, const ModelTable& table, std::int32_t key, RowId place) {
         const std::vector<Value> values = row_values(table_of(name), place);
         ASSERT_EQ(values.size(), table.columns.size()) << to_utf8(name) << " key " << key;
-        const ModelRow& row = table.rows.at(key);
+        const NamedValues& row = table.rows.at(key);
         for (std::size_t i = 0; i < values.size(); ++i) {
             const auto expected = row.find(table.columns[i].name);
             EXPECT_EQ(text_of(values[i]), text_of(expected == row.end() ? Value() : expected->second))
@@ -308,7 +308,7 @@ TEST(NestedTransactionsTest, random_steps_leave_what_the_model_has) {
 class TakenBack : public ::testing::Test {
 protected:
     TakenBack() : use_(files_) {
-        Database::create(kPath, {})->close();
+        Database::create(kNestedPath, {})->close();
         open();
         create(u"T");
     }
@@ -316,7 +316,7 @@ protected:
         OpenOptions options;
         options.pager.cache_pages = kCachePages;
         options.pager.sync_interval = std::chrono::milliseconds(0);
-        database_ = Database::open(kPath, options);
+        database_ = Database::open(kNestedPath, options);
     }
     void create(const std::u16string& name) {
         const NewColumn columns[] = {new_column(u"Id", ColumnType::kLong, true), new_column(u"Key", ColumnType::kLong),

@@ -5,7 +5,7 @@
 namespace jet {
 namespace {
 
-using Kind = ScriptStep::Kind;
+using StepKind = ScriptStep::Kind;
 using Steps = std::vector<ScriptStep>;
 
 std::u16string text(std::size_t length, char16_t letter) { return std::u16string(length, letter); }
@@ -27,14 +27,15 @@ void open(ScriptState& state) {
     state.database = Database::open(kScriptPath, options);
 }
 
-void add(Steps& steps, const std::string& name, std::function<void(ScriptState&)> run, Kind kind = Kind::kChange) {
+void add(Steps& steps, const std::string& name, std::function<void(ScriptState&)> run,
+         StepKind kind = StepKind::kChange) {
     steps.push_back({kind, name, std::move(run)});
 }
 
-void add_open(Steps& steps) { add(steps, "open", open, Kind::kOpen); }
+void add_open(Steps& steps) { add(steps, "open", open, StepKind::kOpen); }
 void add_sync(Steps& steps) {
     add(
-        steps, "sync point", [](ScriptState& state) { state.database->pager().sync_point(); }, Kind::kSync);
+        steps, "sync point", [](ScriptState& state) { state.database->pager().sync_point(); }, StepKind::kSync);
 }
 void add_close(Steps& steps) {
     add(
@@ -43,7 +44,7 @@ void add_close(Steps& steps) {
             state.database->close();
             state.database.reset();
         },
-        Kind::kClose);
+        StepKind::kClose);
 }
 
 void add_song(Steps& steps, std::int32_t id, std::size_t title, std::size_t notes) {
@@ -77,7 +78,7 @@ void add_songs_steps(Steps& steps) {
             state.database->close();
             state.database.reset();
         },
-        Kind::kCreate);
+        StepKind::kCreate);
     add_open(steps);
     add(steps, "create table Songs", [](ScriptState& state) {
         const NewColumn columns[] = {new_column(u"Id", kLong, true),  new_column(u"Title", kText),
@@ -153,7 +154,7 @@ std::vector<std::string> record_contents() {
         step.run(state);
         if (!state.database) open(state);
         contents.push_back(content_of(*state.database));
-        if (step.kind == Kind::kCreate || step.kind == Kind::kClose) state.database.reset();
+        if (step.kind == StepKind::kCreate || step.kind == StepKind::kClose) state.database.reset();
     }
     return contents;
 }

@@ -11,27 +11,12 @@
 
 #include "jet/base/jet4.h"
 #include "jet/storage/data_page.h"
+#include "tests/support/hex.h"
 
 namespace {
 
+using testing_support::from_hex;
 using namespace jet;
-
-ByteVector from_hex(std::string_view text) {
-    ByteVector bytes;
-    int high = -1;
-    for (const char c : text) {
-        const std::string_view digits = "0123456789abcdef";
-        const std::size_t digit = digits.find(c);
-        if (digit == std::string_view::npos) continue;
-        if (high < 0) {
-            high = static_cast<int>(digit);
-        } else {
-            bytes.push_back(static_cast<std::uint8_t>(high * 16 + static_cast<int>(digit)));
-            high = -1;
-        }
-    }
-    return bytes;
-}
 
 // Columns ID (long), Name (text, no zero length, compressed), Memo (memo, zero length allowed).
 const ByteVector kThreeColumns = from_hex(
@@ -52,7 +37,7 @@ const ByteVector kSummary = from_hex(
     "32 00 00 0a 02 00 2a 00 48 00 65 00 61 00 6c 00 74 00 68 00 20 00 4d 00 61 00 72 00 6b 00 65 00 74 00 "
     "20 00 53 00 63 00 69 00 65 00 6e 00 63 00 65 00");
 
-int error_of(ByteSpan blob) {
+int blob_error(ByteSpan blob) {
     try {
         parse_properties(blob);
         return 0;
@@ -157,7 +142,7 @@ TEST(Properties, object_block_is_no_column) {
 TEST(Properties, parse_every_truncation_inside_a_block_is_damage) {
     int whole = 0;
     for (std::size_t length = 1; length < kThreeColumns.size(); ++length) {
-        const int error = error_of(ByteSpan(kThreeColumns).first(length));
+        const int error = blob_error(ByteSpan(kThreeColumns).first(length));
         if (error == 0) {
             ++whole;  // ends between two blocks
         } else {
@@ -170,15 +155,15 @@ TEST(Properties, parse_every_truncation_inside_a_block_is_damage) {
 TEST(Properties, parse_foreign_mark_or_wrong_lengths_is_damage) {
     ByteVector blob = kThreeColumns;
     blob[0] = 'K';
-    EXPECT_EQ(error_of(blob), errors::kDamaged);
+    EXPECT_EQ(blob_error(blob), errors::kDamaged);
     blob = kThreeColumns;
     store_u32(blob, 4, 5);  // shorter than its own header
-    EXPECT_EQ(error_of(blob), errors::kDamaged);
+    EXPECT_EQ(blob_error(blob), errors::kDamaged);
     store_u32(blob, 4, 0xFFFFFFFF);
-    EXPECT_EQ(error_of(blob), errors::kDamaged);
+    EXPECT_EQ(blob_error(blob), errors::kDamaged);
     blob = kThreeColumns;
     store_u16(blob, 4 + 94 + 6 + 10 + 4, 7);  // the name's number of the first value
-    EXPECT_EQ(error_of(blob), errors::kDamaged);
+    EXPECT_EQ(blob_error(blob), errors::kDamaged);
 }
 
 TEST(Properties, parse_random_damage_never_does_worse_than_fail) {
@@ -187,7 +172,7 @@ TEST(Properties, parse_random_damage_never_does_worse_than_fail) {
     for (int round = 0; round < 20000; ++round) {
         ByteVector blob = kThreeColumns;
         for (int i = 0; i < 2; ++i) blob[random() % blob.size()] = static_cast<std::uint8_t>(random());
-        const int error = error_of(blob);
+        const int error = blob_error(blob);
         if (error == 0) continue;
         ++failures;
         ASSERT_EQ(error, errors::kDamaged);

@@ -12,7 +12,7 @@
 namespace jet {
 namespace {
 
-constexpr char kPath[] = "d/a.mdb";
+constexpr char kSalvagePath[] = "d/a.mdb";
 constexpr std::size_t kRows = 400;
 
 OpenOptions writable(DamageListener on_damage) {
@@ -31,7 +31,7 @@ OpenOptions read_only(DamageListener on_damage = {}) {
 const ByteVector& sound_file() {
     static const ByteVector file = [] {
         MemoryDisk memory;
-        const auto database = Database::create(kPath, CreateOptions{});
+        const auto database = Database::create(kSalvagePath, CreateOptions{});
         const NewColumn columns[] = {new_column(u"Id", ColumnType::kLong), new_column(u"Day", ColumnType::kDate),
                                      new_column(u"Name", ColumnType::kText), new_column(u"Notes", ColumnType::kMemo)};
         database->create_table(u"T", columns);
@@ -44,7 +44,7 @@ const ByteVector& sound_file() {
         const ColumnChange grown{2, std::u16string(250, u'g')};  // moves away
         table.update(*table.next_row({}), {&grown, 1});
         database->close();
-        return memory.disk.content(kPath);
+        return memory.disk.content(kSalvagePath);
     }();
     return file;
 }
@@ -58,8 +58,8 @@ struct TablePages {
 
 TablePages table_pages() {
     MemoryDisk memory;
-    memory.disk.set_content(kPath, sound_file());
-    const auto database = Database::open(kPath, {});
+    memory.disk.set_content(kSalvagePath, sound_file());
+    const auto database = Database::open(kSalvagePath, {});
     const Table& table = *database->find_table(u"T");
     TablePages pages;
     const auto collect = [](const UsageMap& map, std::vector<PageNumber>& into) {
@@ -171,10 +171,10 @@ TEST(Salvage, damage_is_raised_in_every_way_of_reading) {
         ByteVector file = sound_file();
         damage.make(file, pages);
         MemoryDisk memory;
-        memory.disk.set_content(kPath, file);
+        memory.disk.set_content(kSalvagePath, file);
         for (const Way& way : ways()) {
             if (damage.beyond_row_pages && !reads_long_values(way.name)) continue;
-            const auto database = Database::open(kPath, read_only());
+            const auto database = Database::open(kSalvagePath, read_only());
             EXPECT_EQ(errors::kDamaged, error_number([&] { way.go(*database); })) << damage.name << " " << way.name;
         }
     }
@@ -186,11 +186,11 @@ TEST(Salvage, listener_is_told_of_every_place_and_the_rest_is_read) {
         ByteVector file = sound_file();
         damage.make(file, pages);
         MemoryDisk memory;
-        memory.disk.set_content(kPath, file);
+        memory.disk.set_content(kSalvagePath, file);
         for (const Way& way : ways()) {
             if (damage.beyond_row_pages && !reads_long_values(way.name)) continue;
             std::set<PageNumber> named;
-            const auto database = Database::open(kPath, read_only([&](const DamagedPlace& place) {
+            const auto database = Database::open(kSalvagePath, read_only([&](const DamagedPlace& place) {
                                                      EXPECT_NE(std::string::npos, place.what.find("damaged"))
                                                          << place.what;
                                                      named.insert(place.page);
@@ -214,9 +214,9 @@ TEST(Salvage, one_place_is_named_once) {
     const MutableByteSpan page = page_of(file, pages.rows[2]);
     std::fill(page.begin(), page.end(), std::uint8_t{0});
     MemoryDisk memory;
-    memory.disk.set_content(kPath, file);
+    memory.disk.set_content(kSalvagePath, file);
     int times = 0;
-    const auto database = Database::open(kPath, read_only([&](const DamagedPlace&) { ++times; }));
+    const auto database = Database::open(kSalvagePath, read_only([&](const DamagedPlace&) { ++times; }));
     for (int i = 0; i < 3; ++i) EXPECT_EQ(0, error_number([&] { count_statement(*database, u"T"); }));
     EXPECT_EQ(1, times);
 }
@@ -226,24 +226,24 @@ TEST(Salvage, listener_is_not_heeded_where_the_file_may_be_written) {
     ByteVector file = sound_file();
     page_of(file, pages.rows[2])[0] = 0;
     MemoryDisk memory;
-    memory.disk.set_content(kPath, file);
-    const auto database = Database::open(kPath, writable([&](const DamagedPlace&) { ADD_FAILURE(); }));
+    memory.disk.set_content(kSalvagePath, file);
+    const auto database = Database::open(kSalvagePath, writable([&](const DamagedPlace&) { ADD_FAILURE(); }));
     EXPECT_EQ(errors::kDamaged, error_number([&] { count_statement(*database, u"T"); }));
 }
 
 TEST(Salvage, sound_file_has_no_damage_to_name) {
     MemoryDisk memory;
-    memory.disk.set_content(kPath, sound_file());
+    memory.disk.set_content(kSalvagePath, sound_file());
     const auto database =
-        Database::open(kPath, read_only([](const DamagedPlace& place) { ADD_FAILURE() << place.what; }));
+        Database::open(kSalvagePath, read_only([](const DamagedPlace& place) { ADD_FAILURE() << place.what; }));
     for (const Way& way : ways()) EXPECT_GE(way.go(*database), kRows - 1) << way.name;
 }
 
 // What stood there when a cursor came by may be gone when it goes on: that is no damage.
 TEST(Salvage, cursor_goes_on_where_its_page_was_given_back) {
     MemoryDisk memory;
-    memory.disk.set_content(kPath, sound_file());
-    const auto database = Database::open(kPath, {});
+    memory.disk.set_content(kSalvagePath, sound_file());
+    const auto database = Database::open(kSalvagePath, {});
     Table& table = *database->find_table(u"T");
     const PageNumber first_page = table.next_row({})->page;
     RowId last;
@@ -262,9 +262,9 @@ TEST(Salvage, cursor_goes_on_where_its_page_was_given_back) {
 TEST(Salvage, row_is_not_added_to_a_page_outside_of_the_table) {
     for (const bool long_value : {false, true}) {
         MemoryDisk memory;
-        memory.disk.set_content(kPath, sound_file());
+        memory.disk.set_content(kSalvagePath, sound_file());
         {
-            const auto database = Database::open(kPath, {});
+            const auto database = Database::open(kSalvagePath, {});
             const TableDef& def = database->find_table(u"T")->def();
             UsageMap map(database->pager(), database->allocator(), long_value ? def.columns[3].free_map : def.free_map);
             Transaction transaction(database->pager());
@@ -274,7 +274,7 @@ TEST(Salvage, row_is_not_added_to_a_page_outside_of_the_table) {
             map.add(page.number());
             transaction.commit();
         }
-        const auto database = Database::open(kPath, {});
+        const auto database = Database::open(kSalvagePath, {});
         Table& table = *database->find_table(u"T");
         const std::string before = content_of(*database);
         EXPECT_EQ(errors::kDamaged, error_number([&] {

@@ -11,7 +11,7 @@ double serial(std::u16string_view text) {
     return date->days;
 }
 
-bool valid(std::u16string_view text) { return jet::sql::parse_date_literal(text).has_value(); }
+bool is_valid_date(std::u16string_view text) { return jet::sql::parse_date_literal(text).has_value(); }
 
 TEST(DateLiteral, order_is_month_day_year) {
     EXPECT_EQ(38412, serial(u"03/01/2005"));
@@ -63,7 +63,7 @@ TEST(DateLiteral, every_separator_of_a_system_is_taken) {
 
 TEST(DateLiteral, impossible_month_is_exchanged_with_the_day) {
     EXPECT_EQ(serial(u"12/25/2005"), serial(u"25/12/2005"));
-    EXPECT_FALSE(valid(u"25/13/2005"));
+    EXPECT_FALSE(is_valid_date(u"25/13/2005"));
     EXPECT_EQ(serial(u"2/3/2005"), serial(u"02/03/2005"));
 }
 
@@ -79,25 +79,25 @@ TEST(DateLiteral, short_years_are_within_1930_and_2029) {
     EXPECT_EQ(serial(u"1/1/1930"), serial(u"1/1/30"));
     EXPECT_EQ(serial(u"1/1/1999"), serial(u"1/1/99"));
     EXPECT_EQ(serial(u"1/1/2005"), serial(u"1/1/5"));
-    EXPECT_FALSE(valid(u"1/1/005"));
+    EXPECT_FALSE(is_valid_date(u"1/1/005"));
 }
 
 TEST(DateLiteral, days_that_do_not_exist_are_refused) {
-    EXPECT_FALSE(valid(u"2/30/2005"));
-    EXPECT_FALSE(valid(u"2/29/2005"));
-    EXPECT_TRUE(valid(u"2/29/2004"));
-    EXPECT_FALSE(valid(u"2/29/1900"));
-    EXPECT_FALSE(valid(u"0/1/2005"));
-    EXPECT_FALSE(valid(u"1/0/2005"));
-    EXPECT_FALSE(valid(u"1/1/10000"));
-    EXPECT_FALSE(valid(u"1/1/99999999999"));
-    EXPECT_FALSE(valid(u"02/29/01"));
+    EXPECT_FALSE(is_valid_date(u"2/30/2005"));
+    EXPECT_FALSE(is_valid_date(u"2/29/2005"));
+    EXPECT_TRUE(is_valid_date(u"2/29/2004"));
+    EXPECT_FALSE(is_valid_date(u"2/29/1900"));
+    EXPECT_FALSE(is_valid_date(u"0/1/2005"));
+    EXPECT_FALSE(is_valid_date(u"1/0/2005"));
+    EXPECT_FALSE(is_valid_date(u"1/1/10000"));
+    EXPECT_FALSE(is_valid_date(u"1/1/99999999999"));
+    EXPECT_FALSE(is_valid_date(u"02/29/01"));
 }
 
 TEST(DateLiteral, other_texts_are_refused) {
     for (const auto* text : {u"", u" ", u"3/1", u"3/1/2005/7", u"3/1-2005", u"x", u"3/1/2005x", u"/3/1/2005",
                              u"3//1/2005", u"-3/1/2005", u"1 Mar 2005", u"03012005", u"3 1/2005"}) {
-        EXPECT_FALSE(valid(text));
+        EXPECT_FALSE(is_valid_date(text));
     }
 }
 

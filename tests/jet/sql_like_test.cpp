@@ -15,7 +15,7 @@ bool like(std::u16string_view value, std::u16string_view pattern) {
     return compiled->matches(value);
 }
 
-bool valid(std::u16string_view pattern) { return LikePattern::compile(pattern).has_value(); }
+bool is_valid_pattern(std::u16string_view pattern) { return LikePattern::compile(pattern).has_value(); }
 
 TEST(Like, pattern_must_match_the_whole_value) {
     EXPECT_TRUE(like(u"Love", u"Love"));
@@ -106,12 +106,12 @@ TEST(Like, exclamation_mark_alone_in_a_list_is_literal) {
 }
 
 TEST(Like, bad_patterns_are_refused) {
-    EXPECT_FALSE(valid(u"[z-a]"));
-    EXPECT_FALSE(valid(u"x[!9-0]"));
-    EXPECT_FALSE(valid(u"a[bc"));
-    EXPECT_FALSE(valid(u"["));
-    EXPECT_TRUE(valid(u"[a-Z]"));
-    EXPECT_TRUE(valid(u"[a-a]"));
+    EXPECT_FALSE(is_valid_pattern(u"[z-a]"));
+    EXPECT_FALSE(is_valid_pattern(u"x[!9-0]"));
+    EXPECT_FALSE(is_valid_pattern(u"a[bc"));
+    EXPECT_FALSE(is_valid_pattern(u"["));
+    EXPECT_TRUE(is_valid_pattern(u"[a-Z]"));
+    EXPECT_TRUE(is_valid_pattern(u"[a-a]"));
 }
 
 TEST(Like, case_is_ignored_and_accents_are_not) {

@@ -11,27 +11,13 @@
 #include <random>
 #include <set>
 
+#include "tests/support/hex.h"
+
 namespace {
 
+using testing_support::from_hex;
 using namespace jet;
 namespace tdef = jet4::tdef;
-
-ByteVector from_hex(std::string_view text) {
-    ByteVector bytes;
-    int high = -1;
-    for (const char c : text) {
-        const std::string_view digits = "0123456789abcdef";
-        const std::size_t digit = digits.find(c);
-        if (digit == std::string_view::npos) continue;
-        if (high < 0) {
-            high = static_cast<int>(digit);
-        } else {
-            bytes.push_back(static_cast<std::uint8_t>(high * 16 + static_cast<int>(digit)));
-            high = -1;
-        }
-    }
-    return bytes;
-}
 
 // A table as Access writes it: a text column and an auto-GUID with a primary key.
 const ByteVector kTable4 = from_hex(
@@ -48,7 +34,7 @@ const ByteVector kTable4 = from_hex(
 constexpr std::size_t kColumn0 = 75;  // first column record of kTable4
 constexpr std::size_t kColumn1 = 100;
 
-int error_of(ByteSpan bytes) {
+int definition_error(ByteSpan bytes) {
     try {
         parse_table_def(bytes, 32);
         return 0;
@@ -61,7 +47,7 @@ int error_of(ByteSpan bytes) {
 int error_with(std::size_t at, std::initializer_list<std::uint8_t> bytes) {
     ByteVector changed = kTable4;
     std::copy(bytes.begin(), bytes.end(), changed.begin() + static_cast<std::ptrdiff_t>(at));
-    return error_of(changed);
+    return definition_error(changed);
 }
 
 TEST(TableDef, parse_access_table_gives_all_fields) {
@@ -157,11 +143,11 @@ TEST(TableDef, find_column_ignores_case) {
 
 TEST(TableDef, parse_every_truncation_is_damage) {
     for (std::size_t length = 0; length < kTable4.size(); ++length) {
-        EXPECT_EQ(error_of(ByteSpan(kTable4).first(length)), errors::kDamaged) << length;
+        EXPECT_EQ(definition_error(ByteSpan(kTable4).first(length)), errors::kDamaged) << length;
         if (length < tdef::kFixedHeader) continue;
         ByteVector shorter(kTable4.begin(), kTable4.begin() + static_cast<std::ptrdiff_t>(length));
         store_u32(shorter, tdef::kLength, static_cast<std::uint32_t>(length));
-        EXPECT_EQ(error_of(shorter), errors::kDamaged) << length;
+        EXPECT_EQ(definition_error(shorter), errors::kDamaged) << length;
     }
 }
 
@@ -198,24 +184,24 @@ TableDef definition_of(std::size_t columns, std::size_t indexes, std::size_t nam
     return def;
 }
 
-int error_of(const TableDef& def) { return error_of(build_table_def(def)); }
+int definition_error(const TableDef& def) { return definition_error(build_table_def(def)); }
 
 TEST(TableDef, as_much_as_the_format_allows_is_read_and_no_more) {
-    EXPECT_EQ(0, error_of(definition_of(255, 32, 255)));
-    EXPECT_EQ(errors::kDamaged, error_of(definition_of(256, 1, 1)));
-    EXPECT_EQ(errors::kDamaged, error_of(definition_of(1, 33, 1)));
-    EXPECT_EQ(errors::kDamaged, error_of(definition_of(1, 1, 256)));
+    EXPECT_EQ(0, definition_error(definition_of(255, 32, 255)));
+    EXPECT_EQ(errors::kDamaged, definition_error(definition_of(256, 1, 1)));
+    EXPECT_EQ(errors::kDamaged, definition_error(definition_of(1, 33, 1)));
+    EXPECT_EQ(errors::kDamaged, definition_error(definition_of(1, 1, 256)));
     TableDef def = definition_of(2, 1, 1);
     def.variable_columns = 256;
-    EXPECT_EQ(errors::kDamaged, error_of(def));
+    EXPECT_EQ(errors::kDamaged, definition_error(def));
     def = definition_of(2, 1, 1);
     def.columns[0].name = std::u16string(64, u'x');
-    EXPECT_EQ(0, error_of(def));
+    EXPECT_EQ(0, definition_error(def));
     def.columns[0].name += u'x';
-    EXPECT_EQ(errors::kDamaged, error_of(def));
+    EXPECT_EQ(errors::kDamaged, definition_error(def));
     def = definition_of(2, 1, 1);
     def.logical_indexes[0].name = std::u16string(65, u'x');
-    EXPECT_EQ(errors::kDamaged, error_of(def));
+    EXPECT_EQ(errors::kDamaged, definition_error(def));
 }
 
 TEST(TableDef, what_serves_two_purposes_is_damage) {
@@ -243,11 +229,11 @@ TEST(TableDef, what_serves_two_purposes_is_damage) {
             def.free_map = {jet4::kMaxPages, 1};
         },
     };
-    ASSERT_EQ(0, error_of(definition_of(2, 2, 2)));
+    ASSERT_EQ(0, definition_error(definition_of(2, 2, 2)));
     for (std::size_t i = 0; i < std::size(cases); ++i) {
         TableDef def = definition_of(2, 2, 2);
         cases[i](def);
-        EXPECT_EQ(errors::kDamaged, error_of(def)) << i;
+        EXPECT_EQ(errors::kDamaged, definition_error(def)) << i;
     }
 }
 
@@ -262,7 +248,7 @@ TEST(TableDef, parse_inconsistent_columns_is_damage) {
     ByteVector two_places = kTable4;  // both variable, both at place 0
     two_places[kColumn1 + tdef::column::kFlags] = 0x02;
     store_u16(two_places, kColumn1 + tdef::column::kVariableIndex, 0);
-    EXPECT_EQ(error_of(two_places), errors::kDamaged);
+    EXPECT_EQ(definition_error(two_places), errors::kDamaged);
 }
 
 TEST(TableDef, parse_inconsistent_indexes_is_damage) {
@@ -279,14 +265,14 @@ TEST(TableDef, parse_misplaced_long_value_maps_is_damage) {
     bytes.resize(bytes.size() - 2);
     for (const std::uint8_t byte : from_hex("00 00 03 e5 02 00 04 e5 02 00 ff ff")) bytes.push_back(byte);
     store_u32(bytes, tdef::kLength, static_cast<std::uint32_t>(bytes.size()));
-    EXPECT_EQ(error_of(bytes), errors::kDamaged);  // column 0 is a text
+    EXPECT_EQ(definition_error(bytes), errors::kDamaged);  // column 0 is a text
     bytes[kColumn0] = static_cast<std::uint8_t>(ColumnType::kMemo);
-    EXPECT_EQ(error_of(bytes), 0);
+    EXPECT_EQ(definition_error(bytes), 0);
 
     bytes.resize(bytes.size() - 2);
     for (const std::uint8_t byte : from_hex("00 00 03 e5 02 00 04 e5 02 00 ff ff")) bytes.push_back(byte);
     store_u32(bytes, tdef::kLength, static_cast<std::uint32_t>(bytes.size()));
-    EXPECT_EQ(error_of(bytes), errors::kDamaged);  // twice
+    EXPECT_EQ(definition_error(bytes), errors::kDamaged);  // twice
 }
 
 TEST(TableDef, parse_random_damage_never_does_worse_than_fail) {
@@ -295,7 +281,7 @@ TEST(TableDef, parse_random_damage_never_does_worse_than_fail) {
     for (int round = 0; round < 20000; ++round) {
         ByteVector bytes = kTable4;
         for (int i = 0; i < 3; ++i) bytes[random() % bytes.size()] = static_cast<std::uint8_t>(random());
-        const int error = error_of(bytes);
+        const int error = definition_error(bytes);
         if (error != 0) {
             ++failures;
             ASSERT_EQ(error, errors::kDamaged);

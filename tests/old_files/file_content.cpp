@@ -25,7 +25,7 @@ std::string kind_of(const jet::ColumnDef& column) {
     }
 }
 
-std::string date_text(double days) {
+std::string iso_text(double days) {
     const double whole = std::floor(days);
     const std::chrono::sys_days zero = std::chrono::year(1899) / 12 / 30;
     const std::chrono::year_month_day date(zero + std::chrono::days(static_cast<int>(whole)));
@@ -39,7 +39,7 @@ struct TextMaker {
     std::string operator()(jet::Null) const { return "null"; }
     std::string operator()(std::int32_t value) const { return std::to_string(value); }
     std::string operator()(float value) const { return std::to_string(value) + "f"; }
-    std::string operator()(jet::Date value) const { return date_text(value.days); }
+    std::string operator()(jet::Date value) const { return iso_text(value.days); }
     std::string operator()(const std::u16string& value) const { return "'" + jet::to_utf8(value) + "'"; }
     std::string operator()(jet::Currency value) const {
         const std::int64_t amount = value.ten_thousandths;
@@ -89,6 +89,11 @@ Content content_of(const std::string& path) {
         }
     }
     return content;
+}
+
+std::string version_in(const Content& content) {
+    const auto& rows = content.at("DBHeader").rows;
+    return rows.empty() ? "none" : rows[0].at("DBversion");
 }
 
 std::string password_in(const std::string& path) {

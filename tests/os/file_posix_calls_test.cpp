@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "os/file.h"
+#include "tests/os/fault_of.h"
 #include "tests/support/temp_folder.h"
 
 namespace {
@@ -102,6 +103,7 @@ namespace {
 using os::FileError;
 using os::FileFault;
 using os::OpenMode;
+using testing_support::fault_of;
 using Bytes = std::vector<std::uint8_t>;
 
 class PosixCalls : public testing::Test {
@@ -117,17 +119,6 @@ protected:
     std::string path_ = folder_.file("x.mdb");
     os::FileSystem& system_ = os::native_file_system();
 };
-
-template <typename Work>
-FileFault fault_of(Work work) {
-    try {
-        work();
-    } catch (const FileError& error) {
-        return error.fault();
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return FileFault::kIo;
-}
 
 TEST_F(PosixCalls, short_transfers_are_continued) {
     calls.most_bytes = 7;

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "os/system_error.h"
+#include "tests/os/fault_of.h"
 #include "tests/support/fault_file_system.h"
 #include "tests/support/temp_folder.h"
 
@@ -19,23 +20,12 @@ namespace fs = std::filesystem;
 using os::FileError;
 using os::FileFault;
 using os::OpenMode;
+using testing_support::fault_of;
 using testing_support::TempFolder;
 using Bytes = std::vector<std::uint8_t>;
 
 constexpr OpenMode kAllModes[] = {OpenMode::kReadOnly, OpenMode::kExclusive, OpenMode::kCreateExclusive,
                                   OpenMode::kReadSide, OpenMode::kOpenSide,  OpenMode::kCreateSide};
-
-// The fault that `work` throws; fails the test when it throws none.
-template <typename Work>
-FileFault fault_of(Work work) {
-    try {
-        work();
-    } catch (const FileError& error) {
-        return error.fault();
-    }
-    ADD_FAILURE() << "nothing was thrown";
-    return FileFault::kIo;
-}
 
 Bytes numbered_bytes(std::size_t count) {
     Bytes bytes(count);

@@ -21,7 +21,7 @@ using os::FileFault;
 using os::OpenMode;
 
 template <class Work>
-std::optional<FileFault> fault_of(Work&& work) {
+std::optional<FileFault> fault_or_none(Work&& work) {
     try {
         work();
     } catch (const os::FileError& error) {
@@ -55,11 +55,11 @@ TEST_F(Win32Files, exclusive_file_is_refused_to_everybody_until_closed) {
         for (const DWORD access : std::array<DWORD, 3>{GENERIC_READ, GENERIC_WRITE, GENERIC_READ | GENERIC_WRITE}) {
             EXPECT_EQ(open_as_others(access, kShareAll), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
         }
-        EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kReadOnly); }), FileFault::kLocked);
-        EXPECT_EQ(fault_of([&] { system_.remove(path_); }), FileFault::kLocked);
+        EXPECT_EQ(fault_or_none([&] { system_.open(path_, OpenMode::kReadOnly); }), FileFault::kLocked);
+        EXPECT_EQ(fault_or_none([&] { system_.remove(path_); }), FileFault::kLocked);
     }
     EXPECT_EQ(open_as_others(GENERIC_READ, 0), 0u);
-    EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
+    EXPECT_EQ(fault_or_none([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
 }
 
 TEST_F(Win32Files, reader_lets_others_read_and_nobody_write) {
@@ -67,7 +67,7 @@ TEST_F(Win32Files, reader_lets_others_read_and_nobody_write) {
     const auto reader = system_.open(path_, OpenMode::kReadOnly);
     EXPECT_EQ(open_as_others(GENERIC_READ, kShareAll), 0u);
     EXPECT_EQ(open_as_others(GENERIC_READ | GENERIC_WRITE, kShareAll), static_cast<DWORD>(ERROR_SHARING_VIOLATION));
-    EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
+    EXPECT_EQ(fault_or_none([&] { system_.open(path_, OpenMode::kExclusive); }), FileFault::kLocked);
 }
 
 TEST_F(Win32Files, side_file_keeps_nobody_from_anything) {
@@ -87,21 +87,21 @@ TEST_F(Win32Files, what_others_hold_for_a_moment_is_tried_again) {
         });
     };
     std::thread holder = held_for(200);
-    EXPECT_EQ(fault_of([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
+    EXPECT_EQ(fault_or_none([&] { system_.open(path_, OpenMode::kExclusive); }), std::nullopt);
     holder.join();
     holder = held_for(200);
-    EXPECT_EQ(fault_of([&] { system_.rename(path_, path_ + "2"); }), std::nullopt);
+    EXPECT_EQ(fault_or_none([&] { system_.rename(path_, path_ + "2"); }), std::nullopt);
     holder.join();
     path_ += "2";
     holder = held_for(200);
-    EXPECT_EQ(fault_of([&] { system_.remove(path_); }), std::nullopt);
+    EXPECT_EQ(fault_or_none([&] { system_.remove(path_); }), std::nullopt);
     holder.join();
     EXPECT_FALSE(system_.exists(path_));
 }
 
 TEST_F(Win32Files, what_is_denied_for_good_is_denied_at_once) {
     const DWORD before = GetTickCount();
-    EXPECT_EQ(fault_of([&] { system_.open(folder_.path(), OpenMode::kExclusive); }), FileFault::kAccessDenied);
+    EXPECT_EQ(fault_or_none([&] { system_.open(folder_.path(), OpenMode::kExclusive); }), FileFault::kAccessDenied);
     EXPECT_LT(GetTickCount() - before, 900u);
 }
 
@@ -114,7 +114,7 @@ TEST_F(Win32Files, names_beyond_the_code_page_are_told_apart) {
 }
 
 TEST_F(Win32Files, name_of_a_device_is_refused) {
-    EXPECT_TRUE(fault_of([&] { system_.open("NUL", OpenMode::kOpenSide); }).has_value());
+    EXPECT_TRUE(fault_or_none([&] { system_.open("NUL", OpenMode::kOpenSide); }).has_value());
 }
 
 TEST_F(Win32Files, path_beyond_260_characters_works_in_every_operation) {
@@ -134,7 +134,7 @@ TEST_F(Win32Files, path_beyond_260_characters_works_in_every_operation) {
     EXPECT_EQ(system_.open(to, OpenMode::kReadOnly)->size(), 3u);
     system_.remove(to);
     EXPECT_FALSE(system_.exists(to));
-    EXPECT_EQ(fault_of([&] { system_.open(to, OpenMode::kReadOnly); }), FileFault::kNotFound);
+    EXPECT_EQ(fault_or_none([&] { system_.open(to, OpenMode::kReadOnly); }), FileFault::kNotFound);
 }
 
 TEST(Win32Faults, system_errors_map_to_the_faults_told_apart) {

@@ -15,8 +15,8 @@ namespace {
 
 using namespace testing_support;
 
-constexpr int kSessions = 2;
-constexpr int kSteps = 14;
+constexpr int kFaultSessions = 2;
+constexpr int kFaultSteps = 14;
 
 // How a point's operation is refused.
 struct Pattern {
@@ -62,8 +62,8 @@ void work_through(std::uint32_t seed, const Start& start, FaultFileSystem& disk,
     const Gates gates = static_gates(kStudioFolder);
     Day day(seed, rows_after_opening(start));
     // A failed step of the upgrade is left out for good, and operations would meet tables that lack columns.
-    const int steps = start.origin == Start::Origin::kOld ? 0 : kSteps;
-    for (int session = 0; session < kSessions; ++session) {
+    const int steps = start.origin == Start::Origin::kOld ? 0 : kFaultSteps;
+    for (int session = 0; session < kFaultSessions; ++session) {
         const bool is_open = gates.open() == S_OK || gates.open() == S_OK;
         for (int i = 0; i < steps; ++i) {
             disk.clock().advance(std::chrono::milliseconds(day.random(3) == 0 ? 300 : 1));

@@ -17,8 +17,8 @@ namespace {
 
 using namespace testing_support;
 
-constexpr int kSessions = 4;
-constexpr int kSteps = 12;
+constexpr int kHandleSessions = 4;
+constexpr int kHandleSteps = 12;
 
 struct Share {
     const char* text;
@@ -104,7 +104,7 @@ private:
         std::string failure;
         {
             const PasserBy passer_by(folder, seed);
-            for (std::uint32_t session = 0; session < kSessions && failure.empty(); ++session) {
+            for (std::uint32_t session = 0; session < kHandleSessions && failure.empty(); ++session) {
                 std::string reason;
                 if (gates.open(&reason) != S_OK) {
                     failure = "session " + std::to_string(session) + " does not open: " + reason;
@@ -115,7 +115,7 @@ private:
                 failure = ledger->compare(rows);
                 Judge judge(*ledger);
                 Day day(seed * 16 + session, rows);
-                for (int i = 0; i < kSteps; ++i) day.step(gates, judge);
+                for (int i = 0; i < kHandleSteps; ++i) day.step(gates, judge);
                 failure += judge.failure;
                 gates.close();
             }

@@ -8,7 +8,7 @@ namespace {
 
 using namespace testing_support;
 
-constexpr std::uint64_t kSteps = 1500;
+constexpr std::uint64_t kModelSteps = 1500;
 
 class Model final : public Kind {
 public:
@@ -18,7 +18,7 @@ public:
             Outcome outcome;
             ModelStudio studio;
             Random random(static_cast<std::uint32_t>(seed));
-            for (; outcome.tried < kSteps && !checks_failed(); ++outcome.tried) studio.step(random);
+            for (; outcome.tried < kModelSteps && !checks_failed(); ++outcome.tried) studio.step(random);
             if (checks_failed()) outcome.failure = "at step " + std::to_string(outcome.tried) + ":";
             studio.expect_all_rows();
             studio.close(random);

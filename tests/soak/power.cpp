@@ -23,8 +23,8 @@ namespace {
 
 using namespace testing_support;
 
-constexpr int kSessions = 2;
-constexpr int kSteps = 16;
+constexpr int kPowerSessions = 2;
+constexpr int kPowerSteps = 16;
 constexpr std::chrono::milliseconds kSyncInterval{250};
 
 // One operation of the day, as far as it had got at the cut.
@@ -174,11 +174,11 @@ void work_through(std::uint32_t seed, const Start& start, Recorder& recorder, Fa
     const Gates gates = static_gates(kStudioFolder);
     disk.set_observer([&](testing_support::Operation, const std::string&) { cut(); });
     Day day(seed, rows);
-    for (int session = 0; session < kSessions; ++session) {
+    for (int session = 0; session < kPowerSessions; ++session) {
         std::string reason;
         if (gates.open(&reason) != S_OK) throw std::runtime_error("the studio does not open: " + reason);
         recorder.opened();
-        for (int i = 0; i < kSteps; ++i) {
+        for (int i = 0; i < kPowerSteps; ++i) {
             recorder.time_passed(std::chrono::milliseconds(day.random(3) == 0 ? 300 : day.random(120)));
             cut();
             day.step(gates, recorder);

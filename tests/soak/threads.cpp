@@ -13,7 +13,7 @@ namespace {
 
 using namespace testing_support;
 
-constexpr int kSteps = 60;
+constexpr int kThreadSteps = 60;
 
 // A thread's part of the studio: every n-th table, so that its ledger alone judges that table.
 class Part {
@@ -29,7 +29,7 @@ public:
         if (gates.gear2->OpenDB() != S_OK || gates.gear3->OpenDB() != S_OK) return fail("OpenDB");
         std::mt19937 random(seed);
         std::vector<std::map<LONG, int>> rows(gate_tables().size());
-        for (int i = 0; i < kSteps; ++i) {
+        for (int i = 0; i < kThreadSteps; ++i) {
             const std::size_t mine = gate_tables().size() / parts_;
             const std::size_t place = number_ + parts_ * (random() % mine);
             const GateTable& table = *gate_tables()[place];

@@ -268,7 +268,7 @@ constexpr Column<StockTypeInfo> kTypeEnum[] = {
     column::integer("TypeID", &StockTypeInfo::TypeID),
     column::currency_by_text("ItemPrice", &StockTypeInfo::ItemPrice),
 };
-constexpr TableMapping<StockTypeInfo> kStockTypes{
+constexpr TableMapping<StockTypeInfo> kTypesOnly{
     .table = "Def_StockTypes",
     .key = {"TypeID", &StockTypeInfo::TypeID},
     .read = kTypeFind,
@@ -277,7 +277,7 @@ constexpr TableMapping<StockTypeInfo> kStockTypes{
 };
 
 TEST_F(RecordTables, enumeration_may_read_other_columns_than_find) {
-    RecordTable<StockTypeInfo> table(kStockTypes, database_);
+    RecordTable<StockTypeInfo> table(kTypesOnly, database_);
     StockTypeInfo type;
     type.TypeName = "Tape";
     type.InStock = 4;

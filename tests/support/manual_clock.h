@@ -45,7 +45,7 @@ private:
         ~ManualAlarm() override { std::erase(clock.alarms_, this); }
         bool set(os::TimePoint at) override {
             if (clock.refuses_) return false;
-            if (!due) due = at;
+            due = due ? std::min(*due, at) : at;
             return true;
         }
 

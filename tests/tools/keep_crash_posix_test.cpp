@@ -25,7 +25,7 @@ constexpr char kInvoices[] = "studio/kvinvdb.mdb";
 constexpr char kNow[] = "2026-03-05-142233";
 
 // Everything in a file, as one text; "unsound" where the check finds fault, "none" where there is none.
-std::string content_of(const std::string& path) {
+std::string rows_of(const std::string& path) {
     if (!os::file_system().exists(path)) return "none";
     jet::OpenOptions options;
     options.read_only = options.ignore_password = true;
@@ -102,7 +102,7 @@ struct Contents {
 
 Contents contents_of(FaultFileSystem& disk) {
     const UseFileSystem use(disk);
-    return {content_of(kStudio), content_of(kInvoices)};
+    return {rows_of(kStudio), rows_of(kInvoices)};
 }
 
 // Does `work` with the power cut after every change of the disk, in each way; `check` looks at each disk that is left.
@@ -165,8 +165,8 @@ void expect_sets_are_whole(const Contents& truth, std::size_t least) {
     const auto sets = tools::backup_sets("copies");
     EXPECT_GE(sets.size(), least);
     for (const tools::BackupSet& set : sets) {
-        EXPECT_EQ(content_of(set.studio), truth.studio) << set.name;
-        EXPECT_EQ(content_of(set.invoices), truth.invoices) << set.name;
+        EXPECT_EQ(rows_of(set.studio), truth.studio) << set.name;
+        EXPECT_EQ(rows_of(set.invoices), truth.invoices) << set.name;
     }
 }
 
@@ -222,12 +222,12 @@ std::unique_ptr<FaultFileSystem> disk_to_restore(Contents& old, Contents& now) {
 
 // Each file is the restored or the present one; of a present one that is no longer there, a copy is.
 void expect_nothing_lost(FaultFileSystem& disk, const Contents& old, const Contents& now) {
-    const Contents found{content_of(kStudio), content_of(kInvoices)};
+    const Contents found{rows_of(kStudio), rows_of(kInvoices)};
     EXPECT_TRUE(found.studio == old.studio || found.studio == now.studio) << found.studio.substr(0, 80);
     EXPECT_TRUE(found.invoices == old.invoices || found.invoices == now.invoices) << found.invoices.substr(0, 80);
     const auto is_kept = [&](const char* stem, const std::string& content) {
         for (const std::string& name : disk.names()) {
-            if (name.starts_with(stem) && name.ends_with(".mdb") && content_of(name) == content) return true;
+            if (name.starts_with(stem) && name.ends_with(".mdb") && rows_of(name) == content) return true;
         }
         return false;
     };
@@ -267,8 +267,8 @@ TEST(StudioRestoreFault, refused_disk_loses_nothing_and_the_next_try_succeeds) {
                                            [&](FaultFileSystem& disk, bool) {
                                                expect_nothing_lost(disk, old, now);
                                                restore();
-                                               EXPECT_EQ(content_of(kStudio), old.studio);
-                                               EXPECT_EQ(content_of(kInvoices), old.invoices);
+                                               EXPECT_EQ(rows_of(kStudio), old.studio);
+                                               EXPECT_EQ(rows_of(kInvoices), old.invoices);
                                            });
     EXPECT_GT(faults, 10u);
 }
@@ -279,7 +279,7 @@ TEST(StudioCompactCrash, file_is_the_old_or_the_new_one_with_the_same_rows) {
     const std::size_t before = live_studio().studio.size();
     const std::size_t cuts = with_cuts(
         *disk, [] { tools::compact_file(kStudio); },
-        [&](FaultFileSystem&) { EXPECT_EQ(content_of(kStudio), truth.studio); });
+        [&](FaultFileSystem&) { EXPECT_EQ(rows_of(kStudio), truth.studio); });
     EXPECT_GT(cuts, 50u);
     EXPECT_EQ(contents_of(*disk).studio, truth.studio);
     EXPECT_LE(disk->content(kStudio).size(), before);
@@ -295,7 +295,7 @@ TEST(StudioCompactFault, refused_disk_leaves_the_file_as_it_was_or_made_anew) {
             return disk;
         },
         [] { tools::compact_file(kStudio); },
-        [&](FaultFileSystem&, bool) { EXPECT_EQ(content_of(kStudio), truth.studio); });
+        [&](FaultFileSystem&, bool) { EXPECT_EQ(rows_of(kStudio), truth.studio); });
     EXPECT_GT(faults, 20u);
 }
 

@@ -96,7 +96,7 @@ void fill(jet::Database& database, std::size_t rows, Random& random) {
     }
 }
 
-std::string content_of(const jet::Table& table, const jet::RowView& view) {
+std::string row_content(const jet::Table& table, const jet::RowView& view) {
     std::map<std::string, std::string> values;
     for (std::size_t i = 0; i < table.def().columns.size(); ++i) {
         const Value value = view.value(i);
@@ -179,7 +179,7 @@ std::map<std::string, std::vector<TrueRow>> read_rows(const std::string& path, c
         jet::RowView view;
         for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
             if (!table.read(*id, view)) continue;
-            TrueRow row{content_of(table, view), key_of(table, view), {}};
+            TrueRow row{row_content(table, view), key_of(table, view), {}};
             if (file != nullptr) row.extents = extents_of(*file, table.def(), *id);
             rows.push_back(std::move(row));
         }

@@ -9,7 +9,7 @@
 namespace tools {
 namespace {
 
-std::string type_of(const ExportColumn& column) {
+std::string postgres_type(const ExportColumn& column) {
     switch (column.type) {
         case jet::ColumnType::kBoolean: return "boolean";
         case jet::ColumnType::kByte:
@@ -73,7 +73,7 @@ public:
         std::string columns;
         std::string names;
         for (const ExportColumn& column : table.columns) {
-            columns += (columns.empty() ? "\n    " : ",\n    ") + sql_name(column.name) + " " + type_of(column);
+            columns += (columns.empty() ? "\n    " : ",\n    ") + sql_name(column.name) + " " + postgres_type(column);
             names += (names.empty() ? "" : ", ") + sql_name(column.name);
         }
         const std::string name = prefix_ + sql_name(table.name);

@@ -11,7 +11,7 @@
 namespace tools {
 namespace {
 
-std::string type_of(const ExportColumn& column) {
+std::string sqlite_type(const ExportColumn& column) {
     switch (column.type) {
         case jet::ColumnType::kBoolean:
         case jet::ColumnType::kByte:
@@ -33,7 +33,7 @@ std::string type_of(const ExportColumn& column) {
     return " BLOB";
 }
 
-double number_of(const std::string& text) {
+double double_of(const std::string& text) {
     double number = 0;
     std::from_chars(text.data(), text.data() + text.size(), number);
     return number;
@@ -49,7 +49,7 @@ SqliteValue exact(const std::string& digits) {
     }
     constexpr std::size_t kDigitsOfDouble = 15;
     if (count > kDigitsOfDouble) return digits;
-    return number_of(digits);
+    return double_of(digits);
 }
 
 struct ToSqlite {
@@ -61,7 +61,7 @@ struct ToSqlite {
     SqliteValue operator()(jet::Currency v) const { return exact(plain_text(v)); }
     // The number that a person typed, not the nearest one that the column could hold.
     SqliteValue operator()(float v) const {
-        return std::isfinite(v) ? number_of(plain_text(v)) : static_cast<double>(v);
+        return std::isfinite(v) ? double_of(plain_text(v)) : static_cast<double>(v);
     }
     SqliteValue operator()(double v) const { return v; }
     SqliteValue operator()(jet::Date v) const { return plain_text(v); }
@@ -90,7 +90,7 @@ bool has_column(const ExportTable& table, const std::string& name) {
 std::string sqlite_create_table(const ExportTable& table) {
     std::string columns;
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        columns += (i == 0 ? "\n    " : ",\n    ") + sql_name(table.columns[i].name) + type_of(table.columns[i]);
+        columns += (i == 0 ? "\n    " : ",\n    ") + sql_name(table.columns[i].name) + sqlite_type(table.columns[i]);
         if (table.key == i) columns += " PRIMARY KEY";
     }
     return "CREATE TABLE " + sql_name(table.name) + " (" + columns + "\n)";

@@ -31,9 +31,9 @@ public:
 
     void begin(const ExportTable& table) override {
         execute(sqlite_create_table(table));
-        std::string places;
-        for (std::size_t i = 0; i < table.columns.size(); ++i) places += i == 0 ? "?" : ", ?";
-        const std::string text = "INSERT INTO " + sql_name(table.name) + " VALUES (" + places + ")";
+        std::string placeholders;
+        for (std::size_t i = 0; i < table.columns.size(); ++i) placeholders += i == 0 ? "?" : ", ?";
+        const std::string text = "INSERT INTO " + sql_name(table.name) + " VALUES (" + placeholders + ")";
         sqlite3_stmt* statement = nullptr;
         require(sqlite3_prepare_v2(database_.get(), text.c_str(), -1, &statement, nullptr) == SQLITE_OK);
         insert_.reset(statement);

@@ -12,7 +12,6 @@
 namespace tools {
 namespace {
 
-using std::chrono::days;
 using std::chrono::sys_days;
 
 constexpr std::size_t kMostRooms = 12;
@@ -27,7 +26,7 @@ struct Week {
     int week = 0;
     explicit Week(sys_days day) {
         const std::chrono::weekday weekday(day);
-        const sys_days thursday = day + days(4 - static_cast<int>(weekday.iso_encoding()));
+        const sys_days thursday = day + std::chrono::days(4 - static_cast<int>(weekday.iso_encoding()));
         year = static_cast<int>(std::chrono::year_month_day(thursday).year());
         const sys_days first = std::chrono::year(year) / std::chrono::January / 1;
         week = static_cast<int>((thursday - first).count() / 7 + 1);
@@ -37,7 +36,7 @@ struct Week {
 // Monday of the first week.
 sys_days first_monday(int year) {
     const sys_days fourth = std::chrono::year(year) / std::chrono::January / 4;
-    return fourth - days(static_cast<int>(std::chrono::weekday(fourth).iso_encoding()) - 1);
+    return fourth - std::chrono::days(static_cast<int>(std::chrono::weekday(fourth).iso_encoding()) - 1);
 }
 
 struct Booked {
@@ -149,7 +148,7 @@ std::string Calendar::room_html(int year, std::size_t room, int top) const {
                  percent((week - 1) / double{kWeeks}) + "\" y=\"" + y + "\" width=\"" + percent(0.82 / kWeeks) +
                  "\" height=\"16\" rx=\"2\"><title>" +
                  html_text(room_name(room) + ", " + week_text(year, week) + " from " +
-                           iso_text(first_monday(year) + days(7 * (week - 1))) + ": " + told(booked)) +
+                           iso_text(first_monday(year) + std::chrono::days(7 * (week - 1))) + ": " + told(booked)) +
                  "</title></rect>\n";
     }
     return "<svg x=\"0\" y=\"" + std::to_string(top) + "\" width=\"56%\" height=\"20\"><text class=\"name\" x=\"0\" " +

@@ -77,10 +77,10 @@ void write_glance(OutFile& out, const StudioTables& tables, std::chrono::sys_day
 }
 
 std::string notice() {
-    const std::size_t places = damaged_places();
-    if (places == 0) return "";
+    const std::size_t damaged = damaged_places();
+    if (damaged == 0) return "";
     return "<p class=\"notice\" role=\"note\"><strong>What is shown is not all.</strong> The files are damaged: " +
-           counted(places, "place", "places") + " could not be read. kvdb check tells more.</p>\n";
+           counted(damaged, "place", "places") + " could not be read. kvdb check tells more.</p>\n";
 }
 
 class HtmlWriter final : public ExportWriter {

@@ -66,11 +66,11 @@ std::vector<std::string> sets_with(const std::string& folder, const char* file) 
     return sets;
 }
 
-bool exists(const std::string& path) { return os::file_system().exists(path); }
+bool is_there(const std::string& path) { return os::file_system().exists(path); }
 
 BackupSet set_in(const std::string& folder, const std::string& name) {
     BackupSet set{name, path_in(folder, kStudioFile, name), path_in(folder, kInvoiceFile, name)};
-    if (!exists(set.invoices)) set.invoices.clear();
+    if (!is_there(set.invoices)) set.invoices.clear();
     return set;
 }
 
@@ -103,7 +103,7 @@ std::vector<std::string> remove_older(const std::string& destination, std::size_
     return removed;
 }
 
-void publish(const std::string& draft, const std::string& path) {
+void give_name(const std::string& draft, const std::string& path) {
     try {
         os::file_system().rename(draft, path);
     } catch (...) {
@@ -124,15 +124,15 @@ void bring_up_to_date(const std::string& path) {
 
 // A copy of what is there beside it, with its journal where that could not be brought in. "" where there is no file.
 std::string keep_present(const std::string& path, const std::string& now) {
-    if (!exists(path)) return {};
+    if (!is_there(path)) return {};
     const std::string stem = path.substr(0, path.size() - kEnding.size());
     std::string kept = stem + "-before-restore-" + now + std::string(kEnding);
-    for (int n = 2; exists(kept); ++n)
+    for (int n = 2; is_there(kept); ++n)
         kept = stem + "-before-restore-" + now + "-" + std::to_string(n) + std::string(kEnding);
     const std::string journal = jet::Journal::path_for(path);
-    if (exists(journal))
-        publish(write_plain_draft(journal, jet::Journal::path_for(kept)), jet::Journal::path_for(kept));
-    publish(write_plain_draft(path, kept), kept);
+    if (is_there(journal))
+        give_name(write_plain_draft(journal, jet::Journal::path_for(kept)), jet::Journal::path_for(kept));
+    give_name(write_plain_draft(path, kept), kept);
     return kept;
 }
 
@@ -151,7 +151,7 @@ BackupSet find_backup(const std::string& path, const std::optional<std::string>&
     for (const char* const file : {kStudioFile, kInvoiceFile}) {
         for (const std::string& name : sets_with(folder, file)) {
             if (path_in(folder, file, name) != same_path) continue;
-            if (!exists(path_in(folder, kStudioFile, name))) {
+            if (!is_there(path_in(folder, kStudioFile, name))) {
                 throw CommandError(path + " is of a backup that was interrupted: the studio's file is not beside it");
             }
             return set_in(folder, name);
@@ -166,11 +166,11 @@ BackupSet find_backup(const std::string& path, const std::optional<std::string>&
     }
     if (!sets.empty()) return sets.front();
     BackupSet plain{"", os::join_path(path, kStudioFile), os::join_path(path, kInvoiceFile)};
-    if (!exists(plain.studio)) {
+    if (!is_there(plain.studio)) {
         throw CommandError("there is no backup in " + path +
                            ": wanted is a folder that kvdb backup wrote to, or one with " + kStudioFile);
     }
-    if (!exists(plain.invoices)) plain.invoices.clear();
+    if (!is_there(plain.invoices)) plain.invoices.clear();
     return plain;
 }
 
@@ -178,16 +178,16 @@ BackupOutcome make_backup(const std::string& folder, const std::string& destinat
                           std::optional<std::size_t> keep) {
     const std::string studio = os::join_path(folder, kStudioFile);
     const std::string invoices = os::join_path(folder, kInvoiceFile);
-    if (!exists(studio)) throw CommandError("there is no studio in " + folder + ": " + kStudioFile + " is not there");
+    if (!is_there(studio)) throw CommandError("there is no studio in " + folder + ": " + kStudioFile + " is not there");
     // Both are locked before either is read, so that they are of the same moment.
     const PageSource studio_pages(studio);
     std::optional<PageSource> invoice_pages;
-    if (exists(invoices)) invoice_pages.emplace(invoices);
+    if (is_there(invoices)) invoice_pages.emplace(invoices);
     clear_leftovers(destination, keep.has_value());
 
     std::string name = now;
-    for (int n = 2; exists(path_in(destination, kStudioFile, name)) || exists(path_in(destination, kInvoiceFile, name));
-         ++n) {
+    for (int n = 2;
+         is_there(path_in(destination, kStudioFile, name)) || is_there(path_in(destination, kInvoiceFile, name)); ++n) {
         name = now + "-" + std::to_string(n);
     }
     BackupOutcome outcome;
@@ -198,12 +198,12 @@ BackupOutcome make_backup(const std::string& folder, const std::string& destinat
         if (invoice_pages) {
             outcome.set.invoices = path_in(destination, kInvoiceFile, name);
             invoice_draft = write_checked_draft(*invoice_pages, outcome.set.invoices);
-            publish(invoice_draft, outcome.set.invoices);
+            give_name(invoice_draft, outcome.set.invoices);
         }
-        publish(studio_draft, outcome.set.studio);
+        give_name(studio_draft, outcome.set.studio);
     } catch (...) {
         remove_quietly(studio_draft);
-        if (!exists(outcome.set.studio) && !outcome.set.invoices.empty()) remove_quietly(outcome.set.invoices);
+        if (!is_there(outcome.set.studio) && !outcome.set.invoices.empty()) remove_quietly(outcome.set.invoices);
         throw;
     }
     if (keep) outcome.removed = remove_older(destination, std::max<std::size_t>(*keep, 1));
@@ -237,7 +237,7 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
         }
         // Whether somebody has one of them open is seen before anything is made of either.
         for (const Part& part : parts) {
-            if (exists(part.to)) bring_up_to_date(part.to);
+            if (is_there(part.to)) bring_up_to_date(part.to);
         }
         for (Part& part : parts) part.kept = keep_present(part.to, now);
         for (Part& part : parts) {
@@ -246,7 +246,7 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
         is_replacing = true;
         for (Part& part : parts) {
             // It is in the copy that is kept, and must not come into the restored file.
-            if (exists(jet::Journal::path_for(part.to))) {
+            if (is_there(jet::Journal::path_for(part.to))) {
                 os::file_system().remove(jet::Journal::path_for(part.to));
                 os::file_system().sync_folder_of(part.to);
             }

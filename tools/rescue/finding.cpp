@@ -4,6 +4,7 @@
 
 #include "tools/long_work.h"
 #include "tools/paths.h"
+#include "tools/value_text.h"
 
 namespace tools {
 namespace {
@@ -68,10 +69,6 @@ constexpr Rule kRules[] = {
 };
 
 constexpr Rule kUnknownRule = {"other", kDamage, "Something in the file is not as it must be."};
-
-std::string plural(std::size_t count, const char* one, const char* many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-}
 
 std::string place_of(const jet::Violation& violation) {
     return "page " + std::to_string(violation.page) +

@@ -15,7 +15,7 @@ using jet::RowId;
 
 class Walk {
 public:
-    Walk(const PageSource& pages, const SurveyedTable& table, const RowVisitor& visit)
+    Walk(const PageSource& pages, const SurveyedTable& table, const FoundRowVisitor& visit)
         : pages_(pages), table_(table), visit_(visit), page_(jet::jet4::kPageSize), other_(jet::jet4::kPageSize) {}
 
     WalkCounts run() {
@@ -129,7 +129,7 @@ private:
 
     const PageSource& pages_;
     const SurveyedTable& table_;
-    const RowVisitor& visit_;
+    const FoundRowVisitor& visit_;
     ByteVector page_;
     ByteVector other_;
     WalkCounts counts_;
@@ -139,7 +139,7 @@ private:
 
 }  // namespace
 
-WalkCounts walk_rows(const PageSource& pages, const SurveyedTable& table, const RowVisitor& visit) {
+WalkCounts walk_rows(const PageSource& pages, const SurveyedTable& table, const FoundRowVisitor& visit) {
     return Walk(pages, table, visit).run();
 }
 

@@ -29,8 +29,8 @@ struct WalkCounts {
 };
 
 // `row` is valid during the call only.
-using RowVisitor = std::function<void(jet::RowId place, const FoundRow& row, unsigned doubts)>;
+using FoundRowVisitor = std::function<void(jet::RowId place, const FoundRow& row, unsigned doubts)>;
 
-WalkCounts walk_rows(const PageSource& pages, const SurveyedTable& table, const RowVisitor& visit);
+WalkCounts walk_rows(const PageSource& pages, const SurveyedTable& table, const FoundRowVisitor& visit);
 
 }  // namespace tools

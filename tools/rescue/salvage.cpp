@@ -38,10 +38,6 @@ constexpr std::int32_t kNewPasswordSince = 100006;
 // So far a table may have numbered on beyond its last row for its count to be believed.
 constexpr std::int32_t kMostNumbersAhead = 1000000;
 
-std::string plural(std::size_t count, const char* one, const char* many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 // What a first walk over a table's rows has found.
 struct TableFacts {
     std::optional<std::size_t> key;  // position of the column of automatic numbers

@@ -8,10 +8,6 @@
 namespace tools {
 namespace {
 
-std::string plural(std::size_t count, const char* one, const char* many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 // What happened to the table besides its rows, as one line.
 std::string story_of(const SalvagedTable& table) {
     std::string text;

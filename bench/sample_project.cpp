@@ -8,7 +8,7 @@ ProjInfo sample_project(std::int32_t n) {
     project.ExData = n % 7;
     project.Name.Format("Project number %07d", n);
     project.ClientID = n % kClients + 1;
-    project.Client.Format("Client number %04d", project.ClientID);
+    project.Client.Format("Client number %04d", static_cast<int>(project.ClientID));
     project.ProducerID = n % 13;
     project.Producer = "A producer of some name";
     project.DirectorID = n % 11;

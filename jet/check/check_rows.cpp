@@ -1,4 +1,6 @@
 // Rules about the pages of a table, its rows, and the long values they lead to.
+#include <algorithm>
+
 #include "jet/check/check_parts.h"
 
 namespace jet::check {
@@ -151,7 +153,11 @@ const char* shape_of(ByteSpan row, const TableDef& def, RowShape& shape) {
     if (row.size() < 2 + mask_bytes) return "The row ends inside its null mask.";
     shape.mask = row.last(mask_bytes);
     shape.fixed_end = row.size() - mask_bytes;
-    if (def.variable_columns == 0) return nullptr;
+    // A row that is older than the table's first variable column has no offsets.
+    const bool has_variable = std::any_of(def.columns.begin(), def.columns.end(), [&](const ColumnDef& column) {
+        return !column.is_fixed() && column.number < shape.columns;
+    });
+    if (!has_variable) return nullptr;
 
     if (shape.fixed_end < 2 + 2 + 2) return "The row ends inside its variable part.";
     const std::size_t count_at = shape.fixed_end - 2;

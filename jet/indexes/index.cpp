@@ -332,6 +332,26 @@ bool Index::insert(ByteSpan key, RowId row) {
 
 void Index::erase(ByteSpan key, RowId row) { Tree(pager_, allocator_, table_page_, root_, map_).erase(key, row); }
 
+void Index::erase_by_row(RowId row) {
+    std::vector<ByteVector> keys;
+    visit([&](ByteSpan key, RowId entry_row) {
+        if (entry_row == row) keys.emplace_back(key.begin(), key.end());
+        return keys.size() < 2;
+    });
+    if (keys.size() != 1) corrupt(root_, "a row has no entry in an index, or more than one");
+    erase(keys.front(), row);
+}
+
+bool Index::contains(ByteSpan key, RowId row) const {
+    const ByteVector wanted = make_entry(key, row);
+    bool found = false;
+    Tree(pager_, allocator_, table_page_, root_, map_).visit_from(wanted, [&](ByteSpan entry) {
+        found = compare_entries(entry, wanted) == 0;
+        return false;
+    });
+    return found;
+}
+
 std::optional<RowId> Index::find(ByteSpan key) const {
     std::optional<RowId> found;
     Tree(pager_, allocator_, table_page_, root_, map_).visit_from(key, [&](ByteSpan entry) {

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <bit>
 
-#include "jet/indexes/collation.h"
+#include "jet/indexes/sort_key.h"
 
 namespace jet {
 
@@ -166,6 +166,13 @@ std::optional<std::string> why_not_maintainable(const RealIndex& index, const Ro
         if (text && !column.general_order()) return name + " has a sort order other than General";
     }
     return std::nullopt;
+}
+
+bool has_text(const RealIndex& index, const RowShape& shape) {
+    return std::any_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
+        const ColumnType type = shape.columns[position_of(column, shape)].type;
+        return type == ColumnType::kText || type == ColumnType::kMemo;
+    });
 }
 
 ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {

@@ -16,6 +16,9 @@ namespace jet {
 // for an error text; none when it can.
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape);
 
+// Whether texts are among the key's columns.
+bool has_text(const RealIndex& index, const RowShape& shape);
+
 // The key of a row whose values stand in `values` (by position in shape.columns), flag bytes included.
 ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values);
 

@@ -276,7 +276,7 @@ MutablePage PageAllocator::allocate() {
         map_next(pager_, kGlobalMapRow, std::max<PageNumber>(lowest_free_hint_, jet4::kGlobalMapPage + 1));
     if (lowest && *lowest < pager_.page_count()) {
         check_unused(*lowest);
-        mark_used(*lowest);
+        set_free(*lowest, false);
         lowest_free_hint_ = *lowest + 1;
         MutablePage page = pager_.modify(*lowest);
         std::fill(page.bytes().begin(), page.bytes().end(), std::uint8_t{0});
@@ -284,64 +284,76 @@ MutablePage PageAllocator::allocate() {
     }
     lowest_free_hint_ = pager_.page_count();
     MutablePage page = pager_.extend();
-    mark_used(page.number());
+    set_free(page.number(), false);
     return page;
-}
-
-void PageAllocator::mark_used(PageNumber page_no) {
-    const MutablePage page = pager_.modify(jet4::kGlobalMapPage);
-    const MapRow map(page.bytes(), kGlobalMapRow);
-    const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
-    if (!map.reference) {
-        if (map.covers(page_no)) {
-            set_bit(row.subspan(usage::kBitmap), page_no - map.start, false);
-            return;
-        }
-        if (map.start != 0 || row.size() < usage::kDefaultRow) {
-            corrupt(jet4::kGlobalMapPage, "the map of free pages does not begin with the file");
-        }
-        // Beyond the inline bits: from now on through bitmap pages. The old bits go first, all others are free.
-        const ByteVector old(map.bitmap.begin(), map.bitmap.end());
-        const MutablePage bitmap = pager_.extend();
-        format_bitmap_page(bitmap.bytes(), 0xFF);
-        store_bytes(bitmap.bytes(), usage::kPagePrefix, old);
-        std::fill(row.begin(), row.end(), std::uint8_t{0});
-        row[0] = usage::kReference;
-        store_u32(row, 1, bitmap.number());
-        mark_used(bitmap.number());
-        mark_used(page_no);
-        return;
-    }
-    const std::size_t k = page_no / usage::kPagesPerBitmap;
-    if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for a page of its file");
-    if (map.pointer(k) == 0) {
-        const MutablePage bitmap = pager_.extend();
-        format_bitmap_page(bitmap.bytes(), 0xFF);
-        store_u32(row, 1 + 4 * k, bitmap.number());
-        mark_used(bitmap.number());
-    }
-    const MutablePage bitmap = pager_.modify(map.pointer(k));
-    bitmap_of(bitmap);
-    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, false);
 }
 
 void PageAllocator::free(PageNumber page_no) {
     if (page_no <= jet4::kRelationshipsPage || page_no >= pager_.page_count()) {
         corrupt(page_no, "a page was to be freed that cannot be free");
     }
+    lowest_free_hint_ = std::min(lowest_free_hint_, page_no);
+    set_free(page_no, true);
+}
+
+// Where the map says nothing of the page yet, it grows.
+void PageAllocator::set_free(PageNumber page_no, bool is_free) {
     const MutablePage page = pager_.modify(jet4::kGlobalMapPage);
     const MapRow map(page.bytes(), kGlobalMapRow);
-    const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
-    lowest_free_hint_ = std::min(lowest_free_hint_, page_no);
     if (!map.reference) {
-        if (map.covers(page_no)) set_bit(row.subspan(usage::kBitmap), page_no - map.start, true);
-        return;
+        if (map.covers(page_no)) {
+            set_bit(map_bytes(page, kGlobalMapRow).subspan(usage::kBitmap), page_no - map.start, is_free);
+            return;
+        }
+        // What lies before a window that another program has moved is in use as it is.
+        if (!is_free && page_no < map.start) return;
+        use_bitmap_pages(page);
+        return set_free(page_no, is_free);
     }
     const std::size_t k = page_no / usage::kPagesPerBitmap;
-    if (k >= map.pointers() || map.pointer(k) == 0) return;
+    if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for a page of its file");
+    if (map.pointer(k) == 0) {
+        add_bitmap_page(page, k);
+        return set_free(page_no, is_free);
+    }
     const MutablePage bitmap = pager_.modify(map.pointer(k));
     bitmap_of(bitmap);
-    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, true);
+    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, is_free);
+}
+
+// Beyond the inline bits: from now on through bitmap pages, which take over the bits of the window wherever it is.
+void PageAllocator::use_bitmap_pages(const MutablePage& page) {
+    const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
+    const PageNumber start = MapRow(page.bytes(), kGlobalMapRow).start;
+    const ByteVector bits(row.begin() + usage::kBitmap, row.end());
+    const std::uint64_t end = std::min<std::uint64_t>(start + 8 * std::uint64_t{bits.size()}, jet4::kMaxPages);
+    std::fill(row.begin(), row.end(), std::uint8_t{0});
+    row[0] = usage::kReference;
+    for (std::uint64_t k = start / usage::kPagesPerBitmap; k * usage::kPagesPerBitmap < end; ++k) {
+        const MapRow map(page.bytes(), kGlobalMapRow);
+        if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for its own pages");
+        if (map.pointer(k) == 0) add_bitmap_page(page, k);
+    }
+    const std::vector<PageNumber> bitmaps = bitmap_pages();
+    for (std::uint64_t member = start; member < end; ++member) {
+        const auto page_no = static_cast<PageNumber>(member);
+        if (std::find(bitmaps.begin(), bitmaps.end(), page_no) != bitmaps.end()) continue;
+        set_free(page_no, test_bit(bits, page_no - start));
+    }
+}
+
+// A page of bits for a block that has none: pages of the file are in use, as the map has said so far, those behind its
+// end are free.
+void PageAllocator::add_bitmap_page(const MutablePage& page, std::size_t k) {
+    const std::uint64_t first = std::uint64_t{k} * usage::kPagesPerBitmap;
+    const MutablePage bitmap = pager_.extend();
+    format_bitmap_page(bitmap.bytes(), 0xFF);
+    for (std::uint64_t member = first;
+         member < std::min<std::uint64_t>(pager_.page_count(), first + usage::kPagesPerBitmap); ++member) {
+        set_bit(bitmap.bytes().subspan(usage::kPagePrefix), static_cast<std::size_t>(member - first), false);
+    }
+    store_u32(map_bytes(page, kGlobalMapRow), 1 + 4 * k, bitmap.number());
+    if (bitmap.number() / usage::kPagesPerBitmap != k) set_free(bitmap.number(), false);
 }
 
 RowId PageAllocator::create_map(PageNumber* page_no, PageNumber member) {

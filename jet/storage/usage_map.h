@@ -60,7 +60,10 @@ public:
 
 private:
     void check_unused(PageNumber page_no) const;
-    void mark_used(PageNumber page_no);
+    // `page` is that of the map.
+    void set_free(PageNumber page_no, bool is_free);
+    void use_bitmap_pages(const MutablePage& page);
+    void add_bitmap_page(const MutablePage& page, std::size_t k);
     Pager& pager_;
     PageNumber lowest_free_hint_ = 0;
 };

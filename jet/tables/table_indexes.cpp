@@ -59,6 +59,17 @@ void TableIndexes::check(std::span<const Value> values, const Keys* old_keys) co
     }
 }
 
+// Other programs, and this engine in the past, have made keys of some letters by another rule: an entry that is not
+// where the values would put it is looked for by its row.
+void TableIndexes::erase_entry(const RealIndex& index, ByteSpan key, RowId row) {
+    Index changed = tree(index);
+    if (has_text(index, *def_) && !changed.contains(key, row)) {
+        changed.erase_by_row(row);
+    } else {
+        changed.erase(key, row);
+    }
+}
+
 void TableIndexes::change(const Keys& from, const Keys& to, RowId row) {
     for (std::size_t i = 0; i < def_->real_indexes.size(); ++i) {
         const ByteSpan old_key = from.empty() ? ByteSpan() : ByteSpan(from[i]);
@@ -66,7 +77,7 @@ void TableIndexes::change(const Keys& from, const Keys& to, RowId row) {
         if (std::equal(old_key.begin(), old_key.end(), new_key.begin(), new_key.end())) continue;
         RealIndex& index = def_->real_indexes[i];
         Index changed = tree(index);
-        if (!old_key.empty()) changed.erase(old_key, row);
+        if (!old_key.empty()) erase_entry(index, old_key, row);
         if (!new_key.empty() && changed.insert(new_key, row)) ++index.distinct_keys;
     }
 }

@@ -35,6 +35,7 @@ public:
 
 private:
     Index tree(const RealIndex& index) const;
+    void erase_entry(const RealIndex& index, ByteSpan key, RowId row);
 
     Storage* storage_;
     TableDef* def_;

@@ -121,7 +121,7 @@ struct Format {
     LongValue long_value;
 
     bool is_jet3() const { return version == jet4::header::kVersionJet3; }
-    std::size_t slot_at(std::size_t index) const { return data.slots + 2 * index; }
+    std::size_t slot_at(std::size_t slot) const { return data.slots + 2 * slot; }
     std::size_t entry_bytes() const { return page_size - index.entries; }
     std::size_t max_bitmaps() const { return (jet4::kMaxPages + usage.pages_per_bitmap - 1) / usage.pages_per_bitmap; }
 };

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "jet/base/jet4.h"
 #include "jet/indexes/sort_key.h"
 #include "jet/indexes/weights.h"
 
@@ -16,7 +17,6 @@ using collation::Kind;
 using collation::Weight;
 using collation::weight_of;
 
-constexpr std::uint8_t kEndOfKey = 0x00;
 constexpr std::uint8_t kFirstLetter = 0x4A;  // inline bytes from here on belong to letters
 
 std::u16string_view without_trailing_blanks(std::u16string_view text) {
@@ -102,8 +102,8 @@ int compare_text(std::u16string_view a, std::u16string_view b) {
     ByteVector right_key;
     append_sections(left_key, a);
     append_sections(right_key, b);
-    left_key.push_back(kEndOfKey);
-    right_key.push_back(kEndOfKey);
+    left_key.push_back(jet4::key::kEndOfText);
+    right_key.push_back(jet4::key::kEndOfText);
     if (left_key == right_key) return 0;
     return sign(left_key < right_key);
 }

@@ -17,9 +17,9 @@ namespace {
 using collation::has_inline_bytes;
 using collation::Kind;
 
-constexpr std::uint8_t kEndOfSection = 0x01;
-constexpr std::uint8_t kEndOfKey = 0x00;
-constexpr std::uint8_t kNoExtra = 0x02;
+using jet4::key::kEndOfSection;
+using jet4::key::kEndOfText;
+using jet4::key::kNoAccent;
 
 // Inline bytes of version 0 that are a weight of their own; any other begins one of two bytes.
 constexpr std::uint8_t kOneByteWeights[] = {
@@ -83,7 +83,7 @@ public:
     }
 
     void append_to(ByteVector& to) {
-        while (!extras_.empty() && extras_.back() <= kNoExtra) extras_.pop_back();
+        while (!extras_.empty() && extras_.back() <= kNoAccent) extras_.pop_back();
         append_bytes(to, extras_);
         if (!has_kana_ && unprintables_.empty()) return;
         to.insert(to.end(), 2, kEndOfSection);
@@ -99,7 +99,7 @@ public:
 private:
     void pad_to(std::size_t position) {
         if (position <= accounted_) return;
-        extras_.insert(extras_.end(), position - accounted_, kNoExtra);
+        extras_.insert(extras_.end(), position - accounted_, kNoAccent);
         accounted_ = position;
     }
 
@@ -170,7 +170,7 @@ void append_whole_key(ByteVector& to, std::u16string_view text, TextOrder order)
         case TextOrder::kGeneral: append_sections_of<Version0>(to, text); break;
         case TextOrder::kGeneral1: append_sections_of<Version1>(to, text); break;
     }
-    to.push_back(kEndOfKey);
+    to.push_back(kEndOfText);
 }
 
 }  // namespace
@@ -185,7 +185,7 @@ void append_descending_sort_key(ByteVector& to, std::u16string_view text, TextOr
     const std::size_t start = to.size();
     append_whole_key(to, key_text(text), order);
     for (std::size_t i = start; i < to.size(); ++i) to[i] = static_cast<std::uint8_t>(~to[i]);
-    if (order != TextOrder::kGeneral97) to.push_back(kEndOfKey);
+    if (order != TextOrder::kGeneral97) to.push_back(kEndOfText);
 }
 
 }  // namespace jet

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "jet/pages/page_cache.h"
+#include "jet/pages/page_cipher.h"
 #include "os/file.h"
 
 namespace jet {
@@ -16,7 +17,7 @@ public:
     void add(Frame& frame);
     // Writes all of them, neighbours in one go. Throws os::FileError; all of them are then as dirty as before. Needs no
     // memory: without any for a run of pages, each is written for itself.
-    void write_to(os::File& file, const PageCache& cache);
+    void write_to(os::File& file, const PageCache& cache, const PageCipher& cipher = {});
     // Pages written so far.
     std::uint64_t written() const { return written_; }
 

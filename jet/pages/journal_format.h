@@ -11,6 +11,7 @@
 #include <span>
 
 #include "jet/base/bytes.h"
+#include "jet/base/jet4.h"
 #include "jet/base/types.h"
 
 namespace jet {
@@ -22,7 +23,7 @@ struct JournalBinding {
     std::uint64_t next_counter = 0;  // what the generation's first commit makes of it
 };
 
-// A page of a commit, kPageSize bytes.
+// A page of a commit.
 struct JournalPage {
     PageNumber page_no = 0;
     const std::uint8_t* bytes = nullptr;
@@ -41,6 +42,7 @@ enum class Kind {
 
 struct Header {
     Kind kind = Kind::kChanges;
+    std::size_t page_size = jet4::kPageSize;
     JournalBinding binding;
     std::uint64_t checksum = 0;  // the chain begins with it
 };
@@ -61,22 +63,23 @@ struct Record {
 };
 
 // Fills kHeaderBytes; returns the checksum that the chain begins with.
-std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt);
+std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt,
+                           std::size_t page_size = jet4::kPageSize);
 // False for what is no header of a journal.
 bool load_header(ByteSpan bytes, Header& header);
 
 // The most that a commit of so many pages takes.
-std::size_t most_commit_bytes(std::size_t pages);
+std::size_t most_commit_bytes(std::size_t pages, std::size_t page_size = jet4::kPageSize);
 // Writes a commit, chained on `checksum`, which becomes its own. Returns the bytes it takes.
 std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> pages, std::uint32_t page_count,
-                         std::uint64_t& checksum);
+                         std::uint64_t& checksum, std::size_t page_size = jet4::kPageSize);
 
 // False for what is no header of a commit.
-bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit);
+bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit, std::size_t page_size = jet4::kPageSize);
 // The checksum that a commit must have, after one with checksum `before`.
 std::uint64_t commit_checksum(ByteSpan header, ByteSpan body, std::uint64_t before);
 // Takes the record at `at` apart and moves `at` past it. False when it is none.
-bool load_record(ByteSpan body, std::size_t& at, Record& record);
+bool load_record(ByteSpan body, std::size_t& at, Record& record, std::size_t page_size = jet4::kPageSize);
 // Writes the ranges of a record into a page. False when they leave it.
 bool apply_ranges(ByteSpan ranges, MutableByteSpan page);
 

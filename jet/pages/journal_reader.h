@@ -20,6 +20,7 @@ struct JournalContent {
         std::uint64_t at = 0;           // byte offset in the journal
     };
     JournalBinding binding;
+    std::size_t page_size = 0;
     std::uint32_t page_count = 0;  // of the file after the last commit; 0: no commit at all
     std::vector<Change> changes;   // by page, then in order; each page's first is whole
     bool is_sound = true;          // false: the checksums are right, and yet the commits contradict themselves
@@ -33,6 +34,7 @@ struct JournalContent {
 bool read_journal(os::File& file, JournalContent& content);
 
 // The page as its changes leave it. 3049 when they are none of a page.
-ByteVector read_journal_page(os::File& file, std::span<const JournalContent::Change> changes);
+ByteVector read_journal_page(os::File& file, std::span<const JournalContent::Change> changes,
+                             std::size_t page_size = jet4::kPageSize);
 
 }  // namespace jet

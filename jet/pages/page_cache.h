@@ -25,18 +25,19 @@ struct Frame {
     std::uint32_t generation = 0;  // of the journal that holds the page whole; 0: none since it was read
     bool dirty = false;            // committed, not yet in the .mdb
     std::uint8_t uses = 0;         // recent ones, up to a few
+    std::uint16_t page_bytes = 0;
 };
 
-// A frame and the page it holds, kPageSize bytes; none when `frame` is null.
+// A frame and the page it holds; none when `frame` is null.
 struct FrameRef {
     Frame* frame = nullptr;
     std::uint8_t* bytes = nullptr;
 
     explicit operator bool() const { return frame != nullptr; }
-    MutableByteSpan page() const { return {bytes, jet4::kPageSize}; }
+    MutableByteSpan page() const { return {bytes, frame->page_bytes}; }
 };
 
-// A pinned page: its bytes stay in place while the object lives. `bytes()` is always kPageSize long.
+// A pinned page: its bytes stay in place while the object lives. `bytes()` is always a whole page.
 class Page {
 public:
     Page() = default;
@@ -71,8 +72,8 @@ private:
 
 class PageCache {
 public:
-    // Holds up to `pages`, and more only while none of them can be evicted.
-    explicit PageCache(std::size_t pages);
+    // Holds up to `pages`, of at most jet4::kPageSize, and more only while none of them can be evicted.
+    explicit PageCache(std::size_t pages, std::size_t page_size = jet4::kPageSize);
     ~PageCache();
     PageCache(const PageCache&) = delete;
     PageCache& operator=(const PageCache&) = delete;
@@ -101,6 +102,7 @@ private:
     std::uint32_t added_frame();
 
     const std::size_t limit_;
+    const std::uint16_t page_size_;
     FrameTable table_;
     std::vector<std::unique_ptr<Group>> groups_;
     std::uint32_t frame_count_ = 0;  // frames in use, the first ones of the groups

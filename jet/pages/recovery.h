@@ -7,12 +7,14 @@
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
+#include "jet/pages/header.h"
 #include "os/file.h"
 
 namespace jet {
 
-// What never changes in a file's header page, and its commit words: names the file that a journal is bound to.
-std::uint64_t file_identity(ByteSpan header_page);
+// What never changes in a file's header page, its commit words, and in Jet 3, whose header holds too little, the
+// identity on the page of the catalogue's definition: names the file that a journal is bound to.
+std::uint64_t file_identity(ByteSpan header_page, ByteSpan objects_page);
 
 struct Recovered {
     struct PageImage {
@@ -28,6 +30,7 @@ struct Recovered {
 // to another state of it is ignored, or set aside under another name; so is a link in its place. The journal is absent
 // only when the system says so: any other failure to open it is an error. Throws os::FileError, and 3049 for a journal
 // that is ours but cannot be right.
-Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only);
+Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only,
+                  const FileKind& kind = {});
 
 }  // namespace jet

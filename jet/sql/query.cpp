@@ -153,8 +153,7 @@ Query Query::prepare(Database& database, std::u16string_view statement) {
         impl->statement = parse_cached(lexed);
         impl->table = database.find_table(impl->statement->table);
         if (impl->table == nullptr) {
-            fail(errors::kNoSuchTable,
-                 "There is no table " + to_utf8(impl->statement->table) + " in " + database.path() + ".");
+            fail(errors::kNoSuchTable, database.why_no_table(impl->statement->table));
         }
     }
     impl->binding = bind_statement(*impl->statement, impl->table->def(), std::move(lexed.literals));

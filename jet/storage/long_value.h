@@ -30,8 +30,9 @@ public:
     // Gives back what the reference leads to. Inside a transaction.
     void release(const ColumnDef& column, ByteSpan reference);
 
-    // A memo's text to and from the bytes stored; short text is compressed, as the format's own writer does.
-    static ByteVector encode_memo(std::u16string_view text);
+    // The bytes stored of a memo's text; short text is compressed, as the format's own writer does. `code_page` as in
+    // ColumnDef.
+    static ByteVector encode_memo(std::u16string_view text, std::uint16_t code_page = 0);
 
 private:
     RowId write_single(const ColumnDef& column, ByteSpan bytes);

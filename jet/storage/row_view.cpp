@@ -51,6 +51,7 @@ std::optional<ByteSpan> RowView::stored(std::size_t position) const { return fin
 std::optional<ByteSpan> RowView::stored_text(std::size_t position) const {
     const ColumnDef& column = shape_->columns.at(position);
     if (column.type != ColumnType::kText && column.type != ColumnType::kMemo) return std::nullopt;
+    if (column.code_page != 0) return std::nullopt;
     const auto stored = find(column);
     if (!stored || column.type != ColumnType::kMemo) return stored;
     try {

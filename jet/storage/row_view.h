@@ -25,7 +25,7 @@ public:
     // while the view is not filled again.
     std::optional<ByteSpan> stored(std::size_t position) const;
     // The stored text of a column that holds texts, with a memo's where the row itself holds it; none for every
-    // other value.
+    // other value, and for texts of a code page.
     std::optional<ByteSpan> stored_text(std::size_t position) const;
     // Value of the column at `position` in the shape's columns; long values are fetched.
     Value value(std::size_t position) const;

@@ -2,10 +2,12 @@
 
 #include <algorithm>
 
+#include "jet/base/jet4.h"
+
 namespace jet {
 namespace {
 
-constexpr std::uint8_t kMark[] = {0xFF, 0xFE};
+constexpr auto& kMark = jet4::text::kCompressedMark;
 
 bool compressible(std::u16string_view text) {
     return text.size() > 2 && std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= 1 && c <= 0xFF; });

@@ -53,7 +53,7 @@ public:
     // Forgets what it remembers of the map (after a rollback).
     void forget() { lowest_free_hint_ = 0; }
 
-    // Writes a usage-map row of `kDefaultRow` bytes, with `member` in it unless 0, onto page `*page_no`
+    // Writes a usage-map row of the usual length, with `member` in it unless 0, onto page `*page_no`
     // when there is room, otherwise onto a fresh page whose number it leaves in `*page_no` (0: start
     // with a fresh page). Returns the row's address.
     RowId create_map(PageNumber* page_no, PageNumber member = 0);

@@ -40,7 +40,7 @@ public:
     bool read(RowId row, RowView& into) const;
     bool exists(RowId row) const;
 
-    // Inside a transaction, with bytes of at most jet4::data::kMaxRow.
+    // Inside a transaction, with at most as many bytes as the format allows.
     RowId add(ByteSpan row) { return place(row, 0); }
     void replace(const Place& place, ByteSpan row);
     // The row with every slot that its pointers lead through.

@@ -27,7 +27,7 @@ struct Options {
 };
 
 void bind(Declaration& declare, Options& options) {
-    declare.word("FOLDER", options.folder, "folder of a studio, or a Jet 4 file");
+    declare.word("FOLDER", options.folder, "folder of a studio, or a Jet file");
     declare.word("OUT", options.out, "where to write: a file or, for csv and jsonl, a folder; nothing is overwritten");
     declare.required_option("--to", options.to, "FORM",
                             "sqlite (a database; on Windows the script that makes one), sqlite-script, csv or jsonl (a "

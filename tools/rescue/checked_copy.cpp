@@ -85,11 +85,11 @@ void remove_quietly(const std::string& path) {
 
 std::string write_checked_draft(const PageSource& pages, const std::string& target) {
     const Reader read = [&](std::uint64_t at, jet::MutableByteSpan into) {
-        const auto first = static_cast<jet::PageNumber>(at / jet::jet4::kPageSize);
+        const auto first = static_cast<jet::PageNumber>(at / pages.page_size());
         std::size_t got = 0;
-        for (jet::PageNumber page = first; page < pages.page_count() && got + jet::jet4::kPageSize <= into.size();
+        for (jet::PageNumber page = first; page < pages.page_count() && got + pages.page_size() <= into.size();
              ++page) {
-            pages.read(page, into.subspan(got, jet::jet4::kPageSize));
+            pages.read(page, into.subspan(got, pages.page_size()));
             got += pages.present(page);
         }
         if (pages.refused() > 0) throw CommandError("the disk does not give all of " + pages.path() + " back");

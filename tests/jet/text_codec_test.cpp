@@ -17,6 +17,13 @@ ByteVector bytes(std::initializer_list<int> list) {
     return result;
 }
 
+// What comes of a stored text as ASCII; none where it is not.
+std::optional<std::string> as_ascii(const ByteVector& stored) {
+    std::string copied(ascii_length(stored), '?');
+    if (!copy_ascii(stored, copied.data())) return std::nullopt;
+    return copied;
+}
+
 TEST(TextCodec, plain_text_is_two_bytes_a_unit) {
     EXPECT_EQ(encode_text(u"a\u4e01", false), bytes({'a', 0, 0x01, 0x4e}));
     EXPECT_EQ(encode_text(u"", true), ByteVector());
@@ -56,7 +63,7 @@ TEST(TextCodec, text_beginning_like_the_mark_takes_the_toggling_form) {
                                        std::u16string(u"\uFEFFab"), std::u16string(u"\uFEFF\u0001\uffff\u00ff")}) {
         EXPECT_EQ(decode_text(encode_text(text, false)), text);
         EXPECT_EQ(decode_text(encode_text(text, true)), text);
-        EXPECT_EQ(ascii_length(encode_text(text, true)), std::nullopt);
+        EXPECT_EQ(as_ascii(encode_text(text, true)), std::nullopt);
     }
 }
 
@@ -82,13 +89,6 @@ TEST(TextCodec, every_text_comes_back) {
             EXPECT_EQ(decode_text(encode_text(text, compress)), text);
         }
     }
-}
-
-// What comes of a stored text as ASCII; none where it is not.
-std::optional<std::string> as_ascii(const ByteVector& stored) {
-    std::string copied(ascii_length(stored), '?');
-    if (!copy_ascii(stored, copied.data())) return std::nullopt;
-    return copied;
 }
 
 // Both stored forms, with a character at each place that is or is not ASCII.

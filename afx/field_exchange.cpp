@@ -55,13 +55,15 @@ FieldExchange::FieldExchange(const FieldNames& names, const jet::TableDef* def,
         field.offset = static_cast<std::uint32_t>(member.offset);
         if (const auto position = names.find(member.column)) {
             field.field = static_cast<int>(*position);
-            if (def != nullptr) field.way = way_of(def->columns.at(*position).type, member.type);
+            if (def != nullptr) field.way = way_of(def->columns.at(*position), member.type);
         }
         fields_.push_back(field);
     }
 }
 
-FieldExchange::Way FieldExchange::way_of(jet::ColumnType column, ExchangedMember::Type member) {
+FieldExchange::Way FieldExchange::way_of(const jet::ColumnDef& column, ExchangedMember::Type member) {
+    // Only the value's path knows the forms of a code page, and what to write for a character that it lacks.
+    if (column.code_page != 0 && member == ExchangedMember::Type::kText) return Way::kByValue;
     using Type = ExchangedMember::Type;
     using Column = jet::ColumnType;
     struct Known {
@@ -75,7 +77,7 @@ FieldExchange::Way FieldExchange::way_of(jet::ColumnType column, ExchangedMember
         {Column::kCurrency, Type::kAmount, Way::kCurrency},
     };
     for (const Known& known : kKnown) {
-        if (known.column == column && known.member == member) return known.way;
+        if (known.column == column.type && known.member == member) return known.way;
     }
     return Way::kByValue;
 }
@@ -147,7 +149,7 @@ bool FieldExchange::write_field(EditBuffer& into, const jet::ColumnDef& column, 
         case Way::kText:
         case Way::kMemo: {
             std::u16string text = os::widen(as<const CString>(member).GetString());
-            if (field.way == Way::kText && 2 * text.size() > column.length_bytes) return false;
+            if (field.way == Way::kText && text.size() > column.most_characters()) return false;
             into.set(position, std::move(text));
             return true;
         }

@@ -79,7 +79,7 @@ private:
         Way way = Way::kByValue;
     };
 
-    static Way way_of(jet::ColumnType column, ExchangedMember::Type member);
+    static Way way_of(const jet::ColumnDef& column, ExchangedMember::Type member);
     static bool read_field(const jet::RowView& row, std::optional<jet::ByteSpan> stored, ReadingMemory& memory,
                            const Field& field, void* member);
     static bool write_field(EditBuffer& into, const jet::ColumnDef& column, const Field& field, const void* member);

@@ -5,19 +5,15 @@
 #include <algorithm>
 #include <bit>
 
-#include "jet/indexes/collation.h"
+#include "jet/base/code_page.h"
+#include "jet/base/jet4.h"
+#include "jet/indexes/sort_key.h"
 
 namespace jet {
 
 namespace {
 
-constexpr std::uint8_t kNullAscending = 0x00;
-constexpr std::uint8_t kValueAscending = 0x7F;
-constexpr std::uint8_t kValueDescending = 0x80;
-constexpr std::uint8_t kNullDescending = 0xFF;
-
-constexpr std::size_t kSegment = 8;  // bytes of binary data between two markers
-constexpr std::uint8_t kMoreSegments = 0x09;
+using namespace jet4::key;
 
 template <class T>
 const T& expect(const Value& value, const ColumnDef& column) {
@@ -96,9 +92,9 @@ void append_value(ByteVector& to, const ColumnDef& column, const Value& value, b
         case ColumnType::kText:
         case ColumnType::kMemo:
             if (ascending) {
-                append_sort_key(to, expect<std::u16string>(value, column));
+                append_sort_key(to, expect<std::u16string>(value, column), *text_order(column));
             } else {
-                append_descending_sort_key(to, expect<std::u16string>(value, column));
+                append_descending_sort_key(to, expect<std::u16string>(value, column), *text_order(column));
             }
             return;
         case ColumnType::kBinary: append_binary(to, expect<ByteVector>(value, column), ascending); return;
@@ -155,6 +151,25 @@ std::size_t position_of(const KeyColumn& key, const RowShape& shape) {
 
 }  // namespace
 
+std::optional<TextOrder> text_order(const ColumnDef& column) {
+    if (column.lcid != jet4::kGeneralOrder) return std::nullopt;
+    if (column.code_page != 0) {
+        return column.code_page == kWesternCodePage ? std::optional(TextOrder::kGeneral97) : std::nullopt;
+    }
+    if (column.sort_version == 0) return TextOrder::kGeneral;
+    return column.sort_version == jet4::kGeneralVersion1 ? std::optional(TextOrder::kGeneral1) : std::nullopt;
+}
+
+namespace {
+
+std::string described_order(const ColumnDef& column) {
+    std::string order = "order " + std::to_string(column.lcid);
+    if (column.code_page != 0) return order + " in code page " + std::to_string(column.code_page);
+    return order + ", version " + std::to_string(column.sort_version);
+}
+
+}  // namespace
+
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape) {
     for (const KeyColumn& key : index.columns) {
         const auto position = shape.column_by_number(key.column_number);
@@ -163,9 +178,16 @@ std::optional<std::string> why_not_maintainable(const RealIndex& index, const Ro
         const std::string name = "column " + to_utf8(column.name);
         if (!is_indexable(column.type)) return name + " has a type without known index keys";
         const bool text = column.type == ColumnType::kText || column.type == ColumnType::kMemo;
-        if (text && !column.general_order()) return name + " has a sort order other than General";
+        if (text && !text_order(column)) return name + " is sorted by " + described_order(column);
     }
     return std::nullopt;
+}
+
+bool has_text(const RealIndex& index, const RowShape& shape) {
+    return std::any_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
+        const ColumnType type = shape.columns[position_of(column, shape)].type;
+        return type == ColumnType::kText || type == ColumnType::kMemo;
+    });
 }
 
 ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {

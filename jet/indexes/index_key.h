@@ -8,6 +8,7 @@
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
 #include "jet/indexes/index_def.h"
+#include "jet/indexes/sort_key.h"
 #include "jet/storage/row_shape.h"
 
 namespace jet {
@@ -15,6 +16,12 @@ namespace jet {
 // Why this engine cannot keep `index` current (an unknown type or another sort order), in words
 // for an error text; none when it can.
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape);
+
+// The order of a text column; none where keys of it are not known.
+std::optional<TextOrder> text_order(const ColumnDef& column);
+
+// Whether texts are among the key's columns.
+bool has_text(const RealIndex& index, const RowShape& shape);
 
 // The key of a row whose values stand in `values` (by position in shape.columns), flag bytes included.
 ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values);

@@ -23,7 +23,8 @@ struct PageCache::Group {
     os::PageMemory bytes;
 };
 
-PageCache::PageCache(std::size_t pages) : limit_(pages) {}
+PageCache::PageCache(std::size_t pages, std::size_t page_size)
+    : limit_(pages), page_size_(static_cast<std::uint16_t>(page_size)) {}
 
 PageCache::~PageCache() = default;
 
@@ -50,6 +51,7 @@ FrameRef PageCache::add(PageNumber page_no) {
     const FrameRef place = frame_at(frame_no);
     *place.frame = {};
     place.frame->page_no = page_no;
+    place.frame->page_bytes = page_size_;
     last_used_ = page_no;
     return place;
 }
@@ -59,6 +61,7 @@ void PageCache::remove(Frame& frame) {
     const std::uint32_t pins = frame.pins;
     frame = {};
     frame.pins = pins;
+    frame.page_bytes = page_size_;  // of whoever holds the page still
 }
 
 // Clock eviction: skips pinned, dirty and changed frames, takes the first without uses left.

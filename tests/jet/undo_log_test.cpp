@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 using namespace jet;
 
 namespace {
@@ -9,7 +11,10 @@ namespace {
 // A cache with one page, and a log over it.
 class UndoLogTest : public testing::Test {
 protected:
-    UndoLogTest() { place_.bytes[0] = 1; }
+    UndoLogTest() {
+        std::fill_n(place_.bytes, jet4::kPageSize, std::uint8_t{0});  // a new frame holds whatever the memory held
+        place_.bytes[0] = 1;
+    }
 
     void begin() { log_.begin(1); }
     void change(std::uint8_t value) {

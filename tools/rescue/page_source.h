@@ -9,6 +9,7 @@
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
+#include "jet/pages/header.h"
 #include "os/file.h"
 
 namespace tools {
@@ -24,7 +25,10 @@ public:
     jet::PageNumber page_count() const { return page_count_; }
     // How many bytes of the page are there: a whole page, but for a last one that is cut.
     std::size_t present(jet::PageNumber page_no) const;
-    // Writes the page to `into`, kPageSize bytes.
+    std::size_t page_size() const { return kind_.format->page_size; }
+    // Pages are given as they lie there, encoded ones too.
+    bool is_encoded() const { return kind_.encryption_key != 0; }
+    // Writes the page to `into`, a whole page.
     void read(jet::PageNumber page_no, jet::MutableByteSpan into) const;
     jet::ByteVector page(jet::PageNumber page_no) const;
 
@@ -35,8 +39,11 @@ public:
     bool has_foreign_journal() const { return has_foreign_journal_; }
 
 private:
+    bool begins(jet::PageNumber page_no, std::uint8_t kind) const;
+
     std::string path_;
     std::unique_ptr<os::File> file_;
+    jet::FileKind kind_;
     std::uint64_t size_ = 0;
     jet::PageNumber page_count_ = 0;
     std::map<jet::PageNumber, jet::ByteVector> newer_;

@@ -96,6 +96,9 @@ private:
             jet::load_u32(first, jet::jet4::header::kVersion) == jet::jet4::header::kVersionJet3) {
             throw CommandError(pages.path() + " is a Jet 3 file (Access 97); only Jet 4 files can be salvaged");
         }
+        if (pages.is_encoded()) {
+            throw CommandError(pages.path() + " is encoded; only plain files can be salvaged");
+        }
         return pages;
     }
 

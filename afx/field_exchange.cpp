@@ -35,7 +35,7 @@ CTime KnownTimes::of(DATE days, CTime (*convert)(DATE)) {
     }
     if (entries_ == nullptr) entries_ = std::make_unique<Entry[]>(kEntries);
     const auto bits = std::bit_cast<std::uint64_t>(days);
-    Entry* const pair = &entries_[(bits * 0x9E3779B97F4A7C15u) >> 55 << 1];
+    Entry* const pair = &entries_[static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15u) >> 55 << 1)];
     static_assert(kEntries == std::size_t{1} << (64 - 55 + 1));
     const auto is_it = [&](const Entry& entry) { return entry.bits == bits && entry.convert == convert; };
     if (is_it(pair[0])) return pair[0].time;

@@ -337,7 +337,7 @@ void PageAllocator::use_bitmap_pages(const MutablePage& page) {
     std::fill(row.begin(), row.end(), std::uint8_t{0});
     row[0] = usage::kReference;
     const std::uint32_t per_bitmap = pager_.format().usage.pages_per_bitmap;
-    for (std::uint64_t k = start / per_bitmap; k * per_bitmap < end; ++k) {
+    for (std::size_t k = start / per_bitmap; std::uint64_t{k} * per_bitmap < end; ++k) {
         const MapRow map(page.bytes(), kGlobalMapRow);
         if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for its own pages");
         if (map.pointer(k) == 0) add_bitmap_page(page, k);

@@ -9,9 +9,9 @@
 #include <string_view>
 #include <vector>
 
-#include "jet/tables/database.h"
 #include "tests/frame/gate_host.h"
 #include "tests/frame/late_binding.h"
+#include "tests/gates/engineers_cases.h"
 
 using namespace testing_support;
 
@@ -227,20 +227,7 @@ void call_engineers(Caller& caller, const std::string& main_file) {
         caller.expect(name, {Variant::record(engineer)}, E_FAIL);
     }
     caller.expect(u"CloseDB", {});
-    jet::OpenOptions options;
-    options.ignore_password = true;
-    const auto database = jet::Database::open(main_file, options);
-    jet::NewColumn key;
-    key.name = u"RecID";
-    key.autonumber = true;
-    jet::NewColumn name;
-    name.name = u"Name";
-    name.type = jet::ColumnType::kText;
-    jet::NewColumn price;
-    price.name = u"Price";
-    price.type = jet::ColumnType::kCurrency;
-    database->create_table(u"Def_Engineers", std::vector{key, name, price});
-    database->close();
+    testing_support::create_engineers(os::folder_of(main_file));
     caller.expect(u"OpenDB", {});
     call_table(caller, u"Engineer", EngineerInfo(), &EngineerInfo::RecID, &EngineerInfo::Name);
 }

@@ -50,26 +50,23 @@ SupplyAct add_supply(IDBgate1& gate, LONG stock, LONG project, LONG client, CTim
     return supply;
 }
 
-// The keys that an enumeration beginning with this record delivers, each behind a blank.
-std::string keys(IDBgate1& gate, SessionExInfo filter) {
+// The keys that an enumeration beginning with this record returns, each after a blank.
+template <class Record, class Method>
+std::string keys(IDBgate1& gate, Record filter, Method first, Method next, LONG Record::*key) {
     std::string keys;
-    HRESULT result = call(gate, &IDBgate1::EnumEx_FirstSession, filter);
+    HRESULT result = call(gate, first, filter);
     while (result == S_OK) {
-        keys += " " + std::to_string(filter.SessionID);
-        result = call(gate, &IDBgate1::EnumEx_NextSession, filter);
+        keys += " " + std::to_string(filter.*key);
+        result = call(gate, next, filter);
     }
     EXPECT_EQ(result, E_FAIL);
     return keys;
 }
-std::string keys(IDBgate1& gate, SupplyExInfo filter) {
-    std::string keys;
-    HRESULT result = call(gate, &IDBgate1::EnumEx_FirstSupply, filter);
-    while (result == S_OK) {
-        keys += " " + std::to_string(filter.ActionID);
-        result = call(gate, &IDBgate1::EnumEx_NextSupply, filter);
-    }
-    EXPECT_EQ(result, E_FAIL);
-    return keys;
+std::string keys(IDBgate1& gate, const SessionExInfo& filter) {
+    return keys(gate, filter, &IDBgate1::EnumEx_FirstSession, &IDBgate1::EnumEx_NextSession, &SessionExInfo::SessionID);
+}
+std::string keys(IDBgate1& gate, const SupplyExInfo& filter) {
+    return keys(gate, filter, &IDBgate1::EnumEx_FirstSupply, &IDBgate1::EnumEx_NextSupply, &SupplyExInfo::ActionID);
 }
 
 // Members of the record that a row fills; `Reserved` becomes empty.

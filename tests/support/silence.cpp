@@ -111,4 +111,14 @@ std::string take_printed() { return capture.take(); }
 
 bool is_capturing() { return capture.is_open(); }
 
+void expect_printing_to_be_noticed() {
+    EXPECT_EQ(take_printed(), "");
+    std::fputs("to the one", stdout);
+    std::fputs(" and the other", stderr);
+    const std::string printed = take_printed();
+    EXPECT_NE(printed.find("to the one"), std::string::npos);
+    EXPECT_NE(printed.find("and the other"), std::string::npos);
+    EXPECT_EQ(take_printed(), "");
+}
+
 }  // namespace testing_support

@@ -18,5 +18,7 @@ bool expect_silence();
 std::string take_printed();
 // False where nothing is captured.
 bool is_capturing();
+// For the running test: what is printed on either stream is noticed. The silence of all other tests rests on it.
+void expect_printing_to_be_noticed();
 
 }  // namespace testing_support

@@ -5,7 +5,7 @@ namespace {
 
 using Value = OutlineItem::Value;
 
-// Inside a specification in single quotes, where brackets and colons have a meaning.
+// For the arguments of _arguments in single quotes, where brackets and colons have a meaning.
 std::string escaped(const std::string& text) {
     std::string result;
     for (const char c : text) {

@@ -103,7 +103,7 @@ class Page:
             return "no page"
         frame = self.place["frame"].dereference()
         number = int(frame["page_no"])
-        page = bytes_at(self.place["bytes"], frame["page_bytes"])
+        page = bytes_at(self.place["bytes"], int(frame["page_bytes"]))
         kind = PAGE_KINDS.get(0 if number == 0 else page[0], f"unknown kind {page[0]}")
         text = f"page {number}: {kind}"
         if kind == "rows":

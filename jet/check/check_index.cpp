@@ -137,14 +137,21 @@ private:
         context_.guard(row.page, "row-value", [&] {
             read_keys(row);
             const ByteVector expected = make_index_key(index_, def_, values_);
-            if (compare_entries(expected, key) != 0) {
-                context_.report(page_no, -1, "index-key", which + " is not what its row's values give.");
-            }
+            if (compare_entries(expected, key) != 0) report_other_key(page_no, which, key);
             if (!index_.unique() || last_.size() != entry.size()) return;
             if (compare_entries(ByteSpan(last_).first(key.size()), key) == 0 && !all_null_key(index_, def_, values_)) {
                 context_.report(page_no, -1, "index-unique", which + " repeats a key of a unique index.");
             }
         });
+    }
+
+    void report_other_key(PageNumber page_no, const std::string& which, ByteSpan key) {
+        for (const ByteVector& former : former_index_keys(index_, def_, values_)) {
+            if (compare_entries(former, key) != 0) continue;
+            context_.report(page_no, -1, "index-key-former", which + " was made by a former rule of its text order.");
+            return;
+        }
+        context_.report(page_no, -1, "index-key", which + " is not what its row's values give.");
     }
 
     void read_keys(RowId row) {

@@ -2,12 +2,14 @@
 // could have one and has none. Letters behind the last accent count for nothing.
 #include "jet/indexes/collation_97.h"
 
+#include <algorithm>
+
 #include "jet/base/code_page.h"
 #include "jet/indexes/collation_table.h"
 
 namespace jet {
 
-void append_key_97(ByteVector& to, std::u16string_view text) {
+void append_key_97(ByteVector& to, std::u16string_view text, KeyRule rule) {
     ByteVector halves;           // accents by position
     std::size_t unaccented = 0;  // positions since the last accent
     for (const char16_t c : text) {
@@ -16,7 +18,8 @@ void append_key_97(ByteVector& to, std::u16string_view text) {
         const collation::Weight97& weight = collation::kWeights97[byte];
         append_be(to, weight.value, weight.value > 0xFF ? 2 : 1);
         if (weight.accent == 0) {
-            unaccented += weight.positions;
+            const std::size_t most = rule == KeyRule::kOwn ? weight.positions : 1;
+            unaccented += std::min<std::size_t>(weight.positions, most);
             continue;
         }
         if (halves.empty()) halves.push_back(0);

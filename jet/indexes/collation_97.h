@@ -4,10 +4,11 @@
 #include <string_view>
 
 #include "jet/base/bytes.h"
+#include "jet/indexes/sort_key.h"
 
 namespace jet {
 
 // Appends the key of all of the text, its end included. Characters that the code page lacks are left out.
-void append_key_97(ByteVector& to, std::u16string_view text);
+void append_key_97(ByteVector& to, std::u16string_view text, KeyRule rule);
 
 }  // namespace jet

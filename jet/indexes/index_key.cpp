@@ -87,14 +87,14 @@ void append_plain(ByteVector& to, const ColumnDef& column, const Value& value) {
     }
 }
 
-void append_value(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending) {
+void append_value(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending, KeyRule rule) {
     switch (column.type) {
         case ColumnType::kText:
         case ColumnType::kMemo:
             if (ascending) {
-                append_sort_key(to, expect<std::u16string>(value, column), *text_order(column));
+                append_sort_key(to, expect<std::u16string>(value, column), *text_order(column), rule);
             } else {
-                append_descending_sort_key(to, expect<std::u16string>(value, column), *text_order(column));
+                append_descending_sort_key(to, expect<std::u16string>(value, column), *text_order(column), rule);
             }
             return;
         case ColumnType::kBinary: append_binary(to, expect<ByteVector>(value, column), ascending); return;
@@ -108,7 +108,7 @@ void append_value(ByteVector& to, const ColumnDef& column, const Value& value, b
     for (std::size_t i = start; i < to.size(); ++i) to[i] = static_cast<std::uint8_t>(~to[i]);
 }
 
-void append_key_column(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending) {
+void append_key_column(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending, KeyRule rule) {
     if (column.type == ColumnType::kBoolean) {  // never null
         const bool* held = std::get_if<bool>(&value);
         const bool truth = held != nullptr && *held;
@@ -121,7 +121,7 @@ void append_key_column(ByteVector& to, const ColumnDef& column, const Value& val
         return;
     }
     to.push_back(ascending ? kValueAscending : kValueDescending);
-    append_value(to, column, value, ascending);
+    append_value(to, column, value, ascending, rule);
 }
 
 bool is_indexable(ColumnType type) {
@@ -190,15 +190,36 @@ bool has_text(const RealIndex& index, const RowShape& shape) {
     });
 }
 
-ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
+ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values, KeyRule rule) {
     ByteVector key;
     static const Value kNothing;
     for (const KeyColumn& column : index.columns) {
         const std::size_t position = position_of(column, shape);
         const Value& value = position < values.size() ? values[position] : kNothing;
-        append_key_column(key, shape.columns[position], value, column.ascending);
+        append_key_column(key, shape.columns[position], value, column.ascending, rule);
     }
     return key;
+}
+
+// Texts of ASCII have the same key by every rule.
+static bool has_plain_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
+    return std::all_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
+        const std::size_t position = position_of(column, shape);
+        const auto* text = position < values.size() ? std::get_if<std::u16string>(&values[position]) : nullptr;
+        return text == nullptr || std::all_of(text->begin(), text->end(), [](char16_t c) { return c < 0x80; });
+    });
+}
+
+std::vector<ByteVector> former_index_keys(const RealIndex& index, const RowShape& shape,
+                                          std::span<const Value> values) {
+    std::vector<ByteVector> keys;
+    if (has_plain_key(index, shape, values)) return keys;
+    const ByteVector own = make_index_key(index, shape, values);
+    for (const KeyRule rule : kFormerKeyRules) {
+        ByteVector key = make_index_key(index, shape, values, rule);
+        if (key != own && (keys.empty() || keys.back() != key)) keys.push_back(std::move(key));
+    }
+    return keys;
 }
 
 bool all_null_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {

@@ -62,6 +62,8 @@ class Tail {
 public:
     using Weight = typename Version::Weight;
 
+    explicit Tail(KeyRule rule) : rule_(rule) {}
+
     void add(const Weight& weight) {
         switch (weight.kind) {
             case Kind::kIgnored: return;
@@ -73,13 +75,14 @@ public:
                 break;
             default: break;
         }
+        const bool is_counted_once = rule_ != KeyRule::kOwn || weight.inline_length() == 1;
         if (weight.extra_length() > 0) {
             pad_to(position_);
             append_be(extras_, weight.extra, weight.extra_length());
-            accounted_ = position_ + static_cast<std::size_t>(weight.extra_length());
+            accounted_ = position_ + (rule_ != KeyRule::kOwn ? 1 : static_cast<std::size_t>(weight.extra_length()));
             touched_ = true;
         }
-        position_ += weight.inline_length() == 1 ? 1 : Version::positions(weight);
+        position_ += is_counted_once ? 1 : Version::positions(weight);
     }
 
     void append_to(ByteVector& to) {
@@ -90,7 +93,8 @@ public:
         if (has_kana_) append_kana_flags(to);
         if (!unprintables_.empty()) {
             // A kana letter leaves its mark here even where its flags have been trimmed to nothing.
-            if (has_kana_) to.push_back(0xFF);
+            const bool is_marked = rule_ == KeyRule::kOnePositionNoMarks ? !kana_flags_.empty() : has_kana_;
+            if (is_marked) to.push_back(0xFF);
             to.push_back(kEndOfSection);
             append_bytes(to, unprintables_);
         }
@@ -134,6 +138,7 @@ private:
         append_bytes(to, kKanaEnd);
     }
 
+    KeyRule rule_;
     std::size_t position_ = 0;   // weights so far
     std::size_t accounted_ = 0;  // of them, those that extras_ covers
     std::size_t leading_modifier_ = 0;
@@ -153,8 +158,8 @@ std::u16string_view key_text(std::u16string_view text) {
 
 // Everything but the 00 at the end.
 template <class Version>
-void append_sections_of(ByteVector& to, std::u16string_view text) {
-    Tail<Version> tail;
+void append_sections_of(ByteVector& to, std::u16string_view text, KeyRule rule) {
+    Tail<Version> tail(rule);
     for (const char16_t c : text) {
         const auto weight = Version::weight_of(c);
         if (has_inline_bytes(weight.kind)) append_be(to, weight.value, weight.inline_length());
@@ -164,26 +169,28 @@ void append_sections_of(ByteVector& to, std::u16string_view text) {
     tail.append_to(to);
 }
 
-void append_whole_key(ByteVector& to, std::u16string_view text, TextOrder order) {
+void append_whole_key(ByteVector& to, std::u16string_view text, TextOrder order, KeyRule rule) {
     switch (order) {
-        case TextOrder::kGeneral97: append_key_97(to, text); return;
-        case TextOrder::kGeneral: append_sections_of<Version0>(to, text); break;
-        case TextOrder::kGeneral1: append_sections_of<Version1>(to, text); break;
+        case TextOrder::kGeneral97: append_key_97(to, text, rule); return;
+        case TextOrder::kGeneral: append_sections_of<Version0>(to, text, rule); break;
+        case TextOrder::kGeneral1: append_sections_of<Version1>(to, text, rule); break;
     }
     to.push_back(kEndOfText);
 }
 
 }  // namespace
 
-void append_sections(ByteVector& to, std::u16string_view text) { append_sections_of<Version0>(to, text); }
-
-void append_sort_key(ByteVector& to, std::u16string_view text, TextOrder order) {
-    append_whole_key(to, key_text(text), order);
+void append_sections(ByteVector& to, std::u16string_view text) {
+    append_sections_of<Version0>(to, text, KeyRule::kOwn);
 }
 
-void append_descending_sort_key(ByteVector& to, std::u16string_view text, TextOrder order) {
+void append_sort_key(ByteVector& to, std::u16string_view text, TextOrder order, KeyRule rule) {
+    append_whole_key(to, key_text(text), order, rule);
+}
+
+void append_descending_sort_key(ByteVector& to, std::u16string_view text, TextOrder order, KeyRule rule) {
     const std::size_t start = to.size();
-    append_whole_key(to, key_text(text), order);
+    append_whole_key(to, key_text(text), order, rule);
     for (std::size_t i = start; i < to.size(); ++i) to[i] = static_cast<std::uint8_t>(~to[i]);
     if (order != TextOrder::kGeneral97) to.push_back(kEndOfText);
 }

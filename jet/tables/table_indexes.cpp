@@ -82,7 +82,12 @@ void TableIndexes::check(std::span<const Value> values, const Keys* old_keys) co
         }
         if (!index.unique() || new_keys[i].empty() || all_null_key(index, *def_, values)) continue;
         if (old_keys && (*old_keys)[i] == new_keys[i]) continue;
-        if (tree(index).find(new_keys[i])) {
+        const Index held = tree(index);
+        const std::vector<ByteVector> former = former_index_keys(index, *def_, values);
+        const bool is_taken = held.find(new_keys[i]) || std::any_of(former.begin(), former.end(), [&](ByteSpan key) {
+                                  return held.find(key).has_value();
+                              });
+        if (is_taken) {
             fail(errors::kDuplicateKey,
                  "The change would create duplicate values in a unique index of table '" + to_utf8(def_->name) + "'.");
         }

@@ -7,6 +7,7 @@
 #include "jet/storage/data_page.h"
 #include "support/temp_folder.h"
 #include "tests/jet/engine_fixture.h"
+#include "tests/jet/new_column.h"
 
 namespace jet {
 namespace {
@@ -29,12 +30,15 @@ protected:
         RowId row;
     };
     Table& objects() { return *database_->table_by_page(jet4::kObjectsPage); }
-    Index names() {
+    const RealIndex& index_of_names() {
         for (const RealIndex& index : objects().def().real_indexes) {
-            if (!has_text(index, objects().def())) continue;
-            return {database_->pager(), database_->allocator(), jet4::kObjectsPage, index.root, index.map};
+            if (has_text(index, objects().def())) return index;
         }
         throw std::runtime_error("no index of names");
+    }
+    Index names() {
+        const RealIndex& index = index_of_names();
+        return {database_->pager(), database_->allocator(), jet4::kObjectsPage, index.root, index.map};
     }
     Entry last_entry() {
         Entry found;
@@ -51,6 +55,19 @@ protected:
         ByteVector other = entry.key;
         other[other.size() - 3] ^= 0x10;
         names().insert(other, entry.row);
+        transaction.commit();
+    }
+
+    // Replaces the entry of the last row, whose name is `name`, by that of a former rule.
+    void enter_by(KeyRule rule, const std::u16string& name) {
+        const Entry entry = last_entry();
+        const std::vector<Value> values = row_values(objects(), entry.row);
+        ASSERT_EQ(values[*objects().def().find_column(u"Name")], Value(name));
+        const ByteVector key = make_index_key(index_of_names(), objects().def(), values, rule);
+        ASSERT_NE(key, entry.key);
+        Transaction transaction(database_->pager());
+        names().erase(entry.key, entry.row);
+        names().insert(key, entry.row);
         transaction.commit();
     }
 
@@ -75,6 +92,49 @@ TEST_F(ForeignEntries, row_with_an_entry_of_another_rule_is_deleted) {
         EXPECT_NE(row, entry.row);
         return true;
     });
+}
+
+// A text that the rules give different keys.
+constexpr char16_t kExpanding[] = u"Nu\u00DF\u00E9-\u30E9-1";
+
+TEST_F(ForeignEntries, former_keys_are_recognised_and_take_part_in_uniqueness) {
+    for (const KeyRule rule : kFormerKeyRules) {
+        const std::u16string name = kExpanding;
+        database_ = Database::create(folder_.file(rule == KeyRule::kOnePosition ? "b.mdb" : "c.mdb"), {});
+        database_->create_table(name, std::vector{new_column(u"n", ColumnType::kLong)});
+        enter_by(rule, name);
+        const std::vector<Violation> found = check_structure(*database_);
+        ASSERT_EQ(found.size(), 1u) << found.back().rule << ": " << found.back().detail;
+        EXPECT_EQ(found[0].rule, "index-key-former") << found[0].detail;
+        const std::vector<Value> values = row_values(objects(), last_entry().row);
+        EXPECT_EQ(error_number([&] { objects().insert(values); }), errors::kDuplicateKey);
+        const RowId row = last_entry().row;
+        const ColumnChange change[] = {{*objects().def().find_column(u"Name"), name + u" too"}};
+        objects().update(row, change);
+        expect_sound(*database_);
+        const ColumnChange back[] = {{*objects().def().find_column(u"Name"), name}};
+        objects().update(row, back);
+        enter_by(rule, name);
+        objects().erase(row);
+        names().visit([&](ByteSpan, RowId left) {
+            EXPECT_NE(left, row);
+            return true;
+        });
+    }
+}
+
+TEST_F(ForeignEntries, rules_agree_on_plain_texts) {
+    const RealIndex& index = index_of_names();
+    std::vector<Value> values = row_values(objects(), last_entry().row);
+    const std::size_t name = *objects().def().find_column(u"Name");
+    values[name] = std::u16string(u"Nuts and O'Brien-");
+    EXPECT_TRUE(former_index_keys(index, objects().def(), values).empty());
+    values[name] = std::u16string(u"\u00E9t\u00E9");
+    EXPECT_TRUE(former_index_keys(index, objects().def(), values).empty());
+    values[name] = std::u16string(u"Nu\u00DF\u00E9");
+    EXPECT_EQ(former_index_keys(index, objects().def(), values).size(), 1u);
+    values[name] = std::u16string(kExpanding);
+    EXPECT_EQ(former_index_keys(index, objects().def(), values).size(), 2u);
 }
 
 TEST_F(ForeignEntries, row_without_any_entry_is_damage) {

@@ -110,4 +110,27 @@ TEST_F(Jet3Studio, compact_encodes_and_decodes_files_of_both_formats) {
     }
 }
 
+// The catalogue and the map of the file are lost.
+TEST_F(Jet3Studio, salvage_keeps_the_format_and_the_encoding) {
+    for (const jet::Format* format : {&jet::kJet3, &jet::kJet4}) {
+        make(200010, *format);
+        ASSERT_EQ(on_studio("upgrade", "--no-copy").code, 0);
+        ASSERT_EQ(on_studio("compact", "--encode").code, 0);
+        const auto before = content();
+        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+            std::string bytes = contents(file(name));
+            bytes.replace(format->page_size, 2 * format->page_size, 2 * format->page_size, '\0');
+            std::ofstream(file(name), std::ios::binary | std::ios::trunc) << bytes;
+            const std::string salvaged = scratch_.file("salvaged.mdb");
+            const Outcome outcome = run("salvage " + in_quotes(file(name)) + " " + in_quotes(salvaged));
+            ASSERT_EQ(outcome.code, 0) << outcome.errors;
+            std::filesystem::rename(salvaged, file(name));
+            EXPECT_EQ(is_jet3(name), format->is_jet3());
+            EXPECT_TRUE(is_encoded(name));
+        }
+        expect_same(before, content());
+        EXPECT_EQ(on_studio("check").code, 0);
+    }
+}
+
 }  // namespace

@@ -26,6 +26,25 @@ protected:
         bytes.replace(at, count, count, with);
         std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
     }
+    // With each definition of the file lost.
+    void expect_rows_without_definitions(const std::string& path, std::size_t page_bytes) {
+        std::string bytes = contents(path);
+        for (std::size_t at = 6 * page_bytes; at < bytes.size(); at += page_bytes) {
+            if (bytes[at] == 2) bytes.replace(at, page_bytes, page_bytes, '\0');
+        }
+        const std::string damaged = scratch_.file("damaged.mdb");
+        std::ofstream(damaged, std::ios::binary | std::ios::trunc) << bytes;
+        std::filesystem::remove(new_file());
+        const Outcome outcome = salvage(damaged);
+        ASSERT_EQ(outcome.code, 0) << outcome.errors;
+        const auto before = testing_support::content_of(path);
+        const auto after = testing_support::content_of(new_file());
+        for (const auto& [table, content] : before) {
+            ASSERT_TRUE(after.contains(table)) << table;
+            EXPECT_EQ(after.at(table).rows, content.rows) << table;
+        }
+        EXPECT_EQ(testing_support::password_in(new_file()), testing_support::password_in(path));
+    }
     // The studio's folder with the salvaged file in the place of the old one.
     void put_in_place(const std::string& name) {
         std::filesystem::remove(file(name));
@@ -112,32 +131,18 @@ TEST_F(SalvageCommand, files_of_access_keep_their_tables_and_rows) {
     }
 }
 
-// Of every earlier version, with each definition lost in turn.
 TEST_F(SalvageCommand, studios_of_earlier_versions_come_back_without_their_definitions) {
-    for (const std::int32_t version : testing_support::kOldVersions) {
-        SCOPED_TRACE(version);
-        const std::string folder = scratch_.file(std::to_string(version));
-        std::filesystem::create_directory(folder);
-        testing_support::make_old_studio(folder, version, {3, 8, 8, 12, 3, 6, 4});
-        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
-            SCOPED_TRACE(name);
-            const std::string path = folder + "/" + name;
-            const auto before = testing_support::content_of(path);
-            std::string bytes = contents(path);
-            for (std::size_t at = 6 * jet::jet4::kPageSize; at < bytes.size(); at += jet::jet4::kPageSize) {
-                if (bytes[at] == 2) bytes.replace(at, jet::jet4::kPageSize, jet::jet4::kPageSize, '\0');
+    for (const jet::Format* format : {&jet::kJet4, &jet::kJet3}) {
+        const testing_support::UseOldFormat use(*format);
+        for (const std::int32_t version : testing_support::kOldVersions) {
+            SCOPED_TRACE(format->name + (" " + std::to_string(version)));
+            const std::string folder = scratch_.file(format->name + std::to_string(version));
+            std::filesystem::create_directory(folder);
+            testing_support::make_old_studio(folder, version, {3, 8, 8, 12, 3, 6, 4});
+            for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+                SCOPED_TRACE(name);
+                expect_rows_without_definitions(folder + "/" + name, format->page_size);
             }
-            const std::string damaged = scratch_.file("damaged.mdb");
-            std::ofstream(damaged, std::ios::binary | std::ios::trunc) << bytes;
-            std::filesystem::remove(new_file());
-            const Outcome outcome = salvage(damaged);
-            ASSERT_EQ(outcome.code, 0) << outcome.errors;
-            const auto after = testing_support::content_of(new_file());
-            for (const auto& [table, content] : before) {
-                ASSERT_TRUE(after.contains(table)) << table;
-                EXPECT_EQ(after.at(table).rows, content.rows) << table;
-            }
-            EXPECT_EQ(testing_support::password_in(new_file()), testing_support::password_in(path));
         }
     }
 }

@@ -84,6 +84,21 @@ TEST_F(DaoJet3, record_comes_back_as_it_was_written) {
     }
 }
 
+TEST_F(DaoJet3, each_byte_of_the_code_page_reads_as_by_value) {
+    for (int byte = 1; byte < 256; ++byte) {
+        const char text[] = {'a', static_cast<char>(byte), 'b', '\0'};
+        rows_.AddNew();
+        write({byte, text, text});
+        rows_.Update();
+        rows_.SetBookmark(rows_.GetLastModifiedBookmark());
+        const Song song = read();
+        const COleVariant name = rows_.GetFieldValue("Name");
+        const COleVariant notes = rows_.GetFieldValue("Notes");
+        EXPECT_STREQ(song.name.GetString(), V_BSTRT(&name)) << byte;
+        EXPECT_STREQ(song.notes.GetString(), V_BSTRT(&notes)) << byte;
+    }
+}
+
 TEST_F(DaoJet3, text_may_have_as_many_characters_as_the_column) {
     rows_.AddNew();
     write({1, "exactly 20 letters..", ""});

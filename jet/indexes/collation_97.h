@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "jet/base/bytes.h"
-#include "jet/indexes/sort_key.h"
+#include "jet/indexes/text_order.h"
 
 namespace jet {
 

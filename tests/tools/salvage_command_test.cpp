@@ -117,17 +117,21 @@ TEST_F(SalvageCommand, report_is_json_on_demand) {
 }
 
 TEST_F(SalvageCommand, files_of_access_keep_their_tables_and_rows) {
-    const std::string sample = KVDB_SAMPLES "/test2V2000.mdb";
-    if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files beside the project";
     const auto count = [](const std::string& text) { return std::count(text.begin(), text.end(), '\n'); };
-    const auto tables = run("tables " + in_quotes(sample)).out;
-    const Outcome outcome = salvage(sample);
-    ASSERT_EQ(outcome.code, 0) << outcome.errors;
-    EXPECT_EQ(run("tables " + in_quotes(new_file())).out, tables);
-    std::istringstream names(tables);
-    for (std::string name; std::getline(names, name);) {
-        const std::string rows = run("rows " + in_quotes(sample) + " " + in_quotes(name)).out;
-        EXPECT_EQ(count(run("rows " + in_quotes(new_file()) + " " + in_quotes(name)).out), count(rows)) << name;
+    for (const char* const name : {"test2V2000.mdb", "testV1997.mdb", "overflowTestV1997.mdb"}) {
+        SCOPED_TRACE(name);
+        const std::string sample = std::string(KVDB_SAMPLES "/") + name;
+        if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files beside the project";
+        std::filesystem::remove(new_file());
+        const auto tables = run("tables " + in_quotes(sample)).out;
+        const Outcome outcome = salvage(sample);
+        ASSERT_EQ(outcome.code, 0) << outcome.errors;
+        EXPECT_EQ(run("tables " + in_quotes(new_file())).out, tables);
+        std::istringstream names(tables);
+        for (std::string table; std::getline(names, table);) {
+            const std::string rows = run("rows " + in_quotes(sample) + " " + in_quotes(table)).out;
+            EXPECT_EQ(count(run("rows " + in_quotes(new_file()) + " " + in_quotes(table)).out), count(rows)) << table;
+        }
     }
 }
 

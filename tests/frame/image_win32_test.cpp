@@ -73,7 +73,7 @@ TEST_F(ImageWin32, imports_are_the_systems_and_the_compilers_runtime) {
 TEST_F(ImageWin32, scripts_are_resources_103_to_105) {
     const std::pair<WORD, const char*> scripts[] = {{103, "dbgate1.rgs"}, {104, "dbgate2.rgs"}, {105, "dbgate3.rgs"}};
     for (const auto& [id, file] : scripts) {
-        const std::string text = bytes_of(std::string(KVDB_FRAME "/") + file);
+        const std::string text = bytes_of(std::string(KVDB_FRAME "/registration/") + file);
         EXPECT_GT(text.size(), 100u);
         EXPECT_EQ(resource("REGISTRY", id).substr(0, text.size()), text) << id;
     }

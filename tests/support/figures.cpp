@@ -64,6 +64,6 @@ extern "C" int kvdb_test_figures() { return testing_support::is_listening ? 1 : 
 #ifdef __SANITIZE_ADDRESS__
 // In every test program, as this file is. The C library loses a few bytes when a locale is read from a folder of the
 // environment.
-extern "C" const char* __lsan_default_suppressions();
+extern "C" __attribute__((visibility("default"))) const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:__argz_add_sep\n"; }
 #endif

@@ -67,7 +67,7 @@ void describe(const jet::ColumnDef& column, std::size_t position, CDaoFieldInfo&
     for (const FieldType& type : kFieldTypes) {
         if (type.engine != column.type) continue;
         info.m_nType = type.dao;
-        info.m_lSize = type.dao == dbText ? column.length_bytes / 2 : type.size;
+        info.m_lSize = type.dao == dbText ? static_cast<int>(column.most_characters()) : type.size;
     }
     info.m_lAttributes = dbUpdatableField | (column.is_fixed() ? dbFixedField : dbVariableField);
     if (column.is_autonumber()) info.m_lAttributes = dbFixedField | dbAutoIncrField;
@@ -82,9 +82,10 @@ struct CDaoTableDef::Definition {
     std::vector<jet::NewColumn> fields;  // until it is stored
 
     jet::Table& table(CDaoDatabase* database) const {
-        jet::Table* table = afx::require_open(database).engine().find_table(name);
+        jet::Database& engine = afx::require_open(database).engine();
+        jet::Table* table = engine.find_table(name);
         if (!stored || table == nullptr) {
-            jet::fail(jet::errors::kNotInCollection, "There is no table '" + jet::to_utf8(name) + "'.");
+            jet::fail(jet::errors::kNotInCollection, engine.why_no_table(name));
         }
         return *table;
     }

@@ -1,11 +1,14 @@
 #include "afx/field_exchange.h"
 
+#include <algorithm>
 #include <bit>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
 
 #include "jet/base/error.h"
+#include "jet/storage/row_codec.h"
 #include "jet/storage/text_codec.h"
 #include "os/system.h"
 
@@ -18,6 +21,19 @@ void read_text(jet::ByteSpan stored, ReadingMemory& memory, CString& member) {
     if (length == 0) return member.Empty();
     if (jet::copy_ascii(stored, member.GetBufferSetLength(static_cast<int>(length)))) return;
     jet::decode_text(stored, memory.text);
+    member = os::narrow(memory.text).c_str();
+}
+
+// The same from a column whose texts are in a code page.
+void read_narrow_text(jet::ByteSpan stored, const jet::ColumnDef& column, ReadingMemory& memory, CString& member) {
+    const bool is_plain =
+        std::all_of(stored.begin(), stored.end(), [](std::uint8_t byte) { return byte != 0 && byte < 0x80; });
+    if (is_plain) {
+        if (stored.empty()) return member.Empty();
+        std::memcpy(member.GetBufferSetLength(static_cast<int>(stored.size())), stored.data(), stored.size());
+        return;
+    }
+    jet::decode_column_text(stored, column, memory.text);
     member = os::narrow(memory.text).c_str();
 }
 
@@ -55,13 +71,13 @@ FieldExchange::FieldExchange(const FieldNames& names, const jet::TableDef* def,
         field.offset = static_cast<std::uint32_t>(member.offset);
         if (const auto position = names.find(member.column)) {
             field.field = static_cast<int>(*position);
-            if (def != nullptr) field.way = way_of(def->columns.at(*position).type, member.type);
+            if (def != nullptr) field.way = way_of(def->columns.at(*position), member.type);
         }
         fields_.push_back(field);
     }
 }
 
-FieldExchange::Way FieldExchange::way_of(jet::ColumnType column, ExchangedMember::Type member) {
+FieldExchange::Way FieldExchange::way_of(const jet::ColumnDef& column, ExchangedMember::Type member) {
     using Type = ExchangedMember::Type;
     using Column = jet::ColumnType;
     struct Known {
@@ -75,31 +91,40 @@ FieldExchange::Way FieldExchange::way_of(jet::ColumnType column, ExchangedMember
         {Column::kCurrency, Type::kAmount, Way::kCurrency},
     };
     for (const Known& known : kKnown) {
-        if (known.column == column && known.member == member) return known.way;
+        if (known.column != column.type || known.member != member) continue;
+        if (column.code_page == 0) return known.way;
+        return known.way == Way::kText ? Way::kNarrowText : known.way == Way::kMemo ? Way::kNarrowMemo : known.way;
     }
     return Way::kByValue;
 }
 
 // False where it has to go by value.
-bool FieldExchange::read_field(const jet::RowView& row, std::optional<jet::ByteSpan> stored, ReadingMemory& memory,
-                               const Field& field, void* member) {
+bool FieldExchange::read_field(const jet::RowView& row, const jet::ColumnDef& column,
+                               std::optional<jet::ByteSpan> stored, ReadingMemory& memory, const Field& field,
+                               void* member) {
+    const auto take = [&](jet::ByteSpan text) {
+        if (column.code_page == 0) return read_text(text, memory, as<CString>(member));
+        read_narrow_text(text, column, memory, as<CString>(member));
+    };
     switch (field.way) {
-        case Way::kText: {
+        case Way::kText:
+        case Way::kNarrowText: {
             if (stored) {
-                read_text(*stored, memory, as<CString>(member));
+                take(*stored);
             } else {
                 as<CString>(member).Empty();
             }
             return true;
         }
-        case Way::kMemo: {
+        case Way::kMemo:
+        case Way::kNarrowMemo: {
             if (!stored) {
                 as<CString>(member).Empty();
                 return true;
             }
             jet::Page page;
             const auto text = row.long_bytes(*stored, page);
-            if (text) read_text(*text, memory, as<CString>(member));
+            if (text) take(*text);
             return text.has_value();
         }
         case Way::kLong: as<LONG>(member) = stored ? jet::load_i32(*stored, 0) : 0; return true;
@@ -125,8 +150,9 @@ std::size_t FieldExchange::read(const jet::RowView& row, const jet::TableDef& de
     for (; from < fields_.size(); ++from) {
         const Field& field = fields_[from];
         if (field.way == Way::kByValue) break;
-        const auto stored = row.reader().stored(columns[field.field]);
-        if (!read_field(row, stored, memory, field, static_cast<char*>(record) + field.offset)) break;
+        const jet::ColumnDef& column = columns[field.field];
+        const auto stored = row.reader().stored(column);
+        if (!read_field(row, column, stored, memory, field, static_cast<char*>(record) + field.offset)) break;
     }
     return from;
 }
@@ -147,7 +173,7 @@ bool FieldExchange::write_field(EditBuffer& into, const jet::ColumnDef& column, 
         case Way::kText:
         case Way::kMemo: {
             std::u16string text = os::widen(as<const CString>(member).GetString());
-            if (field.way == Way::kText && 2 * text.size() > column.length_bytes) return false;
+            if (field.way == Way::kText && text.size() > column.most_characters()) return false;
             into.set(position, std::move(text));
             return true;
         }
@@ -163,6 +189,9 @@ bool FieldExchange::write_field(EditBuffer& into, const jet::ColumnDef& column, 
             into.set(position, jet::Currency{amount.int64});
             return true;
         }
+        // Only the value's path knows what to write for a character that the code page lacks.
+        case Way::kNarrowText:
+        case Way::kNarrowMemo:
         case Way::kByValue: break;
     }
     return false;

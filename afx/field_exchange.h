@@ -71,7 +71,8 @@ public:
     std::size_t write(EditBuffer& into, const jet::TableDef& def, std::size_t from, const void* record) const;
 
 private:
-    enum class Way : std::uint8_t { kByValue, kText, kMemo, kLong, kDate, kCurrency };
+    // "Narrow" in a code page, as in Jet 3.
+    enum class Way : std::uint8_t { kByValue, kText, kMemo, kNarrowText, kNarrowMemo, kLong, kDate, kCurrency };
     struct Field {
         std::int32_t field = -1;
         std::uint32_t offset = 0;  // of the member
@@ -79,9 +80,9 @@ private:
         Way way = Way::kByValue;
     };
 
-    static Way way_of(jet::ColumnType column, ExchangedMember::Type member);
-    static bool read_field(const jet::RowView& row, std::optional<jet::ByteSpan> stored, ReadingMemory& memory,
-                           const Field& field, void* member);
+    static Way way_of(const jet::ColumnDef& column, ExchangedMember::Type member);
+    static bool read_field(const jet::RowView& row, const jet::ColumnDef& column, std::optional<jet::ByteSpan> stored,
+                           ReadingMemory& memory, const Field& field, void* member);
     static bool write_field(EditBuffer& into, const jet::ColumnDef& column, const Field& field, const void* member);
 
     std::vector<ExchangedMember> members_;

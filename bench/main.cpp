@@ -69,12 +69,13 @@ int main(int argc, char** argv) {
     for (const std::int32_t size : arguments.sizes) {
         for (int pass = 1; pass <= arguments.passes; ++pass) {
             std::fprintf(stderr, "measuring %d projects, pass %d of %d ...\n", size, pass, arguments.passes);
-            for (const char* kind : {"kvdb", "sqlite", "lmdb"}) {
+            for (const char* kind : {bench::kOurs, "sqlite", "lmdb", bench::kJet3}) {
                 figures.add(kind, size, bench::run_child(argv[0], bench::kMeasureProjects, kind, size, folder / kind));
             }
         }
     }
-    figures.print();
+    figures.print(bench::kOurs);
+    figures.print(bench::kJet3);
     if (!arguments.projects_only) {
         const std::int32_t largest = *std::max_element(arguments.sizes.begin(), arguments.sizes.end());
         bench::print_record_table(argv[0], std::min(kRecordTableRows, largest), folder);

@@ -12,6 +12,10 @@ namespace bench {
 
 inline constexpr int kRepetitions = 7;
 
+// Kinds of stores that are the component's: its own files, and those of Jet 3.
+inline constexpr const char* kOurs = "kvdb";
+inline constexpr const char* kJet3 = "jet3";
+
 // Figures by name: operations a second, or what else the measuring process has told.
 using Figures = std::map<std::string, double>;
 

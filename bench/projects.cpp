@@ -6,6 +6,7 @@
 #include <utility>
 #include <vector>
 
+#include "bench/jet3_studio.h"
 #include "bench/measure.h"
 #include "bench/store.h"
 
@@ -15,7 +16,8 @@ namespace {
 constexpr int kBurst = 2000;  // adds
 
 std::unique_ptr<Store> make_store(const std::string& kind, const std::string& folder) {
-    if (kind == "kvdb") return make_kvdb_store(folder);
+    if (kind == kJet3) make_jet3_studio(folder);
+    if (kind == kOurs || kind == kJet3) return make_kvdb_store(folder);
 #ifdef _WIN32
     require(false, "Finding the peer");
     return nullptr;

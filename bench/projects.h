@@ -15,7 +15,7 @@ inline constexpr const char* kProjectOperations[] = {
     "DeleteProj", "close after a burst",
 };
 
-// The measuring process: a store of that kind ("kvdb", "sqlite", "lmdb") with `size` projects.
+// The measuring process: a store of that kind ("kvdb", "jet3", "sqlite", "lmdb") with `size` projects.
 int measure_projects(const std::string& kind, std::int32_t size, const std::string& folder);
 
 }  // namespace bench

@@ -24,6 +24,13 @@ std::string figure_text(double figure) {
     return text;
 }
 
+void print_legend() {
+    std::printf(
+        "Microseconds a call (medians). SQLite: WAL, synchronous NORMAL. LMDB: no sync. Ratio: how many times as fast\n"
+        "as SQLite, with the least and most of the passes. Growth: cost of a call at the last size over the "
+        "first.\n\n");
+}
+
 }  // namespace
 
 std::vector<double> ProjectFigures::of_passes(const std::string& kind, std::int32_t size,
@@ -42,8 +49,8 @@ double ProjectFigures::rate(const std::string& kind, std::int32_t size, const st
     return median_of(of_passes(kind, size, operation));
 }
 
-Ratio ProjectFigures::ratio(std::int32_t size, const std::string& operation) const {
-    const std::vector<double> ours = of_passes("kvdb", size, operation);
+Ratio ProjectFigures::ratio(std::int32_t size, const std::string& operation, const std::string& kind) const {
+    const std::vector<double> ours = of_passes(kind, size, operation);
     const std::vector<double> peers = of_passes("sqlite", size, operation);
     std::vector<double> ratios;
     for (std::size_t i = 0; i < std::min(ours.size(), peers.size()); ++i) ratios.push_back(ours[i] / peers[i]);
@@ -52,45 +59,48 @@ Ratio ProjectFigures::ratio(std::int32_t size, const std::string& operation) con
     return {median_of(ratios), *least, *most};
 }
 
-void ProjectFigures::print_operation(const char* operation) const {
+void ProjectFigures::print_operation(const std::string& ours, const char* operation) const {
     std::printf("%-22s", operation);
     for (const std::int32_t size : sizes_) {
-        const auto cost = [&](const char* kind) { return figure_text(microseconds(rate(kind, size, operation))); };
-        const Ratio all = ratio(size, operation);
+        const auto cost = [&](const std::string& kind) {
+            return figure_text(microseconds(rate(kind, size, operation)));
+        };
+        const Ratio all = ratio(size, operation, ours);
         std::string spread = figure_text(all.median);
         if (all.median > 0) spread += " (" + figure_text(all.least) + "-" + figure_text(all.most) + ")";
-        std::printf(" | %8s %8s %8s %18s", cost("kvdb").c_str(), cost("sqlite").c_str(), cost("lmdb").c_str(),
+        std::printf(" | %8s %8s %8s %18s", cost(ours).c_str(), cost("sqlite").c_str(), cost("lmdb").c_str(),
                     spread.c_str());
     }
-    const double first = rate("kvdb", sizes_.front(), operation);
-    const double last = rate("kvdb", sizes_.back(), operation);
+    const double first = rate(ours, sizes_.front(), operation);
+    const double last = rate(ours, sizes_.back(), operation);
     if (sizes_.size() > 1) std::printf(" | %6s", figure_text(last > 0 ? first / last : 0).c_str());
     std::printf("\n");
 }
 
-void ProjectFigures::print_megabytes(const char* label, const char* figure) const {
+void ProjectFigures::print_megabytes(const std::string& ours, const char* label, const char* figure) const {
     std::printf("%-22s", label);
     for (const std::int32_t size : sizes_) {
-        const auto megabytes = [&](const char* kind) { return figure_text(rate(kind, size, figure) / 1e6); };
-        std::printf(" | %8s %8s %8s %18s", megabytes("kvdb").c_str(), megabytes("sqlite").c_str(),
+        const auto megabytes = [&](const std::string& kind) { return figure_text(rate(kind, size, figure) / 1e6); };
+        std::printf(" | %8s %8s %8s %18s", megabytes(ours).c_str(), megabytes("sqlite").c_str(),
                     megabytes("lmdb").c_str(), "");
     }
     std::printf("\n");
 }
 
-void ProjectFigures::print() const {
-    std::printf(
-        "Microseconds a call (medians). SQLite: WAL, synchronous NORMAL. LMDB: no sync. Ratio: how many times as fast\n"
-        "as SQLite, with the least and most of the passes. Growth: cost of a call at the last size over the "
-        "first.\n\n");
-    std::printf("%-22s", "projects");
+void ProjectFigures::print(const std::string& ours) const {
+    if (ours == kJet3) {
+        std::printf("\nThe same on Jet 3 files.\n\n");
+    } else {
+        print_legend();
+    }
+    std::printf("%-22s", ours == kJet3 ? "projects, Jet 3" : "projects");
     for (const std::int32_t size : sizes_) {
         std::printf(" | %8d %8s %8s %18s", size, "SQLite", "LMDB", "ratio");
     }
     std::printf(sizes_.size() > 1 ? " | growth\n" : "\n");
-    for (const char* operation : kProjectOperations) print_operation(operation);
-    print_megabytes("file size, MB", "bytes");
-    print_megabytes("peak memory, MB", "peak");
+    for (const char* operation : kProjectOperations) print_operation(ours, operation);
+    print_megabytes(ours, "file size, MB", "bytes");
+    print_megabytes(ours, "peak memory, MB", "peak");
 }
 
 }  // namespace bench

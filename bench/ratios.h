@@ -30,14 +30,15 @@ public:
     // Median of the passes; 0 where it was not measured.
     double rate(const std::string& kind, std::int32_t size, const std::string& operation) const;
     // Each pass for itself, so that what disturbs the machine for a while disturbs both.
-    Ratio ratio(std::int32_t size, const std::string& operation) const;
+    Ratio ratio(std::int32_t size, const std::string& operation, const std::string& ours = kOurs) const;
 
-    void print() const;
+    // The table of a kind of store beside the peers.
+    void print(const std::string& ours) const;
 
 private:
     std::vector<double> of_passes(const std::string& kind, std::int32_t size, const std::string& operation) const;
-    void print_operation(const char* operation) const;
-    void print_megabytes(const char* label, const char* figure) const;
+    void print_operation(const std::string& ours, const char* operation) const;
+    void print_megabytes(const std::string& ours, const char* label, const char* figure) const;
 
     std::vector<std::int32_t> sizes_;
     std::map<std::pair<std::string, std::int32_t>, std::vector<Figures>> figures_;

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <random>
 
+#include "bench/jet3_studio.h"
 #include "bench/measure.h"
 #include "bench/record_store.h"
 
@@ -52,7 +53,8 @@ std::int64_t rows_within(std::int32_t size, std::int32_t first_day) {
 }  // namespace
 
 int measure_records(const std::string& kind, std::int32_t size, const std::string& folder) {
-    const auto store = kind == "kvdb" ? make_kvdb_record_store(folder) : make_sqlite_record_store(folder);
+    if (kind == kJet3) make_jet3_studio(folder);
+    const auto store = kind == "sqlite" ? make_sqlite_record_store(folder) : make_kvdb_record_store(folder);
     store->open();
     tell("seconds to fill", seconds_of([&] { fill(*store, size); }));
 
@@ -113,17 +115,20 @@ int measure_records(const std::string& kind, std::int32_t size, const std::strin
 void print_record_table(const char* program, std::int32_t size, const std::string& folder) {
     const std::filesystem::path place = folder;
     std::fprintf(stderr, "measuring tables of %d rows ...\n", size);
-    Figures ours = run_child(program, kMeasureRecords, "kvdb", size, place / "kvdb");
+    Figures ours = run_child(program, kMeasureRecords, kOurs, size, place / kOurs);
+    Figures jet3 = run_child(program, kMeasureRecords, kJet3, size, place / kJet3);
     Figures peers = run_child(program, kMeasureRecords, "sqlite", size, place / "sqlite");
     std::printf("\noperations a second; an enumeration with all its rows is one operation\n\n");
-    std::printf("%-26s | %16s | %16s | %7s\n", ("tables of " + std::to_string(size) + " rows").c_str(), "kvdb",
-                "SQLite, indexed", "ratio");
+    std::printf("%-26s | %16s | %16s | %7s | %16s | %7s\n", ("tables of " + std::to_string(size) + " rows").c_str(),
+                "kvdb", "SQLite, indexed", "ratio", "kvdb, Jet 3", "ratio");
     for (const char* operation : kOperations) {
-        std::printf("%-26s | %16.0f | %16.0f | %7.2f\n", operation, ours[operation], peers[operation],
-                    ours[operation] / peers[operation]);
+        const double peer = peers[operation];
+        std::printf("%-26s | %16.0f | %16.0f | %7.2f | %16.0f | %7.2f\n", operation, ours[operation], peer,
+                    ours[operation] / peer, jet3[operation], jet3[operation] / peer);
     }
-    std::printf("%-26s | %13.1f MB | %13.1f MB | %7.2f\n", "peak memory", ours["peak"] / 1e6, peers["peak"] / 1e6,
-                ours["peak"] / peers["peak"]);
+    const double peak = peers["peak"];
+    std::printf("%-26s | %13.1f MB | %13.1f MB | %7.2f | %13.1f MB | %7.2f\n", "peak memory", ours["peak"] / 1e6,
+                peak / 1e6, ours["peak"] / peak, jet3["peak"] / 1e6, jet3["peak"] / peak);
 }
 
 }  // namespace bench

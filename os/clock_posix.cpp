@@ -70,17 +70,12 @@ public:
 
     bool set(TimePoint due) override {
         if (::getpid() != process_) return false;
-        {
-            const std::lock_guard lock(state_->mutex);
-            if (state_->due && *state_->due <= due) return true;
-            state_->due = due;
-        }
-        if (thread_ || (!alarms_are_retired() && start())) {
-            state_->changed.notify_one();
-            return true;
-        }
-        state_->due.reset();
-        return false;
+        const std::lock_guard lock(state_->mutex);  // held while the thread starts: its work may set the alarm too
+        if (state_->due && *state_->due <= due) return true;
+        if (!thread_ && (alarms_are_retired() || !start())) return false;
+        state_->due = due;
+        state_->changed.notify_one();
+        return true;
     }
 
 private:

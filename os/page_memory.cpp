@@ -29,7 +29,8 @@ Spare& spare() {
 }
 
 std::uint8_t* take(std::size_t bytes) {
-    void* memory = bytes == PageMemory::kLargePage ? spare().take() : nullptr;
+    Spare& kept = spare();  // for every size: made before, so destroyed after, whatever closes the last database
+    void* memory = bytes == PageMemory::kLargePage ? kept.take() : nullptr;
     if (memory == nullptr) memory = std::malloc(bytes);
     if (memory == nullptr) throw std::bad_alloc();
     return static_cast<std::uint8_t*>(memory);

@@ -10,7 +10,7 @@ import struct
 
 import gdb
 
-PAGE_BYTES = 4096
+JET_3_PAGE_BYTES = 2048
 PAGE_KINDS = {0: "header", 1: "rows", 2: "definition", 3: "index node", 4: "index leaf", 5: "usage bitmap"}
 LONG_VALUES = 0x4C41564C
 DAY_ZERO = datetime.datetime(1899, 12, 30)
@@ -103,11 +103,12 @@ class Page:
             return "no page"
         frame = self.place["frame"].dereference()
         number = int(frame["page_no"])
-        page = bytes_at(self.place["bytes"], PAGE_BYTES)
+        page = bytes_at(self.place["bytes"], int(frame["page_bytes"]))
         kind = PAGE_KINDS.get(0 if number == 0 else page[0], f"unknown kind {page[0]}")
         text = f"page {number}: {kind}"
         if kind == "rows":
-            free, owner, slots = struct.unpack_from("<HI", page, 2) + struct.unpack_from("<H", page, 12)
+            slot_count = 8 if len(page) == JET_3_PAGE_BYTES else 12
+            free, owner, slots = struct.unpack_from("<HI", page, 2) + struct.unpack_from("<H", page, slot_count)
             whose = f"of the table at page {owner}" if owner else "usage maps"
             whose = "long values" if owner == LONG_VALUES else whose
             text += f" {whose}, {slots} slots, {free} bytes free"

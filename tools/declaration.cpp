@@ -41,7 +41,7 @@ void Declaration::repeated_option(const char* name, std::vector<std::string>& va
 
 void Declaration::folder(std::string& value) { word("FOLDER", value, "folder of the studio, or one of its two files"); }
 
-void Declaration::file(std::string& value) { word("FILE", value, "a Jet 4 file, or the folder of a studio"); }
+void Declaration::file(std::string& value) { word("FILE", value, "a Jet file, or the folder of a studio"); }
 
 void Declaration::table(std::string& value) { word("TABLE", value, "name of the table, in whatever case"); }
 

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "db/database_files.h"
+#include "jet/indexes/collation.h"
 #include "os/system.h"
 #include "tools/errors.h"
 #include "tools/names.h"
@@ -89,6 +90,19 @@ std::vector<std::string> jet_files_of(const std::string& file_or_folder) {
     return files;
 }
 
+namespace {
+
+// A query, or a table that is linked to elsewhere, is named as what it is.
+void require_no_other_object(jet::Database& database, const std::u16string& name) {
+    for (const jet::CatalogEntry& entry : database.catalog()) {
+        if (entry.type != jet::kTableObject && jet::same_name(entry.name, name)) {
+            throw CommandError(database.why_no_table(name));
+        }
+    }
+}
+
+}  // namespace
+
 FoundTable::FoundTable(const std::string& file_or_folder, const std::string& table,
                        const std::optional<std::string>& password, const Listener& listener) {
     std::vector<std::string> names;
@@ -96,6 +110,7 @@ FoundTable::FoundTable(const std::string& file_or_folder, const std::string& tab
         database_ = open_to_read(file, password, listener ? listener(file) : jet::DamageListener());
         table_ = database_->find_table(jet::from_utf8(table));
         if (table_ != nullptr) return;
+        require_no_other_object(*database_, jet::from_utf8(table));
         for (const std::u16string& name : database_->table_names()) names.push_back(jet::to_utf8(name));
     }
     throw CommandError("there is no table '" + table + "' in " + file_or_folder + suggestion(table, names));

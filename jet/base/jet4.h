@@ -1,4 +1,5 @@
-// Jet 4 on disk: every offset, size, mask and constant of the format, and nowhere else.
+// The format on disk: every offset, size, mask and constant of it, and nowhere else. What differs between the versions
+// stands here for Jet 4, and for each version in the tables of format.h, which is what code goes by.
 #pragma once
 
 #include <cstddef>
@@ -25,30 +26,37 @@ inline constexpr std::uint32_t kAcesPage = 3;
 inline constexpr std::uint32_t kQueriesPage = 4;
 inline constexpr std::uint32_t kRelationshipsPage = 5;
 
-namespace header {  // page 0
+namespace header {                                   // page 0
+inline constexpr std::uint32_t kStart = 0x00000100;  // bytes 0 to 3
 inline constexpr std::size_t kMagic = 0x04;
 inline constexpr char kMagicText[] = "Standard Jet DB";  // with its NUL 16 bytes
 inline constexpr std::size_t kVersion = 0x14;
 inline constexpr std::uint32_t kVersionJet3 = 0;
 inline constexpr std::uint32_t kVersionJet4 = 1;
 inline constexpr std::size_t kMasked = 0x18;  // first masked byte
+inline constexpr std::uint8_t kMaskKey[] = {0xC7, 0xDA, 0x39, 0x6B};
 inline constexpr std::size_t kMaskedBytes = 128;
 inline constexpr std::size_t kGlobalMap = 0x18;
 inline constexpr std::size_t kSecondMap = 0x1C;
 inline constexpr std::size_t kCatalogTables = 0x20;  // 4 x u32
+inline constexpr std::size_t kSortSubId = 0x38;      // Jet 3
 inline constexpr std::size_t kCodePage = 0x3C;
 inline constexpr std::size_t kEncryptionKey = 0x3E;
 inline constexpr std::size_t kPassword = 0x42;
 inline constexpr std::size_t kPasswordBytes = 40;
 inline constexpr std::size_t kBuild = 0x6A;
 inline constexpr std::size_t kSortOrder = 0x6E;
+inline constexpr std::size_t kSortVersion = 0x71;
 inline constexpr std::size_t kCreationDate = 0x72;
 inline constexpr std::size_t kSidKeyEnd = 0x80;
 inline constexpr std::size_t kConstant = 0x98;
 inline constexpr std::uint32_t kConstantValue = 1620;
-inline constexpr std::size_t kVersionText = 0x9C;  // "4.0"
+inline constexpr std::size_t kVersionText = 0x9C;
+inline constexpr std::uint32_t kVersionTextValue = 0x00302E34;  // "4.0"
 inline constexpr std::size_t kCommitWords = 0xE00;
 inline constexpr std::size_t kCommitWordBytes = 0x200;
+inline constexpr std::uint16_t kCommitWordAtRest = 0x0100;
+inline constexpr std::uint16_t kFirstCommitWord = 0x0101;  // of the exclusive user: one further
 }  // namespace header
 
 namespace data {  // pages of kind 1
@@ -73,7 +81,9 @@ namespace usage {
 inline constexpr std::uint8_t kInline = 0;
 inline constexpr std::uint8_t kReference = 1;
 inline constexpr std::size_t kStart = 1;
-inline constexpr std::size_t kBitmap = 5;
+inline constexpr std::size_t kBitmap = 5;    // inline
+inline constexpr std::size_t kPointers = 1;  // of references
+inline constexpr std::size_t kPointer = 4;
 inline constexpr std::size_t kDefaultRow = 69;
 inline constexpr std::size_t kPagePrefix = 4;  // 05 01 00 00
 inline constexpr std::uint32_t kPagesPerBitmap = 8 * (kPageSize - kPagePrefix);
@@ -81,7 +91,8 @@ inline constexpr std::size_t kMaxBitmaps = (kMaxPages + kPagesPerBitmap - 1) / k
 }  // namespace usage
 
 namespace tdef {
-inline constexpr std::size_t kFree = 2;
+inline constexpr std::size_t kFree = 2;             // Jet 3: kJet3Mark
+inline constexpr std::uint16_t kJet3Mark = 0x4356;  // "VC"
 inline constexpr std::size_t kNext = 4;
 inline constexpr std::size_t kPageHeader = 8;  // repeated on continuation pages
 inline constexpr std::size_t kLength = 8;
@@ -184,6 +195,9 @@ inline constexpr std::size_t kChildPointer = 4;
 
 namespace long_value {
 inline constexpr std::size_t kReference = 12;
+inline constexpr std::size_t kRow = 4;           // within the reference
+inline constexpr std::size_t kStamp = 8;         // the same
+inline constexpr std::size_t kPiecePointer = 4;  // a piece of a chain begins with where the next one is
 inline constexpr std::uint32_t kLengthMask = 0x3FFFFFFF;
 inline constexpr std::uint32_t kInline = 0x80000000;
 inline constexpr std::uint32_t kSingle = 0x40000000;
@@ -197,7 +211,7 @@ inline constexpr std::size_t kMaxShort = 32;
 }  // namespace long_value
 
 namespace properties {                                    // the property blob
-inline constexpr std::uint32_t kMagicValue = 0x0032524D;  // "MR2"
+inline constexpr std::uint32_t kMagicValue = 0x0032524D;  // "MR2"; in Jet 3 another one
 inline constexpr std::size_t kBlockHeader = 6;            // u32 length of the whole block, u16 type
 inline constexpr std::uint16_t kNameBlock = 0x80;
 inline constexpr std::uint16_t kObjectBlock = 0;
@@ -206,13 +220,30 @@ inline constexpr std::size_t kOwnerHeader = 6;  // u32 length of the header, u16
 inline constexpr std::size_t kValueHeader = 8;  // u16 length, u8 ddl, u8 type, u16 name, u16 bytes
 }  // namespace properties
 
+namespace text {  // of columns and memos
+inline constexpr std::uint8_t kCompressedMark[] = {0xFF, 0xFE};
+}  // namespace text
+
+namespace key {  // what an index entry says of a column before its bytes
+inline constexpr std::uint8_t kNullAscending = 0x00;
+inline constexpr std::uint8_t kValueAscending = 0x7F;
+inline constexpr std::uint8_t kValueDescending = 0x80;
+inline constexpr std::uint8_t kNullDescending = 0xFF;
+inline constexpr std::size_t kSegment = 8;  // bytes of binary data between two markers
+inline constexpr std::uint8_t kMoreSegments = 0x09;
+inline constexpr std::uint8_t kEndOfSection = 0x01;  // of texts
+inline constexpr std::uint8_t kEndOfText = 0x00;
+inline constexpr std::uint8_t kNoAccent = 0x02;
+}  // namespace key
+
 inline constexpr std::size_t kMaxNameCharacters = 64;
 inline constexpr std::size_t kMaxColumns = 255;
 inline constexpr std::size_t kMaxIndexes = 32;          // trees of a table
 inline constexpr std::size_t kMaxLogicalIndexes = 255;  // names for them, one for each relationship among them
 inline constexpr std::size_t kMaxObjects = 32768;       // of a catalogue
 inline constexpr std::size_t kMaxTextCharacters = 255;
-inline constexpr std::uint16_t kGeneralOrder = 0x0409;  // LCID 1033, sort version 0
+inline constexpr std::uint16_t kGeneralOrder = 0x0409;  // LCID 1033; Jet 4: sort version 0
+inline constexpr std::uint8_t kGeneralVersion1 = 1;
 
 // Catalogue identifiers.
 inline constexpr std::int32_t kRootContainer = 0x0F000000;

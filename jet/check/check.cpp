@@ -151,7 +151,7 @@ void check_file_size(Context& context, Pager& pager) {
     if (!pager.read_only()) return;
     try {
         const std::uint64_t size = os::file_system().open(pager.path(), os::OpenMode::kReadOnly)->size();
-        if (size % jet4::kPageSize != 0) context.report(0, -1, "file-size", "The file ends inside a page.");
+        if (size % pager.format().page_size != 0) context.report(0, -1, "file-size", "The file ends inside a page.");
     } catch (const os::FileError& error) {
         context.report(0, -1, "file-size", error.what());
     }

@@ -11,8 +11,9 @@ namespace {
 
 // A page says how much of it is free, less the size of a page header.
 void check_free_count(Context& context, PageNumber page_no, ByteSpan bytes, std::size_t used) {
+    if (format_of(bytes).definition.free == 0) return;
     const std::size_t reserve = used + tdef::kPageHeader;
-    const std::size_t expected = reserve < jet4::kPageSize ? jet4::kPageSize - reserve : 0;
+    const std::size_t expected = reserve < bytes.size() ? bytes.size() - reserve : 0;
     if (load_u16(bytes, tdef::kFree) == expected) return;
     context.report(page_no, -1, "definition-free-count",
                    "The page says " + std::to_string(load_u16(bytes, tdef::kFree)) + " bytes are free, it has " +
@@ -47,7 +48,7 @@ std::optional<TableDef> check_definition(Context& context, PageNumber page) {
             context.report(page, -1, "definition-length", "The definition is longer than its pages.");
             return;
         }
-        def = parse_table_def(joined, page);
+        def = parse_table_def(joined, page, context.pager.format(), context.database.code_page());
     });
     return def;
 }

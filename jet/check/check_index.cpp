@@ -7,8 +7,6 @@ namespace jet::check {
 
 namespace {
 
-namespace format = jet4::index;
-
 constexpr std::size_t kMaxDepth = 32;
 
 class IndexChecker {
@@ -58,7 +56,7 @@ private:
         pages_.insert(page_no);
         const Page held = context_.pager.read(page_no);
         const IndexPage page = IndexPage::parse(held.bytes(), page_no, def_.page);
-        if (load_u16(held.bytes(), format::kFree) + page.stored_bytes != format::kEntryBytes) {
+        if (load_u16(held.bytes(), jet4::index::kFree) + page.stored_bytes != format_of(held.bytes()).entry_bytes()) {
             context_.report(page_no, -1, "index-free-count", "The page's free count is not what its entries leave.");
         }
         // Some programs leave the level of every node 0, and find their way without it.
@@ -100,8 +98,8 @@ private:
 
     void check_links(PageNumber page_no, PageNumber previous, PageNumber next) {
         const Page held = context_.pager.read(page_no);
-        const bool linked =
-            load_u32(held.bytes(), format::kPrevious) == previous && load_u32(held.bytes(), format::kNext) == next;
+        const Format::IndexPage& at = format_of(held.bytes()).index;
+        const bool linked = load_u32(held.bytes(), at.previous) == previous && load_u32(held.bytes(), at.next) == next;
         if (!linked) context_.report(page_no, -1, "index-chain", "The page is not linked with its neighbours.");
     }
 
@@ -124,7 +122,7 @@ private:
     }
 
     void check_entry(PageNumber page_no, std::size_t i, ByteSpan entry) {
-        const ByteSpan key = entry.first(entry.size() - format::kRowPointer);
+        const ByteSpan key = entry.first(entry.size() - jet4::index::kRowPointer);
         const RowId row = RowId::unpack(load_be32(entry, key.size()));
         const std::string which = "Entry " + std::to_string(i);
         if (!rows_.complete) return;
@@ -139,14 +137,21 @@ private:
         context_.guard(row.page, "row-value", [&] {
             read_keys(row);
             const ByteVector expected = make_index_key(index_, def_, values_);
-            if (compare_entries(expected, key) != 0) {
-                context_.report(page_no, -1, "index-key", which + " is not what its row's values give.");
-            }
+            if (compare_entries(expected, key) != 0) report_other_key(page_no, which, key);
             if (!index_.unique() || last_.size() != entry.size()) return;
             if (compare_entries(ByteSpan(last_).first(key.size()), key) == 0 && !all_null_key(index_, def_, values_)) {
                 context_.report(page_no, -1, "index-unique", which + " repeats a key of a unique index.");
             }
         });
+    }
+
+    void report_other_key(PageNumber page_no, const std::string& which, ByteSpan key) {
+        for (const ByteVector& former : former_index_keys(index_, def_, values_)) {
+            if (compare_entries(former, key) != 0) continue;
+            context_.report(page_no, -1, "index-key-former", which + " was made by a former rule of its text order.");
+            return;
+        }
+        context_.report(page_no, -1, "index-key", which + " is not what its row's values give.");
     }
 
     void read_keys(RowId row) {

@@ -31,16 +31,17 @@ bool collect_bits(ByteSpan bitmap, std::uint64_t first, std::uint32_t page_count
 }  // namespace
 
 std::optional<std::vector<CheckedSlot>> Context::read_slots(PageNumber page_no, ByteSpan bytes) {
-    const std::size_t count = load_u16(bytes, data::kSlotCount);
-    const std::size_t slots_end = data::kSlots + 2 * count;
+    const Format& format = format_of(bytes);
+    const std::size_t count = load_u16(bytes, format.data.slot_count);
+    const std::size_t slots_end = format.slot_at(count);
     if (count > data::kMaxSlots) {
         report(page_no, -1, "slot-count", "The page has " + std::to_string(count) + " slots.");
         return std::nullopt;
     }
     std::vector<CheckedSlot> slots(count);
-    std::size_t end = jet4::kPageSize;
+    std::size_t end = bytes.size();
     for (std::size_t i = 0; i < count; ++i) {
-        const std::uint16_t slot = load_u16(bytes, data::kSlots + 2 * i);
+        const std::uint16_t slot = load_u16(bytes, format.slot_at(i));
         const std::uint16_t offset = slot & data::kOffsetMask;
         if (offset > end || offset < slots_end) {
             report(page_no, static_cast<int>(i), "slot-order",
@@ -83,8 +84,9 @@ std::optional<std::vector<PageNumber>> Context::read_map(RowId row, std::string_
         const bool own = row.page == jet4::kGlobalMapPage ? owner == row.page : owner == data::kUsageMapOwner;
         if (bytes[0] != jet4::kDataPage || !own) corrupt(row.page, "the page is not one of usage maps");
         // Of the other slots finish_map_pages speaks.
-        if (row.slot >= load_u16(bytes, data::kSlotCount)) corrupt(row.page, "a usage map is not there");
-        const std::size_t at = data::kSlots + 2u * row.slot;
+        const Format& format = format_of(bytes);
+        if (row.slot >= load_u16(bytes, format.data.slot_count)) corrupt(row.page, "a usage map is not there");
+        const std::size_t at = format.slot_at(row.slot);
         const std::uint16_t slot = load_u16(bytes, at);
         const std::size_t end = row.slot == 0 ? bytes.size() : load_u16(bytes, at - 2) & data::kOffsetMask;
         const std::size_t begin = slot & data::kOffsetMask;
@@ -97,14 +99,14 @@ std::optional<std::vector<PageNumber>> Context::read_map(RowId row, std::string_
             return;
         }
         if (kind != usage::kReference) corrupt(row.page, "a usage map is of an unknown kind");
-        for (std::size_t k = 0; 1 + 4 * (k + 1) <= map.size(); ++k) {
-            const PageNumber bitmap_no = load_u32(map, 1 + 4 * k);
+        for (std::size_t k = 0; usage::kPointers + usage::kPointer * (k + 1) <= map.size(); ++k) {
+            const PageNumber bitmap_no = load_u32(map, usage::kPointers + usage::kPointer * k);
             if (bitmap_no == 0) continue;
             if (!claim(bitmap_no, Use::kBitmap)) corrupt(row.page, "a usage map's bits cannot be where it says");
             const Page bitmap = pager.read(bitmap_no);
             if (bitmap.bytes()[0] != jet4::kUsageBitmapPage) corrupt(bitmap_no, "the page does not hold a map's bits");
             const ByteSpan bits = bitmap.bytes().subspan(usage::kPagePrefix);
-            inside &= collect_bits(bits, std::uint64_t{k} * usage::kPagesPerBitmap, pager.page_count(), members);
+            inside &= collect_bits(bits, std::uint64_t{k} * format.usage.pages_per_bitmap, pager.page_count(), members);
         }
     });
     if (!inside) {

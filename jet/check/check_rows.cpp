@@ -1,4 +1,6 @@
 // Rules about the pages of a table, its rows, and the long values they lead to.
+#include <algorithm>
+
 #include "jet/check/check_parts.h"
 
 namespace jet::check {
@@ -41,7 +43,7 @@ public:
         }
         const std::uint32_t head = load_u32(reference, 0);
         const std::size_t length = head & jet4::long_value::kLengthMask;
-        const RowId target = RowId::unpack(load_u32(reference, 4));
+        const RowId target = RowId::unpack(load_u32(reference, jet4::long_value::kRow));
         switch (head & jet4::long_value::kKindMask) {
             case jet4::long_value::kInline:
                 if (reference.size() - jet4::long_value::kReference != length) wrong_length(row);
@@ -51,7 +53,7 @@ public:
                 if (piece && piece->size() != length) wrong_length(row);
                 return;
             }
-            case 0: follow_chain(row, target, length, load_u32(reference, 8)); return;
+            case 0: follow_chain(row, target, length, load_u32(reference, jet4::long_value::kStamp)); return;
             default: context_.report(row.page, row.slot, "long-reference", "The long value is of an unknown kind.");
         }
     }
@@ -60,10 +62,11 @@ public:
     void finish() {
         for (const PageNumber page_no : sound_) {
             const Page page = context_.pager.read(page_no);
-            const std::size_t count = load_u16(page.bytes(), data::kSlotCount);
+            const Format& format = format_of(page.bytes());
+            const std::size_t count = load_u16(page.bytes(), format.data.slot_count);
             for (std::size_t i = 0; i < count; ++i) {
                 const RowId row{page_no, static_cast<std::uint8_t>(i)};
-                const std::uint16_t flags = load_u16(page.bytes(), data::kSlots + 2 * i) & data::kDeletedFlags;
+                const std::uint16_t flags = load_u16(page.bytes(), format.slot_at(i)) & data::kDeletedFlags;
                 if (flags == data::kDeletedFlags || used_.contains(row)) continue;
                 context_.report(page_no, row.slot, "long-lost", "No row refers to the long value.");
             }
@@ -85,8 +88,9 @@ private:
         }
         const Page page = context_.pager.read(target.page);
         const ByteSpan bytes = page.bytes();
-        const std::size_t slot_at = data::kSlots + 2u * target.slot;
-        const bool there = target.slot < load_u16(bytes, data::kSlotCount);
+        const Format& format = format_of(bytes);
+        const std::size_t slot_at = format.slot_at(target.slot);
+        const bool there = target.slot < load_u16(bytes, format.data.slot_count);
         if (!there || (load_u16(bytes, slot_at) & data::kDeletedFlags) != 0) {
             context_.report(row.page, row.slot, "long-reference", "The long value has been deleted.");
             return std::nullopt;
@@ -95,7 +99,7 @@ private:
             context_.report(target.page, target.slot, "long-twice", "The long value is used twice.");
             return std::nullopt;
         }
-        if (stamp) *stamp = load_u32(bytes, data::kStamp);
+        if (stamp && format.long_value.stamp != 0) *stamp = load_u32(bytes, format.long_value.stamp);
         const std::size_t begin = load_u16(bytes, slot_at) & data::kOffsetMask;
         const std::size_t end = target.slot == 0 ? bytes.size() : load_u16(bytes, slot_at - 2) & data::kOffsetMask;
         const ByteSpan piece = slice(bytes, begin, end - begin);
@@ -109,7 +113,7 @@ private:
             std::uint32_t page_stamp = 0;
             const auto piece = take(row, target, &page_stamp);
             if (!piece) return;
-            if (piece->size() < 4) {
+            if (piece->size() < jet4::long_value::kPiecePointer) {
                 context_.report(target.page, target.slot, "long-reference", "The piece has no room for its pointer.");
                 return;
             }
@@ -117,7 +121,7 @@ private:
                 context_.report(target.page, target.slot, "long-stamp",
                                 "The page's stamp is not what the chain calls for.");
             }
-            total += piece->size() - 4;
+            total += piece->size() - jet4::long_value::kPiecePointer;
             target = RowId::unpack(load_u32(*piece, 0));
         }
         if (total != length) wrong_length(row);
@@ -142,26 +146,47 @@ struct RowShape {
     bool has(std::uint16_t number) const { return number < columns && (mask[number / 8u] >> (number % 8) & 1) != 0; }
 };
 
+// A number of the row: one byte or two.
+std::size_t row_number(ByteSpan row, std::size_t at, std::size_t bytes) {
+    return bytes == 1 ? load_u8(row, at) : load_u16(row, at);
+}
+
+// The offset of variable value `i`; its place is counted back from where the jumps begin.
+std::size_t offset_at(ByteSpan row, std::size_t i, std::size_t end, std::size_t jumps, std::size_t bytes) {
+    std::size_t offset = row_number(row, end - bytes * (i + 1), bytes);
+    for (std::size_t k = 0; k < jumps; ++k) {
+        if (row[end + k] != 0xFF && row[end + k] <= i) offset += 256;
+    }
+    return offset;
+}
+
 // Takes a row apart; returns what is wrong with it, if anything.
 const char* shape_of(ByteSpan row, const TableDef& def, RowShape& shape) {
-    if (row.size() < 2) return "The row has no column count.";
-    shape.columns = load_u16(row, 0);
+    const std::size_t number = def.format->data.row_number_bytes;
+    if (row.size() < number) return "The row has no column count.";
+    shape.columns = row_number(row, 0, number);
     if (shape.columns > def.max_columns) return "The row has more columns than the table ever had.";
     const std::size_t mask_bytes = (shape.columns + 7) / 8;
-    if (row.size() < 2 + mask_bytes) return "The row ends inside its null mask.";
+    if (row.size() < number + mask_bytes) return "The row ends inside its null mask.";
     shape.mask = row.last(mask_bytes);
     shape.fixed_end = row.size() - mask_bytes;
-    if (def.variable_columns == 0) return nullptr;
+    // A row that is older than the table's first variable column has no offsets.
+    const bool has_variable = std::any_of(def.columns.begin(), def.columns.end(), [&](const ColumnDef& column) {
+        return !column.is_fixed() && column.number < shape.columns;
+    });
+    if (!has_variable) return nullptr;
 
-    if (shape.fixed_end < 2 + 2 + 2) return "The row ends inside its variable part.";
-    const std::size_t count_at = shape.fixed_end - 2;
-    shape.variable_count = load_u16(row, count_at);
+    const std::size_t jumps = number == 1 ? (row.size() - 1) / 256 : 0;
+    if (shape.fixed_end < 3 * number + jumps) return "The row ends inside its variable part.";
+    const std::size_t count_at = shape.fixed_end - number;
+    shape.variable_count = row_number(row, count_at, number);
     if (shape.variable_count > def.variable_columns) return "The row has more variable columns than the table.";
-    if (count_at < 2 + 2 * (shape.variable_count + 1)) return "The row ends inside its variable offsets.";
-    const std::size_t table_at = count_at - 2 * (shape.variable_count + 1);
-    std::size_t last = 2;
+    const std::size_t table_bytes = number * (shape.variable_count + 1) + jumps;
+    if (count_at < number + table_bytes) return "The row ends inside its variable offsets.";
+    const std::size_t table_at = count_at - table_bytes;
+    std::size_t last = number;
     for (std::size_t i = 0; i <= shape.variable_count; ++i) {
-        const std::size_t offset = load_u16(row, count_at - 2 * (i + 1));
+        const std::size_t offset = offset_at(row, i, count_at - jumps, jumps, number);
         if (offset < last || offset > table_at) return "A variable value leaves its place in the row.";
         shape.offsets.push_back(offset);
         last = offset;
@@ -242,8 +267,10 @@ private:
         bool leads = has_page(owned_, target.page);
         if (leads) {
             const Page page = context_.pager.read(target.page);
-            const std::size_t at = data::kSlots + 2u * target.slot;
-            leads = page.bytes()[0] == jet4::kDataPage && target.slot < load_u16(page.bytes(), data::kSlotCount) &&
+            const Format& format = format_of(page.bytes());
+            const std::size_t at = format.slot_at(target.slot);
+            leads = page.bytes()[0] == jet4::kDataPage &&
+                    target.slot < load_u16(page.bytes(), format.data.slot_count) &&
                     (load_u16(page.bytes(), at) & data::kDeletedFlags) == data::kBodyFlag;
         }
         if (!leads) {
@@ -260,7 +287,8 @@ private:
         for (const ColumnDef& column : def_.columns) {
             if (wrong) break;
             if (!column.is_fixed() || column.type == ColumnType::kBoolean || column.number >= shape.columns) continue;
-            if (2u + column.fixed_offset + column.length_bytes > shape.fixed_end) {
+            const std::size_t count_bytes = def_.format->data.row_number_bytes;
+            if (count_bytes + column.fixed_offset + column.length_bytes > shape.fixed_end) {
                 wrong = "A fixed column leaves its place in the row.";
             }
         }

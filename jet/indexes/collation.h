@@ -1,17 +1,9 @@
-// The General text order (LCID 1033, version 0) of Jet 4.
+// Comparison in the General text order (LCID 1033, version 0) of Jet 4. Keys of it and of others: sort_key.h.
 #pragma once
 
 #include <string_view>
 
-#include "jet/base/bytes.h"
-
 namespace jet {
-
-// Appends the sort key of the first 255 characters without trailing blanks, without the leading flag
-// byte, ending in 00. Ascending form. Source of the weights: jet/indexes/collation_table.cpp (generated).
-void append_sort_key(ByteVector& to, std::u16string_view text);
-// The descending form (inverted, with its own terminator), without the leading flag byte.
-void append_descending_sort_key(ByteVector& to, std::u16string_view text);
 
 // Equality and order of the General order over whole texts, trailing blanks ignored. No length limit
 // of an index applies: texts of any length are compared whole.

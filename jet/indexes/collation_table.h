@@ -38,4 +38,24 @@ extern const std::uint16_t kFirstRange[257];  // by high byte: the range that ho
 extern const std::size_t kRangeCount;
 extern const Range kRanges[];
 
+// Jet 3: the weights of the bytes of code page 1252.
+struct Weight97 {
+    std::uint16_t value;     // one inline byte, or two
+    std::uint8_t positions;  // that accents could stand at
+    std::uint8_t accent;     // 0: none
+};
+extern const Weight97 kWeights97[256];
+
+// Version 1, whose weights are longer. Ranges are sorted and cover every code unit, surrogates excepted.
+struct Range1 {
+    std::uint64_t value;  // inline bytes, the last one in the low byte
+    std::uint32_t extra;  // three bytes at most, and the flag of kana in the highest one
+    char16_t first;
+    Kind kind;
+    std::uint8_t lengths;  // bytes: low nibble inline, high nibble extra
+};
+extern const std::uint16_t kFirstRange1[257];  // by high byte: the range that holds its first code unit
+extern const std::size_t kRangeCount1;
+extern const Range1 kRanges1[];
+
 }  // namespace jet::collation

@@ -91,7 +91,7 @@ public:
 
     bool insert(ByteSpan key, RowId row) {
         const ByteVector entry = make_entry(key, row);
-        if (entry.size() > IndexPage::kMaxEntry) {
+        if (entry.size() > IndexPage::max_entry(pager_.format())) {
             fail(errors::kCannotMaintainIndex, "The values are too long for an index of the table.");
         }
         Path path = descend_for_insert(entry);
@@ -138,10 +138,10 @@ private:
     void write(PageNumber page_no, const IndexPage& page) { page.write(pager_.modify(page_no).bytes()); }
 
     void set_previous(PageNumber page_no, PageNumber previous) {
-        store_u32(pager_.modify(page_no).bytes(), jet4::index::kPrevious, previous);
+        store_u32(pager_.modify(page_no).bytes(), pager_.format().index.previous, previous);
     }
     void set_next(PageNumber page_no, PageNumber next) {
-        store_u32(pager_.modify(page_no).bytes(), jet4::index::kNext, next);
+        store_u32(pager_.modify(page_no).bytes(), pager_.format().index.next, next);
     }
 
     PageNumber new_page() {
@@ -205,7 +205,9 @@ private:
     void push_root_down(Path& path) {
         const std::uint8_t level = path[0].page.level();
         if (level == 0xFF) corrupt(root_, "the index is too deep");
-        path.insert(path.begin(), Step{root_, IndexPage(false, static_cast<std::uint8_t>(level + 1), table_page_), 0});
+        path.insert(
+            path.begin(),
+            Step{root_, IndexPage(false, static_cast<std::uint8_t>(level + 1), table_page_, pager_.format()), 0});
         path[1].page_no = new_page();
         path[1].page.previous = 0;
         path[1].page.next = 0;
@@ -259,7 +261,7 @@ private:
             if (depth > 1) {
                 remove_page(path, depth - 1);
             } else {
-                write(root_, IndexPage(true, 0, table_page_));
+                write(root_, IndexPage(true, 0, table_page_, pager_.format()));
             }
             return;
         }
@@ -332,6 +334,26 @@ bool Index::insert(ByteSpan key, RowId row) {
 
 void Index::erase(ByteSpan key, RowId row) { Tree(pager_, allocator_, table_page_, root_, map_).erase(key, row); }
 
+void Index::erase_by_row(RowId row) {
+    std::vector<ByteVector> keys;
+    visit([&](ByteSpan key, RowId entry_row) {
+        if (entry_row == row) keys.emplace_back(key.begin(), key.end());
+        return keys.size() < 2;
+    });
+    if (keys.size() != 1) corrupt(root_, "a row has no entry in an index, or more than one");
+    erase(keys.front(), row);
+}
+
+bool Index::contains(ByteSpan key, RowId row) const {
+    const ByteVector wanted = make_entry(key, row);
+    bool found = false;
+    Tree(pager_, allocator_, table_page_, root_, map_).visit_from(wanted, [&](ByteSpan entry) {
+        found = compare_entries(entry, wanted) == 0;
+        return false;
+    });
+    return found;
+}
+
 std::optional<RowId> Index::find(ByteSpan key) const {
     std::optional<RowId> found;
     Tree(pager_, allocator_, table_page_, root_, map_).visit_from(key, [&](ByteSpan entry) {
@@ -349,7 +371,7 @@ void Index::visit(const std::function<bool(ByteSpan key, RowId row)>& visitor) c
 }
 
 void Index::format_root(const MutablePage& page, PageNumber table_page) {
-    IndexPage(true, 0, table_page).write(page.bytes());
+    IndexPage(true, 0, table_page, format_of(page.bytes())).write(page.bytes());
 }
 
 }  // namespace jet

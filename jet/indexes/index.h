@@ -20,6 +20,10 @@ public:
     bool insert(ByteSpan key, RowId row);
     // Removes the entry; 3049 when it is not there. Inside a transaction.
     void erase(ByteSpan key, RowId row);
+    // Removes the only entry of the row, whatever its key; 3049 unless there is exactly one. Reads the whole tree.
+    // Inside a transaction.
+    void erase_by_row(RowId row);
+    bool contains(ByteSpan key, RowId row) const;
     // First row with exactly this key, if any.
     std::optional<RowId> find(ByteSpan key) const;
     // All entries in order; the visitor returns false to stop.

@@ -5,19 +5,15 @@
 #include <algorithm>
 #include <bit>
 
-#include "jet/indexes/collation.h"
+#include "jet/base/code_page.h"
+#include "jet/base/jet4.h"
+#include "jet/indexes/sort_key.h"
 
 namespace jet {
 
 namespace {
 
-constexpr std::uint8_t kNullAscending = 0x00;
-constexpr std::uint8_t kValueAscending = 0x7F;
-constexpr std::uint8_t kValueDescending = 0x80;
-constexpr std::uint8_t kNullDescending = 0xFF;
-
-constexpr std::size_t kSegment = 8;  // bytes of binary data between two markers
-constexpr std::uint8_t kMoreSegments = 0x09;
+using namespace jet4::key;
 
 template <class T>
 const T& expect(const Value& value, const ColumnDef& column) {
@@ -91,14 +87,14 @@ void append_plain(ByteVector& to, const ColumnDef& column, const Value& value) {
     }
 }
 
-void append_value(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending) {
+void append_value(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending, KeyRule rule) {
     switch (column.type) {
         case ColumnType::kText:
         case ColumnType::kMemo:
             if (ascending) {
-                append_sort_key(to, expect<std::u16string>(value, column));
+                append_sort_key(to, expect<std::u16string>(value, column), *text_order(column), rule);
             } else {
-                append_descending_sort_key(to, expect<std::u16string>(value, column));
+                append_descending_sort_key(to, expect<std::u16string>(value, column), *text_order(column), rule);
             }
             return;
         case ColumnType::kBinary: append_binary(to, expect<ByteVector>(value, column), ascending); return;
@@ -112,7 +108,7 @@ void append_value(ByteVector& to, const ColumnDef& column, const Value& value, b
     for (std::size_t i = start; i < to.size(); ++i) to[i] = static_cast<std::uint8_t>(~to[i]);
 }
 
-void append_key_column(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending) {
+void append_key_column(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending, KeyRule rule) {
     if (column.type == ColumnType::kBoolean) {  // never null
         const bool* held = std::get_if<bool>(&value);
         const bool truth = held != nullptr && *held;
@@ -125,7 +121,7 @@ void append_key_column(ByteVector& to, const ColumnDef& column, const Value& val
         return;
     }
     to.push_back(ascending ? kValueAscending : kValueDescending);
-    append_value(to, column, value, ascending);
+    append_value(to, column, value, ascending, rule);
 }
 
 bool is_indexable(ColumnType type) {
@@ -155,6 +151,25 @@ std::size_t position_of(const KeyColumn& key, const RowShape& shape) {
 
 }  // namespace
 
+std::optional<TextOrder> text_order(const ColumnDef& column) {
+    if (column.lcid != jet4::kGeneralOrder) return std::nullopt;
+    if (column.code_page != 0) {
+        return column.code_page == kWesternCodePage ? std::optional(TextOrder::kGeneral97) : std::nullopt;
+    }
+    if (column.sort_version == 0) return TextOrder::kGeneral;
+    return column.sort_version == jet4::kGeneralVersion1 ? std::optional(TextOrder::kGeneral1) : std::nullopt;
+}
+
+namespace {
+
+std::string described_order(const ColumnDef& column) {
+    std::string order = "order " + std::to_string(column.lcid);
+    if (column.code_page != 0) return order + " in code page " + std::to_string(column.code_page);
+    return order + ", version " + std::to_string(column.sort_version);
+}
+
+}  // namespace
+
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape) {
     for (const KeyColumn& key : index.columns) {
         const auto position = shape.column_by_number(key.column_number);
@@ -163,20 +178,48 @@ std::optional<std::string> why_not_maintainable(const RealIndex& index, const Ro
         const std::string name = "column " + to_utf8(column.name);
         if (!is_indexable(column.type)) return name + " has a type without known index keys";
         const bool text = column.type == ColumnType::kText || column.type == ColumnType::kMemo;
-        if (text && !column.general_order()) return name + " has a sort order other than General";
+        if (text && !text_order(column)) return name + " is sorted by " + described_order(column);
     }
     return std::nullopt;
 }
 
-ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
+bool has_text(const RealIndex& index, const RowShape& shape) {
+    return std::any_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
+        const ColumnType type = shape.columns[position_of(column, shape)].type;
+        return type == ColumnType::kText || type == ColumnType::kMemo;
+    });
+}
+
+ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values, KeyRule rule) {
     ByteVector key;
     static const Value kNothing;
     for (const KeyColumn& column : index.columns) {
         const std::size_t position = position_of(column, shape);
         const Value& value = position < values.size() ? values[position] : kNothing;
-        append_key_column(key, shape.columns[position], value, column.ascending);
+        append_key_column(key, shape.columns[position], value, column.ascending, rule);
     }
     return key;
+}
+
+// Texts of ASCII have the same key by every rule.
+static bool has_plain_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
+    return std::all_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
+        const std::size_t position = position_of(column, shape);
+        const auto* text = position < values.size() ? std::get_if<std::u16string>(&values[position]) : nullptr;
+        return text == nullptr || std::all_of(text->begin(), text->end(), [](char16_t c) { return c < 0x80; });
+    });
+}
+
+std::vector<ByteVector> former_index_keys(const RealIndex& index, const RowShape& shape,
+                                          std::span<const Value> values) {
+    std::vector<ByteVector> keys;
+    if (has_plain_key(index, shape, values)) return keys;
+    const ByteVector own = make_index_key(index, shape, values);
+    for (const KeyRule rule : kFormerKeyRules) {
+        ByteVector key = make_index_key(index, shape, values, rule);
+        if (key != own && (keys.empty() || keys.back() != key)) keys.push_back(std::move(key));
+    }
+    return keys;
 }
 
 bool all_null_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {

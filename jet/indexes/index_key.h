@@ -4,10 +4,12 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
 #include "jet/indexes/index_def.h"
+#include "jet/indexes/sort_key.h"
 #include "jet/storage/row_shape.h"
 
 namespace jet {
@@ -16,8 +18,19 @@ namespace jet {
 // for an error text; none when it can.
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape);
 
+// The order of a text column; none where keys of it are not known.
+std::optional<TextOrder> text_order(const ColumnDef& column);
+
+// Whether texts are among the key's columns.
+bool has_text(const RealIndex& index, const RowShape& shape);
+
 // The key of a row whose values stand in `values` (by position in shape.columns), flag bytes included.
-ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values);
+ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values,
+                          KeyRule rule = KeyRule::kOwn);
+
+// Keys that the row's entry may have instead, because it was made by a rule of former times: none where all rules give
+// the same.
+std::vector<ByteVector> former_index_keys(const RealIndex& index, const RowShape& shape, std::span<const Value> values);
 
 // Whether every key column of the row is null.
 bool all_null_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values);

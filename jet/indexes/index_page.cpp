@@ -7,7 +7,7 @@ namespace jet {
 
 namespace {
 
-namespace format = jet4::index;
+namespace layout = jet4::index;
 
 // Bytes that two entries share at their beginning, at most `limit`.
 std::size_t common_bytes(ByteSpan a, ByteSpan b, std::size_t limit) {
@@ -22,7 +22,7 @@ void store_be32(MutableByteSpan bytes, std::size_t at, std::uint32_t value) {
 }
 
 // The prefix never reaches into the row pointer.
-std::size_t key_bytes(ByteSpan entry) { return entry.size() - format::kRowPointer; }
+std::size_t key_bytes(ByteSpan entry) { return entry.size() - layout::kRowPointer; }
 
 }  // namespace
 
@@ -34,33 +34,35 @@ int compare_entries(ByteSpan a, ByteSpan b) {
 }
 
 IndexPage IndexPage::parse(ByteSpan bytes, PageNumber page_no, PageNumber table_page) {
-    if (bytes.size() != jet4::kPageSize) corrupt(page_no, "the page is not whole");
+    const Format& format = format_of(bytes);
+    if (bytes.size() != format.page_size) corrupt(page_no, "the page is not whole");
     const std::uint8_t kind = bytes[0];
     if (kind != jet4::kIndexNodePage && kind != jet4::kIndexLeafPage) {
         corrupt(page_no, "an index page is expected here");
     }
-    if (load_u32(bytes, format::kOwner) != table_page) corrupt(page_no, "the index page belongs to another table");
-    IndexPage page(kind == jet4::kIndexLeafPage, load_u8(bytes, format::kLevel), table_page);
-    page.previous = load_u32(bytes, format::kPrevious);
-    page.next = load_u32(bytes, format::kNext);
-    if (!page.leaf_) page.tail = load_u32(bytes, format::kTail);
+    if (load_u32(bytes, layout::kOwner) != table_page) corrupt(page_no, "the index page belongs to another table");
+    IndexPage page(kind == jet4::kIndexLeafPage, load_u8(bytes, format.index.level), table_page, format);
+    page.previous = load_u32(bytes, format.index.previous);
+    page.next = load_u32(bytes, format.index.next);
+    if (!page.leaf_) page.tail = load_u32(bytes, format.index.tail);
 
-    const std::size_t prefix = load_u16(bytes, format::kPrefix);
+    const std::size_t prefix =
+        format.index.prefix_bytes == 1 ? load_u8(bytes, format.index.prefix) : load_u16(bytes, format.index.prefix);
     const std::size_t suffix = page.suffix_bytes();
-    const ByteSpan area = bytes.subspan(format::kEntries);
-    page.ends_.reserve(format::kEntryBytes / 8);
+    const ByteSpan area = bytes.subspan(format.index.entries);
+    page.ends_.reserve(format.entry_bytes() / 8);
     std::size_t begin = 0;
-    for (std::size_t at = 0; at < format::kBitmapBytes; ++at) {
-        for (unsigned bits = bytes[format::kBitmap + at]; bits != 0; bits &= bits - 1) {
+    for (std::size_t at = 0; at < format.index.bitmap_bytes; ++at) {
+        for (unsigned bits = bytes[format.index.bitmap + at]; bits != 0; bits &= bits - 1) {
             const std::size_t end = 8 * at + static_cast<std::size_t>(std::countr_zero(bits));
             if (end > area.size()) corrupt(page_no, "an index entry leaves the page");
-            if (end < begin + format::kRowPointer + suffix) corrupt(page_no, "an index entry is too short");
+            if (end < begin + layout::kRowPointer + suffix) corrupt(page_no, "an index entry is too short");
             page.ends_.push_back(static_cast<std::uint32_t>(end));
             begin = end;
         }
     }
     page.stored_bytes = begin;
-    if (page.size() > 1 && prefix + format::kRowPointer + suffix > page.ends_[0]) {
+    if (page.size() > 1 && prefix + layout::kRowPointer + suffix > page.ends_[0]) {
         corrupt(page_no, "the shared part of the index entries is longer than the first one");
     }
     if (prefix == 0 && page.leaf_) {
@@ -68,7 +70,7 @@ IndexPage IndexPage::parse(ByteSpan bytes, PageNumber page_no, PageNumber table_
         return page;
     }
     begin = 0;
-    page.bytes_.reserve(jet4::kPageSize);
+    page.bytes_.reserve(format.page_size);
     for (std::uint32_t& end : page.ends_) {
         if (begin > 0) append_bytes(page.bytes_, area.first(prefix));
         append_bytes(page.bytes_, area.subspan(begin, end - begin - suffix));
@@ -80,17 +82,19 @@ IndexPage IndexPage::parse(ByteSpan bytes, PageNumber page_no, PageNumber table_
 }
 
 void IndexPage::write(MutableByteSpan page) const {
-    const std::size_t prefix = raw_bytes() > format::kEntryBytes ? shared_prefix() : 0;
+    const Format& format = *format_;
+    const std::size_t prefix = raw_bytes() > format.entry_bytes() ? shared_prefix() : 0;
     std::fill(page.begin(), page.end(), std::uint8_t{0});
     page[0] = leaf_ ? jet4::kIndexLeafPage : jet4::kIndexNodePage;
     page[jet4::kPageKindMark] = 1;
-    store_u32(page, format::kOwner, table_page_);
-    store_u32(page, format::kPrevious, previous);
-    store_u32(page, format::kNext, next);
-    store_u32(page, format::kTail, tail);
-    store_u16(page, format::kPrefix, static_cast<std::uint16_t>(prefix));
-    store_u8(page, format::kLevel, level_);
-    const MutableByteSpan area = page.subspan(format::kEntries);
+    store_u32(page, layout::kOwner, table_page_);
+    store_u32(page, format.index.previous, previous);
+    store_u32(page, format.index.next, next);
+    store_u32(page, format.index.tail, tail);
+    store_u8(page, format.index.prefix, static_cast<std::uint8_t>(prefix));
+    if (format.index.prefix_bytes == 2) store_u16(page, format.index.prefix, static_cast<std::uint16_t>(prefix));
+    store_u8(page, format.index.level, level_);
+    const MutableByteSpan area = page.subspan(format.index.entries);
     std::size_t at = 0;
     for (std::size_t i = 0; i < size(); ++i) {
         const ByteSpan own = entry(i).subspan(i == 0 ? 0 : prefix);
@@ -98,11 +102,11 @@ void IndexPage::write(MutableByteSpan page) const {
         at += own.size();
         if (!leaf_) {
             store_be32(area, at, children_[i]);
-            at += format::kChildPointer;
+            at += layout::kChildPointer;
         }
-        page[format::kBitmap + at / 8] |= static_cast<std::uint8_t>(1u << (at % 8));
+        page[format.index.bitmap + at / 8] |= static_cast<std::uint8_t>(1u << (at % 8));
     }
-    store_u16(page, format::kFree, static_cast<std::uint16_t>(format::kEntryBytes - at));
+    store_u16(page, layout::kFree, static_cast<std::uint16_t>(format.entry_bytes() - at));
 }
 
 ByteSpan IndexPage::entry(std::size_t index) const {
@@ -178,14 +182,14 @@ void IndexPage::normalize_tail() {
 
 std::size_t IndexPage::shared_prefix() const {
     if (size() < 2) return 0;
-    std::size_t shared = common_bytes(entry(0), last_entry(), jet4::kPageSize);
+    std::size_t shared = common_bytes(entry(0), last_entry(), longest_prefix());
     for (std::size_t i = 0; i < size(); ++i) shared = std::min(shared, key_bytes(entry(i)));
     return shared;
 }
 
 std::size_t IndexPage::encoded_bytes() const {
     const std::size_t raw = raw_bytes();
-    return raw <= format::kEntryBytes || size() < 2 ? raw : raw - (size() - 1) * shared_prefix();
+    return raw <= format_->entry_bytes() || size() < 2 ? raw : raw - (size() - 1) * shared_prefix();
 }
 
 std::size_t IndexPage::choose_cut(bool append, PageNumber page_no) const {
@@ -194,7 +198,7 @@ std::size_t IndexPage::choose_cut(bool append, PageNumber page_no) const {
     std::vector<std::size_t> front(count + 1);
     std::vector<std::size_t> back(count + 1);
     std::size_t raw = 0;
-    std::size_t shared = jet4::kPageSize;
+    std::size_t shared = longest_prefix();
     for (std::size_t i = 0; i < count; ++i) {
         shared = std::min(shared, key_bytes(entry(i)));
         shared = common_bytes(entry(0), entry(i), shared);
@@ -202,7 +206,7 @@ std::size_t IndexPage::choose_cut(bool append, PageNumber page_no) const {
         front[i + 1] = raw - i * shared;
     }
     raw = 0;
-    shared = jet4::kPageSize;
+    shared = longest_prefix();
     for (std::size_t i = count; i-- > 0;) {
         shared = std::min(shared, key_bytes(entry(i)));
         shared = common_bytes(entry(count - 1), entry(i), shared);
@@ -212,11 +216,12 @@ std::size_t IndexPage::choose_cut(bool append, PageNumber page_no) const {
 
     const std::size_t between = leaf_ ? 0 : 1;  // entries that go up
     std::size_t best = 0;
-    std::size_t best_difference = jet4::kPageSize;
+    std::size_t best_difference = format_->page_size;
+    const std::size_t room = format_->entry_bytes();
     for (std::size_t cut = 1; cut + between < count; ++cut) {
         const std::size_t left = front[cut];
         const std::size_t right = back[cut + between];
-        if (left > format::kEntryBytes || right > format::kEntryBytes) continue;
+        if (left > room || right > room) continue;
         if (append && cut + 1 == count) return cut;
         const std::size_t difference = left > right ? left - right : right - left;
         if (difference < best_difference) {
@@ -229,7 +234,7 @@ std::size_t IndexPage::choose_cut(bool append, PageNumber page_no) const {
 }
 
 IndexPage IndexPage::split_front(std::size_t count, ByteVector& separator) {
-    IndexPage front(leaf_, level_, table_page_);
+    IndexPage front(leaf_, level_, table_page_, *format_);
     for (std::size_t i = 0; i < count; ++i) front.insert(i, entry(i), child(i));
     const ByteSpan up = entry(leaf_ ? count - 1 : count);
     separator.assign(up.begin(), up.end());

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "jet/base/bytes.h"
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
 #include "jet/base/types.h"
 
 namespace jet {
@@ -15,16 +15,16 @@ class IndexPage {
 public:
     // An entry is the key and the row pointer: what is compared. A node's child page is kept beside it.
     // The longest one leaves room for two on a node.
-    static constexpr std::size_t kMaxEntry = jet4::index::kEntryBytes / 2 - jet4::index::kChildPointer;
+    static std::size_t max_entry(const Format& format) { return format.entry_bytes() / 2 - jet4::index::kChildPointer; }
 
-    IndexPage(bool leaf, std::uint8_t level, PageNumber table_page)
-        : table_page_(table_page), level_(level), leaf_(leaf) {}
+    IndexPage(bool leaf, std::uint8_t level, PageNumber table_page, const Format& format = kJet4)
+        : format_(&format), table_page_(table_page), level_(level), leaf_(leaf) {}
     // 3049 unless `bytes` is an index page of that table whose entries lie within it. The order of the
     // entries is not looked at.
     static IndexPage parse(ByteSpan bytes, PageNumber page_no, PageNumber table_page);
 
     // Whether the entries fit on a page, shortened where that helps.
-    bool fits() const { return encoded_bytes() <= jet4::index::kEntryBytes; }
+    bool fits() const { return encoded_bytes() <= format_->entry_bytes(); }
     // Replaces the whole page; `fits()` is true.
     void write(MutableByteSpan page) const;
 
@@ -72,6 +72,9 @@ private:
     std::size_t shared_prefix() const;
     std::size_t encoded_bytes() const;
 
+    std::size_t longest_prefix() const { return format_->index.prefix_bytes == 1 ? 0xFF : format_->page_size; }
+
+    const Format* format_;
     PageNumber table_page_;
     std::uint8_t level_;
     bool leaf_;

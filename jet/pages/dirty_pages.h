@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "jet/pages/page_cache.h"
+#include "jet/pages/page_cipher.h"
 #include "os/file.h"
 
 namespace jet {
@@ -16,7 +17,7 @@ public:
     void add(Frame& frame);
     // Writes all of them, adjacent pages in one write. Throws os::FileError; all of them then stay dirty. Needs no
     // memory: without any for a run of pages, writes each page on its own.
-    void write_to(os::File& file, const PageCache& cache);
+    void write_to(os::File& file, const PageCache& cache, const PageCipher& cipher = {});
     // Pages written so far.
     std::uint64_t written() const { return written_; }
 

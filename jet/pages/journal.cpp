@@ -34,8 +34,8 @@ void remove_journal_file(os::FileSystem& files, const std::string& path) {
     files.sync_folder_of(path);
 }
 
-Journal::Journal(os::FileSystem& files, std::string database_path)
-    : files_(files), database_path_(std::move(database_path)), path_(path_for(database_path_)) {}
+Journal::Journal(os::FileSystem& files, std::string database_path, std::size_t page_size)
+    : files_(files), database_path_(std::move(database_path)), page_size_(page_size), path_(path_for(database_path_)) {}
 
 Journal::~Journal() = default;
 
@@ -82,7 +82,7 @@ void Journal::open_file() {
 
 void Journal::start(const JournalBinding& binding) {
     if (!file_) open_file();
-    checksum_ = journal::store_header(header_, binding, fresh_salt());
+    checksum_ = journal::store_header(header_, binding, fresh_salt(), page_size_);
     end_ = 0;
     if (file_bytes_ > 0) write_header();
 }
@@ -116,10 +116,11 @@ MutableByteSpan Journal::buffer_of(std::size_t bytes) {
 
 void Journal::append(std::span<const JournalPage> pages, std::uint32_t page_count) {
     const std::size_t head = end_ > 0 ? 0 : header_.size();
-    const MutableByteSpan buffer = buffer_of(head + journal::most_commit_bytes(pages.size()));
+    const MutableByteSpan buffer = buffer_of(head + journal::most_commit_bytes(pages.size(), page_size_));
     if (head > 0) store_bytes(buffer, 0, header_);
     std::uint64_t checksum = checksum_;
-    const std::size_t total = head + journal::store_commit(buffer.subspan(head), pages, page_count, checksum);
+    const std::size_t total =
+        head + journal::store_commit(buffer.subspan(head), pages, page_count, checksum, page_size_);
     file_bytes_ = std::max(file_bytes_, end_ + total);
     try {
         file_->write(end_, buffer.first(total));

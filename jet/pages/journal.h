@@ -33,7 +33,7 @@ void remove_journal_file(os::FileSystem& files, const std::string& path);
 class Journal {
 public:
     // The journal of the database at `database_path`, a path without links.
-    Journal(os::FileSystem& files, std::string database_path);
+    Journal(os::FileSystem& files, std::string database_path, std::size_t page_size = jet4::kPageSize);
     ~Journal();
 
     static std::string path_for(const std::string& database_path) { return database_path + "-journal"; }
@@ -78,6 +78,7 @@ private:
 
     os::FileSystem& files_;
     const std::string database_path_;
+    const std::size_t page_size_;
     const std::string path_;
     std::unique_ptr<os::File> file_;
     std::unique_ptr<DeferredSync> deferred_;

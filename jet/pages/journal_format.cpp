@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
 #include "jet/pages/checksum.h"
 #include "jet/pages/page_ranges.h"
 
@@ -34,9 +34,9 @@ bool is_magic(ByteSpan bytes, const char (&magic)[8]) {
 }
 
 // Returns the bytes written, or 0 when the whole page is shorter.
-std::size_t store_ranges(MutableByteSpan into, const JournalPage& page) {
-    const PageRanges ranges(page.bytes, page.before);
-    if (ranges.bytes() + ranges.size() * kRangeHeaderBytes >= jet4::kPageSize) return 0;
+std::size_t store_ranges(MutableByteSpan into, const JournalPage& page, std::size_t page_size) {
+    const PageRanges ranges(page.bytes, page.before, page_size);
+    if (ranges.bytes() + ranges.size() * kRangeHeaderBytes >= page_size) return 0;
     std::size_t at = 0;
     for (const PageRange& range : ranges) {
         store_u16(into, at, range.at);
@@ -47,22 +47,23 @@ std::size_t store_ranges(MutableByteSpan into, const JournalPage& page) {
     return at;
 }
 
-std::size_t store_record(MutableByteSpan into, const JournalPage& page) {
+std::size_t store_record(MutableByteSpan into, const JournalPage& page, std::size_t page_size) {
     const MutableByteSpan content = into.subspan(kRecordHeaderBytes);
-    const std::size_t range_bytes = page.before != nullptr ? store_ranges(content, page) : 0;
+    const std::size_t range_bytes = page.before != nullptr ? store_ranges(content, page, page_size) : 0;
     store_u32(into, kRecordPageAt, page.page_no);
     store_u16(into, kRecordRangeBytesAt, static_cast<std::uint16_t>(range_bytes));
     if (range_bytes > 0) return kRecordHeaderBytes + range_bytes;
-    store_bytes(content, 0, {page.bytes, jet4::kPageSize});
-    return kRecordHeaderBytes + jet4::kPageSize;
+    store_bytes(content, 0, {page.bytes, page_size});
+    return kRecordHeaderBytes + page_size;
 }
 
 }  // namespace
 
-std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt) {
+std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt,
+                           std::size_t page_size) {
     std::fill(into.begin(), into.end(), std::uint8_t{0});
     std::copy(std::begin(kMagic), std::end(kMagic), into.begin());
-    store_u32(into, kPageSizeAt, jet4::kPageSize);
+    store_u32(into, kPageSizeAt, static_cast<std::uint32_t>(page_size));
     store_u64(into, kIdentityAt, binding.identity);
     store_u64(into, kCounterAt, binding.base_counter);
     store_u64(into, kSaltAt, salt);
@@ -83,17 +84,19 @@ bool load_header(ByteSpan bytes, Header& header) {
     }
     header.checksum = checksum64(bytes.first(kHeaderChecksumAt), 0);
     header.binding = {load_u64(bytes, kIdentityAt), load_u64(bytes, kCounterAt), load_u64(bytes, kNextCounterAt)};
-    return load_u32(bytes, kPageSizeAt) == jet4::kPageSize && load_u64(bytes, kHeaderChecksumAt) == header.checksum;
+    header.page_size = load_u32(bytes, kPageSizeAt);
+    const bool is_known = header.page_size == kJet3.page_size || header.page_size == kJet4.page_size;
+    return is_known && load_u64(bytes, kHeaderChecksumAt) == header.checksum;
 }
 
-std::size_t most_commit_bytes(std::size_t pages) {
-    return kCommitHeaderBytes + pages * (kRecordHeaderBytes + jet4::kPageSize);
+std::size_t most_commit_bytes(std::size_t pages, std::size_t page_size) {
+    return kCommitHeaderBytes + pages * (kRecordHeaderBytes + page_size);
 }
 
 std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> pages, std::uint32_t page_count,
-                         std::uint64_t& checksum) {
+                         std::uint64_t& checksum, std::size_t page_size) {
     std::size_t end = kCommitHeaderBytes;
-    for (const JournalPage& page : pages) end += store_record(into.subspan(end), page);
+    for (const JournalPage& page : pages) end += store_record(into.subspan(end), page, page_size);
     store_u32(into, 0, kCommitMark);
     store_u32(into, kCommitPagesAt, static_cast<std::uint32_t>(pages.size()));
     store_u32(into, kCommitPageCountAt, page_count);
@@ -104,12 +107,12 @@ std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> page
     return end;
 }
 
-bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit) {
+bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit, std::size_t page_size) {
     if (bytes.size() < kCommitHeaderBytes || load_u32(bytes, 0) != kCommitMark) return false;
     commit.pages = load_u32(bytes, kCommitPagesAt);
     commit.page_count = load_u32(bytes, kCommitPageCountAt);
-    commit.body_bytes = kind == Kind::kChanges ? load_u32(bytes, kCommitBodyBytesAt)
-                                               : std::uint64_t{commit.pages} * (4 + jet4::kPageSize);
+    commit.body_bytes =
+        kind == Kind::kChanges ? load_u32(bytes, kCommitBodyBytesAt) : std::uint64_t{commit.pages} * (4 + page_size);
     commit.checksum = load_u64(bytes, kCommitChecksumAt);
     return true;
 }
@@ -118,12 +121,12 @@ std::uint64_t commit_checksum(ByteSpan header, ByteSpan body, std::uint64_t befo
     return checksum64(body, checksum64(header.first(kCommitChecksumAt), before));
 }
 
-bool load_record(ByteSpan body, std::size_t& at, Record& record) {
+bool load_record(ByteSpan body, std::size_t& at, Record& record, std::size_t page_size) {
     if (body.size() - at < kRecordHeaderBytes) return false;
     record.page_no = load_u32(body, at + kRecordPageAt);
     record.bytes = load_u16(body, at + kRecordRangeBytesAt);
     record.at = at + kRecordHeaderBytes;
-    const std::size_t bytes = record.bytes > 0 ? record.bytes : jet4::kPageSize;
+    const std::size_t bytes = record.bytes > 0 ? record.bytes : page_size;
     if (body.size() - record.at < bytes) return false;
     at = record.at + bytes;
     return true;

@@ -11,6 +11,7 @@
 #include <span>
 
 #include "jet/base/bytes.h"
+#include "jet/base/jet4.h"
 #include "jet/base/types.h"
 
 namespace jet {
@@ -22,7 +23,7 @@ struct JournalBinding {
     std::uint64_t next_counter = 0;  // change counter after the generation's first commit
 };
 
-// A page of a commit, kPageSize bytes.
+// A page of a commit.
 struct JournalPage {
     PageNumber page_no = 0;
     const std::uint8_t* bytes = nullptr;
@@ -41,6 +42,7 @@ enum class Kind {
 
 struct Header {
     Kind kind = Kind::kChanges;
+    std::size_t page_size = jet4::kPageSize;
     JournalBinding binding;
     std::uint64_t checksum = 0;  // the start of the chain
 };
@@ -61,22 +63,23 @@ struct Record {
 };
 
 // Writes kHeaderBytes; returns the checksum that starts the chain.
-std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt);
+std::uint64_t store_header(MutableByteSpan into, const JournalBinding& binding, std::uint64_t salt,
+                           std::size_t page_size = jet4::kPageSize);
 // False when the bytes are no journal header.
 bool load_header(ByteSpan bytes, Header& header);
 
 // Upper bound of the bytes of a commit of `pages` pages.
-std::size_t most_commit_bytes(std::size_t pages);
+std::size_t most_commit_bytes(std::size_t pages, std::size_t page_size = jet4::kPageSize);
 // Writes a commit, chained on `checksum`, and updates `checksum` to the commit's. Returns the bytes written.
 std::size_t store_commit(MutableByteSpan into, std::span<const JournalPage> pages, std::uint32_t page_count,
-                         std::uint64_t& checksum);
+                         std::uint64_t& checksum, std::size_t page_size = jet4::kPageSize);
 
 // False when the bytes are no commit header.
-bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit);
+bool load_commit_header(Kind kind, ByteSpan bytes, CommitHeader& commit, std::size_t page_size = jet4::kPageSize);
 // The checksum that a commit must have, after one with checksum `before`.
 std::uint64_t commit_checksum(ByteSpan header, ByteSpan body, std::uint64_t before);
 // Parses the record at `at` and moves `at` past it. False when it is malformed.
-bool load_record(ByteSpan body, std::size_t& at, Record& record);
+bool load_record(ByteSpan body, std::size_t& at, Record& record, std::size_t page_size = jet4::kPageSize);
 // Writes the ranges of a record to a page. False when they exceed it.
 bool apply_ranges(ByteSpan ranges, MutableByteSpan page);
 

@@ -12,10 +12,11 @@ namespace {
 using Change = JournalContent::Change;
 
 // Appends the changes of a commit whose body starts at `at`. False when the body is not a list of records.
-bool list_changes(journal::Kind kind, std::uint32_t pages, ByteSpan body, std::uint64_t at, std::vector<Change>& list) {
-    if (kind == journal::Kind::kPages) {
+bool list_changes(const journal::Header& header, std::uint32_t pages, ByteSpan body, std::uint64_t at,
+                  std::vector<Change>& list) {
+    if (header.kind == journal::Kind::kPages) {
         for (std::uint32_t i = 0; i < pages; ++i) {
-            const std::uint64_t image = at + 4 * std::uint64_t{pages} + std::uint64_t{i} * jet4::kPageSize;
+            const std::uint64_t image = at + 4 * std::uint64_t{pages} + std::uint64_t{i} * header.page_size;
             list.push_back({load_u32(body, std::size_t{4} * i), 0, image});
         }
         return true;
@@ -23,7 +24,7 @@ bool list_changes(journal::Kind kind, std::uint32_t pages, ByteSpan body, std::u
     std::size_t next = 0;
     for (std::uint32_t i = 0; i < pages; ++i) {
         journal::Record record;
-        if (!journal::load_record(body, next, record)) return false;
+        if (!journal::load_record(body, next, record, header.page_size)) return false;
         list.push_back({record.page_no, static_cast<std::uint32_t>(record.bytes), at + record.at});
     }
     return next == body.size();
@@ -67,6 +68,7 @@ bool read_journal(os::File& file, JournalContent& content) {
     journal::Header header;
     if (!journal::load_header(bytes, header)) return false;
     content.binding = header.binding;
+    content.page_size = header.page_size;
 
     const std::uint64_t size = file.size();
     std::uint64_t at = journal::kHeaderBytes;
@@ -75,14 +77,15 @@ bool read_journal(os::File& file, JournalContent& content) {
     while (at + journal::kCommitHeaderBytes <= size) {
         std::uint8_t head[journal::kCommitHeaderBytes];
         journal::CommitHeader commit;
-        if (file.read(at, head) != sizeof head || !journal::load_commit_header(header.kind, head, commit)) break;
+        if (file.read(at, head) != sizeof head) break;
+        if (!journal::load_commit_header(header.kind, head, commit, header.page_size)) break;
         at += sizeof head;
         if (commit.body_bytes > size - at) break;
         body.resize(static_cast<std::size_t>(commit.body_bytes));
         if (file.read(at, body) != body.size()) break;
         checksum = journal::commit_checksum(head, body, checksum);
         if (checksum != commit.checksum) break;
-        if (!list_changes(header.kind, commit.pages, body, at, content.changes)) content.is_sound = false;
+        if (!list_changes(header, commit.pages, body, at, content.changes)) content.is_sound = false;
         content.page_count = commit.page_count;
         at += body.size();
     }
@@ -90,8 +93,8 @@ bool read_journal(os::File& file, JournalContent& content) {
     return true;
 }
 
-ByteVector read_journal_page(os::File& file, std::span<const Change> changes) {
-    ByteVector page(jet4::kPageSize);
+ByteVector read_journal_page(os::File& file, std::span<const Change> changes, std::size_t page_size) {
+    ByteVector page(page_size);
     ByteVector ranges;
     for (const Change& change : changes) {
         ranges.resize(change.range_bytes);

@@ -20,6 +20,7 @@ struct JournalContent {
         std::uint64_t at = 0;           // byte offset in the journal
     };
     JournalBinding binding;
+    std::size_t page_size = 0;
     std::uint32_t page_count = 0;  // of the file after the last commit; 0: no commit
     std::vector<Change> changes;   // by page, then in order; the first of each page is whole
     bool is_sound = true;          // false: the checksums are right, but the commits contradict each other
@@ -33,6 +34,7 @@ struct JournalContent {
 bool read_journal(os::File& file, JournalContent& content);
 
 // The page after its changes. 3049 when they do not form a page.
-ByteVector read_journal_page(os::File& file, std::span<const JournalContent::Change> changes);
+ByteVector read_journal_page(os::File& file, std::span<const JournalContent::Change> changes,
+                             std::size_t page_size = jet4::kPageSize);
 
 }  // namespace jet

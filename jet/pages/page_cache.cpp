@@ -12,25 +12,27 @@ constexpr std::uint8_t kMaxUses = 3;
 
 }  // namespace
 
-// Frames allocated together, as many as fill a large page of memory.
+// Frames allocated together, as many as fill a large page of memory with pages of Jet 4; those of Jet 3 fill a half.
 struct PageCache::Group {
     static constexpr std::uint32_t kFrames = os::PageMemory::kLargePage / jet4::kPageSize;
 
     // The first group suffices for most databases; its untouched part costs nothing.
-    explicit Group(bool first)
-        : bytes(os::PageMemory::kLargePage, first ? os::PageMemory::Source::kHeap : os::PageMemory::Source::kSystem) {}
+    Group(bool first, std::size_t page_size)
+        : bytes(kFrames * page_size, first || page_size < jet4::kPageSize ? os::PageMemory::Source::kHeap
+                                                                          : os::PageMemory::Source::kSystem) {}
     std::array<Frame, kFrames> frames;
     os::PageMemory bytes;
 };
 
-PageCache::PageCache(std::size_t pages) : limit_(pages) {}
+PageCache::PageCache(std::size_t pages, std::size_t page_size)
+    : limit_(pages), page_size_(static_cast<std::uint16_t>(page_size)) {}
 
 PageCache::~PageCache() = default;
 
 FrameRef PageCache::frame_at(std::uint32_t frame_no) const {
     Group& group = *groups_[frame_no / Group::kFrames];
     const std::size_t at = frame_no % Group::kFrames;
-    return {&group.frames[at], group.bytes.data() + at * jet4::kPageSize};
+    return {&group.frames[at], group.bytes.data() + at * page_size_};
 }
 
 FrameRef PageCache::use(PageNumber page_no) {
@@ -50,6 +52,7 @@ FrameRef PageCache::add(PageNumber page_no) {
     const FrameRef place = frame_at(frame_no);
     *place.frame = {};
     place.frame->page_no = page_no;
+    place.frame->page_bytes = page_size_;
     last_used_ = page_no;
     return place;
 }
@@ -59,6 +62,7 @@ void PageCache::remove(Frame& frame) {
     const std::uint32_t pins = frame.pins;
     frame = {};
     frame.pins = pins;
+    frame.page_bytes = page_size_;  // of whoever holds the page still
 }
 
 // Clock eviction: skips pinned, dirty and changed frames, takes the first without uses left.
@@ -81,7 +85,8 @@ std::uint32_t PageCache::evicted_frame() {
 }
 
 std::uint32_t PageCache::added_frame() {
-    if (frame_count_ == groups_.size() * Group::kFrames) groups_.push_back(std::make_unique<Group>(groups_.empty()));
+    if (frame_count_ == groups_.size() * Group::kFrames)
+        groups_.push_back(std::make_unique<Group>(groups_.empty(), page_size_));
     return frame_count_++;
 }
 

@@ -25,18 +25,19 @@ struct Frame {
     std::uint32_t generation = 0;  // journal generation that holds the whole page; 0: none since it was read
     bool dirty = false;            // committed, not yet in the .mdb
     std::uint8_t uses = 0;         // recent uses, counted up to a small limit
+    std::uint16_t page_bytes = 0;
 };
 
-// A frame and its page, kPageSize bytes; empty when `frame` is null.
+// A frame and its page; empty when `frame` is null.
 struct FrameRef {
     Frame* frame = nullptr;
     std::uint8_t* bytes = nullptr;
 
     explicit operator bool() const { return frame != nullptr; }
-    MutableByteSpan page() const { return {bytes, jet4::kPageSize}; }
+    MutableByteSpan page() const { return {bytes, frame->page_bytes}; }
 };
 
-// A pinned page: its bytes stay in place while the object lives. `bytes()` is always kPageSize long.
+// A pinned page: its bytes stay in place while the object lives. `bytes()` is always a whole page.
 class Page {
 public:
     Page() = default;
@@ -71,8 +72,8 @@ private:
 
 class PageCache {
 public:
-    // Holds up to `pages` pages, and more only while none of them can be evicted.
-    explicit PageCache(std::size_t pages);
+    // Holds up to `pages` pages, each of at most jet4::kPageSize, and more only while none of them can be evicted.
+    explicit PageCache(std::size_t pages, std::size_t page_size = jet4::kPageSize);
     ~PageCache();
     PageCache(const PageCache&) = delete;
     PageCache& operator=(const PageCache&) = delete;
@@ -99,6 +100,7 @@ private:
     std::uint32_t added_frame();
 
     const std::size_t limit_;
+    const std::uint16_t page_size_;
     FrameTable table_;
     std::vector<std::unique_ptr<Group>> groups_;
     std::uint32_t frame_count_ = 0;  // frames in use, from the first group on

@@ -3,12 +3,14 @@
 #include <bit>
 #include <cstring>
 
+#include "jet/base/format.h"
+
 namespace jet {
 namespace {
 
 constexpr std::size_t kWord = 8;
 constexpr std::size_t kBlock = 256;  // compared at once; most of a page is unchanged
-static_assert(jet4::kPageSize % kBlock == 0);
+static_assert(kJet3.page_size % kBlock == 0 && kJet4.page_size % kBlock == 0);
 
 std::uint64_t difference(const std::uint8_t* a, const std::uint8_t* b) {
     std::uint64_t x = 0;
@@ -32,8 +34,8 @@ std::size_t bytes_after(std::uint64_t word) {
 
 }  // namespace
 
-PageRanges::PageRanges(const std::uint8_t* now, const std::uint8_t* before) {
-    for (std::size_t block = 0; block < jet4::kPageSize; block += kBlock) {
+PageRanges::PageRanges(const std::uint8_t* now, const std::uint8_t* before, std::size_t page_size) {
+    for (std::size_t block = 0; block < page_size; block += kBlock) {
         if (std::memcmp(now + block, before + block, kBlock) == 0) continue;
         for (std::size_t at = block; at < block + kBlock; at += kWord) {
             const std::uint64_t word = difference(now + at, before + at);

@@ -20,8 +20,8 @@ public:
     // Fewer equal bytes do not justify a range of their own.
     static constexpr std::size_t kGap = 9;
 
-    // Each image is kPageSize bytes long.
-    PageRanges(const std::uint8_t* now, const std::uint8_t* before);
+    // Each image is `page_size` bytes long, a multiple of 256 and at most jet4::kPageSize.
+    PageRanges(const std::uint8_t* now, const std::uint8_t* before, std::size_t page_size = jet4::kPageSize);
 
     const PageRange* begin() const { return ranges_.data(); }
     const PageRange* end() const { return ranges_.data() + count_; }

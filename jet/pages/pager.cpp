@@ -12,16 +12,28 @@
 
 namespace jet {
 
+namespace {
+
+FileKind kind_of(os::File& file) {
+    ByteVector head(jet4::header::kMasked + jet4::header::kMaskedBytes);
+    head.resize(with_engine_errors([&] { return file.read(0, head); }));
+    return kind_of_file(head);
+}
+
+}  // namespace
+
 Pager::Pager(os::FileSystem& files, std::unique_ptr<os::File> file, std::string path, PagerOptions options)
     : clock_(files.clock()),
       file_(std::move(file)),
       path_(std::move(path)),
       options_(options),
-      cache_(options.cache_pages),
+      kind_(kind_of(*file_)),
+      cipher_(kind_.encryption_key),
+      cache_(options.cache_pages, kind_.format->page_size),
       last_read_(jet4::kMaxPages) {
     with_engine_errors([&] {
-        journal_ = std::make_unique<Journal>(files, path_);
-        const Recovered recovered = recover(files, *file_, path_, options_.read_only);
+        journal_ = std::make_unique<Journal>(files, path_, kind_.format->page_size);
+        const Recovered recovered = recover(files, *file_, path_, options_.read_only, kind_);
         page_count_ = recovered.page_count;
         for (const Recovered::PageImage& image : recovered.images) {
             // Only in memory, and never evicted: the file stays unchanged.
@@ -29,7 +41,7 @@ Pager::Pager(os::FileSystem& files, std::unique_ptr<os::File> file, std::string 
             std::memcpy(place.bytes, image.bytes.data(), image.bytes.size());
             place.frame->dirty = true;
         }
-        if (!options_.read_only && file_->size() % jet4::kPageSize != 0) {
+        if (!options_.read_only && file_->size() % kind_.format->page_size != 0) {
             fail(errors::kDamaged, "The database is damaged: " + path_ + " ends inside a page.");
         }
     });
@@ -83,8 +95,9 @@ std::size_t Pager::pages_to_read(PageNumber page_no) {
 // None where the run cannot be had: then the page must be read alone.
 FrameRef Pager::read_run(PageNumber page_no, std::size_t pages) {
     try {
-        run_.resize(pages * jet4::kPageSize);
-        const std::size_t got = file_->read(std::uint64_t{page_no} * jet4::kPageSize, run_) / jet4::kPageSize;
+        const std::size_t page_size = format().page_size;
+        run_.resize(pages * page_size);
+        const std::size_t got = file_->read(std::uint64_t{page_no} * page_size, run_) / page_size;
         if (got == 0) return {};
         pages_read_ += got;
         last_read_ = page_no + static_cast<PageNumber>(got) - 1;
@@ -93,7 +106,8 @@ FrameRef Pager::read_run(PageNumber page_no, std::size_t pages) {
             const PageNumber at = page_no + static_cast<PageNumber>(i);
             if (cache_.find(at)) continue;  // and may be newer
             const FrameRef place = cache_.add(at);
-            std::memcpy(place.bytes, run_.data() + i * jet4::kPageSize, jet4::kPageSize);
+            std::memcpy(place.bytes, run_.data() + i * page_size, page_size);
+            if (cipher_.is_on()) cipher_.decode(at, place.page());
             if (i == 0) return place;
         }
     } catch (const os::FileError&) {
@@ -105,9 +119,11 @@ FrameRef Pager::read_run(PageNumber page_no, std::size_t pages) {
 FrameRef Pager::read_into_cache(PageNumber page_no) {
     const FrameRef place = cache_.add(page_no);
     try {
-        const std::uint64_t at = std::uint64_t{page_no} * jet4::kPageSize;
-        const std::size_t got = with_engine_errors([&] { return file_->read(at, place.page()); });
-        if (got != jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
+        const MutableByteSpan page = place.page();
+        const std::uint64_t at = std::uint64_t{page_no} * page.size();
+        const std::size_t got = with_engine_errors([&] { return file_->read(at, page); });
+        if (got != page.size()) corrupt(page_no, "the file ends inside the page");
+        if (cipher_.is_on()) cipher_.decode(page_no, page);
     } catch (...) {
         cache_.remove(*place.frame);
         throw;
@@ -124,11 +140,15 @@ bool Pager::find(PageNumber page_no, Page& into) const {
 
 std::size_t Pager::read_past_cache(PageNumber page_no, MutableByteSpan into) {
     if (page_no >= page_count_) corrupt(page_no, "a reference leads behind the end of the file");
-    const std::uint64_t at = std::uint64_t{page_no} * jet4::kPageSize;
-    const std::size_t got = with_engine_errors([&] { return file_->read(at, into); });
-    if (got < jet4::kPageSize) corrupt(page_no, "the file ends inside the page");
-    pages_read_ += got / jet4::kPageSize;
-    return got / jet4::kPageSize;
+    const std::size_t page_size = format().page_size;
+    const std::uint64_t at = std::uint64_t{page_no} * page_size;
+    const std::size_t got = with_engine_errors([&] { return file_->read(at, into); }) / page_size;
+    if (got == 0) corrupt(page_no, "the file ends inside the page");
+    pages_read_ += got;
+    for (std::size_t i = 0; cipher_.is_on() && i < got; ++i) {
+        cipher_.decode(page_no + static_cast<PageNumber>(i), into.subspan(i * page_size, page_size));
+    }
+    return got;
 }
 
 MutablePage Pager::modify(PageNumber page_no) {
@@ -143,11 +163,12 @@ MutablePage Pager::extend() {
     require_writable();
     require_transaction("added");
     if (page_count_ >= jet4::kMaxPages) {
-        fail(errors::kFileTooLarge, path_ + " has reached the largest size a database may have, 2 GiB.");
+        fail(errors::kFileTooLarge, path_ + " has reached the largest size a " + format().name +
+                                        " database may have, " + format().largest_file + ".");
     }
     undo_.make_room_for_new();
     MutablePage page(cache_.add(page_count_));
-    std::memset(page.bytes().data(), 0, jet4::kPageSize);
+    std::memset(page.bytes().data(), 0, page.bytes().size());
     undo_.add_new(page.place_);
     ++page_count_;
     return page;
@@ -186,17 +207,34 @@ void Pager::require_own_process() const {
     }
 }
 
+// Where the header does not tell two files apart, the engine names the file before its first generation: eight bytes
+// that no other program uses, written straight into the file. Torn, they are another name.
+void Pager::give_identity() {
+    const std::size_t at = format().file_identity;
+    if (at == 0) return;
+    const FrameRef place = load(jet4::kObjectsPage);
+    if (load_u64(place.page(), at) != 0) return;
+    ByteVector named(place.page().begin(), place.page().end());
+    store_u64(named, at, checksum64({}, fresh_salt()) | 1);
+    const std::uint64_t identity = load_u64(named, at);
+    cipher_.apply(jet4::kObjectsPage, named);
+    file_->write(std::uint64_t{jet4::kObjectsPage} * named.size() + at, ByteSpan(named).subspan(at, 8));
+    file_->sync();
+    store_u64(place.page(), at, identity);
+}
+
 // Advances the change counter as part of the generation's first commit. A forked child creates no journal; os::File
 // refuses its writes to one that the parent has created.
 void Pager::begin_generation() {
     require_own_process();
-    const std::uint64_t identity = file_identity(load(jet4::kHeaderPage).page());
+    give_identity();
     MutablePage page = modify(jet4::kObjectsPage);
-    const std::uint64_t counter = load_u64(page.bytes(), jet4::tdef::kFiller);
+    const std::uint64_t identity = file_identity(load(jet4::kHeaderPage).page(), page.bytes());
+    const std::uint64_t counter = load_u64(page.bytes(), format().change_counter);
     const std::uint64_t next = counter + 1 + (checksum64({}, fresh_salt()) & 0xFFFFFFFF);
     journal_->start({identity, counter, next});
     ++generation_;
-    store_u64(page.bytes(), jet4::tdef::kFiller, next);
+    store_u64(page.bytes(), format().change_counter, next);
     undo_.find_changes();
 }
 
@@ -254,7 +292,7 @@ bool Pager::is_journal_full() const { return journal_->size_bytes() >= options_.
 void Pager::write_back() {
     journal_->sync();
     cache_.search_again();
-    dirty_.write_to(*file_, cache_);
+    dirty_.write_to(*file_, cache_, cipher_);
 }
 
 // As after a failed sync of the journal, only the next opening can tell what the disk holds.

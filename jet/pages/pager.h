@@ -21,6 +21,7 @@
 #include "jet/base/jet4.h"
 #include "jet/base/types.h"
 #include "jet/pages/dirty_pages.h"
+#include "jet/pages/header.h"
 #include "jet/pages/page_cache.h"
 #include "jet/pages/undo_log.h"
 #include "os/file.h"
@@ -57,6 +58,8 @@ public:
     bool is_closed() const { return closed_; }
     // Pages of the file as the open transaction sees it.
     std::uint32_t page_count() const { return page_count_; }
+    const Format& format() const { return *kind_.format; }
+    const FileKind& kind() const { return kind_; }
 
     Page read(PageNumber page_no) { return Page(load(page_no)); }
     // The page where it is in memory; false, and `into` is untouched, where it is not.
@@ -66,7 +69,7 @@ public:
     std::size_t read_past_cache(PageNumber page_no, MutableByteSpan into);
     // Only inside a transaction.
     MutablePage modify(PageNumber page_no);
-    // Appends a zeroed page (only inside a transaction); 3183 at the 2 GiB limit.
+    // Appends a zeroed page (only inside a transaction); 3183 at the format's limit.
     MutablePage extend();
 
     // Transactions nest; an inner one that is rolled back undoes its own changes only. The outermost
@@ -101,6 +104,7 @@ private:
     bool is_sync_point_due(os::TimePoint now) const { return now - last_sync_ >= options_.sync_interval; }
     void require_own_process() const;
     void begin_generation();
+    void give_identity();
     void collect_changes();
     const std::uint8_t* image_in_journal(const UndoLog::Entry& entry) const;
     bool append_to_journal(bool is_sync_point);
@@ -116,6 +120,8 @@ private:
     std::unique_ptr<os::File> file_;
     std::string path_;
     PagerOptions options_;
+    FileKind kind_;
+    PageCipher cipher_;
     std::unique_ptr<Journal> journal_;
     std::uint32_t page_count_ = 0;
     PageCache cache_;

@@ -5,27 +5,32 @@
 #include <utility>
 
 #include "jet/base/error.h"
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
 #include "jet/pages/checksum.h"
 #include "jet/pages/journal.h"
 #include "jet/pages/journal_reader.h"
+#include "jet/pages/page_cipher.h"
 #include "os/draft.h"
 
 namespace jet {
 namespace {
 
-ByteVector read_page(os::File& file, PageNumber page_no) {
-    ByteVector page(jet4::kPageSize);
-    if (file.read(std::uint64_t{page_no} * jet4::kPageSize, page) != jet4::kPageSize) {
+ByteVector read_page(os::File& file, PageNumber page_no, const FileKind& kind) {
+    const std::size_t page_size = kind.format->page_size;
+    ByteVector page(page_size);
+    if (file.read(std::uint64_t{page_no} * page_size, page) != page_size) {
         corrupt(page_no, "the file ends inside the page");
     }
+    PageCipher(kind.encryption_key).decode(page_no, page);
     return page;
 }
 
-bool is_bound_to(const JournalBinding& binding, os::File& database) {
-    const std::uint64_t counter = load_u64(read_page(database, jet4::kObjectsPage), jet4::tdef::kFiller);
-    return binding.identity == file_identity(read_page(database, jet4::kHeaderPage)) &&
-           (counter == binding.base_counter || counter == binding.next_counter);
+bool is_bound_to(const JournalContent& content, os::File& database, const FileKind& kind) {
+    if (content.page_size != kind.format->page_size) return false;
+    const ByteVector objects = read_page(database, jet4::kObjectsPage, kind);
+    const std::uint64_t counter = load_u64(objects, kind.format->change_counter);
+    return content.binding.identity == file_identity(read_page(database, jet4::kHeaderPage, kind), objects) &&
+           (counter == content.binding.base_counter || counter == content.binding.next_counter);
 }
 
 // Every page by which the file is to grow is in the journal, because a commit holds the pages it has added.
@@ -41,16 +46,18 @@ void check_content(const JournalContent& content, std::uint32_t page_count) {
 }
 
 // Brings each page to its state after the journal: in the file, or with `images` in memory only.
-void replay(os::File& journal, const JournalContent& content, os::File& database,
+void replay(os::File& journal, const JournalContent& content, os::File& database, const FileKind& kind,
             std::vector<Recovered::PageImage>* images) {
+    const PageCipher cipher(kind.encryption_key);
     for (std::size_t i = 0; i < content.changes.size();) {
         const auto changes = content.of_page(i);
         const PageNumber page_no = changes.front().page_no;
-        ByteVector page = read_journal_page(journal, changes);
+        ByteVector page = read_journal_page(journal, changes, content.page_size);
         if (images != nullptr) {
             images->push_back({page_no, std::move(page)});
         } else {
-            database.write(std::uint64_t{page_no} * jet4::kPageSize, page);
+            cipher.apply(page_no, page);
+            database.write(std::uint64_t{page_no} * content.page_size, page);
         }
         i += changes.size();
     }
@@ -82,16 +89,19 @@ std::unique_ptr<os::File> open_journal(os::FileSystem& files, const std::string&
 
 }  // namespace
 
-std::uint64_t file_identity(ByteSpan header_page) {
+std::uint64_t file_identity(ByteSpan header_page, ByteSpan objects_page) {
+    const Format& format = format_of(header_page);
     std::uint64_t sum = checksum64(header_page.first(jet4::header::kMasked), 0);
-    sum = checksum64(header_page.subspan(jet4::header::kBuild, jet4::header::kSidKeyEnd - jet4::header::kBuild), sum);
-    return checksum64(header_page.subspan(jet4::header::kCommitWords, jet4::header::kCommitWordBytes), sum);
+    sum = checksum64(slice(header_page, format.header.identity, format.header.identity_bytes), sum);
+    sum = checksum64(slice(header_page, format.header.commit_words, jet4::header::kCommitWordBytes), sum);
+    return format.file_identity == 0 ? sum : checksum64(slice(objects_page, format.file_identity, 8), sum);
 }
 
-Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only) {
+Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only,
+                  const FileKind& kind) {
     Recovered result;
     result.page_count =
-        static_cast<std::uint32_t>(std::min<std::uint64_t>(database.size() / jet4::kPageSize, jet4::kMaxPages));
+        static_cast<std::uint32_t>(std::min<std::uint64_t>(database.size() / kind.format->page_size, jet4::kMaxPages));
     const std::string journal_path = Journal::path_for(path);
     bool is_link = false;
     std::unique_ptr<os::File> journal = open_journal(files, journal_path, read_only, is_link);
@@ -105,16 +115,16 @@ Recovered recover(os::FileSystem& files, os::File& database, const std::string& 
     }
     JournalContent content;
     if (is_link || result.page_count <= jet4::kObjectsPage || !read_journal(*journal, content) ||
-        !is_bound_to(content.binding, database)) {
+        !is_bound_to(content, database, kind)) {
         journal.reset();
         if (!read_only) set_aside(files, journal_path);
         return result;
     }
     check_content(content, result.page_count);
     if (content.page_count > 0) result.page_count = content.page_count;
-    replay(*journal, content, database, read_only ? &result.images : nullptr);
+    replay(*journal, content, database, kind, read_only ? &result.images : nullptr);
     if (read_only) return result;
-    if (content.page_count > 0) database.truncate(std::uint64_t{result.page_count} * jet4::kPageSize);
+    if (content.page_count > 0) database.truncate(std::uint64_t{result.page_count} * content.page_size);
     database.sync();
     journal.reset();
     remove_journal_file(files, journal_path);

@@ -7,13 +7,14 @@
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
+#include "jet/pages/header.h"
 #include "os/file.h"
 
 namespace jet {
 
-// Identifies the file that a journal is bound to: checksum of the constant part of its header page, and of its commit
-// words.
-std::uint64_t file_identity(ByteSpan header_page);
+// Identifies the file that a journal is bound to: checksum of the constant part of its header page, of its commit words
+// and, in Jet 3, whose header holds too little, of the identity on the page of the catalogue's definition.
+std::uint64_t file_identity(ByteSpan header_page, ByteSpan objects_page);
 
 struct Recovered {
     struct PageImage {
@@ -29,6 +30,7 @@ struct Recovered {
 // it, is ignored, or set aside under another name; so is a link in its place. The journal is absent only when the
 // system says so: any other failure to open it is an error. Throws os::FileError, and 3049 for a journal that belongs
 // to this file but cannot be right.
-Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only);
+Recovered recover(os::FileSystem& files, os::File& database, const std::string& path, bool read_only,
+                  const FileKind& kind = {});
 
 }  // namespace jet

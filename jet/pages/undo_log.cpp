@@ -26,7 +26,7 @@ void UndoLog::save(FrameRef place) {
         image = std::move(spare_buffers_.back());
         spare_buffers_.pop_back();
     }
-    std::memcpy(image.get(), place.bytes, jet4::kPageSize);
+    std::memcpy(image.get(), place.bytes, place.page().size());
     entries_.push_back({place, place.frame->saved_level, std::move(image)});
     place.frame->saved_level = depth();
 }
@@ -45,7 +45,8 @@ std::span<UndoLog::Entry> UndoLog::entries() { return std::span(entries_).subspa
 bool UndoLog::find_changes() {
     bool any = false;
     for (Entry& entry : entries()) {
-        entry.changed = !entry.image || std::memcmp(entry.image.get(), entry.place.bytes, jet4::kPageSize) != 0;
+        entry.changed =
+            !entry.image || std::memcmp(entry.image.get(), entry.place.bytes, entry.place.page().size()) != 0;
         any = any || entry.changed;
     }
     return any;
@@ -86,7 +87,7 @@ void UndoLog::roll_back(PageCache& cache) {
     const std::span<Entry> changed = entries();
     for (auto entry = changed.rbegin(); entry != changed.rend(); ++entry) {
         if (entry->image) {
-            std::memcpy(entry->place.bytes, entry->image.get(), jet4::kPageSize);
+            std::memcpy(entry->place.bytes, entry->image.get(), entry->place.page().size());
             entry->place.frame->saved_level = entry->saved_level_before;
             keep_buffer(std::move(entry->image));
         } else {

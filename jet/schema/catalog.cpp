@@ -123,11 +123,51 @@ const Catalog::Object* Catalog::find(std::int32_t id) const {
     return found == all.by_id.end() || all.objects[*found].entry.id != id ? nullptr : &all.objects[*found];
 }
 
-PropertySet Catalog::properties(const Object& object) const {
+LinkTarget Catalog::link_target(const Object& object) const {
     RowView row;
     if (!objects_.read(object.row, row)) return {};
-    const ByteVector blob = value_or<ByteVector>(row, position_of(objects_, columns::kProperties), {});
-    return blob.empty() ? PropertySet{} : parse_properties(blob);
+    const auto text = [&](std::u16string_view column) {
+        return to_utf8(value_or<std::u16string>(row, position_of(objects_, column), {}));
+    };
+    return {text(columns::kDatabase), text(columns::kConnect), text(columns::kForeignName)};
+}
+
+PropertySet Catalog::no_properties() const {
+    PropertySet set;
+    set.code_page = objects_.def().code_page;
+    return set;
+}
+
+PropertySet Catalog::properties(const Object& object) const {
+    RowView row;
+    if (!objects_.read(object.row, row)) return no_properties();
+    return parse_properties(value_or<ByteVector>(row, position_of(objects_, columns::kProperties), {}),
+                            objects_.def().code_page);
+}
+
+// The container's inheritable entries; "creator" becomes the owner, unless he has an entry of his own, as in Jet 3.
+std::vector<std::pair<ByteVector, Value>> Catalog::inherited_rights(const FileHeader& header) const {
+    const std::size_t object_at = position_of(aces_, columns::kObjectId);
+    const std::size_t sid_at = position_of(aces_, columns::kSid);
+    const std::size_t acm_at = position_of(aces_, columns::kAcm);
+    const std::size_t inheritable_at = position_of(aces_, columns::kInheritable);
+    const ByteVector creator = masked(kCreatorSid, header);
+    const ByteVector owner = masked(kAdminSid, header);
+    std::vector<std::pair<ByteVector, Value>> inherited;
+    RowView row;
+    for (auto ace = aces_.next_row({}); ace; ace = aces_.next_row(*ace)) {
+        if (!aces_.read(*ace, row) || value_or<std::int32_t>(row, object_at, 0) != jet4::kTablesContainer) continue;
+        if (!value_or<bool>(row, inheritable_at, false)) continue;
+        inherited.emplace_back(value_or<ByteVector>(row, sid_at, {}), row.value(acm_at));
+    }
+    const auto is_of = [](const ByteVector& sid) { return [&sid](const auto& entry) { return entry.first == sid; }; };
+    if (header.format->is_jet3() && std::any_of(inherited.begin(), inherited.end(), is_of(owner))) {
+        std::erase_if(inherited, is_of(creator));
+    }
+    for (auto& [sid, acm] : inherited) {
+        if (sid == creator) sid = owner;
+    }
+    return inherited;
 }
 
 void Catalog::add_table(std::u16string_view name, PageNumber page, double now, const FileHeader& header,
@@ -145,21 +185,7 @@ void Catalog::add_table(std::u16string_view name, PageNumber page, double now, c
     if (!properties.blocks.empty()) object.set(columns::kProperties, build_properties(properties));
     objects_.insert(object.take());
 
-    // The container's inheritable entries are copied; "creator" becomes the owner.
-    const std::size_t object_at = position_of(aces_, columns::kObjectId);
-    const std::size_t sid_at = position_of(aces_, columns::kSid);
-    const std::size_t acm_at = position_of(aces_, columns::kAcm);
-    const std::size_t inheritable_at = position_of(aces_, columns::kInheritable);
-    const ByteVector creator = masked(kCreatorSid, header);
-    std::vector<std::pair<ByteVector, Value>> inherited;
-    RowView row;
-    for (auto ace = aces_.next_row({}); ace; ace = aces_.next_row(*ace)) {
-        if (!aces_.read(*ace, row) || value_or<std::int32_t>(row, object_at, 0) != jet4::kTablesContainer) continue;
-        if (!value_or<bool>(row, inheritable_at, false)) continue;
-        ByteVector sid = value_or<ByteVector>(row, sid_at, {});
-        inherited.emplace_back(sid == creator ? masked(kAdminSid, header) : std::move(sid), row.value(acm_at));
-    }
-    for (auto& [sid, acm] : inherited) {
+    for (auto& [sid, acm] : inherited_rights(header)) {
         aces_.insert(NewRow(aces_)
                          .set(columns::kObjectId, id)
                          .set(columns::kSid, std::move(sid))

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "jet/pages/header.h"
@@ -25,6 +26,9 @@ inline constexpr char16_t kDateUpdate[] = u"DateUpdate";
 inline constexpr char16_t kOwner[] = u"Owner";
 inline constexpr char16_t kFlags[] = u"Flags";
 inline constexpr char16_t kProperties[] = u"LvProp";
+inline constexpr char16_t kDatabase[] = u"Database";
+inline constexpr char16_t kConnect[] = u"Connect";
+inline constexpr char16_t kForeignName[] = u"ForeignName";
 inline constexpr char16_t kObjectId[] = u"ObjectId";
 inline constexpr char16_t kSid[] = u"SID";
 inline constexpr char16_t kAcm[] = u"ACM";
@@ -36,7 +40,18 @@ inline constexpr std::uint8_t kAdminSid[] = {0x03, 0x01};
 inline constexpr std::uint8_t kUsersSid[] = {0x02, 0x01};
 inline constexpr std::uint8_t kEngineSid[] = {0x02, 0x03};
 inline constexpr std::uint8_t kCreatorSid[] = {0x02, 0x04};
+// Kinds of objects, on disk.
 inline constexpr std::int16_t kTableObject = 1;
+inline constexpr std::int16_t kLinkedOdbcTable = 4;
+inline constexpr std::int16_t kQueryObject = 5;
+inline constexpr std::int16_t kLinkedTable = 6;
+
+// Where a linked table's rows are, in UTF-8; what is not known is empty.
+struct LinkTarget {
+    std::string database;
+    std::string connect;
+    std::string table;
+};
 
 // A name in the catalogue's container of tables.
 struct CatalogEntry {
@@ -66,6 +81,9 @@ public:
     void forget() { known_.reset(); }
 
     PropertySet properties(const Object& object) const;
+    LinkTarget link_target(const Object& object) const;
+    // An empty set in the file's own form.
+    PropertySet no_properties() const;
 
     // Rows of a new table. `now` is an OLE date. Inside a transaction.
     void add_table(std::u16string_view name, PageNumber page, double now, const FileHeader& header,
@@ -86,6 +104,7 @@ private:
         std::unordered_map<std::u16string_view, std::uint32_t> by_exact_name;
     };
     const Known& known() const;
+    std::vector<std::pair<ByteVector, Value>> inherited_rights(const FileHeader& header) const;
 
     mutable std::optional<Known> known_;
 };

@@ -7,8 +7,9 @@ namespace jet {
 namespace tdef = jet4::tdef;
 
 DefinitionPages read_definition(Pager& pager, PageNumber first) {
+    const Format& format = pager.format();
     DefinitionPages read;
-    std::size_t length = tdef::kFixedHeader;
+    std::size_t length = format.definition.fixed_header;
     for (PageNumber page_no = first; read.bytes.size() < length;) {
         if (page_no == 0) corrupt(first, "a table definition is cut short");
         if (std::find(read.pages.begin(), read.pages.end(), page_no) != read.pages.end()) {
@@ -19,8 +20,8 @@ DefinitionPages read_definition(Pager& pager, PageNumber first) {
         append_bytes(read.bytes, page.bytes().subspan(read.pages.empty() ? 0 : tdef::kPageHeader));
         if (read.pages.empty()) {
             length = load_u32(read.bytes, tdef::kLength);
-            if (length < tdef::kFixedHeader) corrupt(first, "a table definition is shorter than its head");
-            if (length > kMaxDefinitionPages * jet4::kPageSize) corrupt(first, "a table definition is too long");
+            if (length < format.definition.fixed_header) corrupt(first, "a table definition is shorter than its head");
+            if (length > kMaxDefinitionPages * format.page_size) corrupt(first, "a table definition is too long");
         }
         read.pages.push_back(page_no);
         page_no = load_u32(page.bytes(), tdef::kNext);

@@ -9,7 +9,7 @@
 
 namespace jet {
 
-// Far above what 255 columns and 32 indexes with the longest names take.
+// Far above what 255 columns and 32 indexes with the longest names take, on pages of either size.
 inline constexpr std::size_t kMaxDefinitionPages = 32;
 
 struct DefinitionPages {

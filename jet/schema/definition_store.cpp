@@ -38,9 +38,11 @@ void fill_page(const MutablePage& page, ByteSpan bytes, bool is_first, PageNumbe
     store_bytes(page.bytes(), head, bytes);
     page.bytes()[0] = jet4::kTableDefPage;
     page.bytes()[jet4::kPageKindMark] = 1;
-    const std::size_t unused = jet4::kPageSize - head - bytes.size();
+    const std::size_t unused = page.bytes().size() - head - bytes.size();
+    const std::size_t free_bytes = unused > tdef::kPageHeader ? unused - tdef::kPageHeader : 0;
+    const Format& format = format_of(page.bytes());
     store_u16(page.bytes(), tdef::kFree,
-              static_cast<std::uint16_t>(unused > tdef::kPageHeader ? unused - tdef::kPageHeader : 0));
+              format.definition.free != 0 ? static_cast<std::uint16_t>(free_bytes) : tdef::kJet3Mark);
     store_u32(page.bytes(), tdef::kNext, next);
 }
 
@@ -58,7 +60,7 @@ void DefinitionStore::claim(const std::vector<PageNumber>& pages) {
 TableDef DefinitionStore::load(PageNumber page, const std::u16string& name) {
     const DefinitionPages read = read_definition(storage_.pager(), page);
     claim(read.pages);
-    TableDef def = parse_table_def(read.bytes, page);
+    TableDef def = parse_table_def(read.bytes, page, storage_.pager().format(), code_page_);
     def.name = name;
     // The catalogue's own tables have no properties, and asking it for them would go in a circle.
     if (page > jet4::kRelationshipsPage) apply_properties(def);
@@ -89,9 +91,20 @@ void DefinitionStore::store(const TableDef& def) {
     std::vector<PageNumber> pages{def.page};
     if (pager.read(def.page).bytes()[0] == jet4::kTableDefPage) pages = read_definition(pager, def.page).pages;
     const ByteVector bytes = build_table_def(def);
+    // In Jet 3 the engine's own numbers stand behind the end of the catalogue's definition.
+    const std::size_t own_at = pager.format().file_identity;
+    const bool keeps_own = def.page == jet4::kObjectsPage && own_at != 0;
+    if (keeps_own && bytes.size() > own_at) corrupt(def.page, "the catalogue's definition is too long");
+    std::uint64_t identity = 0;
+    std::uint64_t counter = 0;
+    if (keeps_own) {
+        const Page page = pager.read(def.page);
+        identity = load_u64(page.bytes(), own_at);
+        counter = load_u64(page.bytes(), pager.format().change_counter);
+    }
     std::size_t used = 0;
     for (std::size_t at = 0; at < bytes.size(); ++used) {
-        const std::size_t room = jet4::kPageSize - (used == 0 ? 0 : tdef::kPageHeader);
+        const std::size_t room = pager.format().page_size - (used == 0 ? 0 : tdef::kPageHeader);
         const std::size_t count = std::min(bytes.size() - at, room);
         const bool is_last = at + count == bytes.size();
         if (!is_last && used + 1 == pages.size()) pages.push_back(allocator.allocate().number());
@@ -100,15 +113,23 @@ void DefinitionStore::store(const TableDef& def) {
         at += count;
     }
     for (; used < pages.size(); ++used) allocator.free(pages[used]);
+    if (keeps_own) {
+        const MutablePage page = pager.modify(def.page);
+        store_u64(page.bytes(), own_at, identity);
+        store_u64(page.bytes(), pager.format().change_counter, counter);
+    }
     forget();
 }
 
 void DefinitionStore::store_counts(const TableDef& def) {
     const MutablePage page = storage_.pager().modify(def.page);
-    store_u32(page.bytes(), tdef::kRowCount, def.row_count);
-    store_u32(page.bytes(), tdef::kLastAutoNumber, static_cast<std::uint32_t>(def.last_autonumber));
-    for (std::size_t i = 0; i < def.real_indexes.size(); ++i) {
-        store_u32(page.bytes(), tdef::kFixedHeader + i * tdef::kIndexStatistics + 4, def.real_indexes[i].distinct_keys);
+    const Format::Definition& layout = storage_.pager().format().definition;
+    store_u32(page.bytes(), layout.row_count, def.row_count);
+    store_u32(page.bytes(), layout.last_autonumber, static_cast<std::uint32_t>(def.last_autonumber));
+    std::size_t at = layout.fixed_header + tdef::kDistinctKeys;
+    for (const RealIndex& index : def.real_indexes) {
+        store_u32(page.bytes(), at, index.distinct_keys);
+        at += layout.index_statistics;
     }
 }
 

@@ -23,6 +23,10 @@ class DefinitionStore {
 public:
     explicit DefinitionStore(Storage& storage) : storage_(storage) {}
 
+    // The code page of the file's names, where it has one (FileHeader::text_code_page).
+    void use_code_page(std::uint16_t code_page) { code_page_ = code_page; }
+    std::uint16_t code_page() const { return code_page_; }
+
     // The catalogue to ask for properties. Its own tables have none and can be loaded before there is one.
     void use(const Catalog& catalog) { catalog_ = &catalog; }
 
@@ -43,6 +47,7 @@ private:
 
     Storage& storage_;
     const Catalog* catalog_ = nullptr;
+    std::uint16_t code_page_ = 0;
     std::map<PageNumber, PageNumber> owners_;  // pages of the loaded definitions, and their first pages
 };
 

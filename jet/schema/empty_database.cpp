@@ -5,7 +5,9 @@
 #include <algorithm>
 
 #include "jet/indexes/index_key.h"
+#include "jet/indexes/index_page.h"
 #include "jet/pages/header.h"
+#include "jet/pages/page_cipher.h"
 #include "jet/schema/catalog.h"
 #include "jet/schema/table_def.h"
 #include "jet/storage/data_page.h"
@@ -16,12 +18,30 @@ namespace {
 
 namespace tdef = jet4::tdef;
 
-constexpr std::size_t kPages = 16;
-constexpr PageNumber kMapsPage = 6;
-constexpr PageNumber kFirstRootPage = 7;
-constexpr PageNumber kObjectsRows = 14;
-constexpr PageNumber kAcesRows = 15;
+constexpr std::size_t kMapRows = 31;
+constexpr PageNumber kMapsPage = 6;  // the first of as many as the rows take
 constexpr std::uint32_t kSystemFlags = 0x80000000;
+constexpr std::uint16_t kSortSubId = 1;  // Jet 3: of the last builds
+
+// Where things stand in the new file: after the maps the roots of the indexes, then the rows.
+struct Layout {
+    explicit Layout(const Format& of) : format(of) {}
+
+    const Format& format;
+    std::size_t maps_of_a_page() const {
+        return (format.page_size - format.data.slots) / (format.usage.default_row + 2);
+    }
+    PageNumber first_root() const {
+        return kMapsPage + static_cast<PageNumber>((kMapRows + maps_of_a_page() - 1) / maps_of_a_page());
+    }
+    PageNumber objects_rows() const { return first_root() + 7; }
+    PageNumber aces_rows() const { return objects_rows() + 1; }
+    PageNumber pages() const { return aces_rows() + 1; }
+    RowId map_row(std::size_t row) const {
+        return {kMapsPage + static_cast<PageNumber>(row / maps_of_a_page()),
+                static_cast<std::uint8_t>(row % maps_of_a_page())};
+    }
+};
 
 struct SystemColumn {
     const char16_t* name;
@@ -102,10 +122,8 @@ struct SystemTable {
     std::uint32_t rows;
     std::vector<SystemIndex> indexes;
     std::vector<SystemLogicalIndex> logical;  // by name
-    PageNumber first_root;
+    PageNumber first_root;                    // counted from the first of all
 };
-
-RowId map_row(std::size_t row) { return {kMapsPage, static_cast<std::uint8_t>(row)}; }
 
 const std::vector<SystemTable>& system_tables() {
     static const std::vector<SystemTable> tables = {
@@ -115,46 +133,59 @@ const std::vector<SystemTable>& system_tables() {
          8,
          {{{1, 2}, 0x81, 16, 8}, {{0}, 0x81, 17, 8}},
          {{1, 1, u"Id"}, {0, 0, u"ParentIdName"}},
-         kFirstRootPage},
-        {jet4::kAcesPage, kAcesColumns, 18, 16, {{{0}, 0x88, 20, 8}}, {{0, 0, u"ObjectId"}}, kFirstRootPage + 2},
-        {jet4::kQueriesPage,
-         kQueriesColumns,
-         21,
-         0,
-         {{{0, 1, 2}, 0x81, 25, 0}},
-         {{0, 1, u"ObjectIdAttribute"}},
-         kFirstRootPage + 3},
+         0},
+        {jet4::kAcesPage, kAcesColumns, 18, 16, {{{0}, 0x88, 20, 8}}, {{0, 0, u"ObjectId"}}, 2},
+        {jet4::kQueriesPage, kQueriesColumns, 21, 0, {{{0, 1, 2}, 0x81, 25, 0}}, {{0, 1, u"ObjectIdAttribute"}}, 3},
         {jet4::kRelationshipsPage,
          kRelationshipsColumns,
          26,
          0,
          {{{0}, 0x82, 28, 0}, {{4}, 0x82, 29, 0}, {{6}, 0x82, 30, 0}},
          {{1, 0, u"szObject"}, {2, 0, u"szReferencedObject"}, {0, 0, u"szRelationship"}},
-         kFirstRootPage + 4},
+         4},
     };
     return tables;
 }
 
-TableDef definition_of(const SystemTable& table) {
+// Columns that Jet 4 has added.
+bool is_later(const SystemTable& table, const SystemColumn& column, const Format& format) {
+    return format.is_jet3() && table.page == jet4::kQueriesPage && std::u16string_view(column.name) == u"LvExtra";
+}
+
+ColumnDef column_of(const SystemColumn& column, const FileHeader& header) {
+    ColumnDef made;
+    made.name = column.name;
+    made.type = column.type;
+    made.number = column.number;
+    made.variable_index = column.variable_index;
+    made.flags = column.flags;
+    made.fixed_offset = column.offset;
+    made.length_bytes = column.length;
+    if (!header.format->is_jet3()) return made;
+    made.code_page = header.code_page;
+    made.lcid = header.lcid;
+    made.sort_sub_id = header.sort_sub_id;
+    // Texts and binaries: as many bytes as Jet 4 has characters.
+    if (made.length_bytes > jet4::kMaxTextCharacters) made.length_bytes = jet4::kMaxTextCharacters;
+    return made;
+}
+
+TableDef definition_of(const SystemTable& table, const FileHeader& header) {
+    const Layout layout(*header.format);
     TableDef def;
+    def.format = header.format;
+    def.code_page = header.text_code_page();
     def.page = table.page;
     def.kind = tdef::kSystemTable;
     def.row_count = table.rows;
-    def.max_columns = static_cast<std::uint16_t>(table.columns.size());
-    def.owned_map = map_row(table.maps);
-    def.free_map = map_row(table.maps + 1u);
+    def.owned_map = layout.map_row(table.maps);
+    def.free_map = layout.map_row(table.maps + 1u);
     for (const SystemColumn& column : table.columns) {
-        ColumnDef c;
-        c.name = column.name;
-        c.type = column.type;
-        c.number = column.number;
-        c.variable_index = column.variable_index;
-        c.flags = column.flags;
-        c.fixed_offset = column.offset;
-        c.length_bytes = column.length;
-        if (!c.is_fixed()) ++def.variable_columns;
-        def.columns.push_back(std::move(c));
+        if (is_later(table, column, *header.format)) continue;
+        def.columns.push_back(column_of(column, header));
+        if (!def.columns.back().is_fixed()) ++def.variable_columns;
     }
+    def.max_columns = static_cast<std::uint16_t>(def.columns.size());
     // Long columns have their pairs of maps behind the table's own, by column number.
     std::vector<ColumnDef*> long_columns;
     for (ColumnDef& column : def.columns) {
@@ -163,15 +194,15 @@ TableDef definition_of(const SystemTable& table) {
     std::sort(long_columns.begin(), long_columns.end(), [](auto* a, auto* b) { return a->number < b->number; });
     std::size_t row = table.maps + 2u;
     for (ColumnDef* column : long_columns) {
-        column->owned_map = map_row(row++);
-        column->free_map = map_row(row++);
+        column->owned_map = layout.map_row(row++);
+        column->free_map = layout.map_row(row++);
     }
-    PageNumber root = table.first_root;
+    PageNumber root = layout.first_root() + table.first_root;
     for (const SystemIndex& index : table.indexes) {
         RealIndex real;
         for (std::uint16_t number : index.columns) real.columns.push_back({number, true});
-        real.flags = index.flags;
-        real.map = map_row(index.map_row);
+        real.flags = static_cast<std::uint8_t>((index.flags & ~tdef::kIndexAlways) | header.format->real_index.always);
+        real.map = layout.map_row(index.map_row);
         real.root = root++;
         real.distinct_keys = index.distinct_keys;
         def.real_indexes.push_back(std::move(real));
@@ -193,7 +224,12 @@ struct Row {
 
 class Builder {
 public:
-    explicit Builder(const CreateOptions& options) : bytes_(kPages * jet4::kPageSize) {
+    explicit Builder(const CreateOptions& options)
+        : layout_(*options.format), bytes_(layout_.pages() * options.format->page_size) {
+        header_.format = options.format;
+        header_.code_page = options.code_page;
+        header_.encryption_key = options.encryption_key;
+        if (options.format->is_jet3()) header_.sort_sub_id = kSortSubId;
         header_.build = options.engine_build;
         header_.creation_date = options.creation_date;
         header_.password = options.password;
@@ -205,46 +241,55 @@ public:
         build_global_map();
         build_maps();
         for (const SystemTable& table : system_tables()) build_table(table);
+        const PageCipher cipher(header_.encryption_key);
+        for (PageNumber page_no = 0; page_no < layout_.pages(); ++page_no) cipher.apply(page_no, page(page_no));
         return std::move(bytes_);
     }
 
 private:
+    const Format& format() const { return layout_.format; }
     MutableByteSpan page(PageNumber page_no) {
-        return MutableByteSpan(bytes_).subspan(page_no * jet4::kPageSize, jet4::kPageSize);
+        return MutableByteSpan(bytes_).subspan(page_no * format().page_size, format().page_size);
     }
 
     void build_global_map() {
         const MutableByteSpan map_page = page(jet4::kGlobalMapPage);
         format_data_page(map_page, 1);  // the one page that is its own owner
-        ByteVector free_pages(jet4::usage::kDefaultRow);
-        std::fill(free_pages.begin() + jet4::usage::kBitmap + kPages / 8, free_pages.end(), std::uint8_t{0xFF});
+        ByteVector free_pages(format().usage.default_row);
+        for (std::size_t bit = layout_.pages(); bit < 8 * (free_pages.size() - jet4::usage::kBitmap); ++bit) {
+            free_pages[jet4::usage::kBitmap + bit / 8] |= static_cast<std::uint8_t>(1 << (bit % 8));
+        }
         add_row(map_page, jet4::kGlobalMapPage, free_pages);
-        add_row(map_page, jet4::kGlobalMapPage, ByteVector(jet4::usage::kDefaultRow));
+        add_row(map_page, jet4::kGlobalMapPage, ByteVector(format().usage.default_row));
     }
 
     void build_maps() {
-        constexpr std::size_t kRows = 31;
-        std::vector<ByteVector> rows(kRows, ByteVector(jet4::usage::kDefaultRow));
+        std::vector<ByteVector> rows(kMapRows, ByteVector(format().usage.default_row));
         const auto put = [&](std::size_t row, PageNumber member) {
             rows[row][jet4::usage::kBitmap + member / 8] |= static_cast<std::uint8_t>(1 << (member % 8));
         };
         for (const SystemTable& table : system_tables()) {
-            PageNumber root = table.first_root;
+            PageNumber root = layout_.first_root() + table.first_root;
             for (const SystemIndex& index : table.indexes) put(index.map_row, root++);
         }
-        for (std::size_t row : {0, 1}) put(row, kObjectsRows);
-        for (std::size_t row : {18, 19}) put(row, kAcesRows);
-        format_data_page(page(kMapsPage), jet4::data::kUsageMapOwner);
-        for (const ByteVector& row : rows) add_row(page(kMapsPage), kMapsPage, row);
+        for (std::size_t row : {0, 1}) put(row, layout_.objects_rows());
+        for (std::size_t row : {18, 19}) put(row, layout_.aces_rows());
+        for (std::size_t row = 0; row < kMapRows; ++row) {
+            const PageNumber page_no = layout_.map_row(row).page;
+            if (layout_.map_row(row).slot == 0) format_data_page(page(page_no), jet4::data::kUsageMapOwner);
+            add_row(page(page_no), page_no, rows[row]);
+        }
     }
 
     void build_table(const SystemTable& table) {
-        const TableDef def = definition_of(table);
+        const TableDef def = definition_of(table, header_);
         const MutableByteSpan def_page = page(def.page);
         const ByteVector definition = build_table_def(def);
         store_bytes(def_page, 0, definition);
-        store_u16(def_page, tdef::kFree,
-                  static_cast<std::uint16_t>(jet4::kPageSize - definition.size() - tdef::kPageHeader));
+        if (format().definition.free != 0) {
+            store_u16(def_page, tdef::kFree,
+                      static_cast<std::uint16_t>(format().page_size - definition.size() - tdef::kPageHeader));
+        }
         std::vector<Row> rows;
         if (def.page == jet4::kObjectsPage) rows = object_rows(def);
         if (def.page == jet4::kAcesPage) rows = ace_rows(def);
@@ -269,10 +314,10 @@ private:
             {4, jet4::kTablesContainer, u"MSysQueries", kTableObject, kEngineSid},
             {5, jet4::kTablesContainer, u"MSysRelationships", kTableObject, kEngineSid},
         };
-        format_data_page(page(kObjectsRows), def.page);
+        format_data_page(page(layout_.objects_rows()), def.page);
         std::vector<Row> rows;
         for (const Object& object : objects) {
-            rows.push_back(add(def, kObjectsRows,
+            rows.push_back(add(def, layout_.objects_rows(),
                                {{u"Id", object.id},
                                 {u"ParentId", object.parent},
                                 {u"Name", std::u16string(object.name)},
@@ -310,10 +355,10 @@ private:
             {jet4::kTablesContainer, kUsersSid, 0x0FFEFF, true},
             {jet4::kRelationshipsContainer, kUsersSid, 0x0FFFFF, true},
         };
-        format_data_page(page(kAcesRows), def.page);
+        format_data_page(page(layout_.aces_rows()), def.page);
         std::vector<Row> rows;
         for (const Ace& ace : aces) {
-            rows.push_back(add(def, kAcesRows,
+            rows.push_back(add(def, layout_.aces_rows(),
                                {{u"ObjectId", ace.object},
                                 {u"SID", masked(ace.sid)},
                                 {u"ACM", ace.rights},
@@ -346,24 +391,16 @@ private:
         std::vector<ByteVector> entries;
         for (const Row& row : rows) {
             ByteVector entry = make_index_key(index, def, row.values);
-            append_be(entry, row.id.page, 3);
-            append_u8(entry, row.id.slot);
+            append_be(entry, row.id.pack(), jet4::index::kRowPointer);
             entries.push_back(std::move(entry));
         }
         std::sort(entries.begin(), entries.end());
-        const MutableByteSpan leaf = page(index.root);
-        leaf[0] = jet4::kIndexLeafPage;
-        leaf[jet4::kPageKindMark] = 1;
-        store_u32(leaf, jet4::index::kOwner, def.page);
-        std::size_t end = 0;
-        for (const ByteVector& entry : entries) {
-            store_bytes(leaf, jet4::index::kEntries + end, entry);
-            end += entry.size();
-            leaf[jet4::index::kBitmap + end / 8] |= static_cast<std::uint8_t>(1 << (end % 8));
-        }
-        store_u16(leaf, jet4::index::kFree, static_cast<std::uint16_t>(jet4::index::kEntryBytes - end));
+        IndexPage leaf(true, 0, def.page, format());
+        for (const ByteVector& entry : entries) leaf.insert(leaf.size(), entry);
+        leaf.write(page(index.root));
     }
 
+    Layout layout_;
     ByteVector bytes_;
     FileHeader header_;
     double row_date_ = 0;

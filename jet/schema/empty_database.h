@@ -5,6 +5,7 @@
 #include <string>
 
 #include "jet/base/bytes.h"
+#include "jet/base/format.h"
 
 namespace jet {
 
@@ -14,9 +15,12 @@ struct CreateOptions {
     double creation_date = 0;  // OLE date, local time; 0: now
     double row_date = 0;       // dates of the catalogue rows; 0: creation_date
     std::uint32_t engine_build = 9756;
+    const Format* format = &kJet4;
+    std::uint16_t code_page = 1252;    // of texts in Jet 3
+    std::uint32_t encryption_key = 0;  // 0: pages are not encoded
 };
 
-// The pages of a new empty file, 16 of them.
+// The pages of a new empty file: 16 of them, in Jet 3 18.
 ByteVector build_empty_database(const CreateOptions& options);
 
 }  // namespace jet

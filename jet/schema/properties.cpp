@@ -5,7 +5,8 @@
 #include <algorithm>
 #include <optional>
 
-#include "jet/base/jet4.h"
+#include "jet/base/code_page.h"
+#include "jet/base/format.h"
 #include "jet/indexes/collation.h"
 
 namespace jet {
@@ -21,7 +22,7 @@ namespace layout = jet4::properties;
 // Reads a part of the blob front to back.
 class BlobReader {
 public:
-    explicit BlobReader(ByteSpan bytes) : bytes_(bytes) {}
+    BlobReader(ByteSpan bytes, std::uint16_t code_page) : bytes_(bytes), code_page_(code_page) {}
 
     bool at_end() const { return bytes_.empty(); }
     ByteSpan take(std::size_t count) {
@@ -35,15 +36,24 @@ public:
     std::uint32_t take_u32() { return load_u32(take(4), 0); }
     std::u16string take_name() {
         const std::size_t name_bytes = take_u16();
-        if (name_bytes % 2 != 0) damaged("hold a name with half a character");
         const ByteSpan text = take(name_bytes);
-        std::u16string name(name_bytes / 2, u'\0');
+        std::u16string name;
+        if (code_page_ != 0) {
+            decode_narrow(text, code_page_, name);
+            return name;
+        }
+        if (name_bytes % 2 != 0) damaged("hold a name with half a character");
+        name.resize(name_bytes / 2);
         for (std::size_t i = 0; i < name.size(); ++i) name[i] = static_cast<char16_t>(load_u16(text, 2 * i));
         return name;
     }
 
+    std::uint16_t code_page() const { return code_page_; }
+    std::size_t bytes_of(std::u16string_view name) const { return code_page_ != 0 ? name.size() : 2 * name.size(); }
+
 private:
     ByteSpan bytes_;
+    std::uint16_t code_page_;
 };
 
 // Blocks that a table of the most columns can have, and some of columns that are gone.
@@ -55,7 +65,8 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& se
     block.type = type;
     const std::uint32_t header_bytes = reader.take_u32();
     block.owner = reader.take_name();
-    if (header_bytes != layout::kOwnerHeader + 2 * block.owner.size()) damaged("hold a block with a wrong header");
+    if (header_bytes != layout::kOwnerHeader + reader.bytes_of(block.owner))
+        damaged("hold a block with a wrong header");
     while (!reader.at_end()) {
         Property property;
         const std::uint16_t length = reader.take_u16();
@@ -72,9 +83,26 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& se
     return block;
 }
 
-void append_text(ByteVector& to, std::u16string_view name) {
-    append_u16(to, static_cast<std::uint16_t>(2 * name.size()));
-    for (const char16_t unit : name) append_u16(to, unit);
+ByteVector name_bytes(std::u16string_view name, std::uint16_t code_page) {
+    if (code_page != 0) return encode_narrow(name, code_page);
+    ByteVector bytes;
+    for (const char16_t unit : name) append_u16(bytes, unit);
+    return bytes;
+}
+
+std::u16string text_of(ByteSpan bytes, std::uint16_t code_page) {
+    std::u16string text;
+    if (code_page != 0) {
+        decode_narrow(bytes, code_page, text);
+    } else {
+        for (std::size_t i = 0; i + 1 < bytes.size(); i += 2) text.push_back(load_u16(bytes, i));
+    }
+    return text;
+}
+
+void append_text(ByteVector& to, ByteSpan name) {
+    append_u16(to, static_cast<std::uint16_t>(name.size()));
+    append_bytes(to, name);
 }
 
 void append_block(ByteVector& to, std::uint16_t type, ByteSpan body) {
@@ -88,6 +116,10 @@ std::vector<bool> names_like(const std::vector<std::u16string>& names, std::u16s
     std::vector<bool> like(names.size());
     for (std::size_t i = 0; i < names.size(); ++i) like[i] = same_name(names[i], wanted);
     return like;
+}
+
+std::uint32_t mark_of(std::uint16_t code_page) {
+    return code_page != 0 ? kJet3.properties_mark : kJet4.properties_mark;
 }
 
 bool is_true(ByteSpan data) {
@@ -156,17 +188,18 @@ void PropertySet::remove_column(std::u16string_view column) {
     });
 }
 
-PropertySet parse_properties(ByteSpan blob) {
+PropertySet parse_properties(ByteSpan blob, std::uint16_t code_page) {
     PropertySet set;
+    set.code_page = code_page;
     if (blob.empty()) return set;
-    BlobReader reader(blob);
-    if (reader.take_u32() != layout::kMagicValue) damaged("lack their mark");
+    BlobReader reader(blob, code_page);
+    if (reader.take_u32() != mark_of(code_page)) damaged("lack their mark");
     bool named = false;
     while (!reader.at_end()) {
         const std::uint32_t block_bytes = reader.take_u32();
         const std::uint16_t type = reader.take_u16();
         if (block_bytes < layout::kBlockHeader) damaged("hold a block of a wrong length");
-        BlobReader body(reader.take(block_bytes - layout::kBlockHeader));
+        BlobReader body(reader.take(block_bytes - layout::kBlockHeader), code_page);
         if (type == layout::kNameBlock) {
             if (named) damaged("have two lists of names");
             named = true;
@@ -184,13 +217,30 @@ PropertySet parse_properties(ByteSpan blob) {
     return set;
 }
 
+PropertySet convert_properties(const PropertySet& set, std::uint16_t code_page) {
+    PropertySet converted = set;
+    converted.code_page = code_page;
+    converted.data.clear();
+    for (PropertyBlock& block : converted.blocks) {
+        for (Property& property : block.properties) {
+            const ByteSpan data = set.data_of(property);
+            ByteVector bytes(data.begin(), data.end());
+            const bool is_text = property.type == ColumnType::kText || property.type == ColumnType::kMemo;
+            if (is_text && set.code_page != code_page) bytes = name_bytes(text_of(data, set.code_page), code_page);
+            converted.set_data(property, bytes);
+        }
+    }
+    return converted;
+}
+
 ByteVector build_properties(const PropertySet& set) {
     if (set.names.empty() && set.blocks.empty()) return {};
     ByteVector values;
     for (const PropertyBlock& block : set.blocks) {
         ByteVector body;
-        append_u32(body, static_cast<std::uint32_t>(layout::kOwnerHeader + 2 * block.owner.size()));
-        append_text(body, block.owner);
+        const ByteVector owner = name_bytes(block.owner, set.code_page);
+        append_u32(body, static_cast<std::uint32_t>(layout::kOwnerHeader + owner.size()));
+        append_text(body, owner);
         for (const Property& property : block.properties) {
             append_u16(body, static_cast<std::uint16_t>(layout::kValueHeader + property.data_bytes));
             append_u8(body, property.ddl);
@@ -203,9 +253,9 @@ ByteVector build_properties(const PropertySet& set) {
     }
 
     ByteVector blob;
-    append_u32(blob, layout::kMagicValue);
+    append_u32(blob, mark_of(set.code_page));
     ByteVector name_list;
-    for (const std::u16string& name : set.names) append_text(name_list, name);
+    for (const std::u16string& name : set.names) append_text(name_list, name_bytes(name, set.code_page));
     append_block(blob, layout::kNameBlock, name_list);
     append_bytes(blob, values);
     return blob;

@@ -28,6 +28,7 @@ struct PropertyBlock {
 
 // All properties of one object, unknown ones included, in stored order.
 struct PropertySet {
+    std::uint16_t code_page = 0;  // of names; 0: UTF-16, as in Jet 4
     std::vector<PropertyBlock> blocks;
     std::vector<std::u16string> names;  // as listed in the blob; some may be unused
     ByteVector data;
@@ -47,8 +48,11 @@ struct PropertySet {
     void remove_column(std::u16string_view column);
 };
 
-// 3049 for a malformed blob; an empty blob is an empty set.
-PropertySet parse_properties(ByteSpan blob);
+// 3049 for a malformed blob; an empty blob is an empty set. `code_page` is that of the file's texts, 0 where they are
+// UTF-16.
+PropertySet parse_properties(ByteSpan blob, std::uint16_t code_page = 0);
 ByteVector build_properties(const PropertySet& set);
+// The same properties for a file whose texts are in another form: those among the values are converted.
+PropertySet convert_properties(const PropertySet& set, std::uint16_t code_page);
 
 }  // namespace jet

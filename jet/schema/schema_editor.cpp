@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/base/code_page.h"
 #include "jet/storage/data_page.h"
 #include "os/system.h"
 
@@ -21,7 +22,7 @@ void check_name(std::u16string_view name, int number, const char* what) {
     }
 }
 
-std::uint16_t length_of(const NewColumn& column) {
+std::uint16_t length_of(const NewColumn& column, const Format& format) {
     switch (column.type) {
         case ColumnType::kBoolean:
         case ColumnType::kByte: return 1;
@@ -35,7 +36,7 @@ std::uint16_t length_of(const NewColumn& column) {
             if (column.text_characters < 1 || column.text_characters > jet4::kMaxTextCharacters) {
                 fail(errors::kSizeTooLong, "Column '" + to_utf8(column.name) + "': a text has 1 to 255 characters.");
             }
-            return static_cast<std::uint16_t>(2 * column.text_characters);
+            return static_cast<std::uint16_t>(format.text_unit * column.text_characters);
         case ColumnType::kOle:
         case ColumnType::kMemo: return 0;
         default: fail(errors::kBadType, "Column '" + to_utf8(column.name) + "' is of a type that cannot be created.");
@@ -45,8 +46,18 @@ std::uint16_t length_of(const NewColumn& column) {
 bool is_text(ColumnType type) { return type == ColumnType::kText || type == ColumnType::kMemo; }
 bool is_variable(ColumnType type) { return type == ColumnType::kText || is_long_value(type); }
 
+// In a code page a name that it lacks letters of would be another one.
+void check_encodable(std::u16string_view name, const FileHeader& header) {
+    const CodePage* code_page = header.format->is_jet3() ? find_code_page(header.code_page) : nullptr;
+    if (!code_page) return;
+    if (std::any_of(name.begin(), name.end(), [&](char16_t c) { return byte_of(c, *code_page) < 0; })) {
+        fail(errors::kUnnamedTable, "'" + to_utf8(name) + "' has a letter that the file's code page " +
+                                        std::to_string(header.code_page) + " lacks.");
+    }
+}
+
 // Takes the column into the definition: number, place in the row, flags.
-ColumnDef& append_column(TableDef& def, const NewColumn& column) {
+ColumnDef& append_column(TableDef& def, const NewColumn& column, const FileHeader& header) {
     check_name(column.name, errors::kUnnamedTable, "column");
     if (def.find_column(column.name)) {
         fail(errors::kFieldTwice,
@@ -61,7 +72,13 @@ ColumnDef& append_column(TableDef& def, const NewColumn& column) {
     ColumnDef added;
     added.name = column.name;
     added.type = column.type;
-    added.length_bytes = length_of(column);
+    added.length_bytes = length_of(column, *def.format);
+    if (def.format->is_jet3()) {
+        check_encodable(column.name, header);
+        added.code_page = header.code_page;
+        added.lcid = header.lcid;
+        added.sort_sub_id = header.sort_sub_id;
+    }
     added.number = def.max_columns++;
     added.ordinal = 0;
     for (const ColumnDef& other : def.columns)
@@ -79,7 +96,8 @@ ColumnDef& append_column(TableDef& def, const NewColumn& column) {
         }
     }
     if (column.autonumber) added.flags |= tdef::kFlagAutoNumber;
-    if (column.compressed && is_text(column.type)) added.ext_flags |= tdef::kExtCompressed;
+    const bool has_short_form = is_text(column.type) && !def.format->is_jet3();  // Jet 3 texts are always short
+    if (column.compressed && has_short_form) added.ext_flags |= tdef::kExtCompressed;
     added.allow_zero_length = column.allow_zero_length;
     def.columns.push_back(std::move(added));
     return def.columns.back();
@@ -102,10 +120,13 @@ void SchemaEditor::create_table(std::u16string_view name, std::span<const NewCol
              "'" + to_utf8(name) + "' exists already.");
     }
     if (columns.empty()) fail(errors::kNoFields, "Table '" + to_utf8(name) + "' has no column.");
+    check_encodable(name, header_);
     TableDef def;
+    def.format = &storage_.pager().format();
+    def.code_page = header_.text_code_page();
     def.name = name;
-    PropertySet properties;
-    for (const NewColumn& column : columns) describe(properties, append_column(def, column));
+    PropertySet properties = catalog_.no_properties();
+    for (const NewColumn& column : columns) describe(properties, append_column(def, column, header_));
     if (std::count_if(columns.begin(), columns.end(), [](const NewColumn& c) { return c.autonumber; }) > 1) {
         fail(errors::kBadType, "Table '" + to_utf8(name) + "' would have more than one auto-number.");
     }
@@ -129,14 +150,14 @@ bool SchemaEditor::add_column(const TableDef& old_def, const NewColumn& column) 
         std::any_of(def.columns.begin(), def.columns.end(), [](const ColumnDef& c) { return c.is_autonumber(); })) {
         fail(errors::kBadType, "Table '" + to_utf8(def.name) + "' has an auto-number already.");
     }
-    ColumnDef& added = append_column(def, column);
+    ColumnDef& added = append_column(def, column, header_);
     if (added.is_long()) {
         PageNumber maps = def.owned_map.page;
         added.owned_map = storage_.allocator().create_map(&maps);
         added.free_map = storage_.allocator().create_map(&maps);
     }
     const Catalog::Object* object = catalog_.find(static_cast<std::int32_t>(def.page));
-    PropertySet properties = object ? catalog_.properties(*object) : PropertySet{};
+    PropertySet properties = object ? catalog_.properties(*object) : catalog_.no_properties();
     describe(properties, added);
     definitions_.store(def);
     if (object) catalog_.change_table(*object, os::local_time_as_ole_date(), properties);
@@ -181,7 +202,7 @@ void SchemaEditor::delete_column(const TableDef& old_def, std::u16string_view na
     def.columns.erase(def.columns.begin() + static_cast<std::ptrdiff_t>(*position));
     if (column.is_autonumber()) def.last_autonumber = 0;
     const Catalog::Object* object = catalog_.find(static_cast<std::int32_t>(def.page));
-    PropertySet properties = object ? catalog_.properties(*object) : PropertySet{};
+    PropertySet properties = object ? catalog_.properties(*object) : catalog_.no_properties();
     properties.remove_column(name);
     definitions_.store(def);
     if (object) catalog_.change_table(*object, os::local_time_as_ole_date(), properties);

@@ -9,11 +9,14 @@
 //  - every map has a row of its own, and every index a root of its own.
 // Whether a map or a root is what its address says is seen where it is loaded (usage_map.cpp, index_page.cpp).
 #include "jet/schema/table_def.h"
-#include "jet/indexes/collation.h"
 
 #include <algorithm>
 #include <bitset>
+#include <numeric>
 #include <set>
+
+#include "jet/base/code_page.h"
+#include "jet/indexes/collation.h"
 
 namespace jet {
 
@@ -24,7 +27,10 @@ namespace tdef = jet4::tdef;
 // Reads the definition front to back; every step is checked against the definition's end.
 class DefReader {
 public:
-    DefReader(ByteSpan bytes, PageNumber page) : bytes_(bytes), page_(page) {}
+    DefReader(ByteSpan bytes, PageNumber page, const Format& format, std::uint16_t code_page)
+        : bytes_(bytes), page_(page), format_(format), code_page_(code_page) {}
+
+    const Format& format() const { return format_; }
 
     ByteSpan take(std::size_t count) {
         if (count > remaining()) damaged("the table definition ends inside a structure");
@@ -35,6 +41,7 @@ public:
     std::uint16_t take_u16() { return load_u16(take(2), 0); }
     RowId take_row() { return RowId::unpack(load_u32(take(4), 0)); }
     std::u16string take_name() {
+        if (code_page_ != 0) return take_narrow_name();
         const std::size_t name_bytes = take_u16();
         if (name_bytes % 2 != 0) damaged("a name in the table definition has half a character");
         if (name_bytes > 2 * jet4::kMaxNameCharacters) damaged("a name in the table definition is too long");
@@ -51,8 +58,18 @@ public:
     [[noreturn]] void damaged(std::string_view rule) const { corrupt(page_, rule); }
 
 private:
+    std::u16string take_narrow_name() {
+        const std::size_t name_bytes = load_u8(take(1), 0);
+        if (name_bytes > jet4::kMaxNameCharacters) damaged("a name in the table definition is too long");
+        std::u16string name;
+        decode_narrow(take(name_bytes), code_page_, name);
+        return name;
+    }
+
     ByteSpan bytes_;
     PageNumber page_;
+    const Format& format_;
+    std::uint16_t code_page_;
     std::size_t at_ = 0;
 };
 
@@ -74,104 +91,131 @@ std::size_t natural_size(ColumnType type) {
     }
 }
 
-ColumnDef parse_column(ByteSpan record) {
+ColumnDef parse_column(ByteSpan record, const DefReader& reader, std::uint16_t code_page) {
+    const Format::Column& at = reader.format().column;
     ColumnDef column;
     column.type = static_cast<ColumnType>(load_u8(record, tdef::column::kType));
-    column.number = load_u16(record, tdef::column::kNumber);
-    column.variable_index = load_u16(record, tdef::column::kVariableIndex);
-    column.ordinal = load_u16(record, tdef::column::kOrdinal);
-    if (column.type == ColumnType::kNumeric) {
-        column.precision = load_u8(record, tdef::column::kLcid);
+    column.number = load_u16(record, at.number);
+    column.variable_index = load_u16(record, at.variable_index);
+    column.ordinal = load_u16(record, at.ordinal);
+    if (column.type == ColumnType::kNumeric && at.ext_flags != 0) {
+        column.precision = load_u8(record, at.lcid);
         column.scale = load_u8(record, tdef::column::kScale);
     } else {
-        column.lcid = load_u16(record, tdef::column::kLcid);
-        column.sort_version = load_u8(record, tdef::column::kSortVersion);
+        column.lcid = load_u16(record, at.lcid);
     }
-    column.flags = load_u8(record, tdef::column::kFlags);
-    column.ext_flags = load_u8(record, tdef::column::kExtFlags);
+    if (at.sort_version != 0 && column.type != ColumnType::kNumeric) {
+        column.sort_version = load_u8(record, at.sort_version);
+    }
+    if (at.sort_sub_id != 0) column.sort_sub_id = load_u16(record, at.sort_sub_id);
+    if (at.code_page != 0) {
+        // A column of another kind may name none.
+        const std::uint16_t own = load_u16(record, at.code_page);
+        column.code_page = find_code_page(own) ? own : code_page;
+    }
+    column.flags = load_u8(record, at.flags);
+    if (at.ext_flags != 0) column.ext_flags = load_u8(record, at.ext_flags);
     // Variable columns carry garbage here.
-    column.fixed_offset = column.is_fixed() ? load_u16(record, tdef::column::kFixedOffset) : std::uint16_t{0};
-    column.length_bytes = load_u16(record, tdef::column::kLength);
+    column.fixed_offset = column.is_fixed() ? load_u16(record, at.fixed_offset) : std::uint16_t{0};
+    column.length_bytes = load_u16(record, at.length);
     return column;
 }
 
-void append_column(ByteVector& to, const ColumnDef& column) {
-    append_u8(to, static_cast<std::uint8_t>(column.type));
-    append_u32(to, tdef::kMagicValue);
-    append_u16(to, column.number);
-    append_u16(to, column.variable_index);
-    append_u16(to, column.ordinal);
+void append_column(ByteVector& to, const ColumnDef& column, const Format& format) {
+    const Format::Column& at = format.column;
+    ByteVector record(at.bytes);
+    store_u8(record, tdef::column::kType, static_cast<std::uint8_t>(column.type));
+    if (at.magic != 0) store_u32(record, at.magic, tdef::kMagicValue);
+    store_u16(record, at.number, column.number);
+    store_u16(record, at.variable_index, column.variable_index);
+    store_u16(record, at.ordinal, column.ordinal);
     if (column.type == ColumnType::kNumeric) {
-        append_u8(to, column.precision);
-        append_u8(to, column.scale);
-        append_u16(to, 0);
+        store_u8(record, at.lcid, column.precision);
+        store_u8(record, tdef::column::kScale, column.scale);
     } else {
-        append_u16(to, column.lcid);
-        append_u8(to, 0);
-        append_u8(to, column.sort_version);
+        store_u16(record, at.lcid, column.lcid);
+        if (at.sort_version != 0) store_u8(record, at.sort_version, column.sort_version);
     }
-    append_u8(to, column.flags);
-    append_u8(to, column.ext_flags);
-    append_u32(to, 0);
-    append_u16(to, column.fixed_offset);
-    append_u16(to, column.length_bytes);
+    if (at.sort_sub_id != 0) store_u16(record, at.sort_sub_id, column.sort_sub_id);
+    if (at.code_page != 0) store_u16(record, at.code_page, column.code_page);
+    store_u8(record, at.flags, column.flags);
+    if (at.ext_flags != 0) store_u8(record, at.ext_flags, column.ext_flags);
+    store_u16(record, at.fixed_offset, column.fixed_offset);
+    store_u16(record, at.length, column.length_bytes);
+    append_bytes(to, record);
 }
 
-RealIndex parse_real_index(ByteSpan record) {
+RealIndex parse_real_index(ByteSpan record, const Format& format) {
+    const Format::RealIndex& at = format.real_index;
     RealIndex index;
     for (std::size_t i = 0; i < tdef::kKeyColumns; ++i) {
-        const std::size_t at = tdef::real_index::kKeys + tdef::real_index::kKeyBytes * i;
-        const std::uint16_t number = load_u16(record, at);
+        const std::size_t key = at.keys + tdef::real_index::kKeyBytes * i;
+        const std::uint16_t number = load_u16(record, key);
         if (number == tdef::kNoColumn) continue;
-        index.columns.push_back({number, load_u8(record, at + tdef::real_index::kKeyOrder) != 0});
+        index.columns.push_back({number, load_u8(record, key + tdef::real_index::kKeyOrder) != 0});
     }
-    index.map = RowId::unpack(load_u32(record, tdef::real_index::kMap));
-    index.root = load_u32(record, tdef::real_index::kRoot);
-    index.flags = load_u8(record, tdef::real_index::kFlags);
+    index.map = RowId::unpack(load_u32(record, at.map));
+    index.root = load_u32(record, at.root);
+    index.flags = load_u8(record, at.flags);
     return index;
 }
 
-void append_real_index(ByteVector& to, const RealIndex& index) {
-    append_u32(to, tdef::kIndexMagicValue);
+void append_real_index(ByteVector& to, const RealIndex& index, const Format& format) {
+    const Format::RealIndex& at = format.real_index;
+    ByteVector record(at.bytes);
+    if (at.keys != 0) store_u32(record, tdef::real_index::kMagic, tdef::kIndexMagicValue);
     for (std::size_t i = 0; i < tdef::kKeyColumns; ++i) {
         const bool used = i < index.columns.size();
-        append_u16(to, used ? index.columns[i].column_number : tdef::kNoColumn);
-        append_u8(to, used && index.columns[i].ascending ? 1 : 0);
+        const std::size_t key = at.keys + tdef::real_index::kKeyBytes * i;
+        store_u16(record, key, used ? index.columns[i].column_number : tdef::kNoColumn);
+        store_u8(record, key + tdef::real_index::kKeyOrder, used && index.columns[i].ascending ? 1 : 0);
     }
-    append_u32(to, index.map.pack());
-    append_u32(to, index.root);
-    append_u32(to, 0);
-    append_u8(to, index.flags);
-    to.insert(to.end(), 5, 0);
+    store_u32(record, at.map, index.map.pack());
+    store_u32(record, at.root, index.root);
+    store_u8(record, at.flags, index.flags);
+    append_bytes(to, record);
 }
 
-LogicalIndex parse_logical_index(ByteSpan record) {
+// The fields of a logical index stand in the same order in all versions.
+LogicalIndex parse_logical_index(ByteSpan record, const Format& format) {
+    const auto at = [&](std::size_t field) {
+        return field - tdef::logical_index::kNumber + format.logical_index.number;
+    };
     LogicalIndex index;
-    index.number = load_u32(record, tdef::logical_index::kNumber);
-    index.real_index = load_u32(record, tdef::logical_index::kRealIndex);
-    index.relation_side = load_u8(record, tdef::logical_index::kRelationSide);
-    index.other_index = load_i32(record, tdef::logical_index::kOtherIndex);
-    index.other_table = load_u32(record, tdef::logical_index::kOtherTable);
-    index.cascade_update = load_u8(record, tdef::logical_index::kCascadeUpdate);
-    index.cascade_delete = load_u8(record, tdef::logical_index::kCascadeDelete);
-    index.type = load_u8(record, tdef::logical_index::kType);
+    index.number = load_u32(record, at(tdef::logical_index::kNumber));
+    index.real_index = load_u32(record, at(tdef::logical_index::kRealIndex));
+    index.relation_side = load_u8(record, at(tdef::logical_index::kRelationSide));
+    index.other_index = load_i32(record, at(tdef::logical_index::kOtherIndex));
+    index.other_table = load_u32(record, at(tdef::logical_index::kOtherTable));
+    index.cascade_update = load_u8(record, at(tdef::logical_index::kCascadeUpdate));
+    index.cascade_delete = load_u8(record, at(tdef::logical_index::kCascadeDelete));
+    index.type = load_u8(record, at(tdef::logical_index::kType));
     return index;
 }
 
-void append_logical_index(ByteVector& to, const LogicalIndex& index) {
-    append_u32(to, tdef::kMagicValue);
-    append_u32(to, index.number);
-    append_u32(to, index.real_index);
-    append_u8(to, index.relation_side);
-    append_u32(to, static_cast<std::uint32_t>(index.other_index));
-    append_u32(to, index.other_table);
-    append_u8(to, index.cascade_update);
-    append_u8(to, index.cascade_delete);
-    append_u8(to, index.type);
-    append_u32(to, 0);
+void append_logical_index(ByteVector& to, const LogicalIndex& index, const Format& format) {
+    const auto at = [&](std::size_t field) {
+        return field - tdef::logical_index::kNumber + format.logical_index.number;
+    };
+    ByteVector record(format.logical_index.bytes);
+    if (format.logical_index.number != 0) store_u32(record, tdef::logical_index::kMagic, tdef::kMagicValue);
+    store_u32(record, at(tdef::logical_index::kNumber), index.number);
+    store_u32(record, at(tdef::logical_index::kRealIndex), index.real_index);
+    store_u8(record, at(tdef::logical_index::kRelationSide), index.relation_side);
+    store_u32(record, at(tdef::logical_index::kOtherIndex), static_cast<std::uint32_t>(index.other_index));
+    store_u32(record, at(tdef::logical_index::kOtherTable), index.other_table);
+    store_u8(record, at(tdef::logical_index::kCascadeUpdate), index.cascade_update);
+    store_u8(record, at(tdef::logical_index::kCascadeDelete), index.cascade_delete);
+    store_u8(record, at(tdef::logical_index::kType), index.type);
+    append_bytes(to, record);
 }
 
-void append_name(ByteVector& to, std::u16string_view name) {
+void append_name(ByteVector& to, std::u16string_view name, std::uint16_t code_page) {
+    if (code_page != 0) {
+        append_u8(to, static_cast<std::uint8_t>(name.size()));
+        append_bytes(to, encode_narrow(name, code_page));
+        return;
+    }
     append_u16(to, static_cast<std::uint16_t>(2 * name.size()));
     for (const char16_t unit : name) append_u16(to, unit);
 }
@@ -194,7 +238,7 @@ void check_columns(const TableDef& def, const DefReader& reader) {
         if (column.is_long()) reader.damaged("a long value column is marked as of fixed length");
         const std::size_t natural = natural_size(column.type);
         if (natural != 0 && column.length_bytes != natural) reader.damaged("a column's length is not its type's");
-        if (std::size_t{column.fixed_offset} + column.length_bytes > jet4::kPageSize) {
+        if (std::size_t{column.fixed_offset} + column.length_bytes > def.format->page_size) {
             reader.damaged("a fixed column lies outside of any row");
         }
     }
@@ -268,18 +312,21 @@ struct Counts {
 };
 
 Counts parse_head(TableDef& def, DefReader& reader) {
-    const ByteSpan head = reader.take(tdef::kFixedHeader);
-    if (load_u32(head, tdef::kMagic) != tdef::kMagicValue) reader.damaged("the table definition lacks its mark");
-    def.row_count = load_u32(head, tdef::kRowCount);
-    def.last_autonumber = load_i32(head, tdef::kLastAutoNumber);
-    def.change_counter = load_u64(head, tdef::kFiller);
-    def.kind = load_u8(head, tdef::kKind);
-    def.max_columns = load_u16(head, tdef::kMaxColumns);
-    def.variable_columns = load_u16(head, tdef::kVariableColumns);
-    def.owned_map = RowId::unpack(load_u32(head, tdef::kOwnedMap));
-    def.free_map = RowId::unpack(load_u32(head, tdef::kFreeMap));
-    const Counts counts{load_u16(head, tdef::kColumns), load_u32(head, tdef::kLogicalIndexes),
-                        load_u32(head, tdef::kRealIndexes)};
+    const Format::Definition& at = def.format->definition;
+    const ByteSpan head = reader.take(at.fixed_header);
+    if (at.magic != 0 && load_u32(head, at.magic) != tdef::kMagicValue) {
+        reader.damaged("the table definition lacks its mark");
+    }
+    def.row_count = load_u32(head, at.row_count);
+    def.last_autonumber = load_i32(head, at.last_autonumber);
+    if (at.autonumber_flag != 0) def.change_counter = load_u64(head, tdef::kFiller);
+    def.kind = load_u8(head, at.kind);
+    def.max_columns = load_u16(head, at.max_columns);
+    def.variable_columns = load_u16(head, at.variable_columns);
+    def.owned_map = RowId::unpack(load_u32(head, at.owned_map));
+    def.free_map = RowId::unpack(load_u32(head, at.free_map));
+    const Counts counts{load_u16(head, at.columns), load_u32(head, at.logical_indexes),
+                        load_u32(head, at.real_indexes)};
     if (def.max_columns > jet4::kMaxColumns || counts.columns > jet4::kMaxColumns ||
         def.variable_columns > jet4::kMaxColumns) {
         reader.damaged("the table has more columns than it can have");
@@ -310,30 +357,33 @@ std::string described_column(const TableDef& def, const ColumnDef& column) {
     return "column '" + to_utf8(column.name) + "' of table '" + to_utf8(def.name) + "'";
 }
 
-TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
-    if (bytes.size() < tdef::kFixedHeader) corrupt(page, "the table definition is too short");
+TableDef parse_table_def(ByteSpan bytes, PageNumber page, const Format& format, std::uint16_t code_page) {
+    const std::size_t fixed_header = format.definition.fixed_header;
+    if (bytes.size() < fixed_header) corrupt(page, "the table definition is too short");
     if (load_u8(bytes, 0) != jet4::kTableDefPage) corrupt(page, "a table definition is expected here");
     const std::uint32_t length = load_u32(bytes, tdef::kLength);
-    if (length < tdef::kFixedHeader || length > bytes.size()) corrupt(page, "the table definition's length is wrong");
-    DefReader reader(bytes.first(length), page);
+    if (length < fixed_header || length > bytes.size()) corrupt(page, "the table definition's length is wrong");
+    DefReader reader(bytes.first(length), page, format, code_page);
 
     TableDef def;
+    def.format = &format;
+    def.code_page = code_page;
     def.page = page;
     const Counts counts = parse_head(def, reader);
     std::vector<std::uint32_t> distinct_keys;
-    for (const ByteSpan record : take_records(reader, counts.real_indexes, tdef::kIndexStatistics)) {
+    for (const ByteSpan record : take_records(reader, counts.real_indexes, format.definition.index_statistics)) {
         distinct_keys.push_back(load_u32(record, tdef::kDistinctKeys));
     }
-    for (const ByteSpan record : take_records(reader, counts.columns, tdef::kColumnRecord)) {
-        def.columns.push_back(parse_column(record));
+    for (const ByteSpan record : take_records(reader, counts.columns, format.column.bytes)) {
+        def.columns.push_back(parse_column(record, reader, code_page));
     }
     for (ColumnDef& column : def.columns) column.name = reader.take_name();
-    for (const ByteSpan record : take_records(reader, counts.real_indexes, tdef::kRealIndexRecord)) {
-        def.real_indexes.push_back(parse_real_index(record));
+    for (const ByteSpan record : take_records(reader, counts.real_indexes, format.real_index.bytes)) {
+        def.real_indexes.push_back(parse_real_index(record, format));
         def.real_indexes.back().distinct_keys = distinct_keys[def.real_indexes.size() - 1];
     }
-    for (const ByteSpan record : take_records(reader, counts.logical_indexes, tdef::kLogicalIndexRecord)) {
-        def.logical_indexes.push_back(parse_logical_index(record));
+    for (const ByteSpan record : take_records(reader, counts.logical_indexes, format.logical_index.bytes)) {
+        def.logical_indexes.push_back(parse_logical_index(record, format));
     }
     for (LogicalIndex& index : def.logical_indexes) index.name = reader.take_name();
 
@@ -350,39 +400,58 @@ TableDef parse_table_def(ByteSpan bytes, PageNumber page) {
     return def;
 }
 
-ByteVector build_table_def(const TableDef& def, const std::vector<std::size_t>& record_order) {
-    std::vector<std::size_t> order = record_order;
-    if (order.empty()) {
-        for (std::size_t i = 0; i < def.columns.size(); ++i) order.push_back(i);
-    }
+namespace {
 
-    ByteVector bytes(tdef::kFixedHeader);
+ByteVector build_head(const TableDef& def) {
+    const Format::Definition& at = def.format->definition;
+    ByteVector bytes(at.fixed_header);
     bytes[0] = jet4::kTableDefPage;
     bytes[jet4::kPageKindMark] = 1;
-    store_u32(bytes, tdef::kMagic, tdef::kMagicValue);
-    store_u32(bytes, tdef::kRowCount, def.row_count);
-    store_u32(bytes, tdef::kLastAutoNumber, static_cast<std::uint32_t>(def.last_autonumber));
-    store_u32(bytes, tdef::kAutoNumberFlag, 1);
-    store_u64(bytes, tdef::kFiller, def.change_counter);
-    store_u8(bytes, tdef::kKind, def.kind);
-    store_u16(bytes, tdef::kMaxColumns, def.max_columns);
-    store_u16(bytes, tdef::kVariableColumns, def.variable_columns);
-    store_u16(bytes, tdef::kColumns, static_cast<std::uint16_t>(def.columns.size()));
-    store_u32(bytes, tdef::kLogicalIndexes, static_cast<std::uint32_t>(def.logical_indexes.size()));
-    store_u32(bytes, tdef::kRealIndexes, static_cast<std::uint32_t>(def.real_indexes.size()));
-    store_u32(bytes, tdef::kOwnedMap, def.owned_map.pack());
-    store_u32(bytes, tdef::kFreeMap, def.free_map.pack());
-
-    for (const RealIndex& index : def.real_indexes) {
-        append_u32(bytes, 0);
-        append_u32(bytes, index.distinct_keys);
-        append_u32(bytes, 0);
+    if (at.free == 0) store_u16(bytes, tdef::kFree, tdef::kJet3Mark);
+    if (at.magic != 0) store_u32(bytes, at.magic, tdef::kMagicValue);
+    store_u32(bytes, at.row_count, def.row_count);
+    store_u32(bytes, at.last_autonumber, static_cast<std::uint32_t>(def.last_autonumber));
+    if (at.autonumber_flag != 0) {
+        store_u32(bytes, at.autonumber_flag, 1);
+        store_u64(bytes, tdef::kFiller, def.change_counter);
     }
-    for (const std::size_t position : order) append_column(bytes, def.columns[position]);
-    for (const std::size_t position : order) append_name(bytes, def.columns[position].name);
-    for (const RealIndex& index : def.real_indexes) append_real_index(bytes, index);
-    for (const LogicalIndex& index : def.logical_indexes) append_logical_index(bytes, index);
-    for (const LogicalIndex& index : def.logical_indexes) append_name(bytes, index.name);
+    store_u8(bytes, at.kind, def.kind);
+    store_u16(bytes, at.max_columns, def.max_columns);
+    store_u16(bytes, at.variable_columns, def.variable_columns);
+    store_u16(bytes, at.columns, static_cast<std::uint16_t>(def.columns.size()));
+    store_u32(bytes, at.logical_indexes, static_cast<std::uint32_t>(def.logical_indexes.size()));
+    store_u32(bytes, at.real_indexes, static_cast<std::uint32_t>(def.real_indexes.size()));
+    store_u32(bytes, at.owned_map, def.owned_map.pack());
+    store_u32(bytes, at.free_map, def.free_map.pack());
+    return bytes;
+}
+
+// Where the caller has no order of its own: Jet 3 has the records by number, Jet 4 takes any.
+std::vector<std::size_t> usual_order(const TableDef& def) {
+    std::vector<std::size_t> order(def.columns.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    if (!def.format->is_jet3()) return order;
+    std::sort(order.begin(), order.end(),
+              [&](std::size_t a, std::size_t b) { return def.columns[a].number < def.columns[b].number; });
+    return order;
+}
+
+}  // namespace
+
+ByteVector build_table_def(const TableDef& def, const std::vector<std::size_t>& record_order) {
+    const Format& format = *def.format;
+    const std::vector<std::size_t> order = record_order.empty() ? usual_order(def) : record_order;
+    ByteVector bytes = build_head(def);
+    for (const RealIndex& index : def.real_indexes) {
+        bytes.resize(bytes.size() + format.definition.index_statistics);
+        const std::size_t at = bytes.size() - format.definition.index_statistics;
+        store_u32(bytes, at + tdef::kDistinctKeys, index.distinct_keys);
+    }
+    for (const std::size_t position : order) append_column(bytes, def.columns[position], format);
+    for (const std::size_t position : order) append_name(bytes, def.columns[position].name, def.code_page);
+    for (const RealIndex& index : def.real_indexes) append_real_index(bytes, index, format);
+    for (const LogicalIndex& index : def.logical_indexes) append_logical_index(bytes, index, format);
+    for (const LogicalIndex& index : def.logical_indexes) append_name(bytes, index.name, def.code_page);
 
     for (const std::size_t position : order) {
         const ColumnDef& column = def.columns[position];

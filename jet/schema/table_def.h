@@ -31,7 +31,8 @@ struct TableDef : RowShape {
     std::uint8_t kind = jet4::tdef::kUserTable;
     std::uint32_t row_count = 0;
     std::int32_t last_autonumber = 0;
-    std::uint64_t change_counter = 0;  // bytes 28..35, meaningful on MSysObjects only
+    std::uint16_t code_page = 0;       // of the names; 0: UTF-16
+    std::uint64_t change_counter = 0;  // Jet 4: bytes 28..35, meaningful on MSysObjects only
     RowId owned_map;
     RowId free_map;
     std::vector<RealIndex> real_indexes;
@@ -44,8 +45,9 @@ struct TableDef : RowShape {
 // "column 'Name' of table 'Songs'", for error texts.
 std::string described_column(const TableDef& def, const ColumnDef& column);
 
-// `bytes` is the logical definition (continuation pages joined); 3049 for anything inconsistent.
-TableDef parse_table_def(ByteSpan bytes, PageNumber page);
+// `bytes` is the logical definition (continuation pages joined); `code_page` that of its names (0: UTF-16). 3049 for
+// anything inconsistent.
+TableDef parse_table_def(ByteSpan bytes, PageNumber page, const Format& format = kJet4, std::uint16_t code_page = 0);
 // The logical definition, its first eight bytes without free count and next pointer. `record_order`
 // gives the order of the column records (positions in def.columns); empty: as in def.columns.
 ByteVector build_table_def(const TableDef& def, const std::vector<std::size_t>& record_order = {});

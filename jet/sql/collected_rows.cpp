@@ -42,7 +42,8 @@ void CollectedRows::put_in_order() {
     std::vector<Value> keys;
     keys.reserve(rows_.size() * order.size());
     // Each stands somewhere in the file, a character in a byte at least; rows that share their bytes are damage.
-    std::size_t room = order.size() * query_.table().storage().pager().page_count() * jet4::kPageSize;
+    std::size_t room = order.size() * query_.table().storage().pager().page_count() *
+                       query_.table().storage().pager().format().page_size;
     RowView view;
     for (const RowId row : rows_) {
         const bool exists = query_.table().read(row, view);

@@ -164,8 +164,7 @@ Query Query::prepare(Database& database, std::u16string_view statement) {
     }
     if (impl->table == nullptr) impl->table = database.find_table(impl->statement->table);
     if (impl->table == nullptr) {
-        fail(errors::kNoSuchTable,
-             "There is no table " + to_utf8(impl->statement->table) + " in " + database.path() + ".");
+        fail(errors::kNoSuchTable, database.why_no_table(impl->statement->table));
     }
     impl->binding = bind_statement(*impl->statement, impl->table->def(), std::move(literals));
     for (const OrderTerm& term : impl->statement->order) {

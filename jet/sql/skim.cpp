@@ -67,11 +67,11 @@ private:
     bool take_number() {
         const std::size_t begin = at_;
         std::int64_t number = 0;
-        for (; is_digit(current()) && at_ - begin <= kMostDigits; ++at_) number = 10 * number + (text_[at_] - u'0');
+        for (; is_digit(current()) && at_ - begin < kMostDigits; ++at_) number = 10 * number + (text_[at_] - u'0');
         result_.literals.emplace_back(number);
         result_.frame.push_back(kNumberMark);
-        const bool goes_on = current() == u'.' || current() == u'e' || current() == u'E';
-        return at_ - begin <= kMostDigits && !goes_on;
+        const bool goes_on = is_digit(current()) || current() == u'.' || current() == u'e' || current() == u'E';
+        return !goes_on;
     }
 
     std::u16string_view text_;

@@ -39,7 +39,7 @@ Table* table_instead_of_statement(Database& database, const Lexed& lexed) {
     if (!one_name && several_words) {
         fail(errors::kBadStatement, "The statement does not begin with SELECT: " + to_utf8(text));
     }
-    fail(errors::kNoSuchTable, "There is no table " + to_utf8(name) + " in " + database.path() + ".");
+    fail(errors::kNoSuchTable, database.why_no_table(name));
 }
 
 }  // namespace jet::sql

@@ -8,7 +8,7 @@
 #include <cstdint>
 
 #include "jet/base/bytes.h"
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
 #include "jet/base/types.h"
 
 namespace jet {
@@ -44,8 +44,11 @@ public:
     bool all_deleted() const;
 
 private:
+    std::size_t slot_at(std::size_t index) const { return slots_ + 2 * index; }
+
     ByteSpan bytes_;
     PageNumber page_no_;
+    std::size_t slots_;  // where they begin
     std::size_t slot_count_;
 };
 

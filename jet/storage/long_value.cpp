@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "jet/base/code_page.h"
 #include "jet/base/prefetch.h"
 #include "jet/storage/data_page.h"
 #include "jet/storage/text_codec.h"
@@ -21,7 +22,7 @@ struct Reference {
 Reference parse_reference(ByteSpan bytes) {
     const std::uint32_t head = load_u32(bytes, 0);
     check_range(bytes, 0, lv::kReference);
-    return {head & lv::kLengthMask, head & lv::kKindMask, RowId::unpack(load_u32(bytes, 4))};
+    return {head & lv::kLengthMask, head & lv::kKindMask, RowId::unpack(load_u32(bytes, lv::kRow))};
 }
 
 ByteVector make_reference(std::size_t length, std::uint32_t kind, RowId row, std::uint32_t stamp = 0) {
@@ -67,6 +68,7 @@ private:
 }  // namespace
 
 ByteVector LongValues::encode_memo(const ColumnDef& column, std::u16string_view text) {
+    if (column.code_page != 0) return encode_narrow(text, column.code_page);
     return encode_text(text, text.size() <= (column.is_compressed() ? lv::kMaxShortFlagged : lv::kMaxShort));
 }
 
@@ -96,7 +98,8 @@ ByteVector LongValues::read(ByteSpan reference, const ValueId* value) const {
     if (ref.kind != 0) corrupt(ref.row.page, "a long value is of an unknown kind");
     // The length is not believed before as many bytes have been seen.
     ByteVector bytes;
-    bytes.reserve(std::min<std::size_t>(ref.length, std::size_t{pager_.page_count()} * lv::kChainData));
+    bytes.reserve(
+        std::min<std::size_t>(ref.length, std::size_t{pager_.page_count()} * pager_.format().long_value.chain_data));
     RowId next = ref.row;
     Circle circle(next);
     while (bytes.size() < ref.length) {
@@ -108,15 +111,16 @@ ByteVector LongValues::read(ByteSpan reference, const ValueId* value) const {
         }
         next = RowId::unpack(load_u32(piece, 0));
         if (circle.closes_at(next)) corrupt(next.page, "the chain of a long value is a circle");
-        const std::size_t wanted = std::min<std::size_t>(piece.size() - 4, ref.length - bytes.size());
-        append_bytes(bytes, piece.subspan(4, wanted));
+        const std::size_t wanted = std::min<std::size_t>(piece.size() - lv::kPiecePointer, ref.length - bytes.size());
+        append_bytes(bytes, piece.subspan(lv::kPiecePointer, wanted));
     }
     return bytes;
 }
 
 ByteVector LongValues::write(const ColumnDef& column, ByteSpan bytes, bool inline_allowed) {
     if (bytes.size() > lv::kLengthMask) fail(errors::kRowTooLarge, "A long value is longer than 1 GiB.");
-    if (bytes.empty() || (inline_allowed && bytes.size() <= lv::kMaxInline)) {
+    const Format::LongValue& limits = pager_.format().long_value;
+    if (bytes.empty() || (inline_allowed && bytes.size() <= limits.max_inline)) {
         ByteVector reference = make_reference(bytes.size(), lv::kInline, {});
         append_bytes(reference, bytes);
         return reference;
@@ -124,7 +128,8 @@ ByteVector LongValues::write(const ColumnDef& column, ByteSpan bytes, bool inlin
     if (column.owned_map.is_null()) {
         corrupt(0, "column '" + to_utf8(column.name) + "' has no map of its long values");
     }
-    if (bytes.size() <= lv::kMaxSingle) return make_reference(bytes.size(), lv::kSingle, write_single(column, bytes));
+    if (bytes.size() <= limits.max_single)
+        return make_reference(bytes.size(), lv::kSingle, write_single(column, bytes));
     return write_chain(column, bytes);
 }
 
@@ -159,7 +164,9 @@ RowId LongValues::write_single(const ColumnDef& column, ByteSpan bytes) {
 
 ByteVector LongValues::write_chain(const ColumnDef& column, ByteSpan bytes) {
     UsageMap owned(pager_, allocator_, column.owned_map);
-    const std::size_t pieces = (bytes.size() + lv::kChainData - 1) / lv::kChainData;
+    const std::size_t chain_data = pager_.format().long_value.chain_data;
+    const std::size_t stamp_at = pager_.format().long_value.stamp;
+    const std::size_t pieces = (bytes.size() + chain_data - 1) / chain_data;
     std::vector<PageNumber> pages;
     for (std::size_t i = 0; i < pieces; ++i) {
         const MutablePage page = allocator_.allocate();
@@ -168,15 +175,15 @@ ByteVector LongValues::write_chain(const ColumnDef& column, ByteSpan bytes) {
         pages.push_back(page.number());
     }
     // The number of the first page is unique among the chains of the file, so it serves as their stamp.
-    const std::uint32_t stamp = pages.front();
+    const std::uint32_t stamp = stamp_at != 0 ? pages.front() : 0;
     for (std::size_t i = 0; i < pieces; ++i) {
         ByteVector piece;
         append_u32(piece, i + 1 < pieces ? RowId{pages[i + 1], 0}.pack() : 0);
-        const std::size_t at = i * lv::kChainData;
-        append_bytes(piece, bytes.subspan(at, std::min(lv::kChainData, bytes.size() - at)));
+        const std::size_t at = i * chain_data;
+        append_bytes(piece, bytes.subspan(at, std::min(chain_data, bytes.size() - at)));
         const MutablePage page = pager_.modify(pages[i]);
         add_row(page.bytes(), pages[i], piece);
-        if (i == 0) store_u32(page.bytes(), jet4::data::kStamp, stamp);
+        if (i == 0 && stamp_at != 0) store_u32(page.bytes(), stamp_at, stamp);
     }
     return make_reference(bytes.size(), 0, {pages.front(), 0}, stamp);
 }
@@ -197,7 +204,7 @@ void LongValues::release(const ColumnDef& column, ByteSpan reference) {
             const ByteSpan piece = piece_of(page, row);
             if (ref.kind == 0) {
                 next = RowId::unpack(load_u32(piece, 0));
-                left -= std::min<std::uint32_t>(left, static_cast<std::uint32_t>(piece.size() - 4));
+                left -= std::min<std::uint32_t>(left, static_cast<std::uint32_t>(piece.size() - lv::kPiecePointer));
                 if (left == 0) next = {};
             }
         }

@@ -31,7 +31,7 @@ public:
     void release(const ColumnDef& column, ByteSpan reference);
 
     // The bytes of a memo's text. Short text takes the short form, as the format's own writer does; how long it may be
-    // depends on the column's flag.
+    // depends on the column's flag. A column of a code page has one form.
     static ByteVector encode_memo(const ColumnDef& column, std::u16string_view text);
 
 private:

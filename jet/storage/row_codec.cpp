@@ -2,24 +2,29 @@
 
 #include <algorithm>
 
+#include "jet/base/code_page.h"
 #include "jet/base/jet4.h"
 #include "jet/storage/text_codec.h"
 
 namespace jet {
 namespace {
 
-constexpr std::size_t kCountBytes = 2;
 constexpr std::uint8_t kFalseTrue[] = {0, 1};
+
+// Offsets of one byte: bytes before the null mask say from which value on 256, 512... have to be added.
+constexpr std::uint8_t kNoJump = 0xFF;
+constexpr std::size_t kJump = 256;
 
 std::size_t mask_bytes(std::size_t columns) { return (columns + 7) / 8; }
 
 }  // namespace
 
-RowReader::RowReader(ByteSpan row, const RowShape& shape) : row_(row), table_page_(shape.page) {
-    column_count_ = load_u16(row, 0);
+RowReader::RowReader(ByteSpan row, const RowShape& shape)
+    : row_(row), table_page_(shape.page), is_short_(shape.format->data.row_number_bytes == 1) {
+    column_count_ = is_short_ ? load_u8(row, 0) : load_u16(row, 0);
     const std::size_t mask = mask_bytes(column_count_);
     if (column_count_ > shape.max_columns) corrupt(shape.page, "a row has more columns than its table ever had");
-    if (kCountBytes + mask > row.size()) corrupt(shape.page, "a row of the table is shorter than its null mask");
+    if (count_bytes() + mask > row.size()) corrupt(shape.page, "a row of the table is shorter than its null mask");
     mask_ = row.subspan(row.size() - mask);
 }
 
@@ -28,12 +33,16 @@ std::optional<ByteSpan> RowReader::stored(const ColumnDef& column) const {
         return ByteSpan(kFalseTrue).subspan(column.number < column_count_ && mask_bit(column.number) ? 1 : 0, 1);
     }
     if (column.number >= column_count_ || !mask_bit(column.number)) return std::nullopt;
-    if (column.is_fixed()) return slice(row_, kCountBytes + column.fixed_offset, column.length_bytes);
-    if (trailer_ == 0) find_trailer();
+    if (column.is_fixed()) return slice(row_, count_bytes() + column.fixed_offset, column.length_bytes);
+    if (trailer_ == 0) is_short_ ? find_short_trailer() : find_trailer();
     if (column.variable_index >= variable_count_) return std::nullopt;
+    if (is_short_) return variable_value(short_offset(column.variable_index), short_offset(column.variable_index + 1u));
     const std::uint8_t* const entry = row_.data() + trailer_ + 2 * (variable_count_ - column.variable_index);
-    const std::size_t begin = static_cast<std::size_t>(entry[0] | entry[1] << 8);
-    const std::size_t end = static_cast<std::size_t>(entry[-2] | entry[-1] << 8);
+    return variable_value(static_cast<std::size_t>(entry[0] | entry[1] << 8),
+                          static_cast<std::size_t>(entry[-2] | entry[-1] << 8));
+}
+
+ByteSpan RowReader::variable_value(std::size_t begin, std::size_t end) const {
     if (begin > end || end > trailer_) corrupt(table_page_, "a variable value of a row lies outside the row");
     return row_.subspan(begin, end - begin);
 }
@@ -44,20 +53,73 @@ void RowReader::find_trailer() const {
     const std::size_t end = row_.size() - mask_.size();
     const std::size_t count = load_u16(row_, end < 2 ? row_.size() : end - 2);
     const std::size_t bytes = 2 * (count + 2);
-    if (kCountBytes + bytes > end) corrupt(table_page_, "a row is shorter than its offsets");
+    if (2 + bytes > end) corrupt(table_page_, "a row is shorter than its offsets");
     trailer_ = end - bytes;
     variable_count_ = count;
 }
 
+// The same in one byte each, with the jumps between the offsets and their count.
+void RowReader::find_short_trailer() const {
+    const std::size_t end = row_.size() - mask_.size();
+    const std::size_t count = load_u8(row_, end < 1 ? row_.size() : end - 1);
+    jump_count_ = (row_.size() - 1) / kJump;
+    const std::size_t bytes = count + 1 + jump_count_ + 1;
+    if (1 + bytes > end) corrupt(table_page_, "a row is shorter than its offsets");
+    trailer_ = end - bytes;
+    variable_count_ = count;
+    jumps_ = end - 1 - jump_count_;
+}
+
+std::size_t RowReader::short_offset(std::size_t index) const {
+    std::size_t offset = row_[jumps_ - 1 - index];
+    for (std::size_t k = 0; k < jump_count_; ++k) {
+        const std::uint8_t first = row_[jumps_ + k];
+        if (first != kNoJump && first <= index) offset += kJump;
+    }
+    return offset;
+}
+
+namespace {
+
+void append_offsets(ByteVector& row, const std::vector<std::size_t>& offsets) {
+    for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) {
+        append_u16(row, static_cast<std::uint16_t>(*offset));
+    }
+    append_u16(row, static_cast<std::uint16_t>(offsets.size() - 1));
+}
+
+void append_short_offsets(ByteVector& row, const std::vector<std::size_t>& offsets, std::size_t mask) {
+    // The jumps count themselves in the length that says how many there are.
+    std::size_t jumps = 0;
+    for (;;) {
+        const std::size_t length = row.size() + offsets.size() + jumps + 1 + mask;
+        if ((length - 1) / kJump == jumps) break;
+        jumps = (length - 1) / kJump;
+    }
+    for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) {
+        append_u8(row, static_cast<std::uint8_t>(*offset));
+    }
+    for (std::size_t k = jumps; k > 0; --k) {
+        const auto first = std::lower_bound(offsets.begin(), offsets.end(), kJump * k);
+        append_u8(row, first == offsets.end() ? kNoJump : static_cast<std::uint8_t>(first - offsets.begin()));
+    }
+    append_u8(row, static_cast<std::uint8_t>(offsets.size() - 1));
+}
+
+}  // namespace
+
 ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values) {
+    const bool is_short = shape.format->data.row_number_bytes == 1;
+    const std::size_t count_bytes = shape.format->data.row_number_bytes;
     std::size_t fixed_bytes = 0;
     for (const ColumnDef& column : shape.columns) {
         if (column.is_fixed() && column.type != ColumnType::kBoolean) {
             fixed_bytes = std::max<std::size_t>(fixed_bytes, column.fixed_offset + column.length_bytes);
         }
     }
-    ByteVector row(kCountBytes + fixed_bytes);
-    store_u16(row, 0, shape.max_columns);
+    ByteVector row(count_bytes + fixed_bytes);
+    row[0] = static_cast<std::uint8_t>(shape.max_columns);
+    if (!is_short) store_u16(row, 0, shape.max_columns);
     ByteVector mask(mask_bytes(shape.max_columns));
     std::vector<const ByteVector*> variable(shape.variable_columns);
     for (std::size_t i = 0; i < shape.columns.size(); ++i) {
@@ -67,7 +129,7 @@ ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& val
         mask[column.number / 8] |= static_cast<std::uint8_t>(1 << (column.number % 8));
         if (column.type == ColumnType::kBoolean) continue;
         if (column.is_fixed()) {
-            store_bytes(row, kCountBytes + column.fixed_offset, ByteSpan(*values[i]).first(column.length_bytes));
+            store_bytes(row, count_bytes + column.fixed_offset, ByteSpan(*values[i]).first(column.length_bytes));
         } else {
             variable[column.variable_index] = &*values[i];
         }
@@ -80,15 +142,21 @@ ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& val
             if (value) append_bytes(row, *value);
         }
         offsets.push_back(row.size());
-        for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) {
-            append_u16(row, static_cast<std::uint16_t>(*offset));
+        if (is_short) {
+            append_short_offsets(row, offsets, mask.size());
+        } else {
+            append_offsets(row, offsets);
         }
-        append_u16(row, shape.variable_columns);
     }
     // A row must be able to become a pointer; zeros before the mask are nobody's.
     while (row.size() + mask.size() < jet4::data::kMinRow) row.push_back(0);
     append_bytes(row, mask);
     return row;
+}
+
+void decode_column_text(ByteSpan stored, const ColumnDef& column, std::u16string& into) {
+    if (column.code_page == 0) return decode_text(stored, into);
+    decode_narrow(stored, column.code_page, into);
 }
 
 Value decode_value(ByteSpan stored, const ColumnDef& column) {
@@ -103,7 +171,11 @@ Value decode_value(ByteSpan stored, const ColumnDef& column) {
         case ColumnType::kDouble: return load_f64(stored, 0);
         case ColumnType::kDate: return Date{load_f64(stored, 0)};
         case ColumnType::kText:
-        case ColumnType::kMemo: return decode_text(stored);
+        case ColumnType::kMemo: {
+            std::u16string text;
+            decode_column_text(stored, column, text);
+            return text;
+        }
         case ColumnType::kGuid: {
             Guid guid;
             const ByteSpan bytes = slice(stored, 0, guid.bytes.size());
@@ -129,7 +201,7 @@ void decode_value(ByteSpan stored, const ColumnDef& column, Value& into) {
         case ColumnType::kText:
         case ColumnType::kMemo:
             if (!std::holds_alternative<std::u16string>(into)) into.emplace<std::u16string>();
-            return decode_text(stored, *std::get_if<std::u16string>(&into));
+            return decode_column_text(stored, column, *std::get_if<std::u16string>(&into));
         case ColumnType::kLong: into.emplace<std::int32_t>(load_i32(stored, 0)); return;
         case ColumnType::kCurrency: into.emplace<Currency>(Currency{load_i64(stored, 0)}); return;
         case ColumnType::kDate: into.emplace<Date>(Date{load_f64(stored, 0)}); return;
@@ -153,6 +225,11 @@ ByteVector encode_value(const Value& value, const ColumnDef& column) {
         void operator()(Date v) const { append_u64(to, std::bit_cast<std::uint64_t>(v.days)); }
         void operator()(const std::u16string& v) const {
             const bool fixed = column.is_fixed();
+            if (column.code_page != 0) {
+                to = encode_narrow(v, column.code_page);
+                if (fixed && to.size() < column.length_bytes) to.resize(column.length_bytes, ' ');
+                return;
+            }
             if (fixed && begins_like_mark(v)) {
                 fail(errors::kBadConversion,
                      "The text of fixed length in column '" + to_utf8(column.name) + "' cannot begin with U+FEFF.");

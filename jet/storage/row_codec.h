@@ -25,6 +25,10 @@ public:
 
 private:
     void find_trailer() const;
+    void find_short_trailer() const;
+    ByteSpan variable_value(std::size_t begin, std::size_t end) const;
+    std::size_t short_offset(std::size_t index) const;
+    std::size_t count_bytes() const { return is_short_ ? 1 : 2; }
     bool mask_bit(std::size_t number) const { return (mask_[number / 8] >> (number % 8) & 1) != 0; }
 
     ByteSpan row_;
@@ -33,11 +37,17 @@ private:
     ByteSpan mask_;
     mutable std::size_t trailer_ = 0;  // where the offsets of variable values stand; 0: not looked for yet
     mutable std::size_t variable_count_ = 0;
+    bool is_short_ = false;          // numbers of one byte, as in Jet 3
+    mutable std::size_t jumps_ = 0;  // then: where the jumps stand, the first one last
+    mutable std::size_t jump_count_ = 0;
 };
 
 // A row of the table's present shape; `values` by position in shape.columns. How long a row may be is the
 // caller's to check.
 ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values);
+
+// The text of a column that holds texts, in whichever form the column has them, into a text whose memory is used again.
+void decode_column_text(ByteSpan stored, const ColumnDef& column, std::u16string& into);
 
 // Values that stand in the row itself, to and from their stored form (long values: long_value.h).
 Value decode_value(ByteSpan stored, const ColumnDef& column);

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
 #include "jet/base/types.h"
 
 namespace jet {
@@ -16,7 +16,9 @@ struct ColumnDef {
     ColumnType type = ColumnType::kLong;
     std::uint16_t number = 0;  // index into the null mask, unique for the table's life
     std::uint16_t variable_index = 0;
-    std::uint16_t ordinal = 0;  // display position
+    std::uint16_t ordinal = 0;      // display position
+    std::uint16_t code_page = 0;    // of texts; 0: UTF-16, as in Jet 4
+    std::uint16_t sort_sub_id = 0;  // Jet 3, as the header has it
     std::uint16_t lcid = jet4::kGeneralOrder;
     std::uint8_t sort_version = 0;
     std::uint8_t precision = 0;  // numeric only
@@ -24,7 +26,7 @@ struct ColumnDef {
     std::uint8_t flags = 0;
     std::uint8_t ext_flags = 0;
     std::uint16_t fixed_offset = 0;
-    std::uint16_t length_bytes = 0;  // text: 2 x characters; long values 0
+    std::uint16_t length_bytes = 0;  // text: 2 x characters, in a code page 1 x; long values 0
     RowId owned_map;                 // long values: their pages
     RowId free_map;
     // From the table's properties, not from the definition itself.
@@ -35,10 +37,12 @@ struct ColumnDef {
     bool is_autonumber() const { return (flags & jet4::tdef::kFlagAutoNumber) != 0; }
     bool is_compressed() const { return (ext_flags & jet4::tdef::kExtCompressed) != 0; }
     bool is_long() const { return is_long_value(type); }
-    bool general_order() const { return lcid == jet4::kGeneralOrder && sort_version == 0; }
+    // Of a text.
+    std::size_t most_characters() const { return code_page != 0 ? length_bytes : length_bytes / 2u; }
 };
 
 struct RowShape {
+    const Format* format = &kJet4;
     PageNumber page = 0;            // first page of the definition: the table's identity
     std::uint16_t max_columns = 0;  // how many the table ever had
     std::uint16_t variable_columns = 0;

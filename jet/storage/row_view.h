@@ -26,8 +26,8 @@ public:
     // Stored bytes of the column at `position` in the shape's columns, as RowReader gives them; they stay
     // while the view is not filled again.
     std::optional<ByteSpan> stored(std::size_t position) const;
-    // What a long value's stored bytes lead to, where it stands in the row or on one page, which stays pinned in
-    // `page`; none for a chain of pages.
+    // The bytes that a long value's stored bytes lead to, where it stands in the row or on one page, which stays pinned
+    // in `page`; none for a chain of pages. A memo's are in the column's encoding (ColumnDef::code_page).
     std::optional<ByteSpan> long_bytes(ByteSpan stored, Page& page) const;
     // Value of the column at `position` in the shape's columns; long values are fetched.
     Value value(std::size_t position) const;

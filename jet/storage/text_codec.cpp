@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "jet/base/error.h"
+#include "jet/base/jet4.h"
 #include "jet/base/types.h"
 
 #ifdef __SSE2__
@@ -12,7 +13,7 @@
 namespace jet {
 namespace {
 
-constexpr std::uint8_t kMark[] = {0xFF, 0xFE};
+constexpr auto& kMark = jet4::text::kCompressedMark;
 
 bool is_narrow(char16_t c) { return c >= 1 && c <= 0xFF; }
 

@@ -45,12 +45,13 @@ void set_bit(MutableByteSpan bitmap, std::size_t bit, bool on) {
 //  - Bitmap pages lie inside the largest file, behind its fixed pages, and none stands for two blocks. That they are
 //    bitmap pages of this file is seen when they are read (bitmap_of).
 struct MapRow {
+    const Format* format;
     ByteSpan bytes;
     bool reference = false;
     PageNumber start = 0;  // inline only
     ByteSpan bitmap;       // inline only
 
-    MapRow(ByteSpan page, RowId row) : bytes(live_row(page, row)) {
+    MapRow(ByteSpan page, RowId row) : format(&format_of(page)), bytes(live_row(page, row)) {
         if (bytes.size() < usage::kBitmap) corrupt(row.page, "a usage map is shorter than its head");
         if (bytes[0] > usage::kReference) corrupt(row.page, "a usage map is of an unknown kind");
         reference = bytes[0] == usage::kReference;
@@ -63,8 +64,11 @@ struct MapRow {
         bitmap = bytes.subspan(usage::kBitmap);
     }
     // What lies behind the last block of the largest file is nobody's.
-    std::size_t pointers() const { return std::min<std::size_t>((bytes.size() - 1) / 4, usage::kMaxBitmaps); }
-    PageNumber pointer(std::size_t k) const { return load_u32(bytes, 1 + 4 * k); }
+    std::size_t pointers() const {
+        return std::min((bytes.size() - usage::kPointers) / usage::kPointer, format->max_bitmaps());
+    }
+    PageNumber pointer(std::size_t k) const { return load_u32(bytes, usage::kPointers + usage::kPointer * k); }
+    std::uint32_t pages_per_bitmap() const { return format->usage.pages_per_bitmap; }
     bool covers(PageNumber page_no) const { return page_no >= start && page_no - start < 8 * bitmap.size(); }
 
 private:
@@ -104,9 +108,9 @@ bool map_contains(Pager& pager, RowId row, PageNumber page_no) {
     const Page page = pager.read(row.page);
     const MapRow map(page.bytes(), row);
     if (!map.reference) return map.covers(page_no) && test_bit(map.bitmap, page_no - map.start);
-    const std::size_t k = page_no / usage::kPagesPerBitmap;
+    const std::size_t k = page_no / map.pages_per_bitmap();
     if (k >= map.pointers() || map.pointer(k) == 0) return false;
-    return test_bit(bitmap_of(pager.read(map.pointer(k))), page_no % usage::kPagesPerBitmap);
+    return test_bit(bitmap_of(pager.read(map.pointer(k))), page_no % map.pages_per_bitmap());
 }
 
 std::optional<PageNumber> map_next(Pager& pager, RowId row, PageNumber from) {
@@ -117,14 +121,15 @@ std::optional<PageNumber> map_next(Pager& pager, RowId row, PageNumber from) {
         if (!bit || std::uint64_t{*bit} + map.start >= jet4::kMaxPages) return std::nullopt;
         return map.start + static_cast<PageNumber>(*bit);
     }
-    for (std::size_t k = from / usage::kPagesPerBitmap; k < map.pointers(); ++k) {
+    const std::uint32_t per_bitmap = map.pages_per_bitmap();
+    for (std::size_t k = from / per_bitmap; k < map.pointers(); ++k) {
         if (map.pointer(k) != 0) {
             const Page bitmap = pager.read(map.pointer(k));
-            if (const auto bit = next_bit(bitmap_of(bitmap), from % usage::kPagesPerBitmap)) {
-                return static_cast<PageNumber>(k * usage::kPagesPerBitmap + *bit);
+            if (const auto bit = next_bit(bitmap_of(bitmap), from % per_bitmap)) {
+                return static_cast<PageNumber>(k * per_bitmap + *bit);
             }
         }
-        from = static_cast<PageNumber>((k + 1) * usage::kPagesPerBitmap);
+        from = static_cast<PageNumber>((k + 1) * per_bitmap);
     }
     return std::nullopt;
 }
@@ -165,8 +170,8 @@ void UsageMap::remove(PageNumber page_no) {
     const Page page = pager_->read(row_.page);
     const MapRow map(page.bytes(), row_);
     if (map.reference) {
-        const MutablePage bitmap = pager_->modify(map.pointer(page_no / usage::kPagesPerBitmap));
-        set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, false);
+        const MutablePage bitmap = pager_->modify(map.pointer(page_no / map.pages_per_bitmap()));
+        set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % map.pages_per_bitmap(), false);
     } else {
         const MutablePage writable = pager_->modify(row_.page);
         set_bit(map_bytes(writable, row_).subspan(usage::kBitmap), page_no - map.start, false);
@@ -176,7 +181,8 @@ void UsageMap::remove(PageNumber page_no) {
 void UsageMap::add(PageNumber page_no) {
     if (row_.is_null()) corrupt(page_no, "a page was to be added to a usage map that is not there");
     if (contains(page_no)) return;
-    const std::size_t k = page_no / usage::kPagesPerBitmap;
+    const std::uint32_t per_bitmap = pager_->format().usage.pages_per_bitmap;
+    const std::size_t k = page_no / per_bitmap;
     {
         // Where the map's bitmap page is there already, it alone changes.
         const Page page = pager_->read(row_.page);
@@ -184,7 +190,7 @@ void UsageMap::add(PageNumber page_no) {
         if (map.reference && k < map.pointers() && map.pointer(k) != 0) {
             const MutablePage bitmap = pager_->modify(map.pointer(k));
             bitmap_of(bitmap);
-            set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, true);
+            set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % per_bitmap, true);
             return;
         }
     }
@@ -219,8 +225,8 @@ void UsageMap::add(PageNumber page_no) {
     if (k >= map.pointers()) corrupt(row_.page, "a usage map has no room for a page of its file");
     const MutablePage bitmap = allocator_->allocate();
     format_bitmap_page(bitmap.bytes(), 0);
-    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, true);
-    store_u32(row, 1 + 4 * k, bitmap.number());
+    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % per_bitmap, true);
+    store_u32(row, usage::kPointers + usage::kPointer * k, bitmap.number());
 }
 
 void UsageMap::destroy() {
@@ -262,7 +268,7 @@ void PageAllocator::check_unused(PageNumber page_no) const {
         if (DataPage(page.bytes(), page_no).all_deleted()) return;
         const Page definition = pager_.read(owner);
         if (definition.bytes()[0] != jet4::kTableDefPage) return;
-        const RowId map = RowId::unpack(load_u32(definition.bytes(), jet4::tdef::kOwnedMap));
+        const RowId map = RowId::unpack(load_u32(definition.bytes(), pager_.format().definition.owned_map));
         in_use = map_contains(pager_, map, page_no);
     } catch (const Error& error) {
         // What a free page holds need not make sense.
@@ -276,7 +282,7 @@ MutablePage PageAllocator::allocate() {
         map_next(pager_, kGlobalMapRow, std::max<PageNumber>(lowest_free_hint_, jet4::kGlobalMapPage + 1));
     if (lowest && *lowest < pager_.page_count()) {
         check_unused(*lowest);
-        mark_used(*lowest);
+        set_free(*lowest, false);
         lowest_free_hint_ = *lowest + 1;
         MutablePage page = pager_.modify(*lowest);
         std::fill(page.bytes().begin(), page.bytes().end(), std::uint8_t{0});
@@ -284,68 +290,83 @@ MutablePage PageAllocator::allocate() {
     }
     lowest_free_hint_ = pager_.page_count();
     MutablePage page = pager_.extend();
-    mark_used(page.number());
+    set_free(page.number(), false);
     return page;
-}
-
-void PageAllocator::mark_used(PageNumber page_no) {
-    const MutablePage page = pager_.modify(jet4::kGlobalMapPage);
-    const MapRow map(page.bytes(), kGlobalMapRow);
-    const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
-    if (!map.reference) {
-        if (map.covers(page_no)) {
-            set_bit(row.subspan(usage::kBitmap), page_no - map.start, false);
-            return;
-        }
-        if (map.start != 0 || row.size() < usage::kDefaultRow) {
-            corrupt(jet4::kGlobalMapPage, "the map of free pages does not begin with the file");
-        }
-        // Beyond the inline bits: from now on through bitmap pages. The old bits go first, all others are free.
-        const ByteVector old(map.bitmap.begin(), map.bitmap.end());
-        const MutablePage bitmap = pager_.extend();
-        format_bitmap_page(bitmap.bytes(), 0xFF);
-        store_bytes(bitmap.bytes(), usage::kPagePrefix, old);
-        std::fill(row.begin(), row.end(), std::uint8_t{0});
-        row[0] = usage::kReference;
-        store_u32(row, 1, bitmap.number());
-        mark_used(bitmap.number());
-        mark_used(page_no);
-        return;
-    }
-    const std::size_t k = page_no / usage::kPagesPerBitmap;
-    if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for a page of its file");
-    if (map.pointer(k) == 0) {
-        const MutablePage bitmap = pager_.extend();
-        format_bitmap_page(bitmap.bytes(), 0xFF);
-        store_u32(row, 1 + 4 * k, bitmap.number());
-        mark_used(bitmap.number());
-    }
-    const MutablePage bitmap = pager_.modify(map.pointer(k));
-    bitmap_of(bitmap);
-    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, false);
 }
 
 void PageAllocator::free(PageNumber page_no) {
     if (page_no <= jet4::kRelationshipsPage || page_no >= pager_.page_count()) {
         corrupt(page_no, "a page was to be freed that cannot be free");
     }
+    lowest_free_hint_ = std::min(lowest_free_hint_, page_no);
+    set_free(page_no, true);
+}
+
+// Where the map says nothing of the page yet, it grows.
+void PageAllocator::set_free(PageNumber page_no, bool is_free) {
     const MutablePage page = pager_.modify(jet4::kGlobalMapPage);
     const MapRow map(page.bytes(), kGlobalMapRow);
-    const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
-    lowest_free_hint_ = std::min(lowest_free_hint_, page_no);
     if (!map.reference) {
-        if (map.covers(page_no)) set_bit(row.subspan(usage::kBitmap), page_no - map.start, true);
-        return;
+        if (map.covers(page_no)) {
+            set_bit(map_bytes(page, kGlobalMapRow).subspan(usage::kBitmap), page_no - map.start, is_free);
+            return;
+        }
+        // What lies before a window that another program has moved is in use as it is.
+        if (!is_free && page_no < map.start) return;
+        use_bitmap_pages(page);
+        return set_free(page_no, is_free);
     }
-    const std::size_t k = page_no / usage::kPagesPerBitmap;
-    if (k >= map.pointers() || map.pointer(k) == 0) return;
+    const std::uint32_t per_bitmap = map.pages_per_bitmap();
+    const std::size_t k = page_no / per_bitmap;
+    if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for a page of its file");
+    if (map.pointer(k) == 0) {
+        add_bitmap_page(page, k);
+        return set_free(page_no, is_free);
+    }
     const MutablePage bitmap = pager_.modify(map.pointer(k));
     bitmap_of(bitmap);
-    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % usage::kPagesPerBitmap, true);
+    set_bit(bitmap.bytes().subspan(usage::kPagePrefix), page_no % per_bitmap, is_free);
+}
+
+// Beyond the inline bits: from now on through bitmap pages, which take over the bits of the window wherever it is.
+void PageAllocator::use_bitmap_pages(const MutablePage& page) {
+    const MutableByteSpan row = map_bytes(page, kGlobalMapRow);
+    const PageNumber start = MapRow(page.bytes(), kGlobalMapRow).start;
+    const ByteVector bits(row.begin() + usage::kBitmap, row.end());
+    const std::uint64_t end = std::min<std::uint64_t>(start + 8 * std::uint64_t{bits.size()}, jet4::kMaxPages);
+    std::fill(row.begin(), row.end(), std::uint8_t{0});
+    row[0] = usage::kReference;
+    const std::uint32_t per_bitmap = pager_.format().usage.pages_per_bitmap;
+    for (std::size_t k = start / per_bitmap; std::uint64_t{k} * per_bitmap < end; ++k) {
+        const MapRow map(page.bytes(), kGlobalMapRow);
+        if (k >= map.pointers()) corrupt(jet4::kGlobalMapPage, "the map of free pages has no room for its own pages");
+        if (map.pointer(k) == 0) add_bitmap_page(page, k);
+    }
+    const std::vector<PageNumber> bitmaps = bitmap_pages();
+    for (std::uint64_t member = start; member < end; ++member) {
+        const auto page_no = static_cast<PageNumber>(member);
+        if (std::find(bitmaps.begin(), bitmaps.end(), page_no) != bitmaps.end()) continue;
+        set_free(page_no, test_bit(bits, page_no - start));
+    }
+}
+
+// A page of bits for a block that has none: pages of the file are in use, as the map has said so far, those behind its
+// end are free.
+void PageAllocator::add_bitmap_page(const MutablePage& page, std::size_t k) {
+    const std::uint32_t per_bitmap = pager_.format().usage.pages_per_bitmap;
+    const std::uint64_t first = std::uint64_t{k} * per_bitmap;
+    const MutablePage bitmap = pager_.extend();
+    format_bitmap_page(bitmap.bytes(), 0xFF);
+    const std::uint64_t end = std::min<std::uint64_t>(pager_.page_count(), first + per_bitmap);
+    for (std::uint64_t member = first; member < end; ++member) {
+        set_bit(bitmap.bytes().subspan(usage::kPagePrefix), static_cast<std::size_t>(member - first), false);
+    }
+    store_u32(map_bytes(page, kGlobalMapRow), usage::kPointers + usage::kPointer * k, bitmap.number());
+    if (bitmap.number() / per_bitmap != k) set_free(bitmap.number(), false);
 }
 
 RowId PageAllocator::create_map(PageNumber* page_no, PageNumber member) {
-    ByteVector row(usage::kDefaultRow, 0);
+    ByteVector row(pager_.format().usage.default_row, 0);
     if (member != 0) {
         store_u32(row, usage::kStart, member & ~7u);
         set_bit(MutableByteSpan(row).subspan(usage::kBitmap), member & 7u, true);

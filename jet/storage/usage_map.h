@@ -53,14 +53,17 @@ public:
     // Forgets what it remembers of the map (after a rollback).
     void forget() { lowest_free_hint_ = 0; }
 
-    // Writes a usage-map row of `kDefaultRow` bytes, with `member` in it unless 0, onto page `*page_no`
+    // Writes a usage-map row of the usual length, with `member` in it unless 0, onto page `*page_no`
     // when there is room, otherwise onto a fresh page whose number it leaves in `*page_no` (0: start
     // with a fresh page). Returns the row's address.
     RowId create_map(PageNumber* page_no, PageNumber member = 0);
 
 private:
     void check_unused(PageNumber page_no) const;
-    void mark_used(PageNumber page_no);
+    // `page` is that of the map.
+    void set_free(PageNumber page_no, bool is_free);
+    void use_bitmap_pages(const MutablePage& page);
+    void add_bitmap_page(const MutablePage& page, std::size_t k);
     Pager& pager_;
     PageNumber lowest_free_hint_ = 0;
 };

@@ -5,6 +5,8 @@
 #include <limits>
 #include <optional>
 
+#include "jet/base/code_page.h"
+
 namespace jet {
 namespace {
 
@@ -89,6 +91,14 @@ std::u16string to_text(const ColumnDef& column, const Value& value) {
     return from_utf8({digits, result.ptr});
 }
 
+// The text that a code page gives back: "?" for each character that it lacks. Indexes and whoever reads the value
+// before it is stored see the same.
+std::u16string as_stored(const std::u16string& text, std::uint16_t code_page) {
+    std::u16string stored;
+    decode_narrow(encode_narrow(text, code_page), code_page, stored);
+    return stored;
+}
+
 // Whether the value stands in the column's own type already, and fits.
 bool is_of_column(const ColumnDef& column, const Value& value) {
     switch (column.type) {
@@ -97,10 +107,10 @@ bool is_of_column(const ColumnDef& column, const Value& value) {
         case ColumnType::kInteger: return std::holds_alternative<std::int16_t>(value);
         case ColumnType::kLong: return std::holds_alternative<std::int32_t>(value);
         case ColumnType::kCurrency: return std::holds_alternative<Currency>(value);
-        case ColumnType::kMemo: return std::holds_alternative<std::u16string>(value);
+        case ColumnType::kMemo: return column.code_page == 0 && std::holds_alternative<std::u16string>(value);
         case ColumnType::kText: {
             const auto* text = std::get_if<std::u16string>(&value);
-            return text && 2 * text->size() <= column.length_bytes;
+            return column.code_page == 0 && text && text->size() <= column.most_characters();
         }
         default: return false;  // the others' conversions look at no more than the type and the range
     }
@@ -143,10 +153,11 @@ Value coerce_value(const ColumnDef& column, Value value) {
         case ColumnType::kText:
         case ColumnType::kMemo: {
             std::u16string text = to_text(column, value);
-            if (column.type == ColumnType::kText && 2 * text.size() > column.length_bytes) {
+            if (column.code_page != 0) text = as_stored(text, column.code_page);
+            if (column.type == ColumnType::kText && text.size() > column.most_characters()) {
                 fail(errors::kTextTooLong, "The text is too long for column '" + to_utf8(column.name) +
                                                "': " + std::to_string(text.size()) + " of at most " +
-                                               std::to_string(column.length_bytes / 2) + " characters.");
+                                               std::to_string(column.most_characters()) + " characters.");
             }
             return text;
         }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <new>
+#include <utility>
 
 namespace jet {
 
@@ -37,6 +39,12 @@ std::size_t place_of(const ColumnMap::Entry& wanted, std::size_t size, const Ent
     return low;
 }
 
+// For one more: adding it then needs no memory.
+template <class Item>
+void make_room(std::vector<Item>& items) {
+    if (items.size() == items.capacity()) items.reserve(items.empty() ? 4 : 2 * items.size());
+}
+
 }  // namespace
 
 std::optional<std::uint64_t> ColumnMap::key_of(const Value& value) {
@@ -61,10 +69,14 @@ std::uint64_t ColumnMap::key_of_date(double days) {
 
 void ColumnMap::Block::spell_out_keys() {
     if (!keys_.empty()) return;
+    keys_.reserve(rows_.size() + 1);
     for (std::size_t at = 0; at < rows_.size(); ++at) keys_.push_back(first_key_ + at * key_step_);
 }
 
+// Without memory the block stays as it is.
 void ColumnMap::Block::insert(std::size_t at, const Entry& entry) {
+    make_room(rows_);
+    if (!keys_.empty()) make_room(keys_);
     if (rows_.empty()) first_key_ = entry.key;
     if (rows_.size() == 1 && at == 1) key_step_ = entry.key == first_key_ ? 0 : 1;
     const bool fits =
@@ -84,6 +96,7 @@ void ColumnMap::Block::erase(std::size_t at) {
     rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
+// Without memory it throws and the block stays as it is.
 ColumnMap::Block ColumnMap::Block::cut(std::size_t at) {
     spell_out_keys();
     Block upper;
@@ -126,11 +139,16 @@ void ColumnMap::insert(Entry entry) {
     if (at == blocks_.size()) {
         // Keys mostly grow: a full last block stays full instead of being halved.
         if (blocks_.empty() || blocks_.back().size() >= kBlockEntries) {
-            blocks_.emplace_back();
-            lasts_.emplace_back();
+            Block block;
+            block.insert(0, entry);
+            make_room(blocks_);
+            make_room(lasts_);
+            blocks_.push_back(std::move(block));
+            lasts_.push_back(entry);
+        } else {
+            blocks_.back().insert(blocks_.back().size(), entry);
+            lasts_.back() = entry;
         }
-        blocks_.back().insert(blocks_.back().size(), entry);
-        lasts_.back() = entry;
         ++size_;
         return;
     }
@@ -139,10 +157,20 @@ void ColumnMap::insert(Entry entry) {
     if (block.entry(place) == entry) return;
     block.insert(place, entry);
     ++size_;
-    if (block.size() <= kBlockEntries) return;
-    Block upper = block.cut(block.size() / 2);
-    lasts_.insert(lasts_.begin() + static_cast<std::ptrdiff_t>(at), block.entry(block.size() - 1));
-    blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(at) + 1, std::move(upper));
+    if (block.size() > kBlockEntries) halve(at);
+}
+
+// Without memory the block stays whole: the next insertion tries again.
+void ColumnMap::halve(std::size_t at) noexcept {
+    try {
+        make_room(blocks_);
+        make_room(lasts_);
+        Block& block = blocks_[at];
+        Block upper = block.cut(block.size() / 2);
+        lasts_.insert(lasts_.begin() + static_cast<std::ptrdiff_t>(at), block.entry(block.size() - 1));
+        blocks_.insert(blocks_.begin() + static_cast<std::ptrdiff_t>(at) + 1, std::move(upper));
+    } catch (const std::bad_alloc&) {
+    }
 }
 
 void ColumnMap::erase(Entry entry) {

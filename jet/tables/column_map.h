@@ -59,6 +59,7 @@ private:
 
     std::size_t block_of(const Entry& entry) const;
     std::size_t place_in(std::size_t at, const Entry& entry) const;
+    void halve(std::size_t at) noexcept;
 
     std::vector<Block> blocks_;  // none empty, in order
     std::vector<Entry> lasts_;   // the last entry of each block, close together for the search

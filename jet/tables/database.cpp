@@ -92,6 +92,18 @@ FileHeader read_header(os::File& file, const std::string& path) {
     return parse_header(page, path);
 }
 
+// Whether what the header says of the encoding is true.
+void check_first_pages(Pager& pager) {
+    if (pager.kind().encryption_key == 0) return;
+    const auto begins = [&](PageNumber page_no, std::uint8_t kind) {
+        const Page page = pager.read(page_no);
+        return page.bytes()[0] == kind && page.bytes()[jet4::kPageKindMark] == 1;
+    };
+    if (!begins(jet4::kGlobalMapPage, jet4::kDataPage) || !begins(jet4::kObjectsPage, jet4::kTableDefPage)) {
+        fail(errors::kDamaged, pager.path() + " is damaged: its pages are encoded with another key than it names.");
+    }
+}
+
 }  // namespace
 
 struct Database::Impl {
@@ -125,14 +137,8 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
     std::unique_ptr<os::File> file =
         open_file(path, options.read_only ? os::OpenMode::kReadOnly : os::OpenMode::kExclusive);
     FileHeader header = read_header(*file, path);
-    // A journal may bring another header: both are looked at.
-    const auto check_encryption = [&] {
-        if (header.encryption_key != 0) {
-            fail(errors::kNotADatabase, path + " cannot be opened: its pages are encrypted.");
-        }
-    };
-    check_encryption();
-    // The password before anything else happens to the file, a replay of its journal included.
+    // A journal may bring another header: both are looked at. The password before anything else happens to the file, a
+    // replay of its journal included.
     const auto check_password = [&] {
         if (!options.ignore_password && !header.password.empty() && header.password != options.password) {
             fail(errors::kWrongPassword, "The password of " + path + " is missing or wrong.");
@@ -144,9 +150,14 @@ std::unique_ptr<Database> Database::open(const std::string& name, const OpenOpti
     if (!has_journal) check_password();
     auto impl = std::make_unique<Impl>(std::move(file), path, pager_options);
     header = parse_header(impl->storage.pager().read(jet4::kHeaderPage).bytes(), path);
-    check_encryption();
     check_password();
+    const FileKind& kind = impl->storage.pager().kind();
+    if (header.format != kind.format || header.encryption_key != kind.encryption_key) {
+        corrupt(jet4::kHeaderPage, "a journal makes another kind of file of it");
+    }
     impl->header = header;
+    impl->definitions.use_code_page(header.text_code_page());
+    check_first_pages(impl->storage.pager());
     if (options.read_only) impl->storage.read_past_damage(options.on_damage);
     auto database = std::unique_ptr<Database>(new Database(std::move(impl)));
     database->open_catalog();
@@ -185,6 +196,8 @@ void Database::open_catalog() {
 }
 
 const std::string& Database::path() const { return impl_->storage.pager().path(); }
+std::uint16_t Database::code_page() const { return impl_->header.text_code_page(); }
+const FileHeader& Database::header() const { return impl_->header; }
 Storage& Database::storage() { return impl_->storage; }
 
 void Database::close() {
@@ -229,6 +242,23 @@ Table* Database::find_table(std::u16string_view name) {
     return table_by_page(static_cast<PageNumber>(object->entry.id));
 }
 
+std::string Database::why_no_table(std::u16string_view name) {
+    const std::string quoted = "'" + to_utf8(name) + "'";
+    const Catalog::Object* object = impl_->catalog->find(name);
+    if (!object) return "There is no table " + to_utf8(name) + " in " + path() + ".";
+    if (object->entry.type == kQueryObject) return quoted + " is a query of " + path() + ", no table.";
+    if (object->entry.type != kLinkedTable && object->entry.type != kLinkedOdbcTable) {
+        return quoted + " is no table of " + path() + ".";
+    }
+    const LinkTarget target = impl_->catalog->link_target(*object);
+    std::string where = target.database.empty() ? target.connect : target.database;
+    if (where.empty()) where = "another database";
+    return quoted + " is linked to " + (target.table.empty() ? "" : "'" + target.table + "' in ") + where +
+           "; open that instead.";
+}
+
+bool Database::is_replica() { return find_table(u"MSysReplicas") != nullptr || find_table(u"MSysRepInfo") != nullptr; }
+
 Table* Database::table_by_page(PageNumber page) {
     const auto known = impl_->tables.find(page);
     if (known != impl_->tables.end()) return known->second.get();
@@ -241,7 +271,7 @@ namespace {
 
 Table& require_table(Database& database, std::u16string_view name) {
     Table* table = database.find_table(name);
-    if (!table) fail(errors::kNotInCollection, "There is no table '" + to_utf8(name) + "' in " + database.path() + ".");
+    if (!table) fail(errors::kNotInCollection, database.why_no_table(name));
     if (table->watched()) {
         fail(errors::kTableLocked, "Table '" + to_utf8(name) + "' cannot be changed while a record set is open on it.");
     }

@@ -1,4 +1,4 @@
-// An open Jet 4 file: catalogue, tables, schema changes, password.
+// An open Jet 3 or Jet 4 file: catalogue, tables, schema changes, password.
 #pragma once
 
 #include <cstdint>
@@ -47,6 +47,10 @@ public:
     // The open table of that name (any case); null when there is none. Stays valid until the table is
     // dropped or the database closed.
     Table* find_table(std::u16string_view name);
+    // Why there is no table of that name, in a sentence: a query, a link to elsewhere, or nothing at all.
+    std::string why_no_table(std::u16string_view name);
+    // Whether the file is one of a set of replicas, which other programs bring in line with each other.
+    bool is_replica();
     // As above by identity, system tables included.
     Table* table_by_page(PageNumber page);
 
@@ -58,6 +62,9 @@ public:
     // 3031 when `old_password` is not the file's. At most 20 characters, no NUL.
     void change_password(std::u16string_view old_password, std::u16string_view new_password);
 
+    // Of texts and names; 0: UTF-16.
+    std::uint16_t code_page() const;
+    const FileHeader& header() const;
     Storage& storage();
     Pager& pager() { return storage().pager(); }
     PageAllocator& allocator() { return storage().allocator(); }

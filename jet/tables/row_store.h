@@ -55,7 +55,7 @@ public:
     using Visit = std::function<void(RowId, const RowReader&)>;
     std::optional<PageNumber> visit_page(PageNumber from, PageScan& pages, const Visit& visit) const;
 
-    // Inside a transaction, with bytes of at most jet4::data::kMaxRow.
+    // Inside a transaction, with at most as many bytes as the format allows.
     RowId add(ByteSpan row) { return place(row, 0); }
     void replace(const Place& place, ByteSpan row);
     // The row with every slot that its pointers lead through.

@@ -30,6 +30,7 @@ void Table::refresh() const {
 Table::Parts& Table::writable_parts() const {
     Parts& parts = this->parts();
     parts.indexes.require_maintainable();
+    parts.indexes.prove_orders([&](RowId row, RowView& into) { return parts.rows.read(row, into); });
     return parts;
 }
 
@@ -99,19 +100,20 @@ StoredValue Table::stored_value(const ColumnDef& column, const Value& value) con
 }
 
 ByteVector Table::encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const {
+    const std::size_t most_bytes = def.format->data.max_row;
     ByteVector row = encode_row(def, stored);
     LongValues long_values = storage_.long_values();
     // A row that is too long gives its inline long values away, one by one.
-    for (std::size_t i = 0; i < stored.size() && row.size() > jet4::data::kMaxRow; ++i) {
+    for (std::size_t i = 0; i < stored.size() && row.size() > most_bytes; ++i) {
         const ColumnDef& column = def.columns[i];
         if (!column.is_long() || !stored[i] || stored[i]->size() <= jet4::long_value::kReference) continue;
         stored[i] = long_values.write(column, long_values.read(*stored[i]), false);
         row = encode_row(def, stored);
     }
-    if (row.size() > jet4::data::kMaxRow) {
+    if (row.size() > most_bytes) {
         fail(errors::kRowTooLarge, "A row of table '" + to_utf8(def.name) +
                                        "' would be too large: " + std::to_string(row.size()) + " of at most " +
-                                       std::to_string(jet4::data::kMaxRow) + " bytes.");
+                                       std::to_string(most_bytes) + " bytes.");
     }
     return row;
 }

@@ -27,13 +27,13 @@ protected:
     testing_support::TempFolder folder_;
 };
 
-// Names of the sample files of one Jet version, sorted; none when the folder is missing.
-inline std::vector<std::string> sample_files(bool jet3) {
+// Names of the sample files of Jet 3 and Jet 4, sorted; none when the folder is missing.
+inline std::vector<std::string> sample_files() {
     std::vector<std::string> files;
     std::error_code error;
     for (const auto& entry : std::filesystem::directory_iterator(KVDB_SAMPLES, error)) {
         const std::string name = entry.path().filename().string();
-        if (name.ends_with(".mdb") && name.ends_with("V1997.mdb") == jet3) files.push_back(entry.path().string());
+        if (name.ends_with(".mdb")) files.push_back(entry.path().string());
     }
     std::sort(files.begin(), files.end());
     return files;

@@ -9,8 +9,8 @@ namespace {
 
 class SampleFilesInterop : public InteropTest {};
 
-TEST_F(SampleFilesInterop, jet4_files_read_as_the_other_readers_read_them) {
-    const auto files = sample_files(false);
+TEST_F(SampleFilesInterop, files_read_as_the_other_readers_read_them) {
+    const auto files = sample_files();
     if (files.empty()) GTEST_SKIP() << "no sample files in " KVDB_SAMPLES;
     std::map<std::string, std::size_t> faults;
     std::size_t values = 0;
@@ -23,17 +23,6 @@ TEST_F(SampleFilesInterop, jet4_files_read_as_the_other_readers_read_them) {
     }
     std::cout << values << " values compared\n";
     for (const auto& [name, count] : faults) std::cout << "  known fault, " << count << " times: " << name << "\n";
-}
-
-TEST_F(SampleFilesInterop, jet3_files_are_refused_as_an_older_format) {
-    const auto files = sample_files(true);
-    if (files.empty()) GTEST_SKIP() << "no sample files in " KVDB_SAMPLES;
-    for (const std::string& file : files) {
-        jet::OpenOptions options;
-        options.read_only = true;
-        EXPECT_EQ(error_number([&] { jet::Database::open(file, options); }), jet::errors::kOldFormat) << file;
-        EXPECT_EQ(mdbtools_version_of(file), "JET3");
-    }
 }
 
 }  // namespace

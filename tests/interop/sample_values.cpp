@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "jet/base/code_page.h"
+
 namespace interop {
 
 namespace {
@@ -34,12 +36,20 @@ jet::Numeric numeric_of(const jet::ColumnDef& column, std::uint32_t number) {
     return value;
 }
 
+// A code page lacks most characters.
+std::u16string as_stored(const jet::ColumnDef& column, const std::u16string& text) {
+    if (column.code_page == 0) return text;
+    std::u16string stored;
+    jet::decode_narrow(jet::encode_narrow(text, column.code_page), column.code_page, stored);
+    return stored;
+}
+
 jet::Value text_for(const jet::ColumnDef& column, std::uint32_t number, std::size_t characters) {
-    const std::size_t most = column.length_bytes / 2;
+    const std::size_t most = column.most_characters();
     std::u16string text = text_of(number, std::min(characters, most));
     // Text of fixed length is padded with blanks.
     if (column.is_fixed()) text.resize(most, u' ');
-    return text;
+    return as_stored(column, text);
 }
 
 }  // namespace
@@ -78,7 +88,7 @@ jet::Value value_for(const jet::ColumnDef& column, std::uint32_t number) {
         case jet::ColumnType::kMemo: {
             std::size_t characters = kMemoLengths[number % kMemoLengths.size()];
             if (characters == 0 && !column.allow_zero_length) characters = 2;
-            return text_of(number, characters);
+            return as_stored(column, text_of(number, characters));
         }
         case jet::ColumnType::kOle: return bytes_of(number, 2 * kMemoLengths[number % kMemoLengths.size()]);
         case jet::ColumnType::kGuid: return guid_of(number);
@@ -90,7 +100,7 @@ jet::Value value_for(const jet::ColumnDef& column, std::uint32_t number) {
 
 jet::Value longest_value_for(const jet::ColumnDef& column, std::uint32_t number) {
     if (column.is_fixed()) return jet::Null{};
-    if (column.type == jet::ColumnType::kText) return text_for(column, number, column.length_bytes / 2);
+    if (column.type == jet::ColumnType::kText) return text_for(column, number, column.most_characters());
     if (column.type == jet::ColumnType::kBinary) return bytes_of(number, column.length_bytes);
     return jet::Null{};
 }

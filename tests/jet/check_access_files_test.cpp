@@ -17,8 +17,10 @@ std::vector<fs::path> access_files() {
     return files;
 }
 
-// Access lets row counts of catalogue tables go stale, and pages of removed modules leak; one file shows it.
+// Access lets row counts of catalogue tables go stale, and pages of removed modules leak; one file shows it. Another
+// file has one index entry that a library has added by a rule of its own.
 bool is_known_of(const fs::path& file, const Violation& violation) {
+    if (file.filename() == "testUnicodeCompV2003.mdb" && violation.rule == "index-key-former") return true;
     const bool stale_count = violation.rule == "row-count" && violation.page <= jet4::kRelationshipsPage;
     return file.filename() == "testV2000.mdb" && (violation.rule == "page-leaked" || stale_count);
 }

@@ -1,5 +1,6 @@
 // Sort keys against known bytes, and comparison against the keys.
 #include "jet/indexes/collation.h"
+#include "jet/indexes/sort_key.h"
 
 #include <gtest/gtest.h>
 

@@ -33,7 +33,7 @@ Value some_value(const ColumnDef& column, std::size_t n) {
         case kSingle: return static_cast<float>(n);
         case kDouble: return static_cast<double>(n) / 3;
         case kDate: return Date{30000.5 + static_cast<double>(n)};
-        case kText: return std::u16string(std::min<std::size_t>(n % 120, column.length_bytes / 2), letter);
+        case kText: return std::u16string(std::min<std::size_t>(n % 120, column.most_characters()), letter);
         case kMemo: return std::u16string(n * n * 3 % 3001, letter);
         case kOle: return ByteVector(n * n * 7 % 5003, static_cast<std::uint8_t>(n));
         case kGuid: return Guid{};

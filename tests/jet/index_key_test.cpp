@@ -193,7 +193,7 @@ TEST(WhyNotMaintainable, other_types_and_orders_are_named) {
     german.def.columns[0].lcid = 0x0407;
     EXPECT_TRUE(jet::why_not_maintainable(german.index, german.def));
     Fixture newer(ColumnType::kText);
-    newer.def.columns[0].sort_version = 1;
+    newer.def.columns[0].sort_version = 2;
     EXPECT_TRUE(jet::why_not_maintainable(newer.index, newer.def));
     Fixture number(ColumnType::kLong);
     number.def.columns[0].lcid = 0x0407;  // means nothing for a number

@@ -237,7 +237,7 @@ TEST_F(IndexTree, insert_of_present_entry_is_damage) {
 
 TEST_F(IndexTree, insert_of_longest_key_splits_and_of_longer_key_fails) {
     Transaction transaction(*pager_);
-    const std::size_t longest = IndexPage::kMaxEntry - 4;
+    const std::size_t longest = IndexPage::max_entry(kJet4) - 4;
     for (int i = 0; i < 250; ++i) {
         ByteVector key(longest, 0x55);
         key[0] = static_cast<std::uint8_t>(i * 7);
@@ -391,7 +391,7 @@ TEST_F(IndexTree, random_changes_with_longest_keys_stay_sound) {
     Transaction transaction(*pager_);
     int highest = 0;
     random_mix(
-        random, IndexPage::kMaxEntry - 8, 400, [&](const ByteVector& key, RowId row) { insert(key, row); },
+        random, IndexPage::max_entry(kJet4) - 8, 400, [&](const ByteVector& key, RowId row) { insert(key, row); },
         [&](const ByteVector& key, RowId row) { erase(key, row); },
         [&] { highest = std::max(highest, verify().height); });
     EXPECT_GE(highest, 4);

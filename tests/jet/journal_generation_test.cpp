@@ -312,8 +312,8 @@ protected:
         const auto page = [&](PageNumber page_no) {
             return ByteVector(file.begin() + page_no * jet4::kPageSize, file.begin() + (page_no + 1) * jet4::kPageSize);
         };
-        const JournalBinding binding{file_identity(page(0)), load_u64(page(jet4::kObjectsPage), jet4::tdef::kFiller),
-                                     4711};
+        const JournalBinding binding{file_identity(page(0), page(jet4::kObjectsPage)),
+                                     load_u64(page(jet4::kObjectsPage), jet4::tdef::kFiller), 4711};
         FormerJournal journal(binding, 99);
         ByteVector objects = page(jet4::kObjectsPage);
         store_u64(objects, jet4::tdef::kFiller, binding.next_counter);

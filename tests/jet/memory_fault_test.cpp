@@ -91,7 +91,7 @@ protected:
             if (refused) testing_support::count_tried(testing_support::Figure::kFaults);
             if (!refused) break;
         }
-        EXPECT_GT(refusals, 10);
+        EXPECT_GT(refusals, 3);  // a deletion asks for little, and for less where pointers are short
         expect_sound(*database_);
     }
 

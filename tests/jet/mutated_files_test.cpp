@@ -33,7 +33,7 @@ TEST(MutatedFile, header_from_a_journal_is_checked_like_any_other) {
         memory.disk.set_content(std::string(kMutatedPath) + "-journal", journal);
         OpenOptions options;
         options.read_only = read_only;
-        EXPECT_EQ(errors::kNotADatabase, error_number([&] { Database::open(kMutatedPath, options); })) << read_only;
+        EXPECT_EQ(errors::kDamaged, error_number([&] { Database::open(kMutatedPath, options); })) << read_only;
     }
 }
 

@@ -63,7 +63,8 @@ TEST(TableDef, parse_access_table_gives_all_fields) {
     EXPECT_EQ(def.columns[0].type, ColumnType::kText);
     EXPECT_EQ(def.columns[0].length_bytes, 100);
     EXPECT_EQ(def.columns[0].ext_flags, tdef::kExtCompressed);
-    EXPECT_TRUE(def.columns[0].general_order());
+    EXPECT_EQ(def.columns[0].lcid, jet4::kGeneralOrder);
+    EXPECT_EQ(def.columns[0].sort_version, 0);
     EXPECT_FALSE(def.columns[0].is_fixed());
     EXPECT_EQ(def.columns[1].name, u"data");
     EXPECT_EQ(def.columns[1].type, ColumnType::kGuid);

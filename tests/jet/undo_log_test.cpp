@@ -12,7 +12,7 @@ namespace {
 class UndoLogTest : public testing::Test {
 protected:
     UndoLogTest() {
-        std::fill_n(place_.bytes, jet4::kPageSize, std::uint8_t{0});
+        std::fill_n(place_.bytes, jet4::kPageSize, std::uint8_t{0});  // a new frame holds whatever the memory held
         place_.bytes[0] = 1;
     }
 

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <functional>
+#include <random>
 #include <set>
 
 #include "jet/storage/data_page.h"
@@ -31,6 +32,10 @@ protected:
         allocator_ = std::make_unique<PageAllocator>(*pager_);
         pager_->set_rollback_listener([this] { allocator_->forget(); });
         pager_->begin();
+    }
+    void start_again() {
+        pager_.reset();
+        start();
     }
     // As much work as one transaction should hold has been done.
     void commit() {
@@ -339,6 +344,80 @@ TEST_F(UsageMapTest, map_of_free_pages_goes_to_bitmap_pages_behind_page_511) {
     allocator_->free(100);
     EXPECT_EQ(allocator_->allocate().number(), 100u);
     EXPECT_EQ(allocator_->allocate().number(), 514u);
+}
+
+// A file that another program has grown: what lies before the window of its map of free pages is in use, and so is what
+// lies after it inside the file.
+TEST_F(UsageMapTest, map_of_free_pages_may_be_a_window_anywhere) {
+    std::mt19937 random(20);
+    const auto pick = [&random](std::uint32_t below) { return static_cast<std::uint32_t>(random() % below); };
+    for (int round = 0; round < 60; ++round) {
+        sparse_.remove(kPath);
+        auto file = sparse_.open(kPath, os::OpenMode::kCreateExclusive);
+        CreateOptions options;
+        options.creation_date = 42329.5;
+        file->write(0, build_empty_database(options));
+        // Some windows lie across the border of two bitmap pages.
+        const bool at_border = round % 3 == 0;
+        const PageNumber start = at_border ? usage::kPagesPerBitmap - 8 * pick(64) : 8 * pick(300);
+        const std::size_t bytes = 64 + 4 * pick(100);
+        const PageNumber end = start + 8 * static_cast<PageNumber>(bytes);
+        // The file ends inside the window, at its end or after it.
+        const PageNumber pages =
+            std::max<PageNumber>(end - pick(8 * static_cast<PageNumber>(bytes)), 20) + (round % 4 == 0 ? 700 : 0);
+        std::set<PageNumber> free_pages;
+        ByteVector row(usage::kBitmap + bytes);
+        store_u32(row, usage::kStart, start);
+        for (PageNumber page = start; page < end; ++page) {
+            const bool is_free = page >= pages || (page > jet4::kRelationshipsPage && pick(20) == 0);
+            if (!is_free) continue;
+            row[usage::kBitmap + (page - start) / 8] |= static_cast<std::uint8_t>(1u << (page % 8));
+            if (page < pages) free_pages.insert(page);
+        }
+        ByteVector map_page(jet4::kPageSize);
+        format_data_page(map_page, 1);
+        add_row(map_page, 1, row);
+        file->truncate(std::uint64_t{pages} * jet4::kPageSize);
+        file->write(std::uint64_t{jet4::kGlobalMapPage} * jet4::kPageSize, map_page);
+        file.reset();
+        start_again();
+        std::set<PageNumber> taken;
+        const std::size_t wanted = free_pages.size() + 8 * bytes + 50;
+        while (taken.size() < wanted) {
+            const PageNumber page = allocator_->allocate().number();
+            ASSERT_TRUE(taken.insert(page).second) << page;
+            ASSERT_TRUE(page >= pages || free_pages.count(page) == 1) << page << " was in use, round " << round;
+        }
+        for (const PageNumber page : free_pages) EXPECT_EQ(taken.count(page), 1u) << page;
+        // A page before the window is given back, and handed out again.
+        if (start > 8) {
+            allocator_->free(7);
+            EXPECT_TRUE(allocator_->is_free(7));
+            EXPECT_EQ(allocator_->allocate().number(), 7u);
+        }
+        for (PageNumber page = 0; page < pager_->page_count(); ++page) ASSERT_FALSE(allocator_->is_free(page)) << page;
+    }
+}
+
+TEST_F(UsageMapTest, page_before_the_window_of_free_pages_is_given_back) {
+    {
+        auto file = sparse_.open(kPath, os::OpenMode::kExclusive);
+        ByteVector map_page(jet4::kPageSize);
+        format_data_page(map_page, 1);
+        ByteVector row(usage::kDefaultRow, 0xFF);
+        row[0] = usage::kInline;
+        store_u32(row, usage::kStart, 600);
+        add_row(map_page, 1, row);
+        file->truncate(600 * jet4::kPageSize);
+        file->write(std::uint64_t{jet4::kGlobalMapPage} * jet4::kPageSize, map_page);
+    }
+    start();
+    allocator_->free(7);
+    EXPECT_TRUE(allocator_->is_free(7));
+    EXPECT_FALSE(allocator_->is_free(8));
+    EXPECT_EQ(allocator_->allocate().number(), 7u);
+    // The page of bits has taken the first one behind the end.
+    EXPECT_EQ(allocator_->allocate().number(), 601u);
 }
 
 TEST_F(UsageMapTest, file_ends_at_two_gigabytes) {

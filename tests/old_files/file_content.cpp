@@ -92,8 +92,8 @@ Content content_of(const std::string& path) {
 }
 
 std::string version_in(const Content& content) {
-    const auto& rows = content.at("DBHeader").rows;
-    return rows.empty() ? "none" : rows[0].at("DBversion");
+    const auto header = content.find("DBHeader");
+    return header == content.end() || header->second.rows.empty() ? "none" : header->second.rows[0].at("DBversion");
 }
 
 std::string password_in(const std::string& path) {

@@ -21,7 +21,7 @@ using Content = std::map<std::string, ContentTable>;
 
 // With any password. Fails the test when the structural check has findings.
 Content content_of(const std::string& path);
-// The version in the header row; "none" where the table has no row.
+// The version in the header row; "none" where there is no such row.
 std::string version_in(const Content& content);
 // The password stored in the file, UTF-8.
 std::string password_in(const std::string& path);

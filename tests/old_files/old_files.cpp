@@ -1,6 +1,7 @@
 #include "tests/old_files/old_files.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -160,6 +161,19 @@ const char* password_of(OldFile::Kind kind, std::int32_t version) {
 
 }  // namespace
 
+namespace {
+const jet::Format* used_format = nullptr;
+}
+
+UseOldFormat::UseOldFormat(const jet::Format& format) { used_format = &format; }
+UseOldFormat::~UseOldFormat() { used_format = nullptr; }
+
+const jet::Format& old_file_format() {
+    if (used_format != nullptr) return *used_format;
+    const char* const wanted = std::getenv("KVDB_OLD_FILES");
+    return wanted != nullptr && std::string_view(wanted) == "jet3" ? jet::kJet3 : jet::kJet4;
+}
+
 jet::Date day(int year, int month, int day_of_month) {
     const std::chrono::sys_days date = std::chrono::year(year) / month / day_of_month;
     const std::chrono::sys_days zero = std::chrono::year(1899) / 12 / 30;
@@ -180,6 +194,7 @@ std::string date_text(int year, int month, int day_of_month) {
 OldFile::OldFile(const std::string& path, Kind kind, std::int32_t version, const Oddities& oddities)
     : kind_(kind), version_(version) {
     jet::CreateOptions options;
+    options.format = &old_file_format();
     options.password = jet::from_utf8(oddities.password != nullptr ? oddities.password : password_of(kind, version));
     database_ = jet::Database::create(path, options);
     filling_ = std::make_unique<jet::Transaction>(database_->pager());

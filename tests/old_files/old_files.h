@@ -26,6 +26,18 @@ inline constexpr char kStudioPassword[] = "KvStudio2005sl";
 inline constexpr char kFormerStudioPassword[] = "KvStudio2002";
 inline constexpr char kInvoicePassword[] = "KvInvoice2005";
 
+// Files are made in Jet 4, or in Jet 3 where the environment has KVDB_OLD_FILES=jet3: the same tests are run for both.
+const jet::Format& old_file_format();
+
+// Files are made in `format` as long as the object lives.
+class UseOldFormat {
+public:
+    explicit UseOldFormat(const jet::Format& format);
+    ~UseOldFormat();
+    UseOldFormat(const UseOldFormat&) = delete;
+    UseOldFormat& operator=(const UseOldFormat&) = delete;
+};
+
 // A value of a row; texts are UTF-8.
 struct Cell {
     Cell(const char* name, jet::Value given) : column(name), value(std::move(given)) {}

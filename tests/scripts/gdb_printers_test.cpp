@@ -26,6 +26,7 @@ int main() {
     static std::uint8_t bytes[4096] = {1, 1, 120, 0, 20, 0, 0, 0, 0, 0, 0, 0, 7, 0};
     jet::Frame frame;
     frame.page_no = 99;
+    frame.page_bytes = sizeof bytes;
     const PinnedPage page(jet::FrameRef{&frame, bytes});
     const jet::Page& pinned = page;
     stop();

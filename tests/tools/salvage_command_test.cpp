@@ -26,6 +26,25 @@ protected:
         bytes.replace(at, count, count, with);
         std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
     }
+    // With each definition of the file lost.
+    void expect_rows_without_definitions(const std::string& path, std::size_t page_bytes) {
+        std::string bytes = contents(path);
+        for (std::size_t at = 6 * page_bytes; at < bytes.size(); at += page_bytes) {
+            if (bytes[at] == 2) bytes.replace(at, page_bytes, page_bytes, '\0');
+        }
+        const std::string damaged = scratch_.file("damaged.mdb");
+        std::ofstream(damaged, std::ios::binary | std::ios::trunc) << bytes;
+        std::filesystem::remove(new_file());
+        const Outcome outcome = salvage(damaged);
+        ASSERT_EQ(outcome.code, 0) << outcome.errors;
+        const auto before = testing_support::content_of(path);
+        const auto after = testing_support::content_of(new_file());
+        for (const auto& [table, content] : before) {
+            ASSERT_TRUE(after.contains(table)) << table;
+            EXPECT_EQ(after.at(table).rows, content.rows) << table;
+        }
+        EXPECT_EQ(testing_support::password_in(new_file()), testing_support::password_in(path));
+    }
     // The studio's folder with the salvaged file in the place of the old one.
     void put_in_place(const std::string& name) {
         std::filesystem::remove(file(name));
@@ -98,46 +117,36 @@ TEST_F(SalvageCommand, report_is_json_on_demand) {
 }
 
 TEST_F(SalvageCommand, files_of_access_keep_their_tables_and_rows) {
-    const std::string sample = KVDB_SAMPLES "/test2V2000.mdb";
-    if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files beside the project";
     const auto count = [](const std::string& text) { return std::count(text.begin(), text.end(), '\n'); };
-    const auto tables = run("tables " + in_quotes(sample)).out;
-    const Outcome outcome = salvage(sample);
-    ASSERT_EQ(outcome.code, 0) << outcome.errors;
-    EXPECT_EQ(run("tables " + in_quotes(new_file())).out, tables);
-    std::istringstream names(tables);
-    for (std::string name; std::getline(names, name);) {
-        const std::string rows = run("rows " + in_quotes(sample) + " " + in_quotes(name)).out;
-        EXPECT_EQ(count(run("rows " + in_quotes(new_file()) + " " + in_quotes(name)).out), count(rows)) << name;
+    for (const char* const name : {"test2V2000.mdb", "testV1997.mdb", "overflowTestV1997.mdb"}) {
+        SCOPED_TRACE(name);
+        const std::string sample = std::string(KVDB_SAMPLES "/") + name;
+        if (!std::filesystem::exists(sample)) GTEST_SKIP() << "no sample files beside the project";
+        std::filesystem::remove(new_file());
+        const auto tables = run("tables " + in_quotes(sample)).out;
+        const Outcome outcome = salvage(sample);
+        ASSERT_EQ(outcome.code, 0) << outcome.errors;
+        EXPECT_EQ(run("tables " + in_quotes(new_file())).out, tables);
+        std::istringstream names(tables);
+        for (std::string table; std::getline(names, table);) {
+            const std::string rows = run("rows " + in_quotes(sample) + " " + in_quotes(table)).out;
+            EXPECT_EQ(count(run("rows " + in_quotes(new_file()) + " " + in_quotes(table)).out), count(rows)) << table;
+        }
     }
 }
 
-// Of every earlier version, with each definition lost in turn.
 TEST_F(SalvageCommand, studios_of_earlier_versions_come_back_without_their_definitions) {
-    for (const std::int32_t version : testing_support::kOldVersions) {
-        SCOPED_TRACE(version);
-        const std::string folder = scratch_.file(std::to_string(version));
-        std::filesystem::create_directory(folder);
-        testing_support::make_old_studio(folder, version, {3, 8, 8, 12, 3, 6, 4});
-        for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
-            SCOPED_TRACE(name);
-            const std::string path = folder + "/" + name;
-            const auto before = testing_support::content_of(path);
-            std::string bytes = contents(path);
-            for (std::size_t at = 6 * jet::jet4::kPageSize; at < bytes.size(); at += jet::jet4::kPageSize) {
-                if (bytes[at] == 2) bytes.replace(at, jet::jet4::kPageSize, jet::jet4::kPageSize, '\0');
+    for (const jet::Format* format : {&jet::kJet4, &jet::kJet3}) {
+        const testing_support::UseOldFormat use(*format);
+        for (const std::int32_t version : testing_support::kOldVersions) {
+            SCOPED_TRACE(format->name + (" " + std::to_string(version)));
+            const std::string folder = scratch_.file(format->name + std::to_string(version));
+            std::filesystem::create_directory(folder);
+            testing_support::make_old_studio(folder, version, {3, 8, 8, 12, 3, 6, 4});
+            for (const char* const name : {"sldb.mdb", "kvinvdb.mdb"}) {
+                SCOPED_TRACE(name);
+                expect_rows_without_definitions(folder + "/" + name, format->page_size);
             }
-            const std::string damaged = scratch_.file("damaged.mdb");
-            std::ofstream(damaged, std::ios::binary | std::ios::trunc) << bytes;
-            std::filesystem::remove(new_file());
-            const Outcome outcome = salvage(damaged);
-            ASSERT_EQ(outcome.code, 0) << outcome.errors;
-            const auto after = testing_support::content_of(new_file());
-            for (const auto& [table, content] : before) {
-                ASSERT_TRUE(after.contains(table)) << table;
-                EXPECT_EQ(after.at(table).rows, content.rows) << table;
-            }
-            EXPECT_EQ(testing_support::password_in(new_file()), testing_support::password_in(path));
         }
     }
 }

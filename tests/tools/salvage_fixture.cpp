@@ -24,8 +24,6 @@ using jet::RowId;
 using jet::Value;
 using Random = std::mt19937;
 
-constexpr std::size_t kPage = jet::jet4::kPageSize;
-
 std::size_t below(Random& random, std::size_t limit) { return limit == 0 ? 0 : random() % limit; }
 
 std::u16string text_of(Random& random, std::size_t length) {
@@ -114,49 +112,66 @@ std::string key_of(const jet::Table& table, const jet::RowView& view) {
     return {};
 }
 
-// Where the row of a slot lies, and the two slots that say so.
-void add_slot(const ByteVector& file, RowId row, std::vector<Extent>& into) {
-    const ByteSpan page = ByteSpan(file).subspan(row.page * kPage, kPage);
-    const std::size_t slot_at = data::kSlots + 2u * row.slot;
-    const std::size_t begin = jet::load_u16(page, slot_at) & data::kOffsetMask;
-    const std::size_t end = row.slot == 0 ? kPage : jet::load_u16(page, slot_at - 2) & data::kOffsetMask;
-    into.push_back({row.page, begin, end});
-    into.push_back({row.page, row.slot == 0 ? slot_at : slot_at - 2, slot_at + 2});
-}
+// Where the bytes of a row lie in a sound file.
+class RowPlaces {
+public:
+    RowPlaces(const ByteVector& file, const jet::TableDef& def) : file_(file), def_(def), format_(*def.format) {}
 
-std::vector<Extent> extents_of(const ByteVector& file, const jet::TableDef& def, RowId row) {
-    std::vector<Extent> extents;
-    add_slot(file, row, extents);
-    const auto bytes_of = [&](const Extent& e) {
-        return ByteSpan(file).subspan(e.page * kPage + e.begin, e.end - e.begin);
-    };
-    const std::uint16_t slot = jet::load_u16(file, row.page * kPage + data::kSlots + 2u * row.slot);
-    ByteSpan bytes = bytes_of(extents[0]);
-    if ((slot & data::kDeletedFlags) == data::kMovedFlag) {
-        const std::size_t body = extents.size();
-        add_slot(file, RowId::unpack(jet::load_u32(bytes, 0)), extents);
-        bytes = bytes_of(extents[body]);
+    std::vector<Extent> of(RowId row) {
+        extents_.clear();
+        add_slot(row);
+        const std::uint16_t slot = jet::load_u16(file_, row.page * format_.page_size + format_.slot_at(row.slot));
+        ByteSpan bytes = bytes_of(extents_[0]);
+        if ((slot & data::kDeletedFlags) == data::kMovedFlag) {
+            const std::size_t body = extents_.size();
+            add_slot(RowId::unpack(jet::load_u32(bytes, 0)));
+            bytes = bytes_of(extents_[body]);
+        }
+        const jet::RowReader reader(bytes, def_);
+        for (const jet::ColumnDef& column : def_.columns) {
+            const auto reference = reader.stored(column);
+            if (column.is_long() && reference && reference->size() >= lv::kReference) add_long_value(*reference);
+        }
+        return extents_;
     }
-    const jet::RowReader reader(bytes, def);
-    for (const jet::ColumnDef& column : def.columns) {
-        const auto reference = reader.stored(column);
-        if (!column.is_long() || !reference || reference->size() < lv::kReference) continue;
-        const std::uint32_t head = jet::load_u32(*reference, 0);
-        if ((head & lv::kKindMask) == lv::kInline) continue;
+
+private:
+    ByteSpan bytes_of(const Extent& e) const {
+        return ByteSpan(file_).subspan(e.page * format_.page_size + e.begin, e.end - e.begin);
+    }
+
+    // The row of a slot, and the two slots that say where it lies.
+    void add_slot(RowId row) {
+        const ByteSpan page = ByteSpan(file_).subspan(row.page * format_.page_size, format_.page_size);
+        const std::size_t slot_at = format_.slot_at(row.slot);
+        const std::size_t begin = jet::load_u16(page, slot_at) & data::kOffsetMask;
+        const std::size_t end =
+            row.slot == 0 ? format_.page_size : jet::load_u16(page, slot_at - 2) & data::kOffsetMask;
+        extents_.push_back({row.page, begin, end});
+        extents_.push_back({row.page, row.slot == 0 ? slot_at : slot_at - 2, slot_at + 2});
+    }
+
+    void add_long_value(ByteSpan reference) {
+        const std::uint32_t head = jet::load_u32(reference, 0);
+        if ((head & lv::kKindMask) == lv::kInline) return;
         std::size_t left = head & lv::kLengthMask;
         const bool is_single = (head & lv::kKindMask) == lv::kSingle;
-        for (RowId piece = RowId::unpack(jet::load_u32(*reference, 4)); left > 0;) {
-            const std::size_t at = extents.size();
-            add_slot(file, piece, extents);
-            extents.push_back({piece.page, 0, data::kSlots});
-            const ByteSpan held = bytes_of(extents[at]);
+        for (RowId piece = RowId::unpack(jet::load_u32(reference, 4)); left > 0;) {
+            const std::size_t at = extents_.size();
+            add_slot(piece);
+            extents_.push_back({piece.page, 0, format_.slot_at(0)});
+            const ByteSpan held = bytes_of(extents_[at]);
             if (is_single) break;
             left -= std::min(left, held.size() - 4);
             piece = RowId::unpack(jet::load_u32(held, 0));
         }
     }
-    return extents;
-}
+
+    const ByteVector& file_;
+    const jet::TableDef& def_;
+    const jet::Format& format_;
+    std::vector<Extent> extents_;
+};
 
 }  // namespace
 
@@ -180,7 +195,7 @@ std::map<std::string, std::vector<TrueRow>> read_rows(const std::string& path, c
         for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
             if (!table.read(*id, view)) continue;
             TrueRow row{row_content(table, view), key_of(table, view), {}};
-            if (file != nullptr) row.extents = extents_of(*file, table.def(), *id);
+            if (file != nullptr) row.extents = RowPlaces(*file, table.def()).of(*id);
             rows.push_back(std::move(row));
         }
     }
@@ -191,7 +206,8 @@ std::map<std::string, std::vector<TrueRow>> read_rows(const std::string& path, c
 
 std::map<std::string, std::vector<TrueRow>> rows_of(const std::string& path) { return read_rows(path, nullptr); }
 
-Truth make_truth(const std::string& path, std::size_t rows, std::uint32_t seed) {
+Truth make_truth(const std::string& path, const jet::Format& format, std::size_t rows, std::uint32_t seed) {
+    const testing_support::UseOldFormat use(format);
     testing_support::OldFile(path, testing_support::OldFile::Kind::kStudio, 210000).close();
     jet::OpenOptions options;
     options.ignore_password = true;
@@ -204,6 +220,7 @@ Truth make_truth(const std::string& path, std::size_t rows, std::uint32_t seed) 
         database->close();
     }
     Truth truth;
+    truth.format = &format;
     std::ifstream in(path, std::ios::binary);
     truth.file.assign(std::istreambuf_iterator<char>(in), {});
     truth.tables = read_rows(path, &truth.file);
@@ -214,7 +231,11 @@ namespace {
 
 class Damager {
 public:
-    Damager(const Truth& truth, Random& random) : truth_(truth), random_(random), pages_(truth.file.size() / kPage) {}
+    Damager(const Truth& truth, Random& random)
+        : truth_(truth),
+          random_(random),
+          page_bytes_(truth.format->page_size),
+          pages_(truth.file.size() / page_bytes_) {}
 
     DamagedFile make(std::size_t n) {
         damaged_ = {};
@@ -241,7 +262,7 @@ public:
 private:
     std::size_t any_page() { return 1 + below(random_, pages_ - 1); }
     std::size_t a_few() { return 1 + below(random_, below(random_, 3) == 0 ? pages_ / 20 + 2 : 4); }
-    std::uint8_t* page(std::size_t n) { return damaged_.bytes.data() + n * kPage; }
+    std::uint8_t* page(std::size_t n) { return damaged_.bytes.data() + n * page_bytes_; }
     void randomise(std::uint8_t* at, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i) at[i] = static_cast<std::uint8_t>(random_());
     }
@@ -250,17 +271,17 @@ private:
         damaged_.bytes.resize(damaged_.bytes.size() / 10 + below(random_, damaged_.bytes.size() * 9 / 10));
     }
     void zero_pages() {
-        for (std::size_t i = a_few(); i > 0; --i) std::fill_n(page(any_page()), kPage, std::uint8_t{0});
+        for (std::size_t i = a_few(); i > 0; --i) std::fill_n(page(any_page()), page_bytes_, std::uint8_t{0});
     }
     void randomise_pages() {
-        for (std::size_t i = a_few(); i > 0; --i) randomise(page(any_page()), kPage);
+        for (std::size_t i = a_few(); i > 0; --i) randomise(page(any_page()), page_bytes_);
     }
     void swap_pages() {
         std::set<std::size_t> used;
         for (std::size_t i = a_few(); i > 0; --i) {
             const std::size_t a = any_page(), b = any_page();
             if (a == b || !used.insert(a).second || !used.insert(b).second) continue;
-            std::swap_ranges(page(a), page(a) + kPage, page(b));
+            std::swap_ranges(page(a), page(a) + page_bytes_, page(b));
             damaged_.moved[static_cast<PageNumber>(a)] = static_cast<PageNumber>(b);
             damaged_.moved[static_cast<PageNumber>(b)] = static_cast<PageNumber>(a);
             note_ += " " + std::to_string(a) + "/" + std::to_string(b);
@@ -275,9 +296,9 @@ private:
         const bool with_definition = below(random_, 2) == 0;
         for (std::size_t n = 1; n < pages_; ++n) {
             const bool is_rows = page(n)[0] == jet::jet4::kDataPage &&
-                                 jet::load_u32(truth_.file, n * kPage + data::kOwner) == jet::jet4::kObjectsPage;
+                                 jet::load_u32(truth_.file, n * page_bytes_ + data::kOwner) == jet::jet4::kObjectsPage;
             if (is_rows || (with_definition && n == jet::jet4::kObjectsPage))
-                std::fill_n(page(n), kPage, std::uint8_t{0});
+                std::fill_n(page(n), page_bytes_, std::uint8_t{0});
         }
     }
     void lose_definitions() {
@@ -289,38 +310,42 @@ private:
             const std::size_t n = definitions[below(random_, definitions.size())];
             note_ += " " + std::to_string(n);
             if (i % 2 == 0) {
-                randomise(page(n), kPage);
+                randomise(page(n), page_bytes_);
             } else {
-                std::fill_n(page(n), kPage, std::uint8_t{0});
+                std::fill_n(page(n), page_bytes_, std::uint8_t{0});
             }
         }
     }
     void randomise_sectors() {
-        for (std::size_t i = a_few(); i > 0; --i) randomise(page(any_page()) + 512 * below(random_, 8), 512);
+        for (std::size_t i = a_few(); i > 0; --i)
+            randomise(page(any_page()) + 512 * below(random_, page_bytes_ / 512), 512);
     }
     // The head of the file, and as much behind it as comes.
-    void lose_beginning() { std::fill_n(page(0), kPage * (1 + below(random_, 6)), std::uint8_t{0}); }
+    void lose_beginning() { std::fill_n(page(0), page_bytes_ * (1 + below(random_, 6)), std::uint8_t{0}); }
     void flip_heads() {
         for (std::size_t i = a_few(); i > 0; --i) {
-            page(any_page())[below(random_, data::kSlots)] ^= static_cast<std::uint8_t>(1 + below(random_, 255));
+            page(any_page())[below(random_, truth_.format->slot_at(0))] ^=
+                static_cast<std::uint8_t>(1 + below(random_, 255));
         }
     }
 
     const Truth& truth_;
     Random& random_;
+    std::size_t page_bytes_;
     std::size_t pages_;
     DamagedFile damaged_;
     std::string note_;
 };
 
 bool is_undamaged(const Truth& truth, const DamagedFile& damaged, const TrueRow& row) {
+    const std::size_t page_bytes = truth.format->page_size;
     return std::all_of(row.extents.begin(), row.extents.end(), [&](const Extent& extent) {
         const auto moved = damaged.moved.find(extent.page);
         const std::size_t now = moved == damaged.moved.end() ? extent.page : moved->second;
-        if (now * kPage + extent.end > damaged.bytes.size()) return false;
-        return std::equal(truth.file.begin() + static_cast<long>(extent.page * kPage + extent.begin),
-                          truth.file.begin() + static_cast<long>(extent.page * kPage + extent.end),
-                          damaged.bytes.begin() + static_cast<long>(now * kPage + extent.begin));
+        if (now * page_bytes + extent.end > damaged.bytes.size()) return false;
+        return std::equal(truth.file.begin() + static_cast<long>(extent.page * page_bytes + extent.begin),
+                          truth.file.begin() + static_cast<long>(extent.page * page_bytes + extent.end),
+                          damaged.bytes.begin() + static_cast<long>(now * page_bytes + extent.begin));
     });
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "jet/base/bytes.h"
+#include "jet/base/format.h"
 #include "jet/base/types.h"
 
 namespace testing_salvage {
@@ -30,13 +31,14 @@ struct TrueRow {
 };
 
 struct Truth {
+    const jet::Format* format = &jet::kJet4;
     jet::ByteVector file;
     std::map<std::string, std::vector<TrueRow>> tables;
     std::size_t rows() const;
 };
 
 // A studio's main file of today with about that many rows: moved ones, deleted ones, memos in every form.
-Truth make_truth(const std::string& path, std::size_t rows, std::uint32_t seed);
+Truth make_truth(const std::string& path, const jet::Format& format, std::size_t rows, std::uint32_t seed);
 
 // The rows of a file, without their places.
 std::map<std::string, std::vector<TrueRow>> rows_of(const std::string& path);

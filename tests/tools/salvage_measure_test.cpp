@@ -25,7 +25,7 @@ struct Totals {
 };
 
 // The component opens what is salvaged: its password and its version are right.
-void expect_opens(const std::string& path) {
+void expect_opens(const std::string& path, const jet::Format& format) {
     jet::OpenOptions options;
     options.read_only = true;
     options.password = u"KvStudio2005sl";
@@ -38,11 +38,12 @@ void expect_opens(const std::string& path) {
     ASSERT_TRUE(header->read(*row, view));
     EXPECT_EQ(view.value(*header->def().find_column(u"DBversion")), jet::Value(std::int32_t{210000}));
     EXPECT_FALSE(header->next_row(*row)) << "one row is enough";
+    EXPECT_EQ(&database->pager().format(), &format);
 }
 
-Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
+Totals measure(const jet::Format& format, std::size_t rows, std::size_t damages, std::uint32_t seed) {
     const testing_support::TempFolder folder;
-    const Truth truth = make_truth(folder.file("sound.mdb"), rows, seed);
+    const Truth truth = make_truth(folder.file("sound.mdb"), format, rows, seed);
     EXPECT_GT(truth.rows(), rows * 9 / 10);
     Totals totals;
     const bool is_loud = std::getenv("KVDB_SALVAGE_LOUD") != nullptr;
@@ -72,7 +73,7 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
         EXPECT_EQ(score.invented, 0u) << score.first_invented;
         // Of two last pages of one length that have changed places nobody can say which is whose.
         EXPECT_LE(score.mixed, damaged.moved.empty() ? 0 : 1 + score.undamaged / 4000);
-        expect_opens(to);
+        expect_opens(to, format);
         totals.undamaged += score.undamaged;
         totals.came_back += score.came_back;
         if (score.share() < totals.worst) {
@@ -88,8 +89,12 @@ Totals measure(std::size_t rows, std::size_t damages, std::uint32_t seed) {
     return totals;
 }
 
-TEST(SalvageCorrupt, what_is_undamaged_comes_back_and_nothing_else) { measure(4000, 30, 7); }
+TEST(SalvageCorrupt, what_is_undamaged_comes_back_and_nothing_else) { measure(jet::kJet4, 4000, 30, 7); }
 
-TEST(SalvageMeasureSlow, fifty_thousand_rows_damaged_in_a_hundred_ways) { measure(50000, 100, 1); }
+TEST(SalvageCorrupt, what_is_undamaged_comes_back_from_a_jet_3_file) { measure(jet::kJet3, 3000, 20, 8); }
+
+TEST(SalvageMeasureSlow, fifty_thousand_rows_damaged_in_a_hundred_ways) { measure(jet::kJet4, 50000, 100, 1); }
+
+TEST(SalvageMeasureSlow, fifty_thousand_rows_of_jet_3_damaged_in_fifty_ways) { measure(jet::kJet3, 50000, 50, 2); }
 
 }  // namespace

@@ -214,7 +214,7 @@ TEST_F(Tool, foreign_and_old_files_give_one_clear_line) {
     expect_failure(run("tables " + in_quotes(scratch_.file("text.mdb"))), 1, "not a Jet database");
     std::ifstream sample(KVDB_SAMPLES "/testV1997.mdb");
     if (!sample) GTEST_SKIP() << "no sample files beside the project";
-    expect_failure(run("tables " + in_quotes(KVDB_SAMPLES "/testV1997.mdb")), 1, "Jet 3");
+    EXPECT_NE(run("tables " + in_quotes(KVDB_SAMPLES "/testV1997.mdb")).out.find("Table1"), std::string::npos);
 }
 
 TEST_F(Tool, help_is_everywhere_and_succeeds) {

@@ -14,7 +14,7 @@ struct Options {
 };
 
 void bind(Declaration& declare, Options& options) {
-    declare.word("FOLDER", options.job.folder, "folder of a studio, or a Jet 4 file");
+    declare.word("FOLDER", options.job.folder, "folder of a studio, or a Jet file");
     declare.word("OUT", options.job.out,
                  "where to write: a file or, for csv and jsonl, a folder; nothing is overwritten");
     declare.required_option(

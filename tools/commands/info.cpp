@@ -19,7 +19,7 @@ struct Options {
 };
 
 void bind(Declaration& declare, Options& options) {
-    declare.word("FOLDER", options.folder, "folder of the studio, one of its two files, or another Jet 4 file");
+    declare.word("FOLDER", options.folder, "folder of the studio, one of its two files, or another Jet file");
     declare.password(options.password);
 }
 
@@ -42,14 +42,23 @@ void print_plan(const StudioFile& file) {
     }
 }
 
+// What sets the file apart from the usual ones: "" for a plain Jet 4 file.
+std::string format_text(const std::string& path) {
+    const auto database = open_to_read(path);
+    std::string text;
+    if (database->pager().format().is_jet3()) text += ", Jet 3 (Access 97)";
+    if (database->header().encryption_key != 0) text += ", encoded";
+    return text;
+}
+
 void print_file(const char* what, const StudioFile& file) {
     if (!file.exists()) {
         output().print("%s: no file yet; the first opening by a host makes it\n", what);
         return;
     }
-    output().print("%s: %s (%ju bytes), version %s\n", what, file.path().c_str(),
+    output().print("%s: %s (%ju bytes), version %s%s\n", what, file.path().c_str(),
                    static_cast<std::uintmax_t>(std::filesystem::file_size(system_path(file.path()))),
-                   file.version_text().c_str());
+                   file.version_text().c_str(), format_text(file.path()).c_str());
     print_plan(file);
     for (const auto& [table, rows] : file.row_counts()) {
         output().print("  %-24s %8u row%s\n", table.c_str(), rows, rows == 1 ? "" : "s");
@@ -59,13 +68,20 @@ void print_file(const char* what, const StudioFile& file) {
 // Any Jet file.
 int print_other_file(const std::string& path, const std::optional<std::string>& password) {
     const auto database = open_to_read(path, password);
-    output().print("%s (%ju bytes), a Jet 4 file that is none of a studio's\n", path.c_str(),
-                   static_cast<std::uintmax_t>(std::filesystem::file_size(system_path(path))));
+    output().print("%s (%ju bytes), a %s file%s that is none of a studio's\n", path.c_str(),
+                   static_cast<std::uintmax_t>(std::filesystem::file_size(system_path(path))),
+                   database->pager().format().name, database->header().encryption_key != 0 ? ", encoded," : "");
+    if (database->is_replica()) {
+        output().print("  a replica: what is changed here, the programs that keep its set in line do not learn of\n");
+    }
     for (const std::u16string& name : database->table_names()) {
         const jet::Table* const table = database->find_table(name);
         if (table == nullptr) continue;
         const std::uint32_t rows = table->def().row_count;
         output().print("  %-24s %8u row%s\n", jet::to_utf8(name).c_str(), rows, rows == 1 ? "" : "s");
+    }
+    for (const jet::CatalogEntry& entry : database->catalog()) {
+        if (entry.type != jet::kTableObject) output().print("  %s\n", database->why_no_table(entry.name).c_str());
     }
     return 0;
 }

@@ -36,7 +36,8 @@ const Command kSalvageCommand{
     "Save what is left in a damaged file into a sound new one. The file is read page by page, without its list of "
     "tables, its definitions or its maps; a studio's tables are known without them. Rows keep their keys and their "
     "values, deleted ones stay deleted, and the report says what was saved, what is doubtful, and what is lost. The "
-    "exit code is 0 when a new file was made, whatever is missing in it.",
+    "new file is of the damaged one's format, and encoded if that is. The exit code is 0 when a new file was made, "
+    "whatever is missing in it.",
     declared<Options, bind, run>};
 
 }  // namespace tools

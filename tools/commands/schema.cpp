@@ -33,7 +33,7 @@ std::string type_text(const jet::ColumnDef& column) {
         case jet::ColumnType::kDouble: return "double";
         case jet::ColumnType::kDate: return "date";
         case jet::ColumnType::kBinary: return "binary(" + std::to_string(column.length_bytes) + ")";
-        case jet::ColumnType::kText: return "text(" + std::to_string(column.length_bytes / 2) + ")";
+        case jet::ColumnType::kText: return "text(" + std::to_string(column.most_characters()) + ")";
         case jet::ColumnType::kOle: return "ole";
         case jet::ColumnType::kMemo: return "memo";
         case jet::ColumnType::kGuid: return "guid";

@@ -20,7 +20,7 @@ struct Options {
 };
 
 void bind(Declaration& declare, Options& options) {
-    declare.word("FOLDER", options.folder, "folder of a studio, or a Jet 4 file");
+    declare.word("FOLDER", options.folder, "folder of a studio, or a Jet file");
     declare.word("TEXT", options.text, "what to look for, in whatever case");
     declare.format(options.format);
     declare.password(options.password);

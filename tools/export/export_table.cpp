@@ -77,7 +77,7 @@ ExportTable::ExportTable(const jet::Table& from, std::string table_name, std::st
         ExportColumn& own = columns.emplace_back();
         own.name = jet::to_utf8(column.name);
         own.type = column.type;
-        own.length_characters = static_cast<std::uint16_t>(column.length_bytes / 2);
+        own.length_characters = static_cast<std::uint16_t>(column.most_characters());
         own.precision = column.precision;
         own.scale = column.scale;
         own.is_autonumber = column.is_autonumber() && column.type == jet::ColumnType::kLong;

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "jet/base/jet4.h"
+#include "jet/pages/header.h"
 #include "os/draft.h"
 #include "os/file.h"
 #include "tools/errors.h"
@@ -21,10 +22,11 @@ constexpr std::size_t kShareBytes = 64 * jet::jet4::kPageSize;
 struct Original {
     std::string path;
     std::uint64_t bytes = 0;
+    std::size_t page_size = jet::jet4::kPageSize;
     // Gives `into` up to its size of bytes from `at`; returns how many.
     std::function<std::size_t(std::uint64_t at, jet::MutableByteSpan into)> read;
 
-    LongWork work(const char* what) const { return {what, bytes / jet::jet4::kPageSize}; }
+    LongWork work(const char* what) const { return {what, bytes / page_size}; }
 };
 
 void write_all(const Original& from, os::File& file) {
@@ -34,7 +36,7 @@ void write_all(const Original& from, os::File& file) {
         const std::size_t got = from.read(at, share);
         if (got == 0) break;
         file.write(at, jet::ByteSpan(share).first(got));
-        work.step(got / jet::jet4::kPageSize);
+        work.step(got / from.page_size);
         at += got;
     }
     file.sync();
@@ -52,7 +54,7 @@ void compare_all(const Original& from, os::File& file, const std::string& path) 
             throw CommandError(path + " does not hold what was written to it; the disk cannot be relied on");
         }
         if (got == 0) return;
-        work.step(got / jet::jet4::kPageSize);
+        work.step(got / from.page_size);
         at += got;
     }
 }
@@ -97,18 +99,18 @@ void remove_quietly(const std::string& path) {
 
 std::string write_checked_draft(const PageSource& pages, const std::string& target) {
     const auto read = [&](std::uint64_t at, jet::MutableByteSpan into) {
-        const auto first = static_cast<jet::PageNumber>(at / jet::jet4::kPageSize);
+        const auto first = static_cast<jet::PageNumber>(at / pages.page_size());
         std::size_t got = 0;
-        for (jet::PageNumber page = first; page < pages.page_count() && got + jet::jet4::kPageSize <= into.size();
+        for (jet::PageNumber page = first; page < pages.page_count() && got + pages.page_size() <= into.size();
              ++page) {
-            pages.read(page, into.subspan(got, jet::jet4::kPageSize));
+            pages.read(page, into.subspan(got, pages.page_size()));
             got += pages.present(page);
         }
         if (pages.refused() > 0) throw CommandError("the disk does not give all of " + pages.path() + " back");
         return got;
     };
-    const std::uint64_t bytes = std::uint64_t{pages.page_count()} * jet::jet4::kPageSize;
-    const std::string draft = write_draft({pages.path(), bytes, read}, target);
+    const std::uint64_t bytes = std::uint64_t{pages.page_count()} * pages.page_size();
+    const std::string draft = write_draft({pages.path(), bytes, pages.page_size(), read}, target);
     try {
         require_sound(draft, pages.path());
     } catch (...) {
@@ -120,8 +122,11 @@ std::string write_checked_draft(const PageSource& pages, const std::string& targ
 
 std::string write_plain_draft(const std::string& from, const std::string& target) {
     const auto file = os::file_system().open(from, os::OpenMode::kReadSide);
+    jet::ByteVector head(jet::jet4::header::kMasked + jet::jet4::header::kMaskedBytes);
+    head.resize(file->read(0, head));
+    const std::size_t page_size = jet::kind_of_file(head).format->page_size;
     const auto read = [&](std::uint64_t at, jet::MutableByteSpan into) { return file->read(at, into); };
-    return write_draft({from, file->size(), read}, target);
+    return write_draft({from, file->size(), page_size, read}, target);
 }
 
 }  // namespace tools

@@ -1,5 +1,7 @@
 #include "tools/rescue/compact.h"
 
+#include <random>
+
 #include "jet/pages/header.h"
 #include "jet/tables/database.h"
 #include "os/file.h"
@@ -92,14 +94,25 @@ void make_tables(jet::Database& from, NewFile& to) {
         }
         to.database().create_table(name, columns);
         to.set_last_number(name, def.last_autonumber);
-        const jet::ByteVector properties = property_blob(from, name);
+        const jet::ByteVector properties = property_blob(from, name, to.database().code_page());
         if (properties != property_blob(to.database(), name)) set_property_blob(to.database(), name, properties);
     }
 }
 
+std::uint32_t key_of(const jet::FileHeader& header, Encoding encoding) {
+    switch (encoding) {
+        case Encoding::kAsItIs: return header.encryption_key;
+        case Encoding::kDecoded: return 0;
+        case Encoding::kEncoded: break;
+    }
+    if (header.encryption_key != 0) return header.encryption_key;
+    const std::uint32_t key = std::random_device{}();
+    return key != 0 ? key : 1;
+}
+
 }  // namespace
 
-CompactOutcome compact_file(const std::string& name) {
+CompactOutcome compact_file(const std::string& name, const CompactOptions& wanted) {
     const std::string path = os::file_system().resolved(name);
     CompactOutcome outcome;
     const auto database = open_exclusively(path);
@@ -108,12 +121,16 @@ CompactOutcome compact_file(const std::string& name) {
                            " is damaged and was left as it is; kvdb check tells more, kvdb salvage saves what is left");
     }
     require_plain(*database, path);
-    outcome.bytes_before = std::uint64_t{database->pager().page_count()} * jet::jet4::kPageSize;
-    const jet::FileHeader header = jet::parse_header(database->pager().read(jet::jet4::kHeaderPage).bytes(), path);
+    outcome.bytes_before = std::uint64_t{database->pager().page_count()} * database->pager().format().page_size;
+    const jet::FileHeader header = database->header();
     jet::CreateOptions options;
     options.password = header.password;
     options.creation_date = header.creation_date;
     options.engine_build = header.build;
+    options.code_page = header.code_page;
+    if (!wanted.to_jet4) options.format = header.format;
+    if (options.format != header.format) options.engine_build = jet::CreateOptions().engine_build;
+    options.encryption_key = key_of(header, wanted.encoding);
 
     NewFile fresh(path, options, NewFile::Place::kReplace);
     make_tables(*database, fresh);
@@ -129,11 +146,10 @@ CompactOutcome compact_file(const std::string& name) {
         const std::string difference = difference_of(*database, *made);
         if (!difference.empty())
             throw CommandError("the new file is not the same (" + difference + "); " + path + " is as it was");
-        const jet::Page head = made->pager().read(jet::jet4::kHeaderPage);
-        if (jet::parse_header(head.bytes(), path).password != header.password) {
+        if (made->header().password != header.password) {
             throw CommandError("the new file has another password; " + path + " is as it was");
         }
-        outcome.bytes_after = std::uint64_t{made->pager().page_count()} * jet::jet4::kPageSize;
+        outcome.bytes_after = std::uint64_t{made->pager().page_count()} * made->pager().format().page_size;
     }
     os::file_system().copy_access(path, fresh.draft());
     database->close();

@@ -62,6 +62,9 @@ constexpr Rule kRules[] = {
     {"index-order", kDamage, kIndexUnsafe},
     {"index-entry", kDamage, kIndexUnsafe},
     {"index-key", kDamage, kIndexUnsafe},
+    {"index-key-former", kRemark,
+     "Another program has sorted a text with letters like a double s or kana its own way; the row is there, and "
+     "can be changed."},
     {"index-unique", kDamage, kIndexUnsafe},
     {"index-missing", kDamage, kIndexUnsafe},
     {"unreadable", kDamage, "The file cannot be opened as it is."},

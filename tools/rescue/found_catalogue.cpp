@@ -30,10 +30,10 @@ std::optional<TableDef> read_definition(const PageSource& pages, PageNumber firs
         chain.push_back(page_no);
         page_no = jet::load_u32(page, tdef::kNext);
     }
-    if (joined.size() < tdef::kFixedHeader) return std::nullopt;
+    if (joined.size() < pages.format().definition.fixed_header) return std::nullopt;
     joined[0] = jet::jet4::kTableDefPage;
     try {
-        TableDef def = jet::parse_table_def(joined, first);
+        TableDef def = jet::parse_table_def(joined, first, pages.format(), pages.text_code_page());
         if (def.columns.empty()) return std::nullopt;
         return def;
     } catch (const jet::Error&) {
@@ -76,7 +76,7 @@ void read_object(ByteSpan bytes, const TableDef& def, FoundCatalogue& into) {
 
 bool is_definition_page(ByteSpan bytes) {
     if (bytes[0] == jet::jet4::kTableDefPage && bytes[jet::jet4::kPageKindMark] == 1) return true;
-    return jet::load_u32(bytes, tdef::kMagic) == tdef::kMagicValue;
+    return has_definition_mark(bytes);
 }
 
 std::map<PageNumber, TableDef> read_definitions(const PageSource& pages,
@@ -88,19 +88,22 @@ std::map<PageNumber, TableDef> read_definitions(const PageSource& pages,
     return definitions;
 }
 
-TableDef definition_of_catalogue() {
+TableDef definition_of_catalogue(const jet::Format& format, std::uint16_t code_page) {
     jet::CreateOptions options;
     options.creation_date = 1;
+    options.format = &format;
+    if (code_page != 0) options.code_page = code_page;
     const ByteVector file = jet::build_empty_database(options);
-    const std::size_t at = jet::jet4::kObjectsPage * jet::jet4::kPageSize;
-    return jet::parse_table_def(ByteSpan(file).subspan(at, jet::jet4::kPageSize), jet::jet4::kObjectsPage);
+    const ByteSpan page = ByteSpan(file).subspan(jet::jet4::kObjectsPage * format.page_size, format.page_size);
+    return jet::parse_table_def(page, jet::jet4::kObjectsPage, format, code_page);
 }
 
 FoundCatalogue read_catalogue(const PageSource& pages, const std::vector<PageNumber>& row_pages,
                               const std::map<PageNumber, TableDef>& definitions) {
     const auto own = definitions.find(jet::jet4::kObjectsPage);
-    const TableDef def =
-        own != definitions.end() && is_catalogue(own->second) ? own->second : definition_of_catalogue();
+    const TableDef def = own != definitions.end() && is_catalogue(own->second)
+                             ? own->second
+                             : definition_of_catalogue(pages.format(), pages.text_code_page());
     FoundCatalogue catalogue;
     for (const PageNumber page_no : row_pages) {
         const ByteVector page = pages.page(page_no);

@@ -30,7 +30,11 @@ struct FoundPage {
     std::vector<FoundSlot> slots;
 };
 
-// `bytes` is a page, of which the first `present` bytes are in the file.
+// `bytes` is a page, of which the first `present` bytes are in the file. Its size tells the version of the format.
 FoundPage look_at_page(jet::ByteSpan bytes, std::size_t present);
+// Whether it is a page of rows or of a definition without doubt.
+bool is_sound_page(jet::ByteSpan bytes);
+// What stands on every page of a definition, in Jet 4 on its first one, and on no page of rows.
+bool has_definition_mark(jet::ByteSpan bytes);
 
 }  // namespace tools

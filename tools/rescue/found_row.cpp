@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
 #include "jet/storage/text_codec.h"
 
 namespace tools {
@@ -15,12 +15,14 @@ using jet::ColumnDef;
 using jet::ColumnType;
 using jet::TableDef;
 
-constexpr std::size_t kCountBytes = 2;
+constexpr std::size_t kJump = 256;
+constexpr std::uint8_t kNoJump = 0xFF;
 constexpr double kFirstDate = -657434;  // 100-01-01
 constexpr double kLastDate = 2958466;   // the day after 9999-12-31
 
 // Where things stand in a row.
 struct Shape {
+    std::size_t count_bytes = 2;
     std::size_t columns = 0;
     ByteSpan mask;
     std::size_t fixed_end = 0;
@@ -36,39 +38,76 @@ bool is_stored_fixed(const ColumnDef& column) { return column.is_fixed() && colu
 
 // The end of the fixed area of a row that knows the first `columns` columns.
 std::size_t fixed_area_end(const TableDef& def, std::size_t columns) {
-    std::size_t end = kCountBytes;
+    const std::size_t count_bytes = def.format->data.row_number_bytes;
+    std::size_t end = count_bytes;
     for (const ColumnDef& column : def.columns) {
         if (!is_stored_fixed(column) || column.number >= columns) continue;
-        end = std::max<std::size_t>(end, kCountBytes + column.fixed_offset + column.length_bytes);
+        end = std::max<std::size_t>(end, count_bytes + column.fixed_offset + column.length_bytes);
     }
     return end;
 }
 
-bool find_variable_part(ByteSpan row, const TableDef& def, Shape& shape) {
+// Offsets of one byte, with the jumps between them.
+bool find_short_offsets(ByteSpan row, const TableDef& def, Shape& shape, std::size_t& table_at) {
     const std::size_t end = row.size() - shape.mask.size();
-    if (end < kCountBytes + 4) return false;
+    const std::size_t jumps = (row.size() - 1) / kJump;
+    const std::size_t count = row[end - 1];
+    const std::size_t bytes = count + 1 + jumps + 1;
+    if (count > def.variable_columns || end < 1 + bytes) return false;
+    table_at = end - bytes;
+    const std::size_t jumps_at = end - 1 - jumps;
+    for (std::size_t i = 0; i <= count; ++i) {
+        std::size_t offset = row[jumps_at - 1 - i];
+        for (const std::uint8_t first : row.subspan(jumps_at, jumps)) {
+            if (first != kNoJump && first <= i) offset += kJump;
+        }
+        shape.offsets.push_back(offset);
+    }
+    for (std::size_t k = 1; k <= jumps; ++k) {
+        const auto first = std::lower_bound(shape.offsets.begin(), shape.offsets.end(), kJump * k);
+        const std::size_t right =
+            first == shape.offsets.end() ? kNoJump : static_cast<std::size_t>(first - shape.offsets.begin());
+        if (row[jumps_at + jumps - k] != right) shape.is_exact = false;
+    }
+    return true;
+}
+
+bool find_offsets(ByteSpan row, const TableDef& def, Shape& shape, std::size_t& table_at) {
+    const std::size_t end = row.size() - shape.mask.size();
+    if (end < 2 + 4) return false;
     const std::size_t count_at = end - 2;
     const std::size_t count = jet::load_u16(row, count_at);
-    if (count > def.variable_columns || count_at < kCountBytes + 2 * (count + 1)) return false;
-    const std::size_t table_at = count_at - 2 * (count + 1);
-    std::size_t last = kCountBytes;
-    for (std::size_t i = 0; i <= count; ++i) {
-        const std::size_t offset = jet::load_u16(row, count_at - 2 * (i + 1));
+    if (count > def.variable_columns || count_at < 2 + 2 * (count + 1)) return false;
+    table_at = count_at - 2 * (count + 1);
+    for (std::size_t i = 0; i <= count; ++i) shape.offsets.push_back(jet::load_u16(row, count_at - 2 * (i + 1)));
+    return true;
+}
+
+bool find_variable_part(ByteSpan row, const TableDef& def, Shape& shape) {
+    std::size_t table_at = 0;
+    const bool is_short = shape.count_bytes == 1;
+    if (!(is_short ? find_short_offsets(row, def, shape, table_at) : find_offsets(row, def, shape, table_at))) {
+        return false;
+    }
+    std::size_t last = shape.count_bytes;
+    for (const std::size_t offset : shape.offsets) {
         if (offset < last || offset > table_at) return false;
-        shape.offsets.push_back(offset);
         last = offset;
     }
     shape.fixed_end = shape.offsets.front();
-    shape.is_exact = last == table_at && (shape.columns < def.max_columns || count == def.variable_columns);
+    const std::size_t count = shape.offsets.size() - 1;
+    const bool is_complete = shape.columns < def.max_columns || count == def.variable_columns;
+    shape.is_exact = shape.is_exact && last == table_at && is_complete;
     return true;
 }
 
 bool find_shape(ByteSpan row, const TableDef& def, Shape& shape) {
-    if (row.size() < jet::jet4::data::kMinRow || row.size() > jet::jet4::kPageSize) return false;
-    shape.columns = jet::load_u16(row, 0);
+    if (row.size() < jet::jet4::data::kMinRow || row.size() > def.format->page_size) return false;
+    shape.count_bytes = def.format->data.row_number_bytes;
+    shape.columns = columns_of_row(row, def);
     if (shape.columns == 0 || shape.columns > def.max_columns) return false;
     const std::size_t mask_bytes = (shape.columns + 7) / 8;
-    if (row.size() < kCountBytes + mask_bytes) return false;
+    if (row.size() < shape.count_bytes + mask_bytes) return false;
     shape.mask = row.last(mask_bytes);
     shape.fixed_end = row.size() - mask_bytes;
     const bool has_variable = std::any_of(def.columns.begin(), def.columns.end(), [&](const ColumnDef& column) {
@@ -81,7 +120,7 @@ bool find_shape(ByteSpan row, const TableDef& def, Shape& shape) {
         shape.is_exact = false;
         for (const ColumnDef& column : def.columns) {
             if (!is_stored_fixed(column) || !shape.has(column)) continue;
-            if (kCountBytes + column.fixed_offset + column.length_bytes > shape.fixed_end) return false;
+            if (shape.count_bytes + column.fixed_offset + column.length_bytes > shape.fixed_end) return false;
         }
     } else if (has_variable && shape.fixed_end != expected && shape.columns == def.max_columns) {
         shape.is_exact = false;
@@ -92,7 +131,9 @@ bool find_shape(ByteSpan row, const TableDef& def, Shape& shape) {
     return true;
 }
 
-bool is_text(ByteSpan bytes, std::size_t most_characters) {
+bool is_text(ByteSpan bytes, const ColumnDef& column) {
+    const std::size_t most_characters = column.most_characters();
+    if (column.code_page != 0) return bytes.size() <= most_characters;
     const bool is_short = bytes.size() >= 2 && bytes[0] == 0xFF && bytes[1] == 0xFE;
     if (is_short) return jet::decode_text(bytes).size() <= most_characters;
     return bytes.size() % 2 == 0 && bytes.size() <= 2 * most_characters;
@@ -105,7 +146,7 @@ bool is_long_reference(ByteSpan bytes) {
     const std::uint32_t length = head & lv::kLengthMask;
     switch (head & lv::kKindMask) {
         case lv::kInline: return bytes.size() - lv::kReference == length;
-        case lv::kSingle: return length <= jet::jet4::kPageSize && bytes.size() == lv::kReference;
+        case lv::kSingle: return length <= jet::kJet4.page_size && bytes.size() == lv::kReference;
         case 0: return bytes.size() == lv::kReference;
         default: return false;
     }
@@ -119,7 +160,7 @@ bool is_value(ByteSpan bytes, const ColumnDef& column) {
         }
         case ColumnType::kSingle: return std::isfinite(jet::load_f32(bytes, 0));
         case ColumnType::kDouble: return std::isfinite(jet::load_f64(bytes, 0));
-        case ColumnType::kText: return is_text(bytes, column.length_bytes / 2u);
+        case ColumnType::kText: return is_text(bytes, column);
         case ColumnType::kMemo:
         case ColumnType::kOle: return is_long_reference(bytes);
         case ColumnType::kBinary: return bytes.size() <= column.length_bytes;
@@ -132,13 +173,17 @@ constexpr std::uint8_t kFalseTrue[] = {0, 1};
 std::optional<ByteSpan> find_value(ByteSpan row, const Shape& shape, const ColumnDef& column) {
     if (column.type == ColumnType::kBoolean) return ByteSpan(kFalseTrue).subspan(shape.has(column) ? 1 : 0, 1);
     if (!shape.has(column)) return std::nullopt;
-    if (column.is_fixed()) return row.subspan(kCountBytes + column.fixed_offset, column.length_bytes);
+    if (column.is_fixed()) return row.subspan(shape.count_bytes + column.fixed_offset, column.length_bytes);
     if (column.variable_index + 1u >= shape.offsets.size()) return std::nullopt;
     const std::size_t begin = shape.offsets[column.variable_index];
     return row.subspan(begin, shape.offsets[column.variable_index + 1u] - begin);
 }
 
 }  // namespace
+
+std::size_t columns_of_row(ByteSpan row, const TableDef& def) {
+    return def.format->data.row_number_bytes == 1 ? jet::load_u8(row, 0) : jet::load_u16(row, 0);
+}
 
 FoundRow take_apart(ByteSpan bytes, const TableDef& def) {
     FoundRow row;

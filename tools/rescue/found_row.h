@@ -25,6 +25,9 @@ struct FoundRow {
     std::vector<std::u16string> bad_columns;
 };
 
+// How many columns its table had when the row was written.
+std::size_t columns_of_row(jet::ByteSpan row, const jet::TableDef& def);
+
 // The row points into `bytes`.
 FoundRow take_apart(jet::ByteSpan bytes, const jet::TableDef& def);
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <map>
+#include <tuple>
 
 #include "db/upgrade/schema_history.h"
 
@@ -16,7 +18,7 @@ using db::TableSchema;
 using jet::ColumnDef;
 using jet::ColumnType;
 
-constexpr std::uint16_t kTextBytes = 510;
+constexpr std::uint16_t kTextCharacters = 255;
 constexpr std::int32_t kOldest = 100000;
 
 ColumnType type_of(FieldKind kind) {
@@ -43,7 +45,11 @@ std::uint16_t fixed_bytes(ColumnType type) {
 // Gives a definition its columns one by one, each its place in the row, as the engine does.
 class LayoutMaker {
 public:
-    explicit LayoutMaker(const TableSchema& table) { def_.name = jet::from_utf8(table.name); }
+    LayoutMaker(const StudioForm& form, const TableSchema& table) {
+        def_.name = jet::from_utf8(table.name);
+        def_.format = form.format;
+        def_.code_page = form.code_page;
+    }
 
     void add(const char* name, FieldKind kind) {
         ColumnDef column;
@@ -52,6 +58,7 @@ public:
         column.number = column.ordinal = def_.max_columns++;
         column.flags = tdef::kFlagNullable;
         column.variable_index = def_.variable_columns;
+        column.code_page = def_.code_page;
         if (const std::uint16_t bytes = fixed_bytes(column.type)) {
             column.flags |= tdef::kFlagFixed;
             column.fixed_offset = fixed_end_;
@@ -59,11 +66,12 @@ public:
             fixed_end_ = static_cast<std::uint16_t>(fixed_end_ + bytes);
         } else {
             ++def_.variable_columns;
-            column.length_bytes = column.type == ColumnType::kText ? kTextBytes : std::uint16_t{0};
+            const std::size_t bytes_of_text = def_.format->text_unit * kTextCharacters;
+            column.length_bytes = column.type == ColumnType::kText ? static_cast<std::uint16_t>(bytes_of_text) : 0;
         }
         if (kind == FieldKind::kKey) column.flags |= tdef::kFlagAutoNumber;
         if (column.type == ColumnType::kText || column.type == ColumnType::kMemo) {
-            column.ext_flags = tdef::kExtCompressed;
+            if (!def_.format->is_jet3()) column.ext_flags = tdef::kExtCompressed;
         }
         column.allow_zero_length = kind == FieldKind::kText || kind == FieldKind::kMemo;
         def_.columns.push_back(std::move(column));
@@ -107,14 +115,15 @@ struct Origin {
     TextDate date = TextDate::kNone;
 };
 
-KnownLayout make_layout(DatabaseFile file, const TableSchema& table, const Origin& origin) {
+KnownLayout make_layout(const StudioForm& form, const TableSchema& table, const Origin& origin) {
+    const DatabaseFile file = form.file;
     const std::vector<const char*> later = added_from(file, table, origin.created + 1);
     const std::vector<const char*> too_late = added_from(file, table, origin.now + 1);
     const auto has = [](const std::vector<const char*>& names, const char* name) {
         return std::any_of(names.begin(), names.end(), [&](const char* n) { return std::strcmp(n, name) == 0; });
     };
     const db::RemovedField* const removed = removed_from(file, table);
-    LayoutMaker maker(table);
+    LayoutMaker maker(form, table);
     for (const FieldSchema& field : table.fields) {
         const bool is_date = removed != nullptr && std::strcmp(removed->became, field.name) == 0;
         if (is_date && origin.date == TextDate::kInItsPlace) maker.add(removed->field, FieldKind::kText);
@@ -136,14 +145,15 @@ bool is_same_layout(const jet::TableDef& a, const jet::TableDef& b) {
     return true;
 }
 
-std::vector<KnownLayout> make_layouts(DatabaseFile file) {
+std::vector<KnownLayout> make_layouts(const StudioForm& form) {
+    const DatabaseFile file = form.file;
     std::vector<std::int32_t> versions{kOldest};
     for (const db::VersionAdditions& version : db::schema_history()) versions.push_back(version.version);
     std::vector<KnownLayout> layouts;
     for (const TableSchema* const table : known_tables(file)) {
         const std::size_t first = layouts.size();
         const auto add = [&](const Origin& origin) {
-            KnownLayout layout = make_layout(file, *table, origin);
+            KnownLayout layout = make_layout(form, *table, origin);
             for (std::size_t i = first; i < layouts.size(); ++i) {
                 if (!is_same_layout(layouts[i].def, layout.def)) continue;
                 layouts[i].versions.push_back(origin.now);
@@ -174,15 +184,16 @@ std::int32_t history_version(std::int32_t version) {
     return at;
 }
 
-const std::vector<KnownLayout>& known_layouts(DatabaseFile file) {
-    static const std::vector<KnownLayout> kMain = make_layouts(DatabaseFile::kMain);
-    static const std::vector<KnownLayout> kInvoice = make_layouts(DatabaseFile::kInvoice);
-    return file == DatabaseFile::kMain ? kMain : kInvoice;
+const std::vector<KnownLayout>& known_layouts(const StudioForm& form) {
+    static std::map<std::tuple<DatabaseFile, const jet::Format*, std::uint16_t>, std::vector<KnownLayout>> made;
+    std::vector<KnownLayout>& layouts = made[{form.file, form.format, form.code_page}];
+    if (layouts.empty()) layouts = make_layouts(form);
+    return layouts;
 }
 
-jet::TableDef layout_at(DatabaseFile file, const TableSchema& table, std::int32_t version) {
-    const bool has_text_date = removed_from(file, table) != nullptr && version < 200000;
-    return make_layout(file, table, {version, version, has_text_date ? TextDate::kInItsPlace : TextDate::kNone}).def;
+jet::TableDef layout_at(const StudioForm& form, const TableSchema& table, std::int32_t version) {
+    const bool has_text_date = removed_from(form.file, table) != nullptr && version < 200000;
+    return make_layout(form, table, {version, version, has_text_date ? TextDate::kInItsPlace : TextDate::kNone}).def;
 }
 
 std::vector<const TableSchema*> known_tables(DatabaseFile file) {

@@ -12,6 +12,13 @@
 
 namespace tools {
 
+// Which of a studio's files it is, and how rows and texts are stored in it.
+struct StudioForm {
+    db::DatabaseFile file = db::DatabaseFile::kMain;
+    const jet::Format* format = &jet::kJet4;
+    std::uint16_t code_page = 0;  // of texts; 0: UTF-16
+};
+
 struct KnownLayout {
     const db::TableSchema* table = nullptr;
     // Its page, maps and counts are unset.
@@ -22,9 +29,9 @@ struct KnownLayout {
 // The version of the schema's history that a file of that version stands at; 100000 for the oldest.
 std::int32_t history_version(std::int32_t version);
 // All ways in which the tables of that file may be laid out, table by table in the order of creation.
-const std::vector<KnownLayout>& known_layouts(db::DatabaseFile file);
+const std::vector<KnownLayout>& known_layouts(const StudioForm& form);
 // The columns of a table in a file that was created by that version.
-jet::TableDef layout_at(db::DatabaseFile file, const db::TableSchema& table, std::int32_t version);
+jet::TableDef layout_at(const StudioForm& form, const db::TableSchema& table, std::int32_t version);
 // In the order of creation, the engineers' list of old among them.
 std::vector<const db::TableSchema*> known_tables(db::DatabaseFile file);
 

@@ -32,7 +32,7 @@ void LongValueFinder::note_reference(ByteSpan reference) {
 const LongValueFinder::CachedPage& LongValueFinder::load(PageNumber page_no) {
     CachedPage& cached = cache_[page_no % cache_.size()];
     if (cached.page_no != page_no || cached.bytes.empty()) {
-        cached.bytes.resize(jet::jet4::kPageSize);
+        cached.bytes.resize(pages_.page_size());
         pages_.read(page_no, cached.bytes);
         cached.page_no = page_no;
         cached.look = look_at_page(cached.bytes, pages_.present(page_no));
@@ -180,7 +180,7 @@ void LongValueFinder::find_spare_links() {
         if (look.slots.size() != 1 || look.slots[0].number != 0 || chained_.contains(page)) continue;
         const std::uint32_t stamp = look.stamp;
         const auto link = link_at({page, 0}, stamp);
-        if (!link || (link->bytes != lv::kChainData && !link->next.is_null())) continue;
+        if (!link || (link->bytes != pages_.format().long_value.chain_data && !link->next.is_null())) continue;
         (stamp == 0 ? spare_links_ : spare_heads_).push_back(*link);
     }
 }

@@ -47,7 +47,8 @@ void NewFile::set_last_number(std::u16string_view table, std::int32_t number) {
         jet::Transaction change(database_->pager());
         {
             const jet::MutablePage page = database_->pager().modify(static_cast<jet::PageNumber>(entry.id));
-            jet::store_u32(page.bytes(), jet::jet4::tdef::kLastAutoNumber, static_cast<std::uint32_t>(number));
+            jet::store_u32(page.bytes(), database_->pager().format().definition.last_autonumber,
+                           static_cast<std::uint32_t>(number));
         }
         change.commit();
     }
@@ -101,7 +102,7 @@ jet::NewColumn new_column_like(const jet::ColumnDef& column, bool& is_same) {
     switch (column.type) {
         case ColumnType::kLong: made.autonumber = column.is_autonumber(); break;
         case ColumnType::kText: {
-            const int characters = column.length_bytes / 2;
+            const auto characters = static_cast<int>(column.most_characters());
             made.text_characters = static_cast<std::uint16_t>(characters < 1 || characters > 255 ? 255 : characters);
             is_same = !column.is_fixed();
             break;

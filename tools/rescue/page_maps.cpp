@@ -41,8 +41,8 @@ std::optional<std::vector<bool>> read_page_map(const PageSource& pages, jet::Row
             if (bitmap_no >= pages.page_count()) return std::nullopt;
             const jet::ByteVector bitmap = pages.page(bitmap_no);
             if (bitmap[0] != jet::jet4::kUsageBitmapPage) return std::nullopt;
-            collect(jet::ByteSpan(bitmap).subspan(usage::kPagePrefix), std::uint64_t{k} * usage::kPagesPerBitmap,
-                    members);
+            collect(jet::ByteSpan(bitmap).subspan(usage::kPagePrefix),
+                    std::uint64_t{k} * pages.format().usage.pages_per_bitmap, members);
         }
         return members;
     }

@@ -16,7 +16,7 @@ using jet::RowId;
 class Walk {
 public:
     Walk(const PageSource& pages, const SurveyedTable& table, const FoundRowVisitor& visit)
-        : pages_(pages), table_(table), visit_(visit), page_(jet::jet4::kPageSize), other_(jet::jet4::kPageSize) {}
+        : pages_(pages), table_(table), visit_(visit), page_(pages.page_size()), other_(pages.page_size()) {}
 
     WalkCounts run() {
         for (const PageNumber page_no : table_.row_pages) walk_page(page_no);

@@ -55,7 +55,8 @@ std::optional<std::int32_t> key_of(const FoundRow& row, const TableFacts& facts)
 
 class Salvage {
 public:
-    Salvage(const std::string& from, const std::string& to) : pages_(from), survey_(require_pages(pages_)), to_(to) {}
+    Salvage(const std::string& from, const std::string& to)
+        : pages_(from, PageSource::Bytes::kDecoded), survey_(require_pages(pages_)), to_(to) {}
 
     SalvageReport run() {
         report_.studio_file = survey_.studio_file();
@@ -70,6 +71,9 @@ public:
         }
         jet::CreateOptions options;
         options.password = password();
+        options.format = &pages_.format();
+        options.code_page = pages_.format().is_jet3() ? pages_.text_code_page() : options.code_page;
+        options.encryption_key = pages_.encryption_key();
         NewFile file(to_, options);
         make_tables(file);
         for (std::size_t i = 0; i < facts_.size(); ++i) copy_rows(file, i);
@@ -86,11 +90,6 @@ private:
         if (pages.page_count() < 3) {
             throw CommandError("there is nothing to save in " + pages.path() + ": it has " +
                                plural(pages.page_count(), "page", "pages") + " and no rows");
-        }
-        const ByteVector first = pages.page(0);
-        if (jet::load_u32(first, 0) == 0x00000100 &&
-            jet::load_u32(first, jet::jet4::header::kVersion) == jet::jet4::header::kVersionJet3) {
-            throw CommandError(pages.path() + " is a Jet 3 file (Access 97); only Jet 4 files can be salvaged");
         }
         return pages;
     }
@@ -264,7 +263,7 @@ private:
 
     void make_missing(NewFile& file, const db::TableSchema& schema) {
         if (!has_missing_table(schema) || &schema == &db::engineers_table()) return;
-        const TableDef def = layout_at(*survey_.studio_file(), schema, *version_);
+        const TableDef def = layout_at(survey_.form(), schema, *version_);
         std::vector<jet::NewColumn> columns;
         bool is_same = true;
         for (const jet::ColumnDef& column : def.columns) columns.push_back(new_column_like(column, is_same));

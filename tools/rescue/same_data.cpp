@@ -20,10 +20,15 @@ std::optional<jet::RowId> catalogue_row(const jet::Table& objects, std::u16strin
     return std::nullopt;
 }
 
+// Of texts, the characters count: a code page takes one byte for each, UTF-16 two.
+bool is_same_size(const jet::ColumnDef& a, const jet::ColumnDef& b) {
+    if (a.type == jet::ColumnType::kText) return a.most_characters() == b.most_characters();
+    return a.length_bytes == b.length_bytes;
+}
+
 bool is_same_column(const jet::ColumnDef& a, const jet::ColumnDef& b) {
-    return a.name == b.name && a.type == b.type && a.length_bytes == b.length_bytes &&
-           a.is_autonumber() == b.is_autonumber() && a.allow_zero_length == b.allow_zero_length &&
-           a.required == b.required;
+    return a.name == b.name && a.type == b.type && is_same_size(a, b) && a.is_autonumber() == b.is_autonumber() &&
+           a.allow_zero_length == b.allow_zero_length && a.required == b.required;
 }
 
 std::string difference_of_rows(const jet::Table& a, const jet::Table& b, const std::string& name) {
@@ -46,6 +51,12 @@ std::string difference_of_rows(const jet::Table& a, const jet::Table& b, const s
 }
 
 }  // namespace
+
+jet::ByteVector property_blob(jet::Database& database, std::u16string_view table, std::uint16_t code_page) {
+    const jet::ByteVector blob = property_blob(database, table);
+    if (blob.empty() || code_page == database.code_page()) return blob;
+    return jet::build_properties(jet::convert_properties(jet::parse_properties(blob, database.code_page()), code_page));
+}
 
 jet::ByteVector property_blob(jet::Database& database, std::u16string_view table) {
     const jet::Table& objects = *database.table_by_page(jet::jet4::kObjectsPage);
@@ -79,7 +90,8 @@ std::string difference_of(jet::Database& a, jet::Database& b) {
         }
         if (first.def().last_autonumber != second.def().last_autonumber)
             return "the next number of " + name + " differs";
-        if (property_blob(a, table) != property_blob(b, table)) return "the properties of " + name + " differ";
+        if (property_blob(a, table, b.code_page()) != property_blob(b, table))
+            return "the properties of " + name + " differ";
         if (const std::string rows = difference_of_rows(first, second, name); !rows.empty()) return rows;
     }
     return {};

@@ -59,12 +59,12 @@ FileSurvey::FileSurvey(const PageSource& pages) : pages_(pages), long_values_(pa
 }
 
 void FileSurvey::note_pages() {
-    ByteVector page(jet::jet4::kPageSize);
+    ByteVector page(pages_.page_size());
     LongWork work("pages looked at", notes_.size());
     for (PageNumber page_no = 1; page_no < notes_.size(); ++page_no) {
         work.step();
         pages_.read(page_no, page);
-        const bool is_head = jet::load_u32(page, jet::jet4::tdef::kMagic) == jet::jet4::tdef::kMagicValue;
+        const bool is_head = has_definition_mark(page);
         const FoundPage look = look_at_page(page, pages_.present(page_no));
         if (!is_head && look.holds_rows) {
             const bool is_long = look.owner == jet::jet4::data::kLongValueOwner;
@@ -97,7 +97,7 @@ void FileSurvey::find_studio_file() {
             });
             const bool is_defined =
                 table->fields.size() > 3 && std::any_of(definitions_.begin(), definitions_.end(), [&](const auto& def) {
-                    return has_columns_of(def.second, file, *table);
+                    return has_columns_of(def.second, form_of(file), *table);
                 });
             if (is_named || is_defined) found.insert(table->name);
         }
@@ -117,7 +117,7 @@ void FileSurvey::find_studio_file() {
 void FileSurvey::find_version() {
     const auto tables = *studio_file_ == DatabaseFile::kMain ? db::studio_tables() : db::invoice_tables();
     const db::TableSchema& header = *db::find_table(tables, "DBHeader");
-    const TableDef layout = layout_at(*studio_file_, header, db::kCurrentVersion);
+    const TableDef layout = layout_at(form(), header, db::kCurrentVersion);
     const auto try_rows_of = [&](PageNumber owner) {
         for (const ByteVector& bytes : sample_rows(owner)) {
             const FoundRow row = take_apart(bytes, layout);
@@ -135,7 +135,7 @@ void FileSurvey::find_version() {
         if (object.name == jet::from_utf8(header.name) && try_rows_of(page)) return;
     }
     for (const auto& [page, def] : definitions_) {
-        if (has_columns_of(def, *studio_file_, header) && try_rows_of(page)) return;
+        if (has_columns_of(def, form(), header) && try_rows_of(page)) return;
     }
     if (!has_catalogue_) return;
     version_ = history_version(0);
@@ -196,7 +196,7 @@ void FileSurvey::name_by_schema() {
         for (const db::TableSchema* const schema : known) {
             const std::u16string name = jet::from_utf8(schema->name);
             if (is_taken(schema) || !is_nearly(table.def.name, name)) continue;
-            if (!has_columns_of(table.def, *studio_file_, *schema)) continue;
+            if (!has_columns_of(table.def, form(), *schema)) continue;
             table.schema = schema;
             table.def.name = name;
         }
@@ -205,10 +205,9 @@ void FileSurvey::name_by_schema() {
     for (const db::TableSchema* const schema : known) {
         if (!is_taken(schema)) open.push_back(schema);
     }
-    const std::vector<std::size_t> matched =
-        match_in_order(unnamed.size(), open.size(), [&](std::size_t i, std::size_t k) {
-            return has_columns_of(unnamed[i]->def, *studio_file_, *open[k]) ? 1.0 : 0.0;
-        });
+    const std::vector<std::size_t> matched = match_in_order(
+        unnamed.size(), open.size(),
+        [&](std::size_t i, std::size_t k) { return has_columns_of(unnamed[i]->def, form(), *open[k]) ? 1.0 : 0.0; });
     for (std::size_t i = 0; i < unnamed.size(); ++i) {
         if (matched[i] == kNoMatch) continue;
         unnamed[i]->schema = open[matched[i]];
@@ -279,7 +278,7 @@ void FileSurvey::name_lost_tables(std::vector<LostTable>& lost) const {
     }
     const std::vector<std::size_t> matched =
         match_in_order(nameless.size(), open.size(), [&](std::size_t i, std::size_t k) {
-            const LayoutGuess guess = best_layout(nameless[i]->rows, *studio_file_, *open[k], version_);
+            const LayoutGuess guess = best_layout(nameless[i]->rows, form(), *open[k], version_);
             return guess.share >= 0.95 ? static_cast<double>(nameless[i]->rows.size()) + 1 : 0.0;
         });
     for (std::size_t i = 0; i < nameless.size(); ++i) {
@@ -290,7 +289,7 @@ void FileSurvey::name_lost_tables(std::vector<LostTable>& lost) const {
 // The definition that the table's rows go by, as far as one is known.
 std::optional<TableDef> FileSurvey::definition_of(const LostTable& table) const {
     if (table.schema != nullptr) {
-        const LayoutGuess guess = best_layout(table.rows, *studio_file_, *table.schema, version_);
+        const LayoutGuess guess = best_layout(table.rows, form(), *table.schema, version_);
         if (guess.layout != nullptr && guess.share >= 0.5) return guess.layout->def;
     }
     const auto stray = std::find_if(strays_.begin(), strays_.end(),
@@ -328,16 +327,16 @@ void FileSurvey::add_undefined_tables() {
 void FileSurvey::prefer_known_layouts() {
     for (SurveyedTable& table : tables_) {
         if (table.schema == nullptr || table.is_rebuilt) continue;
-        if (is_known_layout(table.def, *studio_file_, *table.schema)) continue;
+        if (is_known_layout(table.def, form(), *table.schema)) continue;
         const std::vector<ByteVector> rows = sample_rows(table.page);
         const double own = share_of_rows(rows, table.def);
-        const LayoutGuess guess = best_layout(rows, *studio_file_, *table.schema, version_);
+        const LayoutGuess guess = best_layout(rows, form(), *table.schema, version_);
         const bool fits_better = guess.layout != nullptr && guess.share >= 0.9 && own < guess.share;
-        const KnownLayout* const twin = twin_layout(table.def, *studio_file_, *table.schema);
+        const KnownLayout* const twin = twin_layout(table.def, form(), *table.schema);
         // Without rows to tell, another table's definition stands here.
-        const bool is_another = rows.empty() && !has_columns_of(table.def, *studio_file_, *table.schema);
+        const bool is_another = rows.empty() && !has_columns_of(table.def, form(), *table.schema);
         const KnownLayout* const right = fits_better  ? guess.layout
-                                         : is_another ? layout_of_version(*studio_file_, *table.schema, version_)
+                                         : is_another ? layout_of_version(form(), *table.schema, version_)
                                                       : twin;
         if (right == nullptr) continue;
         TableDef mended = right->def;
@@ -359,7 +358,7 @@ void FileSurvey::read_properties() {
             const FoundLongValue blob = long_values_.read(object->second.properties);
             try {
                 if (blob.is_whole && !blob.bytes.empty()) {
-                    const jet::PropertySet properties = jet::parse_properties(blob.bytes);
+                    const jet::PropertySet properties = jet::parse_properties(blob.bytes, pages_.text_code_page());
                     for (jet::ColumnDef& column : table.def.columns) {
                         column.allow_zero_length = properties.column_flag(column.name, u"AllowZeroLength", true);
                     }

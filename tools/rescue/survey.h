@@ -49,6 +49,8 @@ public:
 
     // Which of a studio's files it is; none for any other.
     std::optional<db::DatabaseFile> studio_file() const { return studio_file_; }
+    // Of a studio's file.
+    StudioForm form() const { return form_of(*studio_file_); }
     // In the order of creation.
     const std::vector<SurveyedTable>& tables() const { return tables_; }
     const std::vector<OrphanedRows>& orphans() const { return orphans_; }
@@ -86,6 +88,7 @@ private:
     void assign_pages();
     void drop_given_up_pages();
 
+    StudioForm form_of(db::DatabaseFile file) const { return {file, &pages_.format(), pages_.text_code_page()}; }
     std::size_t index_of(jet::PageNumber owner) const;
     bool is_listed(const db::TableSchema* schema) const;
     bool is_taken(const db::TableSchema* schema) const;

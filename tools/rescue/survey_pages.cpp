@@ -32,7 +32,7 @@ PageFit fit_of(const ByteVector& page, const FoundPage& look, const TableDef& de
         const Fit row = take_apart(bytes, def).fit;
         if (row != Fit::kNone) ++fit.possible;
         if (row == Fit::kExact) ++fit.exact;
-        if (row == Fit::kExact && jet::load_u16(bytes, 0) == def.max_columns) ++fit.full;
+        if (row == Fit::kExact && columns_of_row(bytes, def) == def.max_columns) ++fit.full;
     }
     return fit;
 }

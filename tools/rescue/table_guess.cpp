@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <set>
 
-#include "jet/storage/text_codec.h"
+#include "jet/storage/row_codec.h"
 #include "tools/rescue/found_row.h"
 
 namespace tools {
@@ -40,10 +40,11 @@ double date_share(const std::vector<jet::ByteVector>& rows, const TableDef& def)
     if (!column || def.columns[*column].type != jet::ColumnType::kText) return 0;
     std::size_t texts = 0;
     std::size_t dates = 0;
+    std::u16string text;
     for (const jet::ByteVector& bytes : rows) {
         const FoundRow row = take_apart(bytes, def);
         if (row.fit == Fit::kNone || !row.stored[*column]) continue;
-        const std::u16string text = jet::decode_text(*row.stored[*column]);
+        jet::decode_column_text(*row.stored[*column], def.columns[*column], text);
         ++texts;
         const bool is_date = std::all_of(text.begin(), text.end(), [](char16_t c) { return c >= u'-' && c <= u'9'; });
         if (is_date && text.size() >= 6) ++dates;
@@ -52,19 +53,19 @@ double date_share(const std::vector<jet::ByteVector>& rows, const TableDef& def)
 }
 
 template <class Visit>
-void for_each_layout(db::DatabaseFile file, const db::TableSchema& table, Visit&& visit) {
-    for (const KnownLayout& layout : known_layouts(file)) {
+void for_each_layout(const StudioForm& form, const db::TableSchema& table, Visit&& visit) {
+    for (const KnownLayout& layout : known_layouts(form)) {
         if (layout.table == &table) visit(layout);
     }
 }
 
 }  // namespace
 
-bool has_columns_of(const TableDef& def, db::DatabaseFile file, const db::TableSchema& table) {
+bool has_columns_of(const TableDef& def, const StudioForm& form, const db::TableSchema& table) {
     std::set<std::u16string> names;
     for (const ColumnDef& column : def.columns) names.insert(column.name);
     bool found = false;
-    for_each_layout(file, table, [&](const KnownLayout& layout) {
+    for_each_layout(form, table, [&](const KnownLayout& layout) {
         std::set<std::u16string> wanted;
         for (const ColumnDef& column : layout.def.columns) wanted.insert(column.name);
         found = found || names == wanted;
@@ -72,26 +73,26 @@ bool has_columns_of(const TableDef& def, db::DatabaseFile file, const db::TableS
     return found;
 }
 
-bool is_known_layout(const TableDef& def, db::DatabaseFile file, const db::TableSchema& table) {
+bool is_known_layout(const TableDef& def, const StudioForm& form, const db::TableSchema& table) {
     bool found = false;
-    for_each_layout(file, table, [&](const KnownLayout& layout) {
+    for_each_layout(form, table, [&](const KnownLayout& layout) {
         found = found || same_names(def, layout.def) == layout.def.columns.size();
     });
     return found;
 }
 
-const KnownLayout* twin_layout(const TableDef& def, db::DatabaseFile file, const db::TableSchema& table) {
+const KnownLayout* twin_layout(const TableDef& def, const StudioForm& form, const db::TableSchema& table) {
     const KnownLayout* twin = nullptr;
-    for_each_layout(file, table, [&](const KnownLayout& layout) {
+    for_each_layout(form, table, [&](const KnownLayout& layout) {
         const auto same = same_names(def, layout.def);
         if (same && 10 * *same >= 7 * layout.def.columns.size()) twin = &layout;
     });
     return twin;
 }
 
-const KnownLayout* layout_of_version(db::DatabaseFile file, const db::TableSchema& table, std::int32_t version) {
+const KnownLayout* layout_of_version(const StudioForm& form, const db::TableSchema& table, std::int32_t version) {
     const KnownLayout* found = nullptr;
-    for_each_layout(file, table, [&](const KnownLayout& layout) {
+    for_each_layout(form, table, [&](const KnownLayout& layout) {
         if (found == nullptr && is_of(layout, version)) found = &layout;
     });
     return found;
@@ -104,14 +105,14 @@ double share_of_rows(const std::vector<jet::ByteVector>& rows, const TableDef& d
     return static_cast<double>(exact) / static_cast<double>(rows.size());
 }
 
-LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, db::DatabaseFile file, const db::TableSchema& table,
+LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, const StudioForm& form, const db::TableSchema& table,
                         std::int32_t version) {
     // Rows of before a column was added fit the layouts of after it as well.
     constexpr double kOfTheVersion = 0.02;
     constexpr double kOfTheDates = 0.01;
     LayoutGuess best;
     double worth = 0;
-    for_each_layout(file, table, [&](const KnownLayout& layout) {
+    for_each_layout(form, table, [&](const KnownLayout& layout) {
         const double share = share_of_rows(rows, layout.def);
         if (share <= 0) return;
         const double own =

@@ -12,14 +12,14 @@
 namespace tools {
 
 // Whether the names of the columns are those of the table, in one of its layouts.
-bool has_columns_of(const jet::TableDef& def, db::DatabaseFile file, const db::TableSchema& table);
+bool has_columns_of(const jet::TableDef& def, const StudioForm& form, const db::TableSchema& table);
 // Whether the definition is one of the table's layouts, names and all.
-bool is_known_layout(const jet::TableDef& def, db::DatabaseFile file, const db::TableSchema& table);
+bool is_known_layout(const jet::TableDef& def, const StudioForm& form, const db::TableSchema& table);
 // The layout that lies in a row exactly as the definition does, with most of the names; null for none.
-const KnownLayout* twin_layout(const jet::TableDef& def, db::DatabaseFile file, const db::TableSchema& table);
+const KnownLayout* twin_layout(const jet::TableDef& def, const StudioForm& form, const db::TableSchema& table);
 
 // One that files of the version have; null where they have no such table.
-const KnownLayout* layout_of_version(db::DatabaseFile file, const db::TableSchema& table, std::int32_t version);
+const KnownLayout* layout_of_version(const StudioForm& form, const db::TableSchema& table, std::int32_t version);
 
 // How many of the rows are exactly rows of the definition, 0 to 1; 0 without rows.
 double share_of_rows(const std::vector<jet::ByteVector>& rows, const jet::TableDef& def);
@@ -29,7 +29,7 @@ struct LayoutGuess {
     double share = 0;
 };
 // The table's layout that most of the rows are in; of several, one that files of the version have.
-LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, db::DatabaseFile file, const db::TableSchema& table,
+LayoutGuess best_layout(const std::vector<jet::ByteVector>& rows, const StudioForm& form, const db::TableSchema& table,
                         std::int32_t version);
 
 inline constexpr std::size_t kNoMatch = static_cast<std::size_t>(-1);

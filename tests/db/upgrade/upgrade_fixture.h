@@ -52,11 +52,6 @@ protected:
     }
 };
 
-inline std::string version_in(const Content& content) {
-    const auto header = content.find("DBHeader");
-    return header == content.end() || header->second.rows.empty() ? "none" : header->second.rows[0].at("DBversion");
-}
-
 // Values of one column, row by row, each followed by a blank.
 inline std::string column(const Content& content, const std::string& table, const std::string& name) {
     std::string all;

@@ -211,6 +211,7 @@ TEST_F(Upgrade, contacts_get_their_whole_name_category_and_phones) {
 }
 
 TEST_F(Upgrade, name_that_the_code_page_does_not_hold_stays) {
+    const UseOldFormat unicode(jet::kJet4);  // a Jet 3 file holds no such name
     OldFile file = make_studio(200010);
     file.add("Clients", {{"Name", "Łukasz"}, {"LastName", "Smith"}});
     file.add("Clients", {{"Name", "Anna"}, {"LastName", "Żuk"}});

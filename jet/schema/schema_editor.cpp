@@ -48,9 +48,7 @@ bool is_variable(ColumnType type) { return type == ColumnType::kText || is_long_
 
 // In a code page a name that it lacks letters of would be another one.
 void check_encodable(std::u16string_view name, const FileHeader& header) {
-    const CodePage* code_page = header.format->is_jet3() ? find_code_page(header.code_page) : nullptr;
-    if (!code_page) return;
-    if (std::any_of(name.begin(), name.end(), [&](char16_t c) { return byte_of(c, *code_page) < 0; })) {
+    if (header.format->is_jet3() && !is_in_code_page(name, header.code_page)) {
         fail(errors::kUnnamedTable, "'" + to_utf8(name) + "' has a letter that the file's code page " +
                                         std::to_string(header.code_page) + " lacks.");
     }

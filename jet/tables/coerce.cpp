@@ -91,12 +91,12 @@ std::u16string to_text(const ColumnDef& column, const Value& value) {
     return from_utf8({digits, result.ptr});
 }
 
-// The text that a code page gives back: "?" for each character that it lacks. Indexes and whoever reads the value
-// before it is stored see the same.
-std::u16string as_stored(const std::u16string& text, std::uint16_t code_page) {
-    std::u16string stored;
-    decode_narrow(encode_narrow(text, code_page), code_page, stored);
-    return stored;
+// Makes of the text what a code page gives back: "?" for each character that it lacks. Indexes and whoever reads the
+// value before it is stored see the same. Returns the number of bytes stored.
+std::size_t as_stored(std::u16string& text, std::uint16_t code_page) {
+    const ByteVector stored = encode_narrow(text, code_page);
+    decode_narrow(stored, code_page, text);
+    return stored.size();
 }
 
 // Whether the value stands in the column's own type already, and fits.
@@ -153,11 +153,12 @@ Value coerce_value(const ColumnDef& column, Value value) {
         case ColumnType::kText:
         case ColumnType::kMemo: {
             std::u16string text = to_text(column, value);
-            if (column.code_page != 0) text = as_stored(text, column.code_page);
-            if (column.type == ColumnType::kText && text.size() > column.most_characters()) {
+            const std::size_t length = column.code_page == 0 ? text.size() : as_stored(text, column.code_page);
+            if (column.type == ColumnType::kText && length > column.most_characters()) {
                 fail(errors::kTextTooLong, "The text is too long for column '" + to_utf8(column.name) +
-                                               "': " + std::to_string(text.size()) + " of at most " +
-                                               std::to_string(column.most_characters()) + " characters.");
+                                               "': " + std::to_string(length) + " of at most " +
+                                               std::to_string(column.most_characters()) +
+                                               (length == text.size() ? " characters." : " bytes."));
             }
             return text;
         }

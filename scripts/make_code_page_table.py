@@ -42,10 +42,13 @@ def own_character(page, lead, trail):
 
 
 def pair(page, lead, trail):
+    own = own_character(page, lead, trail)
+    if own:
+        return own
     try:
         text = bytes([lead, trail]).decode("cp%d" % page)
     except UnicodeDecodeError:
-        return own_character(page, lead, trail)
+        return 0
     return ord(text) if len(text) == 1 else 0
 
 

@@ -42,7 +42,7 @@ const CodePage* find_code_page(std::uint16_t number);
 int byte_of(char16_t c, const CodePage& page);
 
 // A text of a code page that has been found to be known. Bytes that are no text of it become units that encode_narrow
-// gives back as they were.
+// gives back as they were; of a character that has two pairs of bytes it writes the usual one.
 void decode_narrow(ByteSpan bytes, std::uint16_t code_page, std::u16string& into);
 // Each UTF-16 unit that the code page lacks becomes "?".
 ByteVector encode_narrow(std::u16string_view text, std::uint16_t code_page);

@@ -49,7 +49,7 @@ public:
     }
 
     std::uint16_t code_page() const { return code_page_; }
-    std::size_t bytes_of(std::u16string_view name) const { return code_page_ != 0 ? name.size() : 2 * name.size(); }
+    std::size_t left() const { return bytes_.size(); }
 
 private:
     ByteSpan bytes_;
@@ -64,9 +64,9 @@ PropertyBlock parse_block(std::uint16_t type, BlobReader reader, PropertySet& se
     PropertyBlock block;
     block.type = type;
     const std::uint32_t header_bytes = reader.take_u32();
+    const std::size_t left = reader.left();
     block.owner = reader.take_name();
-    if (header_bytes != layout::kOwnerHeader + reader.bytes_of(block.owner))
-        damaged("hold a block with a wrong header");
+    if (header_bytes != sizeof header_bytes + left - reader.left()) damaged("hold a block with a wrong header");
     while (!reader.at_end()) {
         Property property;
         const std::uint16_t length = reader.take_u16();

@@ -60,9 +60,9 @@ public:
 private:
     std::u16string take_narrow_name() {
         const std::size_t name_bytes = load_u8(take(1), 0);
-        if (name_bytes > jet4::kMaxNameCharacters) damaged("a name in the table definition is too long");
         std::u16string name;
         decode_narrow(take(name_bytes), code_page_, name);
+        if (name.size() > jet4::kMaxNameCharacters) damaged("a name in the table definition is too long");
         return name;
     }
 
@@ -212,8 +212,9 @@ void append_logical_index(ByteVector& to, const LogicalIndex& index, const Forma
 
 void append_name(ByteVector& to, std::u16string_view name, std::uint16_t code_page) {
     if (code_page != 0) {
-        append_u8(to, static_cast<std::uint8_t>(name.size()));
-        append_bytes(to, encode_narrow(name, code_page));
+        const ByteVector bytes = encode_narrow(name, code_page);
+        append_u8(to, static_cast<std::uint8_t>(bytes.size()));
+        append_bytes(to, bytes);
         return;
     }
     append_u16(to, static_cast<std::uint16_t>(2 * name.size()));

@@ -116,12 +116,12 @@ TEST(Header, files_of_other_kinds_are_told_apart) {
     EXPECT_EQ(error_of(0, 1), errors::kNotADatabase);
     EXPECT_EQ(error_of(jet4::header::kMagic, 'X'), errors::kNotADatabase);
     EXPECT_EQ(error_of(jet4::header::kVersion, 0), 0) << "a header of Jet 3 says the same in the same places";
-    FileHeader eastern;
-    eastern.format = &kJet3;
-    ByteVector page = page_of(eastern);
+    FileHeader unknown;
+    unknown.format = &kJet3;
+    ByteVector page = page_of(unknown);
     // The mask is a stream: what is turned in it is turned in what it covers.
-    page[jet4::header::kCodePage] ^= (1252 ^ 932) & 0xFF;
-    page[jet4::header::kCodePage + 1] ^= (1252 ^ 932) >> 8;
+    page[jet4::header::kCodePage] ^= (1252 ^ 437) & 0xFF;
+    page[jet4::header::kCodePage + 1] ^= (1252 ^ 437) >> 8;
     EXPECT_EQ(error_number([&] { parse_header(page, "a.mdb"); }), errors::kOldFormat);
     EXPECT_EQ(error_of(jet4::header::kVersion, 2), errors::kNotADatabase);
     EXPECT_EQ(error_of(jet4::header::kCatalogTables, 0), errors::kDamaged);

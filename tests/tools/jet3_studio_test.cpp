@@ -4,6 +4,7 @@
 #include "jet/tables/database.h"
 #include "tests/old_files/file_content.h"
 #include "tests/old_files/old_files.h"
+#include "tests/support/code_page_file.h"
 #include "tests/tools/tool_fixture.h"
 
 namespace {
@@ -45,6 +46,37 @@ TEST_F(Jet3Studio, old_studio_holds_what_one_of_jet_4_holds) {
         const auto jet3 = content();
         make(version, jet::kJet4);
         expect_same(jet3, content());
+    }
+}
+
+TEST_F(Jet3Studio, in_a_code_page_of_unknown_order_is_rescued_as_jet_4) {
+    for (const std::uint16_t code_page : {std::uint16_t{1251}, std::uint16_t{932}}) {
+        make(kOldVersions[0]);
+        for (const char* name : {"sldb.mdb", "kvinvdb.mdb"}) change_code_page(file(name), code_page);
+        const auto before = content();
+        EXPECT_EQ(on_studio("check").code, 0);
+        const Outcome refused = on_studio("compact");
+        EXPECT_EQ(refused.code, 1);
+        EXPECT_NE(refused.errors.find("(" + std::to_string(code_page) + ") is not known"), std::string::npos)
+            << refused.errors;
+        expect_same(before, content());
+
+        const std::string rescued = studio_ + "/rescued.mdb";
+        const Outcome salvaged = run("salvage " + in_quotes(file("sldb.mdb")) + " " + in_quotes(rescued));
+        EXPECT_EQ(salvaged.code, 0) << salvaged.errors;
+        EXPECT_NE(salvaged.out.find("The new file is one of Jet 4"), std::string::npos) << salvaged.out;
+        EXPECT_EQ(difference(content_of(rescued), before[0]), "");
+
+        const Outcome in_place = on_studio("upgrade");
+        EXPECT_EQ(in_place.code, 1);
+        EXPECT_NE(in_place.errors.find("kvdb compact --to-jet4"), std::string::npos) << in_place.errors;
+        expect_same(before, content());
+
+        const Outcome converted = on_studio("compact", "--to-jet4");
+        EXPECT_EQ(converted.code, 0) << converted.errors;
+        EXPECT_FALSE(is_jet3("sldb.mdb"));
+        expect_same(before, content());
+        EXPECT_EQ(on_studio("upgrade").code, 0);
     }
 }
 

@@ -16,6 +16,7 @@
 #include "tools/output.h"
 #include "tools/progress.h"
 #include "tools/rescue/compact.h"
+#include "tools/rescue/new_file.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
 
@@ -117,6 +118,16 @@ void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
     }
 }
 
+// What an upgrade adds could not be kept in order there.
+void refuse_unknown_order(const StudioFile& file) {
+    if (!file.exists()) return;
+    const jet::FileHeader header = open_to_read(file.path())->header();
+    if (&format_like(*header.format, header.code_page) == header.format) return;
+    throw CommandError(file.path() + " is a Jet 3 file in code page " + std::to_string(header.code_page) +
+                       ", whose order of texts is not known: kvdb compact --to-jet4 makes a file of Jet 4 of it, which "
+                       "can be upgraded");
+}
+
 // Why the file is no whole one of the current version; "" for one that is.
 std::string fault_of(const StudioFile& file) {
     if (!file.exists()) return file.path() + " is not there";
@@ -208,6 +219,7 @@ int run(const Options& options) {
         convert(files, options);
         return 0;
     }
+    for (const StudioFile* const file : {&files.studio, &files.invoices}) refuse_unknown_order(*file);
     catch_interrupts("both files are as they were");
     for (Before* const before : {&studio, &invoices}) {
         require_uninterrupted();

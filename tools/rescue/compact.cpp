@@ -123,6 +123,10 @@ CompactOutcome compact_file(const std::string& name, const CompactOptions& wante
     require_plain(*database, path);
     outcome.bytes_before = std::uint64_t{database->pager().page_count()} * database->pager().format().page_size;
     const jet::FileHeader header = database->header();
+    if (!wanted.to_jet4 && &format_like(*header.format, header.code_page) != header.format) {
+        throw CommandError("the order of texts in the code page of " + path + " (" + std::to_string(header.code_page) +
+                           ") is not known, so no Jet 3 file can be made of it; --to-jet4 makes one of Jet 4");
+    }
     jet::CreateOptions options;
     options.password = header.password;
     options.creation_date = header.creation_date;

@@ -1,6 +1,7 @@
 #include "tools/rescue/new_file.h"
 
 #include "jet/check/check.h"
+#include "jet/indexes/index_key.h"
 #include "os/draft.h"
 #include "os/file.h"
 #include "tools/errors.h"
@@ -89,6 +90,14 @@ void NewFile::publish() {
     }
     is_published_ = true;
     os::file_system().sync_folder_of(path_);
+}
+
+const jet::Format& format_like(const jet::Format& format, std::uint16_t code_page) {
+    if (!format.is_jet3()) return format;
+    jet::ColumnDef names;
+    names.type = jet::ColumnType::kText;
+    names.code_page = code_page;
+    return jet::text_order(names) ? format : jet::kJet4;
 }
 
 jet::NewColumn new_column_like(const jet::ColumnDef& column, bool& is_same) {

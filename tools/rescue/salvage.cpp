@@ -71,8 +71,7 @@ public:
         }
         jet::CreateOptions options;
         options.password = password();
-        options.format = &pages_.format();
-        options.code_page = pages_.format().is_jet3() ? pages_.text_code_page() : options.code_page;
+        set_format(options);
         options.encryption_key = pages_.encryption_key();
         NewFile file(to_, options);
         make_tables(file);
@@ -92,6 +91,15 @@ private:
                                plural(pages.page_count(), "page", "pages") + " and no rows");
         }
         return pages;
+    }
+
+    void set_format(jet::CreateOptions& options) {
+        const std::uint16_t code_page = pages_.text_code_page();
+        options.format = &format_like(pages_.format(), code_page);
+        if (options.format->is_jet3()) options.code_page = code_page;
+        if (options.format == &pages_.format()) return;
+        report_.notes.push_back("The new file is one of Jet 4: the order of texts in code page " +
+                                std::to_string(code_page) + " is not known.");
     }
 
     const SurveyedTable& table(std::size_t i) const { return survey_.tables()[i]; }

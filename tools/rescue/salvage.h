@@ -40,7 +40,8 @@ struct SalvageReport {
     bool is_complete() const;  // nothing is doubtful, lost or made up
 };
 
-// Makes the file at `to`, which must not be there, in the version of the format that `from` has, encoded if that is.
+// Makes the file at `to`, which must not be there, in the version of the format that `from` has (but see format_like),
+// encoded if that is.
 // CommandError when nothing can be saved, or when `from` is in use; os::FileError and jet::Error for what the system
 // refuses. Then nothing is left at `to`.
 SalvageReport salvage(const std::string& from, const std::string& to);

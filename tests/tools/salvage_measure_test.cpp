@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <map>
 
 #include "jet/pages/header.h"
 #include "jet/tables/database.h"
@@ -87,6 +88,57 @@ Totals measure(const jet::Format& format, std::size_t rows, std::size_t damages,
                 totals.undamaged, static_cast<double>(totals.came_back) / static_cast<double>(totals.undamaged),
                 totals.worst, totals.worst_name.c_str());
     return totals;
+}
+
+// The damage of `heads`: page by page, the owner that the page names now.
+void expect_all_back(const Truth& truth, const std::map<jet::PageNumber, jet::PageNumber>& heads) {
+    const testing_support::TempFolder folder;
+    DamagedFile damaged;
+    damaged.bytes = truth.file;
+    for (const auto& [page, owner] : heads) {
+        const std::size_t head = page * truth.format->page_size + jet::jet4::data::kOwner;
+        jet::store_u32(jet::MutableByteSpan(damaged.bytes), head, owner);
+    }
+    std::ofstream(folder.file("damaged.mdb"), std::ios::binary)
+        .write(reinterpret_cast<const char*>(damaged.bytes.data()), static_cast<std::streamsize>(damaged.bytes.size()));
+    tools::salvage(folder.file("damaged.mdb"), folder.file("new.mdb"));
+    const Score score = score_of(truth, damaged, folder.file("new.mdb"));
+    EXPECT_GT(score.undamaged, 1500u);
+    EXPECT_EQ(score.came_back, score.undamaged) << score.first_missing;
+    EXPECT_EQ(score.invented, 0u) << score.first_invented;
+}
+
+TEST(SalvageHeads, pages_of_the_system_that_name_no_table_are_told_by_their_maps) {
+    for (const jet::Format* const format : {&jet::kJet3, &jet::kJet4}) {
+        const testing_support::TempFolder folder;
+        const Truth truth = make_truth(folder.file("sound.mdb"), *format, 2000, 11);
+        for (jet::PageNumber owner = jet::jet4::kObjectsPage; owner <= jet::jet4::kRelationshipsPage; ++owner) {
+            SCOPED_TRACE(owner);
+            std::map<jet::PageNumber, jet::PageNumber> heads;
+            for (jet::PageNumber page = 1; page < truth.file.size() / format->page_size; ++page) {
+                const auto bytes = jet::ByteSpan(truth.file).subspan(page * format->page_size, format->page_size);
+                const bool is_rows = bytes[0] == jet::jet4::kDataPage;
+                if (is_rows && jet::load_u32(bytes, jet::jet4::data::kOwner) == owner) heads[page] = 0xABCDEF;
+            }
+            if (owner <= jet::jet4::kObjectsPage + 1) {
+                EXPECT_FALSE(heads.empty());
+            }
+            expect_all_back(truth, heads);
+        }
+    }
+}
+
+TEST(SalvageHeads, page_that_names_a_table_of_the_same_columns_stays_in_its_own) {
+    const testing_support::TempFolder folder;
+    const Truth truth = make_truth(folder.file("sound.mdb"), jet::kJet3, 2000, 11);
+    jet::OpenOptions options;
+    options.read_only = options.ignore_password = true;
+    const auto sound = jet::Database::open(folder.file("sound.mdb"), options);
+    const auto& rows = truth.tables.at("Def_ProjTypes");
+    ASSERT_FALSE(rows.empty());
+    std::map<jet::PageNumber, jet::PageNumber> heads;
+    heads[rows.front().extents.front().page] = sound->find_table(u"Def_TrackDestination")->def().page;
+    expect_all_back(truth, heads);
 }
 
 TEST(SalvageCorrupt, what_is_undamaged_comes_back_and_nothing_else) { measure(jet::kJet4, 4000, 30, 7); }

@@ -81,7 +81,12 @@ void FileSurvey::read_schema() {
     std::vector<PageNumber> catalogue_pages;
     for (PageNumber page = 0; page < notes_.size(); ++page) {
         const PageNote& note = notes_[page];
-        if (note.kind == Kind::kRows && note.owner == jet::jet4::kObjectsPage) catalogue_pages.push_back(page);
+        if (note.kind != Kind::kRows) continue;
+        // A page with a damaged head may be one by the catalogue's own map.
+        const bool is_its = note.owner == jet::jet4::kObjectsPage ||
+                            (!definitions_.contains(note.owner) &&
+                             listed_owner(page, note.owner) == PageNumber{jet::jet4::kObjectsPage});
+        if (is_its) catalogue_pages.push_back(page);
     }
     catalogue_ = read_catalogue(pages_, catalogue_pages, definitions_);
     has_catalogue_ = !catalogue_.empty();

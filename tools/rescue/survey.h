@@ -94,6 +94,8 @@ private:
     bool is_taken(const db::TableSchema* schema) const;
     std::vector<jet::ByteVector> sample_rows(jet::PageNumber owner) const;
     std::optional<std::size_t> best_table(jet::PageNumber page_no) const;
+    bool misses_pages(const SurveyedTable& table) const;
+    std::optional<jet::PageNumber> listed_owner(jet::PageNumber page_no, jet::PageNumber but) const;
 
     const PageSource& pages_;
     LongValueFinder long_values_;

@@ -49,11 +49,38 @@ std::size_t FileSurvey::index_of(PageNumber owner) const {
     return at != tables_.end() && at->page == owner ? static_cast<std::size_t>(at - tables_.begin()) : kNone;
 }
 
+// Whether a page that the table's map lists is not there, or names another table.
+bool FileSurvey::misses_pages(const SurveyedTable& table) const {
+    for (PageNumber page_no = 0; page_no < notes_.size(); ++page_no) {
+        const PageNote& note = notes_[page_no];
+        if ((*table.owned)[page_no] && (note.kind != Kind::kRows || note.owner != table.page)) return true;
+    }
+    return false;
+}
+
+// Another table whose map lists the page, and whose rows those on it are with every column: one of the system's, too.
+std::optional<PageNumber> FileSurvey::listed_owner(PageNumber page_no, PageNumber but) const {
+    const ByteVector page = pages_.page(page_no);
+    const FoundPage look = look_at_page(page, pages_.present(page_no));
+    for (const auto& [owner, def] : definitions_) {
+        if (owner == but) continue;
+        const PageFit fit = fit_of(page, look, def);
+        if (fit.live == 0 || 10 * fit.full < 8 * fit.live) continue;
+        const auto map = read_page_map(pages_, def.owned_map);
+        if (map && (*map)[page_no]) return owner;
+    }
+    return std::nullopt;
+}
+
 // The table that a page of rows with a wrong head belongs to: the one whose map lists it, or the only one whose rows
 // these can be.
 std::optional<std::size_t> FileSurvey::best_table(PageNumber page_no) const {
     const ByteVector page = pages_.page(page_no);
     const FoundPage look = look_at_page(page, pages_.present(page_no));
+    if (const auto owner = listed_owner(page_no, notes_[page_no].owner)) {
+        const std::size_t table = index_of(*owner);
+        return table == kNone ? std::nullopt : std::optional(table);
+    }
     std::vector<std::size_t> fitting;
     std::vector<std::size_t> full;
     for (std::size_t i = 0; i < tables_.size(); ++i) {
@@ -83,6 +110,13 @@ void FileSurvey::assign_pages() {
                 if (const auto other = best_table(page_no)) {
                     is_guess = *other != table;
                     table = *other;
+                }
+            } else if (const auto& map = tables_[table].owned;
+                       map && !(*map)[page_no] && (10 * fit.full < 8 * fit.live || !misses_pages(tables_[table]))) {
+                // The table has no place where the page could have come from: the damage is in what the head says.
+                if (const auto owner = listed_owner(page_no, note.owner)) {
+                    is_guess = true;
+                    table = index_of(*owner);
                 }
             }
         } else {

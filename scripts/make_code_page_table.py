@@ -11,9 +11,8 @@ import sys
 
 PAGES = [1252, 874, 1250, 1251, 1253, 1254, 1255, 1256, 1257, 1258]
 
-
-# By page: what a byte that begins no pair stands for, less the byte; bytes alone that Python does not know; and the lead
-# bytes whose pairs are used for a character only where no other pair has it.
+# By page: what a byte that begins no pair stands for, less the byte; bytes alone that Python does not know; and the
+# lead bytes whose pairs are used for a character only where no other pair has it.
 DOUBLE = {
     932: (0xF700, {}, (0xED, 0xEE)),
     936: (0xF700, {0x80: 0x20AC}, (0, 0)),

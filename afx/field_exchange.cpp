@@ -100,7 +100,7 @@ FieldExchange::Way FieldExchange::way_of(const jet::ColumnDef& column, Exchanged
 
 // False where it has to go by value.
 bool FieldExchange::read_field(const jet::RowView& row, const jet::ColumnDef& column,
-                               std::optional<jet::ByteSpan> stored, ReadingMemory& memory, const Field& field,
+                               const std::optional<jet::ByteSpan>& stored, ReadingMemory& memory, const Field& field,
                                void* member) {
     const auto take = [&](jet::ByteSpan text) {
         if (column.code_page == 0) return read_text(text, memory, as<CString>(member));

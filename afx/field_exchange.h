@@ -81,8 +81,9 @@ private:
     };
 
     static Way way_of(const jet::ColumnDef& column, ExchangedMember::Type member);
-    static bool read_field(const jet::RowView& row, const jet::ColumnDef& column, std::optional<jet::ByteSpan> stored,
-                           ReadingMemory& memory, const Field& field, void* member);
+    static bool read_field(const jet::RowView& row, const jet::ColumnDef& column,
+                           const std::optional<jet::ByteSpan>& stored, ReadingMemory& memory, const Field& field,
+                           void* member);
     static bool write_field(EditBuffer& into, const jet::ColumnDef& column, const Field& field, const void* member);
 
     std::vector<ExchangedMember> members_;

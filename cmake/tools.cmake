@@ -35,6 +35,8 @@ if(kvdb_tool_sources)
     # Every command names its options and its work alike.
     set_target_properties(kvdb_tool PROPERTIES UNITY_BUILD OFF)
     target_link_libraries(kvdb_tool PRIVATE kvdb_tool_parts)
+    # The tool's file has the name of the component's target, and stands for it where "kvdb" is to be built.
+    add_dependencies(kvdb_tool kvdb)
     target_include_directories(kvdb_tool SYSTEM PRIVATE ${PROJECT_BINARY_DIR}/cli11)
     target_compile_definitions(kvdb_tool PRIVATE KVDB_VERSION="${PROJECT_VERSION}")
     if(WIN32)

@@ -51,8 +51,8 @@ CTime KnownTimes::of(DATE days, CTime (*convert)(DATE)) {
     }
     if (entries_ == nullptr) entries_ = std::make_unique<Entry[]>(kEntries);
     const auto bits = std::bit_cast<std::uint64_t>(days);
-    Entry* const pair = &entries_[static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15u) >> 55 << 1)];
-    static_assert(kEntries == std::size_t{1} << (64 - 55 + 1));
+    Entry* const pair = &entries_[static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15u) >> 54 << 1)];
+    static_assert(kEntries == std::size_t{1} << (64 - 54 + 1));
     const auto is_it = [&](const Entry& entry) { return entry.bits == bits && entry.convert == convert; };
     if (is_it(pair[0])) return pair[0].time;
     if (is_it(pair[1])) return pair[1].time;
@@ -71,7 +71,11 @@ FieldExchange::FieldExchange(const FieldNames& names, const jet::TableDef* def,
         field.offset = static_cast<std::uint32_t>(member.offset);
         if (const auto position = names.find(member.column)) {
             field.field = static_cast<int>(*position);
-            if (def != nullptr) field.way = way_of(def->columns.at(*position), member.type);
+            if (def != nullptr) {
+                const jet::ColumnDef& column = def->columns.at(*position);
+                field.way = way_of(column, member.type);
+                field.place = column.place();
+            }
         }
         fields_.push_back(field);
     }
@@ -99,20 +103,22 @@ FieldExchange::Way FieldExchange::way_of(const jet::ColumnDef& column, Exchanged
 }
 
 // False where it has to go by value.
-bool FieldExchange::read_field(const jet::RowView& row, const jet::ColumnDef& column,
+bool FieldExchange::read_field(const jet::RowView& row, const jet::TableDef& def,
                                const std::optional<jet::ByteSpan>& stored, ReadingMemory& memory, const Field& field,
                                void* member) {
-    const auto take = [&](jet::ByteSpan text) {
-        if (column.code_page == 0) return read_text(text, memory, as<CString>(member));
+    const auto take_narrow = [&](jet::ByteSpan text) {
+        const jet::ColumnDef& column = def.columns[static_cast<std::size_t>(field.field)];
         read_narrow_text(text, column, memory, as<CString>(member));
     };
     switch (field.way) {
         case Way::kText:
         case Way::kNarrowText: {
-            if (stored) {
-                take(*stored);
-            } else {
+            if (!stored) {
                 as<CString>(member).Empty();
+            } else if (field.way == Way::kText) {
+                read_text(*stored, memory, as<CString>(member));
+            } else {
+                take_narrow(*stored);
             }
             return true;
         }
@@ -124,8 +130,13 @@ bool FieldExchange::read_field(const jet::RowView& row, const jet::ColumnDef& co
             }
             jet::Page page;
             const auto text = row.long_bytes(*stored, page);
-            if (text) take(*text);
-            return text.has_value();
+            if (!text) return false;
+            if (field.way == Way::kMemo) {
+                read_text(*text, memory, as<CString>(member));
+            } else {
+                take_narrow(*text);
+            }
+            return true;
         }
         case Way::kLong: as<LONG>(member) = stored ? jet::load_i32(*stored, 0) : 0; return true;
         case Way::kDate:
@@ -146,13 +157,11 @@ bool FieldExchange::read_field(const jet::RowView& row, const jet::ColumnDef& co
 std::size_t FieldExchange::read(const jet::RowView& row, const jet::TableDef& def, ReadingMemory& memory,
                                 std::size_t from, void* record) const {
     if (def.columns.size() != columns_) return from;
-    const jet::ColumnDef* const columns = def.columns.data();
     for (; from < fields_.size(); ++from) {
         const Field& field = fields_[from];
         if (field.way == Way::kByValue) break;
-        const jet::ColumnDef& column = columns[field.field];
-        const auto stored = row.reader().stored(column);
-        if (!read_field(row, column, stored, memory, field, static_cast<char*>(record) + field.offset)) break;
+        const auto stored = row.reader().stored(field.place);
+        if (!read_field(row, def, stored, memory, field, static_cast<char*>(record) + field.offset)) break;
     }
     return from;
 }

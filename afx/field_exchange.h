@@ -39,7 +39,7 @@ private:
         CTime (*convert)(DATE) = nullptr;
         CTime time;
     };
-    static constexpr std::size_t kEntries = 1024;  // in pairs
+    static constexpr std::size_t kEntries = 2048;  // in pairs
     static constexpr int kUnknownAtFirst = 4;      // a set of one row needs no table
 
     int converted_ = 0;
@@ -77,11 +77,12 @@ private:
         std::int32_t field = -1;
         std::uint32_t offset = 0;  // of the member
         const ExchangedMember* member = nullptr;
+        jet::ColumnPlace place;
         Way way = Way::kByValue;
     };
 
     static Way way_of(const jet::ColumnDef& column, ExchangedMember::Type member);
-    static bool read_field(const jet::RowView& row, const jet::ColumnDef& column,
+    static bool read_field(const jet::RowView& row, const jet::TableDef& def,
                            const std::optional<jet::ByteSpan>& stored, ReadingMemory& memory, const Field& field,
                            void* member);
     static bool write_field(EditBuffer& into, const jet::ColumnDef& column, const Field& field, const void* member);

@@ -28,24 +28,17 @@ RowReader::RowReader(ByteSpan row, const RowShape& shape)
     mask_ = row.subspan(row.size() - mask);
 }
 
-std::optional<ByteSpan> RowReader::stored(const ColumnDef& column) const {
-    if (column.type == ColumnType::kBoolean) {
-        return ByteSpan(kFalseTrue).subspan(column.number < column_count_ && mask_bit(column.number) ? 1 : 0, 1);
-    }
-    if (column.number >= column_count_ || !mask_bit(column.number)) return std::nullopt;
-    if (column.is_fixed()) return slice(row_, count_bytes() + column.fixed_offset, column.length_bytes);
-    if (trailer_ == 0) is_short_ ? find_short_trailer() : find_trailer();
-    if (column.variable_index >= variable_count_) return std::nullopt;
-    if (is_short_) return variable_value(short_offset(column.variable_index), short_offset(column.variable_index + 1u));
-    const std::uint8_t* const entry = row_.data() + trailer_ + 2 * (variable_count_ - column.variable_index);
-    return variable_value(static_cast<std::size_t>(entry[0] | entry[1] << 8),
-                          static_cast<std::size_t>(entry[-2] | entry[-1] << 8));
+ByteSpan RowReader::boolean(const ColumnPlace& column) const {
+    return ByteSpan(kFalseTrue).subspan(column.number < column_count_ && mask_bit(column.number) ? 1 : 0, 1);
 }
 
-ByteSpan RowReader::variable_value(std::size_t begin, std::size_t end) const {
-    if (begin > end || end > trailer_) corrupt(table_page_, "a variable value of a row lies outside the row");
-    return row_.subspan(begin, end - begin);
+std::optional<ByteSpan> RowReader::short_stored(const ColumnPlace& column) const {
+    if (trailer_ == 0) find_short_trailer();
+    if (column.variable_index >= variable_count_) return std::nullopt;
+    return variable_value(short_offset(column.variable_index), short_offset(column.variable_index + 1u));
 }
+
+void RowReader::outside() const { corrupt(table_page_, "a variable value of a row lies outside the row"); }
 
 // Only a row that has a variable value has the offsets for them: end of data, then the values' in reverse, then
 // how many.

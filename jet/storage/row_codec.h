@@ -21,12 +21,29 @@ public:
     RowReader(ByteSpan row, const RowShape& shape);
 
     // The column's stored bytes inside the row; none for Null. Booleans give a byte of a static table.
-    std::optional<ByteSpan> stored(const ColumnDef& column) const;
+    std::optional<ByteSpan> stored(const ColumnDef& column) const { return stored(column.place()); }
+    std::optional<ByteSpan> stored(const ColumnPlace& column) const {
+        if (column.type == ColumnType::kBoolean) return boolean(column);
+        if (column.number >= column_count_ || !mask_bit(column.number)) return std::nullopt;
+        if (column.is_fixed) return slice(row_, count_bytes() + column.fixed_offset, column.length_bytes);
+        if (is_short_) return short_stored(column);
+        if (trailer_ == 0) find_trailer();
+        if (column.variable_index >= variable_count_) return std::nullopt;
+        const std::uint8_t* const entry = row_.data() + trailer_ + 2 * (variable_count_ - column.variable_index);
+        return variable_value(static_cast<std::size_t>(entry[0] | entry[1] << 8),
+                              static_cast<std::size_t>(entry[-2] | entry[-1] << 8));
+    }
 
 private:
+    ByteSpan boolean(const ColumnPlace& column) const;
+    std::optional<ByteSpan> short_stored(const ColumnPlace& column) const;
+    [[noreturn]] void outside() const;
     void find_trailer() const;
     void find_short_trailer() const;
-    ByteSpan variable_value(std::size_t begin, std::size_t end) const;
+    ByteSpan variable_value(std::size_t begin, std::size_t end) const {
+        if (begin > end || end > trailer_) outside();
+        return row_.subspan(begin, end - begin);
+    }
     std::size_t short_offset(std::size_t index) const;
     std::size_t count_bytes() const { return is_short_ ? 1 : 2; }
     bool mask_bit(std::size_t number) const { return (mask_[number / 8] >> (number % 8) & 1) != 0; }

@@ -11,6 +11,16 @@
 
 namespace jet {
 
+// Where a column's value stands in a row.
+struct ColumnPlace {
+    ColumnType type = ColumnType::kLong;
+    bool is_fixed = false;
+    std::uint16_t number = 0;
+    std::uint16_t variable_index = 0;
+    std::uint16_t fixed_offset = 0;
+    std::uint16_t length_bytes = 0;
+};
+
 struct ColumnDef {
     std::u16string name;
     ColumnType type = ColumnType::kLong;
@@ -33,6 +43,7 @@ struct ColumnDef {
     bool allow_zero_length = true;
     bool required = false;
 
+    ColumnPlace place() const { return {type, is_fixed(), number, variable_index, fixed_offset, length_bytes}; }
     bool is_fixed() const { return (flags & jet4::tdef::kFlagFixed) != 0; }
     bool is_autonumber() const { return (flags & jet4::tdef::kFlagAutoNumber) != 0; }
     bool is_compressed() const { return (ext_flags & jet4::tdef::kExtCompressed) != 0; }

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "jet/base/error.h"
-#include "jet/base/jet4.h"
 #include "jet/base/types.h"
 
 #ifdef __SSE2__
@@ -46,8 +45,6 @@ ByteVector encode_toggling(std::u16string_view text) {
     for (const char16_t c : text.substr(wide)) bytes.push_back(static_cast<std::uint8_t>(c));
     return bytes;
 }
-
-bool is_marked(ByteSpan bytes) { return bytes.size() >= 2 && bytes[0] == kMark[0] && bytes[1] == kMark[1]; }
 
 #ifdef __SSE2__
 
@@ -99,10 +96,20 @@ bool copy_bytes(const std::uint8_t* at, std::size_t count, char* to) {
         seen.add_bytes(bytes);
         _mm_storeu_si128(reinterpret_cast<__m128i*>(to + from), bytes);
     };
+    const auto copy_eight = [&](std::size_t from) {
+        const __m128i bytes = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(at + from));
+        seen.add_bytes(_mm_unpacklo_epi64(bytes, bytes));
+        _mm_storel_epi64(reinterpret_cast<__m128i*>(to + from), bytes);
+    };
     std::size_t done = 0;
     for (; done + 16 <= count; done += 16) copy_sixteen(done);
     if (count >= 16) {
         if (done < count) copy_sixteen(count - 16);
+        return seen.is_ascii();
+    }
+    if (count >= 8) {
+        copy_eight(0);
+        copy_eight(count - 8);
         return seen.is_ascii();
     }
     for (; done < count; ++done) {
@@ -187,8 +194,6 @@ void decode_text(ByteSpan bytes, std::u16string& text) {
         }
     }
 }
-
-std::size_t ascii_length(ByteSpan bytes) { return is_marked(bytes) ? bytes.size() - 2 : bytes.size() / 2; }
 
 bool copy_ascii(ByteSpan bytes, char* to) {
     if (is_marked(bytes)) return copy_bytes(bytes.data() + 2, bytes.size() - 2, to);

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "jet/base/bytes.h"
+#include "jet/base/jet4.h"
 
 namespace jet {
 
@@ -21,8 +22,13 @@ std::u16string decode_text(ByteSpan bytes);
 // As above, into a text whose memory is used again.
 void decode_text(ByteSpan bytes, std::u16string& into);
 
+// Whether the text is in the compressed form.
+inline bool is_marked(ByteSpan bytes) {
+    constexpr auto& kMark = jet4::text::kCompressedMark;
+    return bytes.size() >= 2 && bytes[0] == kMark[0] && bytes[1] == kMark[1];
+}
 // Most texts are ASCII, the same in every code page. How many characters a stored text has if it is nothing but that.
-std::size_t ascii_length(ByteSpan bytes);
+inline std::size_t ascii_length(ByteSpan bytes) { return is_marked(bytes) ? bytes.size() - 2 : bytes.size() / 2; }
 // Writes its characters, as many as that, to `to`. False, and `to` holds nothing of use, where one is not ASCII, or
 // NUL.
 bool copy_ascii(ByteSpan bytes, char* to);

@@ -31,7 +31,7 @@ if(KVDB_UNITY)
     set(CMAKE_UNITY_BUILD ON)
     set(CMAKE_UNITY_BUILD_BATCH_SIZE 8)
     # A class that only one source knows is taken for one in a header.
-    target_compile_options(kvdb_options INTERFACE -Wno-subobject-linkage)
+    target_compile_options(kvdb_options INTERFACE $<$<CXX_COMPILER_ID:GNU>:-Wno-subobject-linkage>)
 endif()
 if(KVDB_WERROR)
     target_compile_options(kvdb_options INTERFACE -Werror)

@@ -69,6 +69,12 @@ void require_closed(const CDaoDatabase& database) {
 
 }  // namespace
 
+// ---- Contents ------------------------------------------------------------------------------------
+
+BOOL CDaoDatabase::CanAppend() const {
+    return afx::translated([&] { return afx::require_open(this).engine().takes_changes_of_schema(); }) ? TRUE : FALSE;
+}
+
 // ---- Users ---------------------------------------------------------------------------------------
 
 void afx::DatabaseUser::link(CDaoDatabase* database) {

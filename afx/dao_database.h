@@ -99,6 +99,9 @@ public:
     // object is closed even when the engine cannot write its last pages and this throws.
     virtual void Close();
     BOOL IsOpen() const { return m_pDAODatabase != nullptr; }
+    // Whether table definitions and fields can be appended: the order of texts that the file lists its tables in may be
+    // one that the engine reads and does not keep. 3420, 3049.
+    BOOL CanAppend() const;
 
     DAODatabase* m_pDAODatabase = nullptr;  // null when closed
     CDaoWorkspace* m_pWorkspace;

@@ -114,9 +114,22 @@ void take_back(CDaoWorkspace& workspace) {
     }
 }
 
+// Steps that may go on without the tables and fields of those before them would leave a file that says that it is
+// current and is not: no step runs on a file that takes none.
+bool takes_tables(CDaoDatabase& database) {
+    bool takes = true;
+    try {
+        attempt([&] { takes = database.CanAppend() != FALSE; });
+    } catch (const std::exception&) {
+        // Whatever it is, a step meets it too.
+    }
+    return takes;
+}
+
 // Each step, or two that belong together, is one transaction. A failed step keeps its partial changes, unless it ran
 // out of memory.
 int run(CDaoDatabase& database, std::span<const UpgradeStep> steps, LONG version) {
+    if (!takes_tables(database)) return -1;
     CDaoWorkspace& workspace = *database.m_pWorkspace;
     bool in_transaction = false;
     for (const UpgradeStep& step : steps) {

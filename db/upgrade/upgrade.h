@@ -44,7 +44,8 @@ public:
 };
 void set_upgrade_observer(UpgradeObserver* observer);
 
-// 0: nothing to do; 1: the upgrade ran to the end; -1: it stopped at a failed step. Throws nothing, and the database
+// 0: nothing to do; 1: the upgrade ran to the end; -1: it stopped at a failed step, or the file takes no new tables and
+// none was begun. Throws nothing, and the database
 // stays open.
 int upgrade_main_file(CDaoDatabase& database);
 // `version` is the result of stored_version.

@@ -280,6 +280,16 @@ Table& require_table(Database& database, std::u16string_view name) {
 
 }  // namespace
 
+bool Database::takes_changes_of_schema() {
+    try {
+        for (const PageNumber page : {jet4::kObjectsPage, jet4::kAcesPage}) table_by_page(page)->require_writable();
+        return true;
+    } catch (const Error& error) {
+        if (error.number() != errors::kCannotMaintainIndex) throw;
+        return false;
+    }
+}
+
 SchemaEditor Database::schema_editor() { return {impl_->storage, impl_->definitions, *impl_->catalog, impl_->header}; }
 
 void Database::create_table(std::u16string_view name, std::span<const NewColumn> columns) {

@@ -5,6 +5,7 @@
 
 #include "afx/dao_error.h"
 #include "tests/db/upgrade/upgrade_fixture.h"
+#include "tests/support/code_page_file.h"
 
 namespace {
 
@@ -67,6 +68,18 @@ TEST_F(UpgradeFailure, oldest_file_with_the_current_password_already_stops_and_i
     EXPECT_EQ(upgrade_studio(), -1);
     EXPECT_EQ(difference(before, content_of(studio())), "");
     EXPECT_EQ(password_in(studio()), kStudioPassword);
+}
+
+TEST_F(UpgradeFailure, file_whose_tables_are_listed_in_an_unknown_order_is_left_as_it_is) {
+    const UseOldFormat use(jet::kJet3);
+    make_old_studio(path(""), 200010);
+    for (const std::string& file : {studio(), invoices()}) {
+        change_code_page(file, 1251);
+        const Content before = content_of(file);
+        EXPECT_EQ(file == studio() ? upgrade_studio() : upgrade_invoices(), -1);
+        EXPECT_EQ(version_in(before), "200010");
+        EXPECT_EQ(difference(before, content_of(file)), "");
+    }
 }
 
 TEST_F(UpgradeFailure, file_opened_for_sharing_keeps_its_password_and_stops) {

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Writes the weights of a text order as C++, from the published weight list.
+"""Writes the weights of a text order as C++, from its list.
 
-usage: make_collation_table.py ORDER WEIGHTS.tsv > FILE
+usage: make_collation_table.py ORDER jet/indexes/orders/ORDER.tsv > FILE
 
   ORDER        FILE
   general-97   jet/indexes/collation_table_97.cpp

@@ -32,11 +32,11 @@ std::string machine() {
 
 }  // namespace
 
-bool store_baseline(const std::string& path, const ProjectFigures& figures) {
+bool store_baseline(const std::string& path, const PassFigures& figures, const std::vector<std::int32_t>& sizes) {
     std::ofstream out(path);
     out << "# How many times as fast as SQLite, measured on: " << machine() << "\n";
     for (const char* operation : kProjectOperations) {
-        for (const std::int32_t size : figures.sizes()) {
+        for (const std::int32_t size : sizes) {
             const Ratio ratio = figures.ratio(size, operation);
             char text[32];
             std::snprintf(text, sizeof text, "%.2f", ratio.median);
@@ -46,7 +46,7 @@ bool store_baseline(const std::string& path, const ProjectFigures& figures) {
     return static_cast<bool>(out.flush());
 }
 
-bool compare_with_baseline(const std::string& path, const ProjectFigures& figures) {
+bool compare_with_baseline(const std::string& path, const PassFigures& figures) {
     std::ifstream in(path);
     if (!in) {
         std::fprintf(stderr, "%s is not there\n", path.c_str());

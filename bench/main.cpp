@@ -13,6 +13,7 @@
 
 #include "bench/baseline.h"
 #include "bench/measure.h"
+#include "bench/project_table.h"
 #include "bench/projects.h"
 #include "bench/ratios.h"
 #include "bench/record_store.h"
@@ -65,7 +66,7 @@ int main(int argc, char** argv) {
     if (mode == bench::kMeasureRecords) return bench::measure_records(argv[2], std::atoi(argv[3]), argv[4]);
     const Arguments arguments = parse(argc, argv);
     const fs::path folder = fs::temp_directory_path() / ("kvdb-bench-" + std::to_string(getpid()));
-    bench::ProjectFigures figures(arguments.sizes);
+    bench::PassFigures figures;
     for (const std::int32_t size : arguments.sizes) {
         for (int pass = 1; pass <= arguments.passes; ++pass) {
             std::fprintf(stderr, "measuring %d projects, pass %d of %d ...\n", size, pass, arguments.passes);
@@ -74,15 +75,17 @@ int main(int argc, char** argv) {
             }
         }
     }
-    figures.print(bench::kOurs);
-    figures.print(bench::kJet3);
+    const bench::ProjectTable table(figures, arguments.sizes);
+    table.print(bench::kOurs);
+    table.print(bench::kJet3);
     if (!arguments.projects_only) {
         const std::int32_t largest = *std::max_element(arguments.sizes.begin(), arguments.sizes.end());
         bench::print_record_table(argv[0], std::min(kRecordTableRows, largest), folder);
     }
     fs::remove_all(folder);
     if (!arguments.store_baseline.empty()) {
-        bench::require(bench::store_baseline(arguments.store_baseline, figures), "Storing the baseline");
+        bench::require(bench::store_baseline(arguments.store_baseline, figures, arguments.sizes),
+                       "Storing the baseline");
     }
     const bool holds =
         arguments.against_baseline.empty() || bench::compare_with_baseline(arguments.against_baseline, figures);

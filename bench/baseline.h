@@ -1,6 +1,7 @@
 // Ratios kept from an earlier run, to tell when one falls.
 //
-// The file: what machine it was in lines that begin with "#", then "operation<TAB>size<TAB>ratio".
+// The file: what machine it was in lines that begin with "#", then "operation<TAB>size<TAB>ratio". The size
+// is a number of projects, or 0 for a whole studio.
 #pragma once
 
 #include <cstdint>

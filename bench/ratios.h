@@ -27,7 +27,7 @@ std::string ratio_text(const Ratio& ratio);
 
 class PassFigures {
 public:
-    // `size` is the number of projects.
+    // `size` is the number of projects, or kWholeStudio.
     void add(const std::string& kind, std::int32_t size, const Figures& figures) {
         figures_[{kind, size}].push_back(figures);
     }

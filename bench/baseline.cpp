@@ -8,6 +8,7 @@
 #include <thread>
 
 #include "bench/projects.h"
+#include "bench/whole_studio.h"
 
 namespace bench {
 namespace {
@@ -32,21 +33,23 @@ std::string machine() {
 
 }  // namespace
 
-bool store_baseline(const std::string& path, const ProjectFigures& figures) {
+bool store_baseline(const std::string& path, const PassFigures& figures, const std::vector<std::int32_t>& sizes) {
     std::ofstream out(path);
     out << "# How many times as fast as SQLite, measured on: " << machine() << "\n";
+    const auto store = [&](const char* operation, std::int32_t size) {
+        const Ratio ratio = figures.ratio(size, operation);
+        char text[32];
+        std::snprintf(text, sizeof text, "%.2f", ratio.median);
+        if (ratio.median > 0) out << operation << '\t' << size << '\t' << text << '\n';
+    };
     for (const char* operation : kProjectOperations) {
-        for (const std::int32_t size : figures.sizes()) {
-            const Ratio ratio = figures.ratio(size, operation);
-            char text[32];
-            std::snprintf(text, sizeof text, "%.2f", ratio.median);
-            if (ratio.median > 0) out << operation << '\t' << size << '\t' << text << '\n';
-        }
+        for (const std::int32_t size : sizes) store(operation, size);
     }
+    for (const char* operation : kStudioOperations) store(operation, kWholeStudio);
     return static_cast<bool>(out.flush());
 }
 
-bool compare_with_baseline(const std::string& path, const ProjectFigures& figures) {
+bool compare_with_baseline(const std::string& path, const PassFigures& figures) {
     std::ifstream in(path);
     if (!in) {
         std::fprintf(stderr, "%s is not there\n", path.c_str());
@@ -62,7 +65,8 @@ bool compare_with_baseline(const std::string& path, const ProjectFigures& figure
         const double before = std::atof(line.c_str() + ratio_at + 1);
         const double now = figures.ratio(size, operation).median;
         if (now == 0 || now >= before * (1 - kAllowedFall)) continue;
-        std::printf("%s at %d projects: the ratio fell from %.2f to %.2f\n", operation.c_str(), size, before, now);
+        const std::string where = size == kWholeStudio ? "" : " at " + std::to_string(size) + " projects";
+        std::printf("%s%s: the ratio fell from %.2f to %.2f\n", operation.c_str(), where.c_str(), before, now);
         holds = false;
     }
     if (holds) std::printf("No ratio is more than a tenth below the baseline.\n");

@@ -1,7 +1,8 @@
 // kvdb_bench: what calls cost beside the peers in the same run. The first table is of projects at growing sizes; the
-// second, of the other tables at one size, is in record_table.cpp.
+// second, of the other tables at one size, is in record_table.cpp; the third, of a whole studio, in whole_studio.h.
 //
-//   kvdb_bench [--passes N] [--projects-only] [--store-baseline FILE] [--against-baseline FILE] [SIZE...]
+//   kvdb_bench [--passes N] [--projects-only | --studios-only] [--store-baseline FILE] [--against-baseline FILE]
+//              [SIZE...]
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,9 +14,11 @@
 
 #include "bench/baseline.h"
 #include "bench/measure.h"
+#include "bench/project_table.h"
 #include "bench/projects.h"
 #include "bench/ratios.h"
 #include "bench/record_store.h"
+#include "bench/whole_studio.h"
 
 namespace {
 
@@ -26,7 +29,9 @@ constexpr int kDefaultPasses = 3;
 
 struct Arguments {
     int passes = kDefaultPasses;
-    bool projects_only = false;
+    bool has_projects = true;
+    bool has_records = true;
+    bool has_studios = true;
     std::string store_baseline;
     std::string against_baseline;
     std::vector<std::int32_t> sizes;
@@ -43,7 +48,9 @@ Arguments parse(int argc, char** argv) {
         if (word == "--passes") {
             arguments.passes = std::max(1, std::atoi(value().c_str()));
         } else if (word == "--projects-only") {
-            arguments.projects_only = true;
+            arguments.has_records = arguments.has_studios = false;
+        } else if (word == "--studios-only") {
+            arguments.has_projects = arguments.has_records = false;
         } else if (word == "--store-baseline") {
             arguments.store_baseline = value();
         } else if (word == "--against-baseline") {
@@ -57,32 +64,51 @@ Arguments parse(int argc, char** argv) {
     return arguments;
 }
 
+void measure_project_sizes(const char* program, const Arguments& arguments, const fs::path& folder,
+                           bench::PassFigures& figures) {
+    for (const std::int32_t size : arguments.sizes) {
+        for (int pass = 1; pass <= arguments.passes; ++pass) {
+            std::fprintf(stderr, "measuring %d projects, pass %d of %d ...\n", size, pass, arguments.passes);
+            for (const char* kind : {bench::kOurs, "sqlite", "lmdb", bench::kJet3}) {
+                figures.add(kind, size, bench::run_child(program, bench::kMeasureProjects, kind, size, folder / kind));
+            }
+        }
+    }
+    const bench::ProjectTable table(figures, arguments.sizes);
+    table.print(bench::kOurs);
+    table.print(bench::kJet3);
+}
+
+void measure_studios(const char* program, const Arguments& arguments, const fs::path& folder,
+                     bench::PassFigures& figures) {
+    for (int pass = 1; pass <= arguments.passes; ++pass) {
+        std::fprintf(stderr, "measuring whole studios, pass %d of %d ...\n", pass, arguments.passes);
+        bench::measure_whole_studios(program, folder, figures);
+    }
+    bench::print_whole_studios(figures);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
     const std::string mode = argc == 5 ? argv[1] : "";
     if (mode == bench::kMeasureProjects) return bench::measure_projects(argv[2], std::atoi(argv[3]), argv[4]);
     if (mode == bench::kMeasureRecords) return bench::measure_records(argv[2], std::atoi(argv[3]), argv[4]);
+    if (mode == bench::kMeasureCreating) return bench::measure_creating(argv[2], argv[4]);
+    if (mode == bench::kMeasureTenYears) return bench::measure_ten_years(argv[2], argv[4]);
     const Arguments arguments = parse(argc, argv);
     const fs::path folder = fs::temp_directory_path() / ("kvdb-bench-" + std::to_string(getpid()));
-    bench::ProjectFigures figures(arguments.sizes);
-    for (const std::int32_t size : arguments.sizes) {
-        for (int pass = 1; pass <= arguments.passes; ++pass) {
-            std::fprintf(stderr, "measuring %d projects, pass %d of %d ...\n", size, pass, arguments.passes);
-            for (const char* kind : {bench::kOurs, "sqlite", "lmdb", bench::kJet3}) {
-                figures.add(kind, size, bench::run_child(argv[0], bench::kMeasureProjects, kind, size, folder / kind));
-            }
-        }
-    }
-    figures.print(bench::kOurs);
-    figures.print(bench::kJet3);
-    if (!arguments.projects_only) {
+    bench::PassFigures figures;
+    if (arguments.has_projects) measure_project_sizes(argv[0], arguments, folder, figures);
+    if (arguments.has_records) {
         const std::int32_t largest = *std::max_element(arguments.sizes.begin(), arguments.sizes.end());
         bench::print_record_table(argv[0], std::min(kRecordTableRows, largest), folder);
     }
+    if (arguments.has_studios) measure_studios(argv[0], arguments, folder, figures);
     fs::remove_all(folder);
     if (!arguments.store_baseline.empty()) {
-        bench::require(bench::store_baseline(arguments.store_baseline, figures), "Storing the baseline");
+        bench::require(bench::store_baseline(arguments.store_baseline, figures, arguments.sizes),
+                       "Storing the baseline");
     }
     const bool holds =
         arguments.against_baseline.empty() || bench::compare_with_baseline(arguments.against_baseline, figures);

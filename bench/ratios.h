@@ -1,4 +1,4 @@
-// What the measuring processes of several passes have told of projects, and the table that it makes.
+// What the measuring processes of several passes have told, and how many times as fast as the peer that is.
 #pragma once
 
 #include <cstdint>
@@ -18,29 +18,28 @@ struct Ratio {
     double most = 0;
 };
 
-class ProjectFigures {
-public:
-    explicit ProjectFigures(std::vector<std::int32_t> sizes) : sizes_(std::move(sizes)) {}
+double median_of(std::vector<double> figures);
 
+// A figure with the digits that say something; a dash for none.
+std::string figure_text(double figure);
+// The median with the least and most.
+std::string ratio_text(const Ratio& ratio);
+
+class PassFigures {
+public:
+    // `size` is the number of projects, or kWholeStudio.
     void add(const std::string& kind, std::int32_t size, const Figures& figures) {
         figures_[{kind, size}].push_back(figures);
     }
-    const std::vector<std::int32_t>& sizes() const { return sizes_; }
 
     // Median of the passes; 0 where it was not measured.
     double rate(const std::string& kind, std::int32_t size, const std::string& operation) const;
     // Each pass for itself, so that what disturbs the machine for a while disturbs both.
     Ratio ratio(std::int32_t size, const std::string& operation, const std::string& ours = kOurs) const;
 
-    // The table of a kind of store beside the peers.
-    void print(const std::string& ours) const;
-
 private:
     std::vector<double> of_passes(const std::string& kind, std::int32_t size, const std::string& operation) const;
-    void print_operation(const std::string& ours, const char* operation) const;
-    void print_megabytes(const std::string& ours, const char* label, const char* figure) const;
 
-    std::vector<std::int32_t> sizes_;
     std::map<std::pair<std::string, std::int32_t>, std::vector<Figures>> figures_;
 };
 

@@ -6,6 +6,7 @@
 #include "bench/record_columns.h"
 #include "bench/record_store.h"
 #include "bench/sqlite_statement.h"
+#include "bench/sqlite_values.h"
 #include "os/system.h"
 
 namespace bench {
@@ -21,29 +22,6 @@ constexpr const char* kIndexes =
     "CREATE INDEX IF NOT EXISTS SupplyStock ON Supply(StockID);"
     "CREATE INDEX IF NOT EXISTS LinesInvoice ON InvoiceParams(InvoiceID);"
     "CREATE INDEX IF NOT EXISTS GearCategory ON Gear(CategoryID);";
-
-// Dates as day numbers, as the other store keeps them.
-double day_number(CTime time) { return static_cast<double>(time.GetTime()) / 86400 + 25569; }
-
-void bind_value(sqlite3_stmt* statement, int at, LONG value) { sqlite3_bind_int(statement, at, value); }
-void bind_value(sqlite3_stmt* statement, int at, float value) {
-    sqlite3_bind_double(statement, at, static_cast<double>(value));
-}
-void bind_value(sqlite3_stmt* statement, int at, CTime value) { sqlite3_bind_double(statement, at, day_number(value)); }
-void bind_value(sqlite3_stmt* statement, int at, const CString& value) {
-    sqlite3_bind_text(statement, at, value.GetString(), value.GetLength(), SQLITE_STATIC);
-}
-
-void read_value(sqlite3_stmt* statement, int at, LONG& value) { value = sqlite3_column_int(statement, at); }
-void read_value(sqlite3_stmt* statement, int at, float& value) {
-    value = static_cast<float>(sqlite3_column_double(statement, at));
-}
-void read_value(sqlite3_stmt* statement, int at, CTime& value) {
-    value = CTime(static_cast<LONG>((sqlite3_column_double(statement, at) - 25569) * 86400));
-}
-void read_value(sqlite3_stmt* statement, int at, CString& value) {
-    value = reinterpret_cast<const char*>(sqlite3_column_text(statement, at));
-}
 
 template <class Record>
 std::string create_text() {

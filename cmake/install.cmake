@@ -38,6 +38,7 @@ if(NOT WIN32)
         docs/durability.md docs/differences.md docs/architecture.md docs/file-format.md
         DESTINATION ${CMAKE_INSTALL_DOCDIR})
     install(FILES LICENSE DESTINATION ${CMAKE_INSTALL_DOCDIR} RENAME copyright)
+    install(DIRECTORY ${kvdb_licences} DESTINATION ${CMAKE_INSTALL_DOCDIR})
 endif()
 if(TARGET kvdb_tool AND NOT WIN32)
     set(kvdb_made ${PROJECT_BINARY_DIR}/documents)

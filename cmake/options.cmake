@@ -7,6 +7,12 @@ set(CMAKE_CXX_VISIBILITY_PRESET hidden)
 set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
+# Binaries do not tell the folder that they were built in: those of one source are equal wherever it lies. Of two
+# options that fit, the last one counts, and most build folders lie in the source.
+foreach(place "${PROJECT_SOURCE_DIR}=." "${PROJECT_BINARY_DIR}=build")
+    add_compile_options($<$<COMPILE_LANGUAGE:CXX>:-ffile-prefix-map=${place}>)
+endforeach()
+
 add_library(kvdb_options INTERFACE)
 target_include_directories(kvdb_options INTERFACE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
 target_compile_options(kvdb_options INTERFACE

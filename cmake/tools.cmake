@@ -15,6 +15,7 @@ set(kvdb_tool_parts ${kvdb_tool_sources})
 list(FILTER kvdb_tool_parts EXCLUDE REGEX
     "/tools/(commands/.*|documents/.*|main|commands|command_line|declaration|help)\\.cpp$")
 find_path(KVDB_CLI11 CLI/CLI.hpp REQUIRED PATHS /usr/include /usr/local/include NO_CMAKE_FIND_ROOT_PATH)
+kvdb_licence(CLI11.txt /usr/share/doc/libcli11-dev/copyright ${KVDB_CLI11}/../LICENSE)
 file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/cli11)
 file(CREATE_LINK ${KVDB_CLI11}/CLI ${PROJECT_BINARY_DIR}/cli11/CLI SYMBOLIC)
 # The page of its reports is made of files of their own, which the tool contains.

@@ -55,17 +55,21 @@ static_assert(sizeof(::CString) == 20 * sizeof(wchar_t), "the host's own class")
 // Texts and dates differ from member to member; keys lead to the first row; minutes of a day stay below 1440.
 void fill(CString& text, const char* name, int) { text.Format("%s \xE4\xF6", name); }
 void fill(CTime& time, const char*, int place) { time = CTime(2001 + place, 1 + place % 12, 1 + place % 28, 0, 0, 0); }
+bool is_filled_date(int year, int month, int day, int place) {
+    return year == 2001 + place && month == 1 + place % 12 && day == 1 + place % 28;
+}
 void fill(LONG& number, const char*, int) { number = 1; }
 void fill(DWORD& number, const char*, int) { number = 0; }
 void fill(float& number, const char*, int place) { number = static_cast<float>(place) + 0.25f; }
 
-void show(const CString& text, const char* name) { printf("%s [%s]\n", name, text.GetString()); }
-void show(const CTime& time, const char* name) {
-    printf("%s %d-%d-%d\n", name, time.GetYear(), time.GetMonth(), time.GetDay());
+void show(const CString& text, const char* name, int) { printf("%s [%s]\n", name, text.GetString()); }
+void show(const CTime& time, const char* name, int place) {
+    const int year = time.GetYear(), month = time.GetMonth(), day = time.GetDay();
+    printf("%s %d-%d-%d%s\n", name, year, month, day, is_filled_date(year, month, day, place) ? " as written" : "");
 }
-void show(LONG number, const char* name) { printf("%s %ld\n", name, static_cast<long>(number)); }
-void show(DWORD number, const char* name) { printf("%s %lu\n", name, static_cast<unsigned long>(number)); }
-void show(float number, const char* name) { printf("%s %.4f\n", name, static_cast<double>(number)); }
+void show(LONG number, const char* name, int) { printf("%s %ld\n", name, static_cast<long>(number)); }
+void show(DWORD number, const char* name, int) { printf("%s %lu\n", name, static_cast<unsigned long>(number)); }
+void show(float number, const char* name, int) { printf("%s %.4f\n", name, static_cast<double>(number)); }
 
 template <class Record>
 struct Members;
@@ -104,9 +108,10 @@ struct Blot {
 };
 
 struct Show {
+    int place = 0;
     template <class Member>
     void operator()(const Member& member, const char* name) {
-        show(member, name);
+        show(member, name, place++);
     }
 };
 
@@ -121,6 +126,29 @@ void add_and_find(Gate* gate, HRESULT (STDMETHODCALLTYPE Gate::*add)(LONG_PTR),
     Members<Record>::visit(read, Blot());
     const HRESULT found = (gate->*find)(reinterpret_cast<LONG_PTR>(&read));
     printf("%s %lx %lx\n", method, static_cast<unsigned long>(added), static_cast<unsigned long>(found));
+    Members<Record>::visit(read, Show());
+}
+
+// Asks an extended enumeration for every row of thirty years.
+struct AskForAll {
+    void operator()(CString& text, const char*) { text = "*"; }
+    void operator()(CTime& time, const char* name) {
+        time = CTime(strstr(name, ".ToDate") != nullptr ? 2030 : 1980, 1, 1, 0, 0, 0);
+    }
+    void operator()(DWORD& flags, const char*) { flags = 3; }
+    template <class Number>
+    void operator()(Number& number, const char*) {
+        number = 0;
+    }
+};
+
+// Reads the row that `add_and_find` has added into the record that asks for it.
+template <class Record, class Gate>
+void find_extended(Gate* gate, HRESULT (STDMETHODCALLTYPE Gate::*first)(LONG_PTR), const char* method) {
+    Record read{};
+    Members<Record>::visit(read, AskForAll());
+    const HRESULT found = (gate->*first)(reinterpret_cast<LONG_PTR>(&read));
+    printf("%s %lx\n", method, static_cast<unsigned long>(found));
     Members<Record>::visit(read, Show());
 }
 
@@ -150,6 +178,9 @@ void use_tables(IDBgate1* IDBgate1_, IDBgate2* IDBgate2_, IDBGate3* IDBGate3_) {
 #undef MEMBER
 #undef END
 #undef TABLE
+    add_and_find<InvoiceDef>(IDBgate1_, &IDBgate1::SetInvoiceDef, &IDBgate1::GetInvoiceDef, "IDBgate1::InvoiceDef");
+    find_extended<SessionExInfo>(IDBgate1_, &IDBgate1::EnumEx_FirstSession, "IDBgate1::EnumEx_FirstSession");
+    find_extended<SupplyExInfo>(IDBgate1_, &IDBgate1::EnumEx_FirstSupply, "IDBgate1::EnumEx_FirstSupply");
 }
 
 // An existing file that is no database: no exception can reach this host, the reason is in the error info.

@@ -1,10 +1,13 @@
 #include "fuzz/base_files.h"
 
+#include <map>
+#include <stdexcept>
 #include <string>
 
 #include "jet/indexes/index.h"
 #include "jet/storage/data_page.h"
 #include "jet/tables/database.h"
+#include "tests/jet/exercise.h"
 #include "tests/jet/new_column.h"
 #include "tests/jet/sparse_file_system.h"
 #include "tests/support/fault_file_system.h"
@@ -33,11 +36,14 @@ void add_index(Database& database, std::u16string_view table_name, std::vector<K
     LogicalIndex name;
     name.name = u"Order";
     def.logical_indexes.push_back(name);
+    const Format& format = database.pager().format();
     const ByteVector bytes = build_table_def(def);
     const MutablePage page = database.pager().modify(def.page);
     store_bytes(page.bytes(), 0, bytes);
-    store_u16(page.bytes(), jet4::tdef::kFree,
-              static_cast<std::uint16_t>(jet4::kPageSize - bytes.size() - jet4::tdef::kPageHeader));
+    if (format.definition.free != 0) {
+        store_u16(page.bytes(), format.definition.free,
+                  static_cast<std::uint16_t>(format.page_size - bytes.size() - jet4::tdef::kPageHeader));
+    }
     transaction.commit();
 }
 
@@ -75,19 +81,17 @@ void fill(Table& table, std::int32_t count) {
 }
 
 template <class Work>
-ByteVector file_after(Work&& work) {
+ByteVector file_after(const TestedFile& file, Work&& work) {
     testing_support::FaultFileSystem disk;
     const testing_support::UseFileSystem use(disk);
-    CreateOptions options;
-    options.creation_date = 42329.5;
-    auto database = Database::create(kBasePath, options);
+    auto database = Database::create(kBasePath, file.create_options());
     work(*database);
     database->close();
     return disk.content(kBasePath);
 }
 
-ByteVector file_of_every_kind() {
-    return file_after([](Database& database) {
+ByteVector file_of_every_kind(const TestedFile& file) {
+    return file_after(file, [](Database& database) {
         const NewColumn columns[] = {
             new_column(u"Id", kLong, true), new_column(u"Flag", kBoolean),   new_column(u"Small", kByte),
             new_column(u"Short", kInteger), new_column(u"Price", kCurrency), new_column(u"Single", kSingle),
@@ -108,8 +112,8 @@ ByteVector file_of_every_kind() {
     });
 }
 
-ByteVector file_of_large_structures() {
-    return file_after([](Database& database) {
+ByteVector file_of_large_structures(const TestedFile& file) {
+    return file_after(file, [](Database& database) {
         std::vector<NewColumn> many;
         for (std::size_t i = 0; i < 60; ++i) {
             many.push_back(
@@ -117,22 +121,33 @@ ByteVector file_of_large_structures() {
         }
         database.create_table(u"Wide", many);
         const NewColumn one[] = {new_column(u"Id", kLong)};
+        // Names that have nothing in common at their beginning and two bytes a letter in the catalogue's index.
         for (int i = 0; i < 30; ++i)
-            database.create_table(std::u16string(60, u'n') + from_utf8(std::to_string(i)), one);
+            database.create_table(from_utf8(std::to_string(i)) + std::u16string(60, u'\u00E9'), one);
         const Table& wide = *database.find_table(u"Wide");
         Transaction transaction(database.pager());
         UsageMap map(database.pager(), database.allocator(), wide.def().free_map);
-        map.add(600);  // too far for a window: the map switches to bitmap pages
-        map.remove(600);
+        // Too far apart for a window: the map switches to bitmap pages.
+        for (const PageNumber page : {20u, 2000u}) map.add(page);
+        for (const PageNumber page : {20u, 2000u}) map.remove(page);
         transaction.commit();
         fill(*database.find_table(u"Wide"), 6);
     });
 }
 
+// Damage to a structure that no base file has would never be tried.
+void require_page(ByteVector file, const FileKind& kind, std::uint8_t page_kind) {
+    code_pages(file, kind);
+    for (std::size_t at = kind.format->page_size; at < file.size(); at += kind.format->page_size) {
+        if (file[at] == page_kind) return;
+    }
+    throw std::logic_error("a base file has no page of kind " + std::to_string(page_kind));
+}
+
 }  // namespace
 
 const ByteVector& smallest_file() {
-    static const ByteVector file = file_after([](Database& database) {
+    static const ByteVector file = file_after(kTestedFiles[0], [](Database& database) {
         const NewColumn columns[] = {new_column(u"Id", kLong, true), new_column(u"Title", kText),
                                      new_column(u"Notes", kMemo)};
         database.create_table(u"Small", columns);
@@ -141,10 +156,16 @@ const ByteVector& smallest_file() {
     return file;
 }
 
-const std::vector<ByteVector>& base_files() {
-    static const std::vector<ByteVector> files = {file_of_every_kind(), file_of_large_structures(),
-                                                  file_after([](Database&) {})};
-    return files;
+const std::vector<ByteVector>& base_files(const TestedFile& file) {
+    static std::map<std::string, std::vector<ByteVector>> files;
+    std::vector<ByteVector>& known = files[file.name];
+    if (known.empty()) {
+        known = {file_of_every_kind(file), file_of_large_structures(file), file_after(file, [](Database&) {})};
+        for (const std::uint8_t page_kind : {jet4::kIndexNodePage, jet4::kUsageBitmapPage}) {
+            require_page(known[1], file.kind, page_kind);
+        }
+    }
+    return known;
 }
 
 }  // namespace kvdb_fuzz

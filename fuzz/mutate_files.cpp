@@ -21,6 +21,7 @@
 #include <string>
 #include <thread>
 
+#include "fuzz/base_files.h"
 #include "fuzz/mutated_run.h"
 #include "jet/pages/journal.h"
 
@@ -134,7 +135,7 @@ int main(int count, char** arguments) {
     const auto end =
         begin + std::chrono::duration_cast<Clock::duration>(std::chrono::duration<double>(options.seconds));
     int failures = 0;
-    kvdb_fuzz::mutate(options.seed);  // makes the base files once for all children
+    for (const jet::TestedFile& file : jet::kTestedFiles) kvdb_fuzz::base_files(file);  // once for all children
     while (Clock::now() < end && progress.done < options.count && failures < kMaxFailures) {
         std::fflush(nullptr);
         const pid_t child = ::fork();

@@ -6,8 +6,10 @@
 #include "fuzz/base_files.h"
 #include "fuzz/page_fields.h"
 #include "jet/base/rc4.h"
+#include "jet/pages/header.h"
 #include "jet/pages/journal.h"
 #include "jet/tables/database.h"
+#include "tests/jet/exercise.h"
 #include "tests/support/fault_file_system.h"
 
 namespace kvdb_fuzz {
@@ -73,11 +75,12 @@ std::uint32_t load(ByteSpan page, const Field& field) {
 
 class Mutation {
 public:
-    Mutation(ByteVector& file, Chance& chance, std::vector<std::string>& steps)
-        : file_(file), chance_(chance), steps_(steps) {}
+    // The pages of `file` are decoded.
+    Mutation(ByteVector& file, const Format& format, Chance& chance, std::vector<std::string>& steps)
+        : file_(file), format_(format), page_bytes_(format.page_size), chance_(chance), steps_(steps) {}
 
     void step() {
-        if (file_.size() < jet4::kPageSize) return;
+        if (file_.size() < page_bytes_) return;
         if (chance_.one_in(12)) {
             change_pages();
         } else {
@@ -86,9 +89,9 @@ public:
     }
 
 private:
-    std::uint32_t page_count() const { return static_cast<std::uint32_t>(file_.size() / jet4::kPageSize); }
+    std::uint32_t page_count() const { return static_cast<std::uint32_t>(file_.size() / page_bytes_); }
     MutableByteSpan page(PageNumber page_no) {
-        return MutableByteSpan(file_).subspan(page_no * jet4::kPageSize, jet4::kPageSize);
+        return MutableByteSpan(file_).subspan(page_no * page_bytes_, page_bytes_);
     }
 
     void change_field() {
@@ -108,9 +111,8 @@ private:
         if (page_no == 0) mask_header(bytes);
     }
 
-    static void mask_header(MutableByteSpan bytes) {
-        constexpr std::uint8_t kKey[] = {0xC7, 0xDA, 0x39, 0x6B};
-        Rc4(kKey).apply(bytes.subspan(jet4::header::kMasked, jet4::header::kMaskedBytes));
+    void mask_header(MutableByteSpan bytes) const {
+        Rc4(jet4::header::kMaskKey).apply(bytes.subspan(jet4::header::kMasked, format_.header.masked_bytes));
     }
 
     void change_pages() {
@@ -138,25 +140,28 @@ private:
                 break;
             case 4:
                 if (one < 6) break;
-                file_.resize(one * jet4::kPageSize + (chance_.one_in(4) ? chance_.below(jet4::kPageSize) : 0));
+                file_.resize(one * page_bytes_ + (chance_.one_in(4) ? chance_.below(page_bytes_) : 0));
                 steps_.push_back("cut off at" + where);
                 break;
-            default:
-                file_.resize((page_count() + chance_.below(4)) * jet4::kPageSize);
-                steps_.push_back("grow the file");
+            default: file_.resize((page_count() + chance_.below(4)) * page_bytes_); steps_.push_back("grow the file");
         }
     }
 
     ByteVector& file_;
+    const Format& format_;
+    std::size_t page_bytes_;
     Chance& chance_;
     std::vector<std::string>& steps_;
 };
 
-// Lets the engine itself write the journal: a commit of the pages of `changed`, copied before it reaches the file.
-MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& chance) {
+// Lets the engine itself write the journal: a commit of the pages of `changed`, copied before it reaches the file. The
+// pages of both are decoded; the engine encodes what it writes.
+MutatedFiles with_journal(const ByteVector& base, const FileKind& kind, MutatedFiles changed, Chance& chance) {
     testing_support::FaultFileSystem disk;
     const testing_support::UseFileSystem use(disk);
-    disk.set_content(kPath, base);
+    ByteVector encoded = base;
+    code_pages(encoded, kind);
+    disk.set_content(kPath, encoded);
     OpenOptions options;
     options.pager.sync_interval = std::chrono::hours(24);
     const auto database = Database::open(kPath, options);
@@ -168,17 +173,18 @@ MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& 
     {
         // The first commit is synced and written at once. The pager sets the counter.
         Transaction transaction(pager);
-        pager.modify(jet4::kObjectsPage).bytes()[jet4::tdef::kFiller] ^= 1;
+        pager.modify(jet4::kObjectsPage).bytes()[pager.format().change_counter] ^= 1;
         transaction.commit();
     }
     {
         Transaction transaction(pager);
-        const std::size_t pages = changed.database.size() / jet4::kPageSize;
+        const std::size_t page_bytes = kind.format->page_size;
+        const std::size_t pages = changed.database.size() / page_bytes;
         for (std::size_t i = 0; i < pages; ++i) {
-            const ByteSpan bytes = ByteSpan(changed.database).subspan(i * jet4::kPageSize, jet4::kPageSize);
+            const ByteSpan bytes = ByteSpan(changed.database).subspan(i * page_bytes, page_bytes);
             const bool same =
-                (i + 1) * jet4::kPageSize <= base.size() &&
-                std::equal(bytes.begin(), bytes.end(), base.begin() + static_cast<std::ptrdiff_t>(i * jet4::kPageSize));
+                (i + 1) * page_bytes <= base.size() &&
+                std::equal(bytes.begin(), bytes.end(), base.begin() + static_cast<std::ptrdiff_t>(i * page_bytes));
             if (!same) commit_page(static_cast<PageNumber>(i), bytes);
         }
         transaction.commit();
@@ -202,14 +208,20 @@ MutatedFiles with_journal(const ByteVector& base, MutatedFiles changed, Chance& 
 
 MutatedFiles mutate(std::uint64_t seed) {
     Chance chance(seed);
-    const std::vector<ByteVector>& bases = base_files();
+    // Half of them plain Jet 4 files, a quarter plain Jet 3 files.
+    const std::uint32_t kinds[] = {0, 0, 0, 0, 1, 1, 2, 3};
+    const std::vector<ByteVector>& bases = base_files(kTestedFiles[kinds[chance.below(8)]]);
     const std::uint32_t choice = chance.below(8);
-    const ByteVector& base = bases[choice < 5 ? 0 : choice < 7 ? 1 : 2];
+    ByteVector base = bases[choice < 5 ? 0 : choice < 7 ? 1 : 2];
+    const FileKind kind = kind_of_file(base);
+    code_pages(base, kind);
     MutatedFiles files;
     files.database = base;
-    Mutation mutation(files.database, chance, files.steps);
+    Mutation mutation(files.database, *kind.format, chance, files.steps);
     for (std::uint32_t i = 1 + chance.below(chance.one_in(2) ? 2 : 6); i > 0; --i) mutation.step();
-    return chance.one_in(8) ? with_journal(base, std::move(files), chance) : files;
+    if (chance.one_in(8)) return with_journal(base, kind, std::move(files), chance);
+    code_pages(files.database, kind);
+    return files;
 }
 
 }  // namespace kvdb_fuzz

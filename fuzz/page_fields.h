@@ -19,7 +19,8 @@ struct Field {
     bool big_endian = false;
 };
 
-// Page 0 is unmasked. Every field lies inside the page, even if the page is damaged.
+// A whole page, whose size tells the format; page 0 is unmasked, and an encoded page decoded. Every field lies inside
+// the page, even if the page is damaged.
 std::vector<Field> fields_of(jet::ByteSpan page, jet::PageNumber page_no);
 
 }  // namespace kvdb_fuzz

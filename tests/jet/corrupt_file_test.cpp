@@ -5,6 +5,8 @@
 #include <ctime>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
+#include <map>
 
 #include "tests/jet/allocation_meter.h"
 #include "tests/jet/damage.h"
@@ -29,12 +31,13 @@ struct Tally {
 // several times as long.
 Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t count,
                      std::uint32_t changed_one_in = 1) {
+    const FileKind kind = kind_of_file(good);
     Tally tally;
     for (std::uint32_t seed = first; seed < first + count; ++seed) {
         SCOPED_TRACE("case " + std::to_string(seed));
         Random random(seed);
         ByteVector file = good;
-        for (std::uint32_t i = random.below(4) + 1; i > 0; --i) damage_once(file, random);
+        for (std::uint32_t i = random.below(4) + 1; i > 0; --i) damage_once(file, kind, random);
         MemoryDisk memory;
         memory.disk.set_content(kDamagedPath, file);
         count_one();
@@ -58,25 +61,54 @@ Tally damage_and_use(const ByteVector& good, std::uint32_t first, std::uint32_t 
     return tally;
 }
 
-const ByteVector& rich_file() {
-    static const ByteVector file = make_rich_file();
-    return file;
+const ByteVector& rich_file(const TestedFile& file) {
+    static std::map<std::string, ByteVector> files;
+    ByteVector& known = files[file.name];
+    if (known.empty()) known = make_rich_file(file);
+    return known;
 }
 
-class RichFileCorrupt : public ::testing::TestWithParam<std::uint32_t> {};
+constexpr std::uint32_t kCasesOfPart = 1000;  // of an encoded file, one in so many
+
+struct RichPart {
+    TestedFile file;
+    std::uint32_t number;
+};
+void PrintTo(const RichPart& part, std::ostream* out) { *out << part.file.name << part.number; }
+
+std::vector<RichPart> rich_parts() {
+    std::vector<RichPart> parts;
+    constexpr std::uint32_t kParts[] = {10, 3, 1, 1};
+    static_assert(std::size(kParts) == std::size(kTestedFiles));
+    for (std::size_t i = 0; i < std::size(kParts); ++i) {
+        for (std::uint32_t number = 0; number < kParts[i]; ++number) parts.push_back({kTestedFiles[i], number});
+    }
+    return parts;
+}
+
+class RichFileCorrupt : public ::testing::TestWithParam<RichPart> {};
 
 TEST_P(RichFileCorrupt, damage_gives_an_engine_error_or_none) {
-    constexpr std::uint32_t kCases = 1000;
-    const Tally tally = damage_and_use(rich_file(), GetParam() * kCases, kCases, 4);
-    EXPECT_GT(tally.refused, 50);
-    EXPECT_GT(tally.served, 100);
+    const RichPart& part = GetParam();
+    const std::uint32_t cases = kCasesOfPart / part.file.one_in();
+    const Tally tally = damage_and_use(rich_file(part.file), part.number * cases, cases, 4);
+    EXPECT_GT(tally.refused, static_cast<int>(cases / 20));
+    EXPECT_GT(tally.served, static_cast<int>(cases / 10));
 }
 
-INSTANTIATE_TEST_SUITE_P(Part, RichFileCorrupt, ::testing::Range(0u, 10u));
+INSTANTIATE_TEST_SUITE_P(Part, RichFileCorrupt, ::testing::ValuesIn(rich_parts()), [](const auto& test) {
+    return std::string(test.param.file.name) + "_" + std::to_string(test.param.number);
+});
 
-TEST(FileCorrupt, file_without_damage_is_read_whole) {
+class FileCorrupt : public ::testing::TestWithParam<TestedFile> {};
+
+INSTANTIATE_TEST_SUITE_P(Files, FileCorrupt, ::testing::ValuesIn(kTestedFiles), NameOfFile());
+
+TEST_P(FileCorrupt, file_without_damage_is_read_whole) {
     MemoryDisk memory;
-    memory.disk.set_content(kDamagedPath, rich_file());
+    memory.disk.set_content(kDamagedPath, rich_file(GetParam()));
+    EXPECT_EQ(kind_of_file(rich_file(GetParam())).format, GetParam().kind.format);
+    EXPECT_EQ(kind_of_file(rich_file(GetParam())).encryption_key, GetParam().kind.encryption_key);
     EXPECT_EQ(read_file(kDamagedPath), 0);
     const auto database = Database::open(kDamagedPath, {});
     expect_sound(*database);
@@ -87,8 +119,9 @@ TEST(FileCorrupt, file_without_damage_is_read_whole) {
     EXPECT_EQ(database->find_table(u"Made later")->def().row_count, 3u);
 }
 
-TEST(FileCorrupt, every_truncation_gives_an_engine_error_or_none) {
-    const ByteVector& good = rich_file();
+TEST_P(FileCorrupt, every_truncation_gives_an_engine_error_or_none) {
+    const std::size_t page_bytes = GetParam().kind.format->page_size;
+    const ByteVector& good = rich_file(GetParam());
     for (std::size_t size = 0; size < good.size(); size += size < 5000 ? 97 : 1811) {
         MemoryDisk memory;
         memory.disk.set_content(kDamagedPath,
@@ -96,18 +129,18 @@ TEST(FileCorrupt, every_truncation_gives_an_engine_error_or_none) {
         count_one();
         const int error = change_file(kDamagedPath);
         const bool refused = error == errors::kDamaged || error == errors::kNotADatabase;
-        EXPECT_TRUE(refused || size % jet4::kPageSize == 0) << size << ": " << error;
+        EXPECT_TRUE(refused || size % page_bytes == 0) << size << ": " << error;
         read_file(kDamagedPath);
     }
 }
 
-TEST(FileCorrupt, pages_of_zeros_and_ones_are_survived) {
-    const ByteVector& good = rich_file();
+TEST_P(FileCorrupt, pages_of_zeros_and_ones_are_survived) {
+    const std::size_t page_bytes = GetParam().kind.format->page_size;
+    const ByteVector& good = rich_file(GetParam());
     for (const int fill : {0x00, 0xFF}) {
-        for (std::size_t at = 0; at < good.size(); at += jet4::kPageSize) {
+        for (std::size_t at = 0; at < good.size(); at += page_bytes) {
             ByteVector file = good;
-            std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at), jet4::kPageSize,
-                        static_cast<std::uint8_t>(fill));
+            std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(at), page_bytes, static_cast<std::uint8_t>(fill));
             MemoryDisk memory;
             memory.disk.set_content(kDamagedPath, file);
             count_one();
@@ -124,13 +157,12 @@ std::vector<ByteVector> sample_files(std::size_t largest) {
     for (const auto& entry : std::filesystem::directory_iterator(KVDB_SAMPLES)) {
         if (entry.path().extension() != ".mdb" || entry.file_size() > largest) continue;
         std::ifstream in(entry.path(), std::ios::binary);
-        ByteVector bytes(std::istreambuf_iterator<char>(in), {});
-        if (load_u32(bytes, jet4::header::kVersion) == jet4::header::kVersionJet4) files.push_back(std::move(bytes));
+        files.emplace_back(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     }
     return files;
 }
 
-TEST(FileCorrupt, damage_to_files_of_access_gives_an_engine_error_or_none) {
+TEST(SampleFileCorrupt, damage_to_files_of_access_gives_an_engine_error_or_none) {
     const std::vector<ByteVector> files = sample_files(400000);
     if (files.empty()) GTEST_SKIP() << "no sample files";
     for (const ByteVector& file : files) {
@@ -140,7 +172,7 @@ TEST(FileCorrupt, damage_to_files_of_access_gives_an_engine_error_or_none) {
 }
 
 TEST(FileCorruptSlow, much_damage_to_every_file) {
-    damage_and_use(rich_file(), 2000000, 60000);
+    for (const TestedFile& file : kTestedFiles) damage_and_use(rich_file(file), 2000000, 30000 / file.one_in());
     for (const ByteVector& file : sample_files(4000000))
         damage_and_use(file, 3000000, file.size() > 1000000 ? 100 : 2000);
 }

@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <iterator>
 
-#include "jet/base/jet4.h"
+#include "jet/base/format.h"
+#include "tests/jet/exercise.h"
 
 namespace jet {
 namespace {
@@ -18,13 +19,12 @@ std::uint32_t interesting(Random& random) {
     }
 }
 
-}  // namespace
-
-void damage_once(ByteVector& file, Random& random) {
-    if (file.size() < jet4::kPageSize) return;
-    const std::size_t pages = file.size() / jet4::kPageSize;
-    const std::size_t page_at = random.below(pages) * jet4::kPageSize;
-    const std::size_t anywhere = page_at + random.below(jet4::kPageSize - 4);
+void damage_plain(ByteVector& file, const Format& format, Random& random) {
+    const std::size_t page_bytes = format.page_size;
+    if (file.size() < page_bytes) return;
+    const std::size_t pages = file.size() / page_bytes;
+    const std::size_t page_at = random.below(pages) * page_bytes;
+    const std::size_t anywhere = page_at + random.below(page_bytes - 4);
     const std::size_t in_head = page_at + random.below(64);
     const MutableByteSpan bytes(file);
     switch (random.below(10)) {
@@ -41,9 +41,9 @@ void damage_once(ByteVector& file, Random& random) {
             break;
         }
         case 7: {
-            const std::size_t from = random.below(pages) * jet4::kPageSize;
+            const std::size_t from = random.below(pages) * page_bytes;
             const ByteVector copy(file.begin() + static_cast<std::ptrdiff_t>(from),
-                                  file.begin() + static_cast<std::ptrdiff_t>(from + jet4::kPageSize));
+                                  file.begin() + static_cast<std::ptrdiff_t>(from + page_bytes));
             store_bytes(bytes, page_at, copy);
             break;
         }
@@ -55,12 +55,20 @@ void damage_once(ByteVector& file, Random& random) {
             break;
         default: {
             // The variable part of a row, or a slot.
-            const std::size_t slots = load_u16(bytes, page_at + jet4::data::kSlotCount) % 256;
-            const std::size_t slot_at = page_at + jet4::data::kSlots + 2 * random.below(slots + 1);
+            const std::size_t slots = load_u16(bytes, page_at + format.data.slot_count) % 256;
+            const std::size_t slot_at = page_at + format.slot_at(random.below(slots + 1));
             store_u16(bytes, slot_at, static_cast<std::uint16_t>(random.below(2) ? random() : interesting(random)));
             break;
         }
     }
+}
+
+}  // namespace
+
+void damage_once(ByteVector& file, const FileKind& kind, Random& random) {
+    code_pages(file, kind);
+    damage_plain(file, *kind.format, random);
+    code_pages(file, kind);
 }
 
 }  // namespace jet

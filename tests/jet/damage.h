@@ -6,7 +6,8 @@
 
 namespace jet {
 
-// One kind of damage at one place; the file may become shorter.
-void damage_once(ByteVector& file, Random& random);
+// One kind of damage at one place of a file that was of that kind when it was sound; the file may become shorter. Where
+// pages are encoded, the damage is done to what they hold.
+void damage_once(ByteVector& file, const FileKind& kind, Random& random);
 
 }  // namespace jet

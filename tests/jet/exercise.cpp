@@ -1,6 +1,7 @@
 #include "tests/jet/exercise.h"
 
 #include "jet/check/check.h"
+#include "jet/pages/page_cipher.h"
 #include "tests/jet/new_column.h"
 #include "tests/support/fault_file_system.h"
 
@@ -22,7 +23,8 @@ int attempt(Work&& work) {
 
 // A value for a column, of a size that `n` decides.
 Value some_value(const ColumnDef& column, std::size_t n) {
-    const auto letter = static_cast<char16_t>(n % 2 ? u'a' + n % 26 : 0x4e00 + n);
+    const std::size_t wide = column.code_page != 0 ? 0xC0 + n % 60 : 0x4e00 + n;
+    const auto letter = static_cast<char16_t>(n % 2 ? u'a' + n % 26 : wide);
     switch (column.type) {
         case kBoolean: return n % 2 == 0;
         case kByte: return static_cast<std::uint8_t>(n);
@@ -95,13 +97,11 @@ void change_table(Table& table) {
 
 }  // namespace
 
-ByteVector make_rich_file() {
+ByteVector make_rich_file(const TestedFile& file) {
     testing_support::FaultFileSystem disk;
     const testing_support::UseFileSystem use(disk);
     constexpr char kPath[] = "rich.mdb";
-    CreateOptions options;
-    options.creation_date = 42329.5;
-    auto database = Database::create(kPath, options);
+    auto database = Database::create(kPath, file.create_options());
     const NewColumn columns[] = {
         new_column(u"Id", kLong, true), new_column(u"Flag", kBoolean),   new_column(u"Small", kByte),
         new_column(u"Short", kInteger), new_column(u"Price", kCurrency), new_column(u"Single", kSingle),
@@ -131,6 +131,14 @@ ByteVector make_rich_file() {
     add_rows(*database->find_table(u"Wide"), 0, 3);
     database->close();
     return disk.content(kPath);
+}
+
+void code_pages(ByteVector& file, const FileKind& kind) {
+    const PageCipher cipher(kind.encryption_key);
+    const std::size_t bytes = kind.format->page_size;
+    for (std::size_t i = 0; (i + 1) * bytes <= file.size(); ++i) {
+        cipher.apply(static_cast<PageNumber>(i), MutableByteSpan(file).subspan(i * bytes, bytes));
+    }
 }
 
 std::size_t read_rows(Database& database) {

@@ -6,12 +6,16 @@
 #include <string>
 
 #include "jet/tables/database.h"
+#include "tests/jet/tested_files.h"
 
 namespace jet {
 
 // A sound file with every kind of column that can be created, long values of every form, moved and deleted rows,
 // columns added and deleted later.
-ByteVector make_rich_file();
+ByteVector make_rich_file(const TestedFile& file = kTestedFiles[0]);
+
+// Decodes the pages of a file where its kind encodes them, or encodes them: the same work.
+void code_pages(ByteVector& file, const FileKind& kind);
 
 // Values of every row of every table, the catalogue's own included, and the structural check. Returns how many
 // values were read.

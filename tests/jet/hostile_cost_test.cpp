@@ -82,12 +82,13 @@ void append_block(ByteVector& blob, std::uint16_t type, ByteSpan body) {
     append_bytes(blob, body);
 }
 
-ByteVector blob_of_names(std::size_t name_characters) {
+ByteVector blob_of_names(const Format& format, std::size_t name_characters) {
     ByteVector blob;
-    append_u32(blob, jet4::properties::kMagicValue);
+    append_u32(blob, format.properties_mark);
+    const std::size_t bytes = format.text_unit * name_characters;
     ByteVector names;
-    append_u16(names, static_cast<std::uint16_t>(2 * name_characters));
-    names.resize(names.size() + 2 * name_characters, 'n');
+    append_u16(names, static_cast<std::uint16_t>(bytes));
+    names.resize(names.size() + bytes, 'n');
     append_block(blob, jet4::properties::kNameBlock, names);
     return blob;
 }
@@ -100,11 +101,15 @@ struct Hostile {
 
 void many_values_of_one_long_name(Database& database) {
     make_table(database, u"T");
-    ByteVector blob = blob_of_names(32000);
+    const Format& format = database.pager().format();
+    ByteVector blob = blob_of_names(format, 32000);
     ByteVector values;
-    append_u32(values, jet4::properties::kOwnerHeader + 4);
-    append_u16(values, 4);
-    append_u32(values, 0x00640049);  // "Id"
+    append_u32(values, static_cast<std::uint32_t>(jet4::properties::kOwnerHeader + 2 * format.text_unit));
+    append_u16(values, static_cast<std::uint16_t>(2 * format.text_unit));
+    for (const std::uint8_t letter : {'I', 'd'}) {
+        values.push_back(letter);
+        if (!format.is_jet3()) values.push_back(0);
+    }
     for (int i = 0; i < 60000; ++i) {
         append_u16(values, jet4::properties::kValueHeader);
         append_u32(values, 0x00000101);
@@ -116,7 +121,7 @@ void many_values_of_one_long_name(Database& database) {
 
 void many_blocks_of_properties(Database& database) {
     make_table(database, u"T");
-    ByteVector blob = blob_of_names(1);
+    ByteVector blob = blob_of_names(database.pager().format(), 1);
     for (int i = 0; i < 60000; ++i) {
         ByteVector empty;
         append_u32(empty, jet4::properties::kOwnerHeader);
@@ -158,7 +163,7 @@ void chains_that_share_their_end(Database& database) {
         const MutablePage page = database.allocator().allocate();
         format_data_page(page.bytes(), jet4::data::kLongValueOwner);
         ByteVector piece = packed(second);
-        piece.resize(4076, 'y');
+        piece.resize(database.pager().format().long_value.chain_data + 4, 'y');
         add_row(page.bytes(), page.number(), piece);
         owned.add(page.number());
         std::vector<StoredValue> values(3);
@@ -176,7 +181,7 @@ void chains_that_go_in_a_circle(Database& database) {
         const MutablePage page = database.allocator().allocate();
         format_data_page(page.bytes(), jet4::data::kLongValueOwner);
         ByteVector piece = packed({page.number(), 0});
-        piece.resize(4076, 'y');
+        piece.resize(database.pager().format().long_value.chain_data + 4, 'y');
         add_row(page.bytes(), page.number(), piece);
         owned.add(page.number());
         std::vector<StoredValue> values(3);
@@ -191,7 +196,7 @@ void many_addresses_of_one_row(Database& database) {
     Table& table = make_table(database, u"T");
     std::vector<StoredValue> values(3);
     values[0] = ByteVector(4);
-    values[2] = ByteVector(510, 'z');
+    values[2] = ByteVector(255 * database.pager().format().text_unit, 'z');
     RawRows rows(database, table.def());
     const RowId body = rows.add(encode_row(table.def(), values), jet4::data::kBodyFlag);
     for (int i = 0; i < 100000; ++i) rows.add(packed(body), jet4::data::kMovedFlag);
@@ -262,18 +267,21 @@ void map_of_every_page(Database& database) {
 }
 
 void leaves_of_an_index_in_a_circle(Database& database) {
+    const Format::IndexPage& layout = database.pager().format().index;
     const TableDef& def = database.table_by_page(jet4::kObjectsPage)->def();
     for (const RealIndex& index : def.real_indexes) {
         const MutablePage page = database.pager().modify(index.root);
-        store_u32(page.bytes(), jet4::index::kNext, index.root);
-        store_u32(page.bytes(), jet4::index::kPrevious, index.root);
+        store_u32(page.bytes(), layout.next, index.root);
+        store_u32(page.bytes(), layout.previous, index.root);
     }
 }
 
 void definition_of_three_megabytes(Database& database) {
+    const Format& format = database.pager().format();
+    const std::size_t count = 800 * jet4::kPageSize / format.page_size;
     const PageNumber first = make_table(database, u"T").def().page;
     PageNumber before = first;
-    for (int i = 0; i < 800; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         const MutablePage page = database.allocator().allocate();
         page.bytes()[0] = jet4::kTableDefPage;
         page.bytes()[1] = 1;
@@ -281,9 +289,10 @@ void definition_of_three_megabytes(Database& database) {
         before = page.number();
     }
     const MutablePage page = database.pager().modify(first);
-    store_u32(page.bytes(), jet4::tdef::kLength, 800 * 4088);
-    store_u32(page.bytes(), jet4::tdef::kRealIndexes, 20000);
-    store_u32(page.bytes(), jet4::tdef::kLogicalIndexes, 40000);
+    store_u32(page.bytes(), jet4::tdef::kLength,
+              static_cast<std::uint32_t>(count * (format.page_size - jet4::tdef::kPageHeader)));
+    store_u32(page.bytes(), format.definition.real_indexes, 20000);
+    store_u32(page.bytes(), format.definition.logical_indexes, 40000);
 }
 
 #define HOSTILE(make) \
@@ -304,11 +313,13 @@ const std::vector<Hostile> kHostileFiles = {
 };
 #undef HOSTILE
 
-ByteVector file_of(const Hostile& hostile) {
+ByteVector file_of(const Hostile& hostile, const Format& format) {
     MemoryDisk memory;
     OpenOptions options;
     options.pager.journal_limit_bytes = 64 << 20;
-    Database::create(kHostilePath, {})->close();
+    CreateOptions create;
+    create.format = &format;
+    Database::create(kHostilePath, create)->close();
     const auto database = Database::open(kHostilePath, options);
     {
         Transaction transaction(database->pager());
@@ -324,10 +335,15 @@ void order_by_text(Database& database) {
     rows.first();
 }
 
-TEST(HostileCost, file_made_to_be_expensive_is_read_and_checked_within_bounds) {
+class HostileCost : public ::testing::TestWithParam<const Format*> {};
+
+INSTANTIATE_TEST_SUITE_P(Formats, HostileCost, ::testing::Values(&kJet4, &kJet3),
+                         [](const auto& test) { return std::string(test.param->is_jet3() ? "Jet3" : "Jet4"); });
+
+TEST_P(HostileCost, file_made_to_be_expensive_is_read_and_checked_within_bounds) {
     for (const Hostile& hostile : kHostileFiles) {
         SCOPED_TRACE(hostile.name);
-        const ByteVector file = file_of(hostile);
+        const ByteVector file = file_of(hostile, *GetParam());
         MemoryDisk memory;
         memory.disk.set_content(kHostilePath, file);
         const double seconds_allowed = kSlowness * (2 + static_cast<double>(file.size()) / (10 * kMegabyte));

@@ -51,6 +51,9 @@ TEST_F(NamedObjects, query_is_called_one) {
 
 TEST_F(NamedObjects, what_is_not_there_is_called_so) {
     EXPECT_NE(reason_for(u"Nothing").find("no table Nothing"), std::string::npos);
+}
+
+TEST_F(NamedObjects, replicated_file_is_called_one) {
     EXPECT_FALSE(database_->is_replica());
     const NewColumn columns[] = {new_column(u"n", ColumnType::kLong)};
     database_->create_table(u"MSysReplicas", columns);

@@ -1,5 +1,7 @@
 #include "tests/jet/operation_script.h"
 
+#include <map>
+
 #include "tests/jet/engine_fixture.h"
 
 namespace jet {
@@ -49,7 +51,9 @@ void add_close(Steps& steps) {
 
 void add_song(Steps& steps, std::int32_t id, std::size_t title, std::size_t notes) {
     add(steps, "add song " + std::to_string(id), [=](ScriptState& state) {
-        songs(state).insert({id, text(title, u't'), text(notes, static_cast<char16_t>(0x4e00 + id)), id * 100,
+        // A letter that takes a character's full width in the file.
+        const char16_t letter = state.file.kind.format->is_jet3() ? u'\u00C0' : u'\u4E00';
+        songs(state).insert({id, text(title, u't'), text(notes, static_cast<char16_t>(letter + id)), id * 100,
                              Currency{id * 12345}, Date{40000.25 + id}, id % 2 == 0});
     });
 }
@@ -72,9 +76,7 @@ void add_songs_steps(Steps& steps) {
     add(
         steps, "create",
         [](ScriptState& state) {
-            CreateOptions options;
-            options.creation_date = 42329.5;
-            state.database = Database::create(kScriptPath, options);
+            state.database = Database::create(kScriptPath, state.file.create_options());
             state.database->close();
             state.database.reset();
         },
@@ -146,9 +148,9 @@ Steps make_script() {
     return steps;
 }
 
-std::vector<std::string> record_contents() {
+std::vector<std::string> record_contents(const TestedFile& file) {
     MemoryDisk memory;
-    ScriptState state;
+    ScriptState state{file, {}, nullptr};
     std::vector<std::string> contents{kNoFile};
     for (const ScriptStep& step : operation_script()) {
         step.run(state);
@@ -166,15 +168,17 @@ const std::vector<ScriptStep>& operation_script() {
     return steps;
 }
 
-const std::vector<std::string>& script_contents() {
-    static const std::vector<std::string> contents = record_contents();
-    return contents;
+const std::vector<std::string>& script_contents(const TestedFile& file) {
+    static std::map<std::string, std::vector<std::string>> contents;
+    std::vector<std::string>& known = contents[file.name];
+    if (known.empty()) known = record_contents(file);
+    return known;
 }
 
 std::string content_found(const std::string& where) {
     if (!os::file_system().exists(kScriptPath)) return kNoFile;
     try {
-        ScriptState state;
+        ScriptState state{};
         open(state);
         expect_sound(*state.database, where);
         std::string content = content_of(*state.database);

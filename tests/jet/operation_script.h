@@ -11,11 +11,13 @@
 #include <vector>
 
 #include "jet/tables/database.h"
+#include "tests/jet/tested_files.h"
 
 namespace jet {
 
 // A program that works through the script on the file system in use.
 struct ScriptState {
+    TestedFile file;
     PagerOptions pager;
     std::unique_ptr<Database> database;
 };
@@ -32,7 +34,7 @@ inline constexpr char kNoFile[] = "no file";
 
 const std::vector<ScriptStep>& operation_script();
 // Element k: the content after the first k steps; kNoFile before the first.
-const std::vector<std::string>& script_contents();
+const std::vector<std::string>& script_contents(const TestedFile& file);
 
 // What is found on the file system in use after a failure: opens the file (and closes it again), checks its
 // structure and returns its content, or kNoFile.

@@ -20,10 +20,12 @@ public:
     const char* name() const override { return "damage"; }
 
     std::string prepare() override {
-        originals_.push_back(jet::make_rich_file());
-        for (const std::int32_t version : testing_support::kOldVersions) {
-            originals_.push_back(old_studio(version).main);
-            originals_.push_back(old_studio(version).invoice);
+        for (const jet::TestedFile& file : jet::kTestedFiles) originals_.push_back(jet::make_rich_file(file));
+        for (const jet::Format* const format : {&jet::kJet4, &jet::kJet3}) {
+            for (const std::int32_t version : testing_support::kOldVersions) {
+                originals_.push_back(old_studio(version, *format).main);
+                originals_.push_back(old_studio(version, *format).invoice);
+            }
         }
         return {};
     }
@@ -32,8 +34,10 @@ public:
         Outcome outcome;
         jet::Random random(static_cast<std::uint32_t>(seed));
         for (; outcome.tried < kFilesPerCase && outcome.failure.empty(); ++outcome.tried) {
-            jet::ByteVector file = originals_[random.below(2) == 0 ? 0 : random.below(originals_.size())];
-            for (std::uint32_t i = random.below(4) + 1; i > 0; --i) jet::damage_once(file, random);
+            const std::size_t rich = std::size(jet::kTestedFiles);
+            jet::ByteVector file = originals_[random.below(random.below(2) == 0 ? rich : originals_.size())];
+            const jet::FileKind kind = jet::kind_of_file(file);
+            for (std::uint32_t i = random.below(4) + 1; i > 0; --i) jet::damage_once(file, kind, random);
             outcome.failure = use(file);
             if (outcome.failure.empty()) continue;
             outcome.failure = "file " + std::to_string(outcome.tried) + ": " + outcome.failure;

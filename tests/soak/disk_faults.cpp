@@ -157,7 +157,7 @@ private:
         std::string failure;
         rows_on_disk(failure);
         if (!failure.empty()) return failure;
-        const OldStudio& old = old_studio(start.version);
+        const OldStudio& old = old_studio(start.version, *start.format);
         for (const auto& [path, before] :
              {std::pair{kMainFile, &old.main_steps.front()}, std::pair{kInvoiceFile, &old.invoice_steps.front()}}) {
             const Content now = content_of(path);

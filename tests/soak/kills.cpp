@@ -37,8 +37,8 @@ public:
     explicit Victim(Seed seed) : random_(static_cast<std::uint32_t>(seed)), seed_(static_cast<std::uint32_t>(seed)) {
         version_ = choose_version();
         if (version_ == 0) return;
-        write_file(main_file(), old_studio(version_).main);
-        write_file(invoice_file(), old_studio(version_).invoice);
+        write_file(main_file(), old().main);
+        write_file(invoice_file(), old().invoice);
     }
 
     const std::string& folder() const { return folder_.path(); }
@@ -57,15 +57,18 @@ public:
     }
 
 private:
-    // One third of the studios start as old ones, one third as none at all, and the rest are created undisturbed.
+    // One third of the studios start as old ones, half of these in Jet 3 files, one third as none at all, and the rest
+    // are created undisturbed.
     std::int32_t choose_version() {
         const std::uint32_t choice = below(3);
         is_made_before_ = choice == 2;
-        if (choice == 0) return kOldVersions[below(std::size(kOldVersions))];
-        return 0;
+        if (choice != 0) return 0;
+        if (below(2) == 0) format_ = &jet::kJet3;
+        return kOldVersions[below(std::size(kOldVersions))];
     }
+    const OldStudio& old() const { return old_studio(version_, *format_); }
     std::string origin() const {
-        if (version_ != 0) return "of version " + std::to_string(version_);
+        if (version_ != 0) return std::string("of version ") + std::to_string(version_) + ", " + format_->name;
         return is_made_before_ ? "made undisturbed" : "being made";
     }
     std::string main_file() const { return folder_.file("sldb.mdb"); }
@@ -152,8 +155,8 @@ private:
         if (is_made_before_) return found;
         const TempFolder undisturbed;
         if (version_ != 0) {
-            write_file(undisturbed.file("sldb.mdb"), old_studio(version_).main);
-            write_file(undisturbed.file("kvinvdb.mdb"), old_studio(version_).invoice);
+            write_file(undisturbed.file("sldb.mdb"), old().main);
+            write_file(undisturbed.file("kvinvdb.mdb"), old().invoice);
         }
         const Component component(undisturbed.path());
         const Gates gates = gates_of(component);
@@ -181,7 +184,7 @@ private:
     // The files alone, before a gate opens them: between two steps, and at the last step if the opening had succeeded.
     std::string inspect_upgrade() {
         if (ledger_) return {};
-        const OldStudio& old = old_studio(version_);
+        const OldStudio& old = this->old();
         const Content main = recovered(main_file());
         const Content invoice = recovered(invoice_file());
         const bool main_done = main == old.main_steps.back();
@@ -222,7 +225,8 @@ private:
     std::mt19937 random_;
     std::uint32_t seed_;
     TempFolder folder_;
-    std::int32_t version_ = 0;  // 0: a new studio
+    std::int32_t version_ = 0;                 // 0: a new studio
+    const jet::Format* format_ = &jet::kJet4;  // of an old studio
     bool is_made_before_ = false;
     bool is_half_upgraded_ = false;
     bool was_opened_ = false;

@@ -254,7 +254,7 @@ Outcome judge_cut(const Start& start, const Log& log, const Cut& cut) {
     // opens it, because that completes the upgrade.
     bool is_upgrade_cut[2] = {};
     if (start.origin == Start::Origin::kOld) {
-        const OldStudio& old = old_studio(start.version);
+        const OldStudio& old = old_studio(start.version, *start.format);
         std::string difference;
         is_upgrade_cut[0] = is_between_steps(kMainFile, old.main_steps, difference);
         if (!is_upgrade_cut[0] && log.is_opened == 0) outcome.failure += "sldb.mdb: " + difference;

@@ -51,14 +51,16 @@ std::vector<Content> steps_of(OldFile::Kind kind, std::int32_t version, std::vec
 
 }  // namespace
 
-const OldStudio& old_studio(std::int32_t version) {
-    static std::map<std::int32_t, OldStudio> studios;
-    const auto known = studios.find(version);
+const OldStudio& old_studio(std::int32_t version, const jet::Format& format) {
+    static std::map<std::pair<std::int32_t, bool>, OldStudio> studios;
+    const std::pair key(version, format.is_jet3());
+    const auto known = studios.find(key);
     if (known != studios.end()) return known->second;
+    const UseOldFormat use(format);
     OldStudio studio;
     studio.main_steps = steps_of(OldFile::Kind::kStudio, version, studio.main);
     studio.invoice_steps = steps_of(OldFile::Kind::kInvoice, version, studio.invoice);
-    return studios.emplace(version, std::move(studio)).first->second;
+    return studios.emplace(key, std::move(studio)).first->second;
 }
 
 std::string difference_to_nearest(const std::vector<Content>& steps, const Content& found) {

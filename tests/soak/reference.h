@@ -19,7 +19,7 @@ struct OldStudio {
     std::vector<testing_support::Content> main_steps, invoice_steps;
 };
 // Computed at the first call, with the engine and the upgrade linked into this program.
-const OldStudio& old_studio(std::int32_t version);
+const OldStudio& old_studio(std::int32_t version, const jet::Format& format = jet::kJet4);
 
 // One line: the difference from the nearest step; "" when the content equals one.
 std::string difference_to_nearest(const std::vector<testing_support::Content>& steps,

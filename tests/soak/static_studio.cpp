@@ -2,6 +2,7 @@
 
 #include <map>
 #include <stdexcept>
+#include <tuple>
 
 #include "db/database_files.h"
 #include "frame/entry_points.h"
@@ -46,17 +47,21 @@ std::string Start::text() const {
     switch (origin) {
         case Origin::kNew: return "a new studio";
         case Origin::kWorkedOn: return "a studio that has been worked on";
-        case Origin::kOld: return "a studio of version " + std::to_string(version);
+        case Origin::kOld: return std::string("a ") + format->name + " studio of version " + std::to_string(version);
     }
     return {};
 }
 
 Start start_of_day(std::uint64_t day) {
     switch (day % 3) {
-        case 0: return {Start::Origin::kWorkedOn, 0};
-        case 1: return {Start::Origin::kNew, 0};
-        default: return {Start::Origin::kOld, kOldVersions[day / 3 % std::size(kOldVersions)]};
+        case 0: return {Start::Origin::kWorkedOn};
+        case 1: return {Start::Origin::kNew};
+        default: break;
     }
+    // Each version in turn, with Jet 4 files and with Jet 3 files.
+    const std::uint64_t turn = day / 3;
+    return {Start::Origin::kOld, kOldVersions[turn / 2 % std::size(kOldVersions)],
+            turn % 2 == 0 ? &jet::kJet4 : &jet::kJet3};
 }
 
 void lay_out(const Start& start, FaultFileSystem& disk) {
@@ -68,15 +73,15 @@ void lay_out(const Start& start, FaultFileSystem& disk) {
             }
             return;
         case Start::Origin::kOld:
-            disk.set_content(kMainFile, old_studio(start.version).main);
-            disk.set_content(kInvoiceFile, old_studio(start.version).invoice);
+            disk.set_content(kMainFile, old_studio(start.version, *start.format).main);
+            disk.set_content(kInvoiceFile, old_studio(start.version, *start.format).invoice);
             return;
     }
 }
 
 const StudioRows& rows_after_opening(const Start& start) {
-    static std::map<std::pair<Start::Origin, std::int32_t>, StudioRows> known;
-    auto& rows = known[{start.origin, start.version}];
+    static std::map<std::tuple<Start::Origin, std::int32_t, bool>, StudioRows> known;
+    auto& rows = known[{start.origin, start.version, start.format->is_jet3()}];
     if (!rows.empty()) return rows;
     FaultFileSystem disk;
     lay_out(start, disk);

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "jet/base/format.h"
 #include "tests/soak/day.h"
 #include "tests/support/fault_file_system.h"
 
@@ -21,7 +22,8 @@ Gates static_gates(const std::string& folder);
 struct Start {
     enum class Origin { kNew, kWorkedOn, kOld };
     Origin origin = Origin::kNew;
-    std::int32_t version = 0;  // of an old studio
+    std::int32_t version = 0;                 // of an old studio
+    const jet::Format* format = &jet::kJet4;  // the same
     std::string text() const;
 };
 Start start_of_day(std::uint64_t day);

@@ -4,7 +4,7 @@
 // If KVDB_TEST_FIGURES names a folder, every test program writes a file in it:
 //
 //     tried kills 200 passed GateCrash.killed_host_loses_no_call_that_had_returned
-//     skipped FileCorrupt.damage_to_files_of_access_gives_an_engine_error_or_none: no sample files
+//     skipped SampleFileCorrupt.damage_to_files_of_access_gives_an_engine_error_or_none: no sample files
 //
 // A test that ends its program writes no line, and does not pass either.
 #pragma once

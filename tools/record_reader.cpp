@@ -37,14 +37,16 @@ bool is_number(const std::string& text) {
 RecordReader::RecordReader(const GateTable& table, const std::string& folder, const SelectionOptions& options)
     : table_(table), names_(table.columns()) {
     const StudioFiles files(folder);
-    files.require_current();
+    files.require_current_to_read();
     for (const StudioFile* const file : {&files.studio, &files.invoices}) {
         if (!file->declares(table.name())) continue;
-        database_ = open_to_read(file->path(), std::nullopt, damage_teller(file->path()));
-        if (jet::Table* const found = database_->find_table(jet::from_utf8(table.name()))) {
-            selection_ = std::make_unique<RowSelection>(*database_, *found, options, names_);
+        file_ = open_to_look(file->path(), std::nullopt);
+        const TableLook look = look_at_table(file_, jet::from_utf8(table.name()));
+        if (look.is_damaged) require_undamaged();
+        if (look.table != nullptr) {
+            selection_ = std::make_unique<RowSelection>(*file_.database, *look.table, options, names_);
             names_ = selection_->names();
-        } else if (!is_same_name(table.name(), db::engineers_table().name)) {
+        } else if (require_undamaged(); !is_same_name(table.name(), db::engineers_table().name)) {
             throw CommandError(table.name() + " cannot be read: " + file->path() + " has no such table");
         }
         return;
@@ -68,11 +70,11 @@ Row RecordReader::find(const std::string& key) const {
         if (!statement.empty()) for_each(statement, keep);
         if (!found.empty()) return found.front();
     }
-    if (column != nullptr && database_ != nullptr) {
+    if (column != nullptr && file_.database != nullptr) {
         SelectionOptions options;
         options.where = {std::string(column) + "=" + key};
-        jet::Table* const table = database_->find_table(jet::from_utf8(table_.name()));
-        if (table != nullptr && !key.empty()) RowSelection(*database_, *table, options, names_).for_each(keep);
+        jet::Table* const table = look_at_table(file_, jet::from_utf8(table_.name())).table;
+        if (table != nullptr && !key.empty()) RowSelection(*file_.database, *table, options, names_).for_each(keep);
         if (found.size() == 1) return found.front();
         if (found.size() > 1) {
             throw CommandError("several rows of " + table_.name() + " have " + column + " " + key +

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "tools/gate_table.h"
+#include "tools/open_file.h"
 #include "tools/row_selection.h"
 
 namespace tools {
@@ -24,7 +25,7 @@ public:
 
 private:
     const GateTable& table_;
-    std::unique_ptr<jet::Database> database_;
+    OpenedFile file_;
     std::unique_ptr<RowSelection> selection_;  // null: the file has no such table, which then has no rows
     Names names_;
 };

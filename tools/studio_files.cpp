@@ -7,6 +7,7 @@
 #include "db/content.h"
 #include "os/file.h"
 #include "os/system.h"
+#include "tools/damage.h"
 #include "tools/errors.h"
 #include "tools/names.h"
 #include "tools/open_file.h"
@@ -26,8 +27,8 @@ std::int32_t version_number(const jet::Value& value) {
 }
 
 // Of the first header row; none where there is no such row.
-std::optional<std::int32_t> header_value(jet::Database& database, const char* column) {
-    const jet::Table* const table = database.find_table(u"DBHeader");
+std::optional<std::int32_t> header_value(const OpenedFile& file, const char* column) {
+    const jet::Table* const table = look_at_table(file, u"DBHeader").table;
     if (table == nullptr) return std::nullopt;
     const auto first = table->next_row({});
     jet::RowView row;
@@ -47,6 +48,7 @@ std::string full_path(const std::string& place) {
     const fs::file_status status = fs::status(system_path(place), error);
     fs::path path = fs::absolute(system_path(place)).lexically_normal();
     if (status.type() == fs::file_type::not_found) {
+        require_no_dead_link(place);
         throw CommandError("there is no folder " + place + "; wanted is the one that holds sldb.mdb and kvinvdb.mdb");
     }
     if (status.type() == fs::file_type::none) throw CommandError("cannot look at " + place + ": " + error.message());
@@ -62,9 +64,15 @@ std::string full_path(const std::string& place) {
     return path_text(path);
 }
 
-void require_current_version(const StudioFile& file, const std::string& folder) {
+// What a damaged file does not tell of its version may be passed over.
+void require_current_version(const StudioFile& file, const std::string& folder, bool may_be_damaged) {
     const std::optional<std::int32_t> version = file.version();
     if (version == db::kCurrentVersion) return;
+    if (!version && has_damage(file.path())) {
+        if (may_be_damaged) return;
+        throw CommandError(file.path() + " is damaged, and its version cannot be read; nothing was changed; " +
+                           help_for_damaged(file.path()));
+    }
     const std::string current = std::to_string(db::kCurrentVersion);
     std::string text = file.path() + " is of version " + file.version_text() + ", and this program works on " + current;
     if (!version) {
@@ -91,36 +99,51 @@ StudioFile::StudioFile(const std::string& folder, const char* name, std::span<co
 
 bool StudioFile::exists() const { return os::file_system().exists(path_); }
 
-std::optional<std::int32_t> StudioFile::version() const { return header_value(*open_to_read(path_), "DBversion"); }
+std::optional<OpenedFile> StudioFile::look() const {
+    try {
+        return OpenedFile{path_, open_to_read(path_, damage_teller(path_))};
+    } catch (const DamagedFile& error) {
+        tell_damage(path_, "it cannot be opened: " + error.reason());
+        return std::nullopt;
+    }
+}
+
+std::optional<std::int32_t> StudioFile::version() const {
+    const std::optional<OpenedFile> file = look();
+    return file ? header_value(*file, "DBversion") : std::nullopt;
+}
 
 std::string StudioFile::version_text() const {
     const auto stored = version();
-    return stored ? std::to_string(*stored) : "unknown (no header row)";
+    if (stored) return std::to_string(*stored);
+    return has_damage(path_) ? "unknown (it cannot be read)" : "unknown (no header row)";
 }
 
 bool StudioFile::is_newer() const { return version().value_or(0) > db::kCurrentVersion; }
 
 std::int32_t StudioFile::header(const char* column) const {
-    return header_value(*open_to_read(path_), column).value_or(0);
+    const std::optional<OpenedFile> file = look();
+    return file ? header_value(*file, column).value_or(0) : 0;
 }
 
 std::vector<std::pair<std::string, std::uint32_t>> StudioFile::row_counts() const {
-    const auto database = open_to_read(path_);
     std::vector<std::pair<std::string, std::uint32_t>> counts;
-    for (const std::u16string& name : database->table_names()) {
-        if (const jet::Table* const table = database->find_table(name)) {
-            counts.emplace_back(jet::to_utf8(name), table->def().row_count);
-        }
+    const std::optional<OpenedFile> file = look();
+    if (!file) return counts;
+    for (const jet::Table* const table : readable_tables(*file)) {
+        counts.emplace_back(jet::to_utf8(table->def().name), table->def().row_count);
     }
     return counts;
 }
 
 std::vector<std::string> StudioFile::missing() const {
-    const auto database = open_to_read(path_);
     std::vector<std::string> missing;
     std::vector<std::string> fields;
+    const std::optional<OpenedFile> file = look();
+    if (!file) return missing;
     for (const db::TableSchema& table : schema_) {
-        const jet::Table* const found = database->find_table(jet::from_utf8(table.name));
+        const auto [found, is_damaged] = look_at_table(*file, jet::from_utf8(table.name));
+        if (is_damaged) continue;
         if (found == nullptr) {
             missing.emplace_back(table.name);
             continue;
@@ -168,12 +191,20 @@ StudioFiles::StudioFiles(const std::string& folder)
       studio(folder_, kStudioFile, db::studio_upgrade(), db::studio_tables()),
       invoices(folder_, kInvoiceFile, db::invoice_upgrade(), db::invoice_tables()) {}
 
+void StudioFiles::require_no_dead_links() const {
+    for (const StudioFile* const file : {&studio, &invoices}) require_no_dead_link(file->path());
+}
+
 void StudioFiles::require_studio() const {
+    require_no_dead_links();
     if (studio.exists()) return;
     throw CommandError("there is no studio in " + folder_ + ": sldb.mdb is not there; kvdb demo makes a new one");
 }
 
-void StudioFiles::require_current() const {
+void StudioFiles::require_current() const { require_current_versions(false); }
+void StudioFiles::require_current_to_read() const { require_current_versions(true); }
+
+void StudioFiles::require_current_versions(bool may_be_damaged) const {
     require_studio();
     if (!invoices.exists()) {
         throw CommandError("the studio in " + folder_ +
@@ -181,8 +212,8 @@ void StudioFiles::require_current() const {
                            "upgrade " +
                            typed_path(folder_));
     }
-    require_current_version(studio, folder_);
-    require_current_version(invoices, folder_);
+    require_current_version(studio, folder_, may_be_damaged);
+    require_current_version(invoices, folder_, may_be_damaged);
 }
 
 }  // namespace tools

@@ -11,6 +11,7 @@
 
 #include "db/schema.h"
 #include "db/upgrade/upgrade.h"
+#include "tools/open_file.h"
 
 namespace tools {
 
@@ -23,14 +24,15 @@ public:
     const char* name() const { return name_; }
     bool exists() const;
 
-    // Of the file as it is now; none where it has no header row.
+    // Of the file as it is now; none where it has no header row, and where that cannot be read. What cannot be read is
+    // told, here and below (tools/damage.h).
     std::optional<std::int32_t> version() const;
     // The same in words.
     std::string version_text() const;
     bool is_newer() const;
     // The number of the header's column; 0 where there is none.
     std::int32_t header(const char* column) const;
-    // By table, in the order of the file.
+    // By table that can be read, in the order of the file.
     std::vector<std::pair<std::string, std::uint32_t>> row_counts() const;
     // What a file of the current version lacks, after an upgrade that stopped or left something out: tables ("Stock"),
     // then fields ("Stock.Cost"); "" for nothing.
@@ -43,6 +45,7 @@ public:
     bool has(const db::UpgradeStep& step) const;
 
 private:
+    std::optional<OpenedFile> look() const;
     std::vector<std::string> missing() const;
 
     std::string path_;
@@ -61,12 +64,18 @@ public:
 
     const std::string& folder() const { return folder_; }
     bool any() const { return studio.exists() || invoices.exists(); }
-    // CommandError when the studio file is not there.
+    // CommandError when one of the files is a link that leads nowhere.
+    void require_no_dead_links() const;
+    // The same, and when the studio file is not there.
     void require_studio() const;
     // CommandError when one of the files is not there or not of the current version.
     void require_current() const;
+    // The same for a command that only reads: a damaged file need not tell its version.
+    void require_current_to_read() const;
 
 private:
+    void require_current_versions(bool may_be_damaged) const;
+
     std::string folder_;
 
 public:

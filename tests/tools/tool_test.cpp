@@ -129,7 +129,7 @@ TEST_F(Tool, folder_stands_for_both_its_files) {
     EXPECT_EQ(check.code, 0) << check.out;
     EXPECT_NE(check.out.find("sldb.mdb: sound\n"), std::string::npos) << check.out;
     EXPECT_NE(check.out.find("kvinvdb.mdb: sound\n"), std::string::npos) << check.out;
-    expect_failure(run("rows " + folder + " Invoces"), 1, "did you mean Invoices?");
+    expect_failure(run("rows " + folder + " Invoces"), 2, "did you mean Invoices?");
     std::filesystem::create_directory(scratch_.file("empty"));
     expect_failure(run("tables " + in_quotes(scratch_.file("empty"))), 1, "no studio in");
 }
@@ -204,8 +204,8 @@ TEST_F(Tool, engine_commands_show_tables_columns_and_rows) {
     EXPECT_EQ(rows.code, 0) << rows.errors;
     EXPECT_NE(rows.out.find("abcdefg,hijklmnop"), std::string::npos) << rows.out;
     EXPECT_NE(run("rows " + file + " Table1 --json").out.find("\"abcdefg\""), std::string::npos);
-    expect_failure(run("rows " + file + " Nothing"), 1, "Nothing");
-    expect_failure(run("schema " + file + " Nothing"), 1, "Nothing");
+    expect_failure(run("rows " + file + " Nothing"), 2, "Nothing");
+    expect_failure(run("schema " + file + " Nothing"), 2, "Nothing");
     EXPECT_NE(run("tables " + file + " --system").out.find("MSysObjects"), std::string::npos);
 }
 

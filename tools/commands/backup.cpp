@@ -54,6 +54,7 @@ void bind_backup(Declaration& declare, BackupOptions& options) {
 int run_backup(const BackupOptions& options) {
     if (options.keep && *options.keep < 1) throw UsageError("--keep wants a number of at least 1");
     const StudioFiles files(options.folder);
+    files.require_no_dead_links();
     catch_interrupts();
     const WantedFolder destination(options.destination);
     std::optional<std::size_t> keep;
@@ -84,6 +85,14 @@ void bind_restore(Declaration& declare, RestoreOptions& options) {
     declare.flag("--list", options.list, "show which copies there are, and restore nothing");
 }
 
+// What became of the studio's second file, of which the set has no copy.
+std::string without_invoices_text(const std::string& folder) {
+    const StudioFiles files(folder);
+    if (!files.invoices.exists()) return "the copy has no invoices, and there is no kvinvdb.mdb in " + files.folder();
+    return "the copy has no invoices: " + files.invoices.path() +
+           " stays as it is, and may know of things that the restored studio does not have";
+}
+
 int run_restore(const RestoreOptions& options) {
     if (options.list) {
         const std::vector<BackupSet> sets = backup_sets(options.from);
@@ -100,7 +109,7 @@ int run_restore(const RestoreOptions& options) {
     const RestoreOutcome outcome = restore_backup(set, path_text(fs::absolute(system_path(options.folder))), now());
     for (const std::string& path : outcome.restored) output().print("restored %s\n", path.c_str());
     if (!set.name.empty()) output().print("as it was on %s\n", set.name.c_str());
-    if (set.invoices.empty()) output().print("the copy has no invoices; kvinvdb.mdb is as it was\n");
+    if (set.invoices.empty()) output().print("%s\n", without_invoices_text(options.folder).c_str());
     for (const std::string& path : outcome.kept) output().print("what was there is kept as %s\n", path.c_str());
     return 0;
 }

@@ -27,6 +27,8 @@ void bind(Declaration& declare, Options& options) {
 CheckResult checked(const std::string& file, const Options& options) {
     try {
         return check_file(*open_to_read(file, options.password), file);
+    } catch (const DamagedFile& error) {
+        return unreadable_file(file, error.reason());
     } catch (const jet::Error& error) {
         if (error.number() != jet::errors::kDamaged) throw;
         return unreadable_file(file, error.what());

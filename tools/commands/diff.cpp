@@ -3,6 +3,7 @@
 #include <map>
 
 #include "tools/commands.h"
+#include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
 #include "tools/interrupt.h"
@@ -49,12 +50,11 @@ public:
     explicit Teller(bool json) : json_(json) {}
 
     bool compare(const std::string& a, const std::string& b, const std::optional<std::string>& password) {
-        const auto left = open_to_read(a, password);
-        const auto right = open_to_read(b, password);
-        file_ = file_name_of(b);
+        const OpenedFile left = open_to_look(a, password);
+        const OpenedFile right = open_to_look(b, password);
         const DiffVisitor visitor{[&](const RowDifference& row) { tell(row); },
                                   [&](const std::string& table, const std::string& what) { tell_schema(table, what); }};
-        return diff_databases(*left, *right, visitor);
+        return diff_databases(left, right, visitor);
     }
 
     void only_one(const std::string& file, const char* which) {
@@ -64,6 +64,11 @@ public:
         } else {
             output().print("%s is in the %s only\n", file.c_str(), which);
         }
+    }
+
+    // What was told before a failure is a whole array.
+    void break_off() {
+        if (json_ && any_) output().write("\n]\n");
     }
 
     void finish(bool is_same) {
@@ -126,35 +131,49 @@ private:
 
     bool json_;
     bool any_ = false;
-    std::string file_;
     std::size_t counts_[3] = {};
 };
 
+// The files of two studios in pairs; one that cannot be opened leaves the other pair to compare.
+bool compare_folders(Teller& teller, const Options& options) {
+    bool is_same = true;
+    std::map<std::string, std::pair<std::string, std::string>> files;
+    for (const std::string& path : jet_files_of(options.a)) files[file_name_of(path)].first = path;
+    for (const std::string& path : jet_files_of(options.b)) files[file_name_of(path)].second = path;
+    for (auto file = files.rbegin(); file != files.rend(); ++file) {
+        const auto& [a, b] = file->second;
+        if (a.empty() || b.empty()) {
+            is_same = false;
+            teller.only_one(file->first, a.empty() ? "second" : "first");
+            continue;
+        }
+        try {
+            is_same = teller.compare(a, b, options.password) && is_same;
+        } catch (const DamagedFile& error) {
+            tell_damage(error.path(), "it cannot be opened: " + error.reason());
+        }
+    }
+    return is_same;
+}
+
 int run(const Options& options) {
+    for (const std::string& place : {options.a, options.b}) jet_files_of(place);  // whether there is one
     const bool a_is_folder = fs::is_directory(system_path(options.a));
     if (a_is_folder != fs::is_directory(system_path(options.b))) {
         throw UsageError("diff wants two folders or two files, and one of each was given");
     }
     catch_interrupts("this is not all that differs");
     Teller teller(options.json);
-    bool is_same = true;
-    if (!a_is_folder) {
-        is_same = teller.compare(options.a, options.b, options.password);
-    } else {
-        std::map<std::string, std::pair<std::string, std::string>> files;
-        for (const std::string& path : jet_files_of(options.a)) files[file_name_of(path)].first = path;
-        for (const std::string& path : jet_files_of(options.b)) files[file_name_of(path)].second = path;
-        for (auto file = files.rbegin(); file != files.rend(); ++file) {
-            const auto& [a, b] = file->second;
-            if (a.empty() || b.empty()) {
-                is_same = false;
-                teller.only_one(file->first, a.empty() ? "second" : "first");
-                continue;
-            }
-            is_same = teller.compare(a, b, options.password) && is_same;
-        }
+    bool is_same = false;
+    try {
+        is_same =
+            a_is_folder ? compare_folders(teller, options) : teller.compare(options.a, options.b, options.password);
+    } catch (...) {
+        teller.break_off();
+        throw;
     }
-    teller.finish(is_same);
+    teller.finish(is_same && damaged_places() == 0);
+    require_undamaged();
     return is_same ? 0 : 1;
 }
 

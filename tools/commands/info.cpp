@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "tools/commands.h"
+#include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
 #include "tools/open_file.h"
@@ -26,8 +27,9 @@ void bind(Declaration& declare, Options& options) {
 void print_plan(const StudioFile& file) {
     const std::vector<const char*> plan = file.upgrade_plan();
     if (plan.empty()) {
-        output().print("  upgrade: %s\n", file.version()
-                                              ? "nothing to do"
+        output().print("  upgrade: %s\n", file.version() ? "nothing to do"
+                                          : has_damage(file.path())
+                                              ? "not possible, for what tells its version cannot be read"
                                               : "not possible, for its table DBHeader has no row that tells the "
                                                 "version; kvdb rows and kvdb export read the tables as they are");
     } else if (file.is_newer()) {
@@ -44,7 +46,12 @@ void print_plan(const StudioFile& file) {
 
 // What sets the file apart from the usual ones: "" for a plain Jet 4 file.
 std::string format_text(const std::string& path) {
-    const auto database = open_to_read(path);
+    std::unique_ptr<jet::Database> database;
+    try {
+        database = open_to_read(path, damage_teller(path));
+    } catch (const DamagedFile&) {
+        return ", which cannot be opened";  // why is told already
+    }
     std::string text;
     if (database->pager().format().is_jet3()) text += ", Jet 3 (Access 97)";
     if (database->header().encryption_key != 0) text += ", encoded";
@@ -67,22 +74,22 @@ void print_file(const char* what, const StudioFile& file) {
 
 // Any Jet file.
 int print_other_file(const std::string& path, const std::optional<std::string>& password) {
-    const auto database = open_to_read(path, password);
+    const OpenedFile file = open_to_look(path, password);
+    const auto& database = file.database;
     output().print("%s (%ju bytes), a %s file%s that is none of a studio's\n", path.c_str(),
                    static_cast<std::uintmax_t>(std::filesystem::file_size(system_path(path))),
                    database->pager().format().name, database->header().encryption_key != 0 ? ", encoded," : "");
     if (database->is_replica()) {
         output().print("  a replica: what is changed here, the programs that keep its set in line do not learn of\n");
     }
-    for (const std::u16string& name : database->table_names()) {
-        const jet::Table* const table = database->find_table(name);
-        if (table == nullptr) continue;
+    for (const jet::Table* const table : readable_tables(file)) {
         const std::uint32_t rows = table->def().row_count;
-        output().print("  %-24s %8u row%s\n", jet::to_utf8(name).c_str(), rows, rows == 1 ? "" : "s");
+        output().print("  %-24s %8u row%s\n", jet::to_utf8(table->def().name).c_str(), rows, rows == 1 ? "" : "s");
     }
     for (const jet::CatalogEntry& entry : database->catalog()) {
         if (entry.type != jet::kTableObject) output().print("  %s\n", database->why_no_table(entry.name).c_str());
     }
+    require_undamaged();
     return 0;
 }
 
@@ -90,10 +97,16 @@ int run(const Options& options) {
     if (is_other_file(options.folder)) return print_other_file(options.folder, options.password);
     const StudioFiles files(options.folder);
     files.require_studio();
-    output().print("schema version %s, colours %d and %d\n", files.studio.version_text().c_str(),
-                   static_cast<int>(files.studio.header("Color1")), static_cast<int>(files.studio.header("Color2")));
+    const bool has_header = files.studio.version().has_value();
+    output().print("schema version %s", files.studio.version_text().c_str());
+    if (has_header) {
+        output().print(", colours %d and %d", static_cast<int>(files.studio.header("Color1")),
+                       static_cast<int>(files.studio.header("Color2")));
+    }
+    output().print("\n");
     print_file("studio", files.studio);
     print_file("invoices", files.invoices);
+    require_undamaged();
     if (!files.invoices.exists()) throw CommandError(files.invoices.path() + " is not there");
     return 0;
 }

@@ -25,7 +25,7 @@ void bind(Declaration& declare, Options& options) {
 }
 
 int run(const Options& options) {
-    const FoundTable found(options.file, options.table, options.password, damage_teller);
+    const FoundTable found(options.file, options.table, options.password);
     const RowSelection selection(found.database(), found.table(), options.selection);
     RowPrinter printer(options.format.format(), selection.names());
     print_rows(printer, [&](const RowVisitor& print) { selection.for_each(print); });

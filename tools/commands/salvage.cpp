@@ -1,10 +1,16 @@
 // salvage: a sound new file from a damaged one.
 #include "tools/rescue/salvage.h"
 
+#include <filesystem>
+
+#include "os/system.h"
 #include "tools/commands.h"
 #include "tools/declaration.h"
+#include "tools/errors.h"
 #include "tools/interrupt.h"
+#include "tools/open_file.h"
 #include "tools/output.h"
+#include "tools/paths.h"
 #include "tools/rescue/salvage_text.h"
 
 namespace tools {
@@ -22,7 +28,20 @@ void bind(Declaration& declare, Options& options) {
     declare.flag("--json", options.json, "the report as one JSON object");
 }
 
+// Each of a studio's two files makes a file of its own.
+void require_file(const Options& options) {
+    if (!std::filesystem::is_directory(system_path(options.from))) return require_no_dead_link(options.from);
+    std::string commands;
+    for (const char* const name : {kStudioFile, kInvoiceFile}) {
+        commands += (commands.empty() ? "" : " and ") +
+                    ("kvdb salvage " + typed_path(os::join_path(options.from, name))) + " saved-" + name;
+    }
+    throw UsageError(options.from + " is a folder, and salvage takes one file; those of a studio are saved with " +
+                     commands);
+}
+
 int run(const Options& options) {
+    require_file(options);
     catch_interrupts();
     const SalvageReport report = salvage(options.from, options.to);
     output().write((options.json ? salvage_json : salvage_text)(report, options.from, options.to));

@@ -1,5 +1,8 @@
 // schema: the columns and indexes of a file's tables.
+#include <functional>
+
 #include "tools/commands.h"
+#include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
 #include "tools/open_file.h"
@@ -68,33 +71,35 @@ void print_schema(const jet::TableDef& def) {
 }
 
 // A row for each column.
-void print_columns(const jet::TableDef& def, const std::string& file, RowPrinter& printer) {
+void print_columns(const jet::TableDef& def, const std::string& file, const RowVisitor& print) {
     std::int32_t position = 0;
     for (const jet::ColumnDef& column : def.columns) {
-        printer.print({jet::from_utf8(file), def.name, ++position, column.name, jet::from_utf8(type_text(column)),
-                       column.required, column.allow_zero_length});
+        print({jet::from_utf8(file), def.name, ++position, column.name, jet::from_utf8(type_text(column)),
+               column.required, column.allow_zero_length});
+    }
+}
+
+// The one that is asked for, or all that can be read.
+void each_table(const Options& options, const std::function<void(const jet::Table&)>& visit) {
+    if (!options.table.empty()) return visit(FoundTable(options.file, options.table, options.password).table());
+    for (const OpenedFile& file : open_all_to_look(options.file, options.password)) {
+        for (const jet::Table* const table : readable_tables(file)) visit(*table);
     }
 }
 
 int run(const Options& options) {
-    const bool is_plain = options.format.format() == RowFormat::kPlain;
-    RowPrinter printer(options.format.format(),
-                       {"File", "Table", "Position", "Column", "Type", "Required", "AllowsEmptyText"});
-    const auto print = [&](const jet::Table& table) {
-        if (is_plain) return print_schema(table.def());
-        print_columns(table.def(), table.storage().pager().path(), printer);
-    };
-    if (!options.table.empty()) {
-        print(FoundTable(options.file, options.table, options.password).table());
+    if (options.format.format() == RowFormat::kPlain) {
+        each_table(options, [](const jet::Table& table) { print_schema(table.def()); });
     } else {
-        for (const std::string& file : jet_files_of(options.file)) {
-            const auto database = open_to_read(file, options.password);
-            for (const std::u16string& name : database->table_names()) {
-                if (const jet::Table* const table = database->find_table(name)) print(*table);
-            }
-        }
+        RowPrinter printer(options.format.format(),
+                           {"File", "Table", "Position", "Column", "Type", "Required", "AllowsEmptyText"});
+        print_rows(printer, [&](const RowVisitor& print) {
+            each_table(options, [&](const jet::Table& table) {
+                print_columns(table.def(), table.storage().pager().path(), print);
+            });
+        });
     }
-    if (!is_plain) printer.finish();
+    require_undamaged();
     return 0;
 }
 

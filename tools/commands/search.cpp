@@ -49,7 +49,7 @@ bool holds_text(const jet::ColumnDef& column) {
 }
 
 // Every column of every row of the table, once for each place.
-void search(const jet::Table& table, const std::u16string& wanted, Progress& progress, RowPrinter& printer) {
+void search(const jet::Table& table, const std::u16string& wanted, Progress& progress, const RowVisitor& print) {
     const jet::TableDef& def = table.def();
     const auto key = key_position(def);
     jet::RowView row;
@@ -63,8 +63,8 @@ void search(const jet::Table& table, const std::u16string& wanted, Progress& pro
             const auto* const text = std::get_if<std::u16string>(&value);
             if (text == nullptr) continue;
             for (auto at = find_text(*text, wanted); at; at = find_text(*text, wanted, *at + wanted.size())) {
-                printer.print({def.name, key ? row.value(*key) : jet::Null{}, def.columns[i].name,
-                               static_cast<std::int32_t>(*at + 1), excerpt(*text, *at, wanted.size())});
+                print({def.name, key ? row.value(*key) : jet::Null{}, def.columns[i].name,
+                       static_cast<std::int32_t>(*at + 1), excerpt(*text, *at, wanted.size())});
             }
         }
     }
@@ -73,23 +73,20 @@ void search(const jet::Table& table, const std::u16string& wanted, Progress& pro
 int run(const Options& options) {
     const std::u16string wanted = jet::from_utf8(options.text);
     if (wanted.empty()) throw UsageError("there is nothing to search for");
-    std::vector<std::unique_ptr<jet::Database>> databases;
+    const std::vector<OpenedFile> files = open_all_to_look(options.folder, options.password);
+    std::vector<const jet::Table*> tables;
     std::uint64_t rows = 0;
-    for (const std::string& file : jet_files_of(options.folder)) {
-        databases.push_back(open_to_read(file, options.password, damage_teller(file)));
-        for (const std::u16string& name : databases.back()->table_names()) {
-            if (const jet::Table* const table = databases.back()->find_table(name)) rows += table->def().row_count;
+    for (const OpenedFile& file : files) {
+        for (const jet::Table* const table : readable_tables(file)) {
+            tables.push_back(table);
+            rows += table->def().row_count;
         }
     }
     RowPrinter printer(options.format.format(), {"Table", "Key", "Column", "Place", "Text"});
     Progress progress("rows", rows, true);
-    for (const auto& database : databases) {
-        for (const std::u16string& name : database->table_names()) {
-            const jet::Table* const table = database->find_table(name);
-            if (table != nullptr) search(*table, wanted, progress, printer);
-        }
-    }
-    printer.finish();
+    print_rows(printer, [&](const RowVisitor& print) {
+        for (const jet::Table* const table : tables) search(*table, wanted, progress, print);
+    });
     require_undamaged();
     return 0;
 }

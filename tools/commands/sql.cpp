@@ -39,12 +39,22 @@ bool is_of_the_statement(int number) {
 }
 
 // Prepared on the file that has the table.
-jet::sql::Query prepare(const std::vector<std::unique_ptr<jet::Database>>& databases, const std::u16string& statement) {
+jet::sql::Query prepare(const std::vector<OpenedFile>& files, const std::u16string& statement) {
+    std::string nowhere;
     for (std::size_t i = 0;; ++i) {
         try {
-            return jet::sql::Query::prepare(*databases[i], statement);
+            return jet::sql::Query::prepare(*files[i].database, statement);
         } catch (const jet::Error& error) {
-            if (error.number() == jet::errors::kNoSuchTable && i + 1 < databases.size()) continue;
+            if (is_damage(error.number())) {
+                tell_damage(files[i].path, error.what());
+                require_undamaged();
+            }
+            if (error.number() == jet::errors::kNoSuchTable) {
+                nowhere += (nowhere.empty() ? "" : " ") + std::string(error.what());
+                if (i + 1 < files.size()) continue;
+                require_undamaged();  // its name may be what is lost
+                throw UsageError(nowhere);
+            }
             if (is_of_the_statement(error.number())) throw UsageError(error.what());
             throw;
         }
@@ -52,11 +62,8 @@ jet::sql::Query prepare(const std::vector<std::unique_ptr<jet::Database>>& datab
 }
 
 int run(const Options& options) {
-    std::vector<std::unique_ptr<jet::Database>> databases;
-    for (const std::string& file : jet_files_of(options.file)) {
-        databases.push_back(open_to_read(file, options.password, damage_teller(file)));
-    }
-    jet::sql::Query query = prepare(databases, jet::from_utf8(options.statement));
+    const std::vector<OpenedFile> files = open_all_to_look(options.file, options.password);
+    jet::sql::Query query = prepare(files, jet::from_utf8(options.statement));
     Names names;
     for (const jet::sql::ResultColumn& column : query.columns()) names.push_back(jet::to_utf8(column.name));
     RowPrinter printer(options.format.format(), names);

@@ -1,5 +1,8 @@
 // tables: the names of a file's tables.
+#include <functional>
+
 #include "tools/commands.h"
+#include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
@@ -23,22 +26,28 @@ void bind(Declaration& declare, Options& options) {
 
 int run(const Options& options) {
     const bool is_plain = options.format.format() == RowFormat::kPlain;
-    RowPrinter printer(options.format.format(), {"File", "Table", "Rows"});
-    for (const std::string& file : jet_files_of(options.file)) {
-        const auto database = open_to_read(file, options.password);
-        for (const jet::CatalogEntry& entry : database->catalog()) {
-            if (entry.type != 1 || (entry.is_system() && !options.system)) continue;
-            if (is_plain) {
-                output().print("%s\n", jet::to_utf8(entry.name).c_str());
-                continue;
+    const std::vector<OpenedFile> files = open_all_to_look(options.file, options.password);
+    const auto each = [&](const std::function<void(const OpenedFile&, const std::u16string&)>& visit) {
+        for (const OpenedFile& file : files) {
+            for (const jet::CatalogEntry& entry : file.database->catalog()) {
+                if (entry.type == 1 && (options.system || !entry.is_system())) visit(file, entry.name);
             }
-            const jet::Table* const table = database->find_table(entry.name);
-            const jet::Value rows = table != nullptr ? jet::Value(static_cast<std::int32_t>(table->def().row_count))
-                                                     : jet::Value(jet::Null{});
-            printer.print({jet::from_utf8(file), entry.name, rows});
         }
+    };
+    if (is_plain) {
+        each([](const OpenedFile&, const std::u16string& name) { output().print("%s\n", jet::to_utf8(name).c_str()); });
+    } else {
+        RowPrinter printer(options.format.format(), {"File", "Table", "Rows"});
+        print_rows(printer, [&](const RowVisitor& print) {
+            each([&](const OpenedFile& file, const std::u16string& name) {
+                const jet::Table* const table = look_at_table(file, name).table;
+                print({jet::from_utf8(file.path), name,
+                       table == nullptr ? jet::Value(jet::Null{})
+                                        : jet::Value(static_cast<std::int32_t>(table->def().row_count))});
+            });
+        });
     }
-    if (!is_plain) printer.finish();
+    require_undamaged();
     return 0;
 }
 

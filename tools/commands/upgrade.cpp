@@ -7,6 +7,7 @@
 #include "db/content.h"
 #include "os/file.h"
 #include "tools/commands.h"
+#include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
 #include "tools/file_copies.h"
@@ -107,7 +108,7 @@ private:
 
 void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
     if (!file.exists()) return;
-    if (!file.version()) {
+    if (!file.version() && !has_damage(file.path())) {
         throw CommandError(file.path() +
                            " cannot be upgraded: its version is unknown, for its table DBHeader has no row");
     }
@@ -211,6 +212,11 @@ int run(const Options& options) {
     }
     Before studio(files.studio);
     Before invoices(files.invoices);
+    // The rows of what cannot be read could be counted on neither side of the upgrade.
+    for (const StudioFile* const file : {&files.studio, &files.invoices}) {
+        if (!has_damage(file->path())) continue;
+        throw CommandError(file->path() + " is damaged and was left as it is; " + help_for_damaged(file->path()));
+    }
     if (studio.is_current() && invoices.is_current()) {
         output().print("both files are at version %d: nothing to do\n", db::kCurrentVersion);
         for (const StudioFile* const file : {&files.studio, &files.invoices}) {

@@ -96,7 +96,7 @@ std::string man_page(const Outline& outline) {
         page += ".TP\n" + name_of(item, false) + "\n" + paragraph(item.help);
     }
     page += ".SH EXIT STATUS\n.TP\n0\nDone.\n.TP\n1\nFailed; one line on standard error says why.\n";
-    page += ".TP\n2\nWhat was typed is not understood.\n";
+    page += ".TP\n2\nWhat was typed is not understood: a word, an option, a table or a column that is not there.\n";
     page += ".SH SEE ALSO\n.BR kvdb\\-files (5)\n";
     return page;
 }

@@ -42,18 +42,15 @@ void write_table(const ExportTable& table, ExportWriter& writer, Progress& progr
 }  // namespace
 
 int run_export(const ExportFormat& format, const ExportJob& job) {
-    std::vector<std::unique_ptr<jet::Database>> databases;
-    for (const std::string& file : jet_files_of(job.folder)) {
-        databases.push_back(open_to_read(file, job.password, damage_teller(file)));
-    }
-    if (databases.size() == 1 && std::filesystem::is_directory(system_path(job.folder))) {
+    const std::vector<OpenedFile> files = open_all_to_look(job.folder, job.password);
+    if (jet_files_of(job.folder).size() == 1 && std::filesystem::is_directory(system_path(job.folder))) {
         std::fprintf(stderr,
                      "kvdb: only one of the studio's two files is in %s; the tables of the other one are missing\n",
                      job.folder.c_str());
     }
     const Names wanted = job.tables ? split_list(*job.tables) : Names();
     if (job.tables && wanted.empty()) throw UsageError("--tables names no table");
-    const std::vector<ExportTable> tables = export_tables(databases, wanted);
+    const std::vector<ExportTable> tables = export_tables(files, wanted);
     std::uint64_t rows = 0;
     for (const ExportTable& table : tables) rows += table.rows;
     catch_interrupts();

@@ -86,21 +86,20 @@ ExportTable::ExportTable(const jet::Table& from, std::string table_name, std::st
     }
 }
 
-std::vector<ExportTable> export_tables(const std::vector<std::unique_ptr<jet::Database>>& databases,
-                                       const std::vector<std::string>& wanted) {
+std::vector<ExportTable> export_tables(const std::vector<OpenedFile>& files, const std::vector<std::string>& wanted) {
     std::vector<ExportTable> tables;
     Names all;
     Names file_names;
-    for (const auto& database : databases) {
-        const std::string stem = path_text(system_path(database->path()).stem());
-        for (const std::u16string& wide_name : database->table_names()) {
-            const jet::Table* const table = database->find_table(wide_name);
-            if (table == nullptr) continue;
+    for (const OpenedFile& file : files) {
+        const std::string stem = path_text(system_path(file.path).stem());
+        for (const std::u16string& wide_name : file.database->table_names()) {
             const std::string own_name = jet::to_utf8(wide_name);
             const std::string name = has(all, own_name) ? stem + "_" + own_name : own_name;
             all.push_back(name);
             if (!wanted.empty() && !has(wanted, name)) continue;
-            tables.emplace_back(*table, name, file_name_of(database->path()));
+            const jet::Table* const table = look_at_table(file, wide_name).table;
+            if (table == nullptr) continue;
+            tables.emplace_back(*table, name, file_name_of(file.path));
             tables.back().file_name = safe_file_name(name, file_names);
             file_names.push_back(tables.back().file_name);
         }

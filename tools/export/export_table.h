@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/tables/database.h"
+#include "tools/open_file.h"
 
 namespace tools {
 
@@ -34,10 +34,9 @@ struct ExportTable {
     ExportTable(const jet::Table& table, std::string table_name, std::string source);
 };
 
-// Of all databases in their order; a name that a file before it has gets the file's name in front. With names given,
-// those tables alone: UsageError for one that is nowhere.
-std::vector<ExportTable> export_tables(const std::vector<std::unique_ptr<jet::Database>>& databases,
-                                       const std::vector<std::string>& wanted);
+// Of all files in their order, without those tables that cannot be read; a name that a file before it has gets the
+// file's name in front. With names given, those tables alone: UsageError for one that is nowhere.
+std::vector<ExportTable> export_tables(const std::vector<OpenedFile>& files, const std::vector<std::string>& wanted);
 
 // The type in the engine's own words: "text(255)", "currency", "long auto-number".
 std::string type_text(const ExportColumn& column);

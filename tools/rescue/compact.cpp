@@ -24,6 +24,7 @@ std::unique_ptr<jet::Database> open_exclusively(const std::string& path) {
         return jet::Database::open(path, options);
     } catch (const jet::Error& error) {
         if (is_in_use(error.number())) throw CommandError(in_use_text(path));
+        if (error.number() == jet::errors::kDamaged) throw DamagedFile(path, error);
         throw;
     }
 }

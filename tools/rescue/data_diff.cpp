@@ -172,25 +172,25 @@ private:
 
 }  // namespace
 
-bool diff_databases(jet::Database& a, jet::Database& b, const DiffVisitor& visitor) {
+bool diff_databases(const OpenedFile& a, const OpenedFile& b, const DiffVisitor& visitor) {
     bool is_same = true;
-    for (const std::u16string& name : a.table_names()) {
-        const Table* const left = a.find_table(name);
-        const Table* const right = b.find_table(name);
-        if (left == nullptr) continue;
-        if (right == nullptr) {
-            is_same = false;
-            visitor.schema(jet::to_utf8(name),
-                           "is in the first only, with " + std::to_string(left->def().row_count) + " rows");
-            continue;
-        }
-        is_same = TableDiff(*left, *right, visitor).run() && is_same;
-    }
-    for (const std::u16string& name : b.table_names()) {
-        if (a.find_table(name) != nullptr) continue;
+    const auto in_one = [&](const Table& table, const char* which) {
         is_same = false;
-        visitor.schema(jet::to_utf8(name),
-                       "is in the second only, with " + std::to_string(b.find_table(name)->def().row_count) + " rows");
+        visitor.schema(jet::to_utf8(table.def().name), std::string("is in the ") + which + " only, with " +
+                                                           std::to_string(table.def().row_count) + " rows");
+    };
+    for (const Table* const left : readable_tables(a)) {
+        const TableLook right = look_at_table(b, left->def().name);
+        if (right.is_damaged) continue;
+        if (right.table == nullptr) {
+            in_one(*left, "first");
+        } else {
+            is_same = TableDiff(*left, *right.table, visitor).run() && is_same;
+        }
+    }
+    for (const Table* const right : readable_tables(b)) {
+        const TableLook left = look_at_table(a, right->def().name);
+        if (left.table == nullptr && !left.is_damaged) in_one(*right, "second");
     }
     return is_same;
 }

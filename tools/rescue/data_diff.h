@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "jet/tables/database.h"
+#include "tools/open_file.h"
 
 namespace tools {
 
@@ -35,7 +35,7 @@ struct DiffVisitor {
     std::function<void(const std::string& table, const std::string& what)> schema;
 };
 
-// Whether they hold the same.
-bool diff_databases(jet::Database& a, jet::Database& b, const DiffVisitor& visitor);
+// Whether they hold the same. What cannot be read of either is told (tools/damage.h) and not compared.
+bool diff_databases(const OpenedFile& a, const OpenedFile& b, const DiffVisitor& visitor);
 
 }  // namespace tools

@@ -146,14 +146,18 @@ void require_page(ByteVector file, const FileKind& kind, std::uint8_t page_kind)
 
 }  // namespace
 
-const ByteVector& smallest_file() {
-    static const ByteVector file = file_after(kTestedFiles[0], [](Database& database) {
-        const NewColumn columns[] = {new_column(u"Id", kLong, true), new_column(u"Title", kText),
-                                     new_column(u"Notes", kMemo)};
-        database.create_table(u"Small", columns);
-        fill(*database.find_table(u"Small"), 6);
-    });
-    return file;
+const ByteVector& smallest_file(const TestedFile& file) {
+    static std::map<std::string, ByteVector> files;
+    ByteVector& known = files[file.name];
+    if (known.empty()) {
+        known = file_after(file, [](Database& database) {
+            const NewColumn columns[] = {new_column(u"Id", kLong, true), new_column(u"Title", kText),
+                                         new_column(u"Notes", kMemo)};
+            database.create_table(u"Small", columns);
+            fill(*database.find_table(u"Small"), 6);
+        });
+    }
+    return known;
 }
 
 const std::vector<ByteVector>& base_files(const TestedFile& file) {

@@ -13,7 +13,7 @@ namespace kvdb_fuzz {
 //  - maps converted to bitmap pages, an index with a node above its leaves, a definition of two pages;
 //  - a new, empty file.
 const std::vector<jet::ByteVector>& base_files(const jet::TestedFile& file);
-// A Jet 4 table of few rows, for running many files in little time.
-const jet::ByteVector& smallest_file();
+// A table of few rows, for running many files in little time.
+const jet::ByteVector& smallest_file(const jet::TestedFile& file);
 
 }  // namespace kvdb_fuzz

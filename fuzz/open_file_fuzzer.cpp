@@ -1,5 +1,8 @@
-// Opens a damaged file and reads or checks it; also changes one in 64, which takes ten times as long. The input is a
-// whole file, or a list of changes to a small sound file: position, 3 bytes, and the new byte.
+// Opens a damaged file and reads or checks it; also changes one in 16, which takes ten times as long. The input is a
+// whole file, or a list of changes to what a small sound file holds: position, 3 bytes, and the new byte. So many bytes
+// as are left at its end, none to three, choose the kind of file.
+#include <iterator>
+
 #include "fuzz/base_files.h"
 #include "fuzz/fuzz_target.h"
 #include "jet/check/check.h"
@@ -12,10 +15,13 @@ constexpr char kPath[] = "a.mdb";
 
 jet::ByteVector file_of(jet::ByteSpan input) {
     if (input.size() >= jet::jet4::kPageSize) return {input.begin(), input.end()};
-    jet::ByteVector file = kvdb_fuzz::smallest_file();
+    const jet::TestedFile& kind = jet::kTestedFiles[input.size() % std::size(jet::kTestedFiles)];
+    jet::ByteVector file = kvdb_fuzz::smallest_file(kind);
+    jet::code_pages(file, kind.kind);
     for (std::size_t i = 0; i + 4 <= input.size(); i += 4) {
         file[(jet::load_u32(input, i) & 0xFFFFFF) % file.size()] = input[i + 3];
     }
+    jet::code_pages(file, kind.kind);
     return file;
 }
 
@@ -39,6 +45,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     } else {
         use_file([](jet::Database& database) { jet::check_structure(database); });
     }
-    if (size % 64 == 63 || size >= jet::jet4::kPageSize) jet::change_file(kPath);
+    if (size / 4 % 16 == 15 || size >= jet::jet4::kPageSize) jet::change_file(kPath);
     return 0;
 }

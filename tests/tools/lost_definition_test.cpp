@@ -102,7 +102,7 @@ TEST_F(LostDefinition, reading_commands_print_the_other_tables_and_name_the_help
             reading.command,
             {{"STUDIO", studio_}, {"FILE", file("sldb.mdb")}, {"WHOLE", whole_}, {"OUT", out_place("made")}});
         const Outcome outcome = run(command);
-        expect_help(outcome, file("sldb.mdb"), "table GearRentals cannot be read");
+        expect_help(outcome, "sldb.mdb", "table GearRentals cannot be read");
         EXPECT_NE(outcome.errors.find("page " + std::to_string(page)), std::string::npos) << outcome.errors;
         EXPECT_NE(outcome.out.find(reading.printed), std::string::npos) << outcome.out.substr(0, 400);
         expect_whole_json(command, outcome);
@@ -121,7 +121,7 @@ TEST_F(LostDefinition, cut_file_is_read_as_far_as_it_goes_by_every_command) {
             reading.command,
             {{"STUDIO", studio_}, {"FILE", file("sldb.mdb")}, {"WHOLE", whole_}, {"OUT", out_place("made")}});
         const Outcome outcome = run(command);
-        expect_help(outcome, file("sldb.mdb"), "behind the end of the file");
+        expect_help(outcome, "sldb.mdb", "behind the end of the file");
         EXPECT_NE(outcome.out.find(reading.printed_of_cut), std::string::npos) << outcome.out.substr(0, 400);
         expect_whole_json(command, outcome);
     }
@@ -136,7 +136,7 @@ TEST_F(LostDefinition, the_table_itself_is_refused_with_its_file_and_help) {
           "sql " + folder + " 'SELECT * FROM GearRentals'"}) {
         SCOPED_TRACE(command);
         const Outcome outcome = run(command);
-        expect_help(outcome, file("sldb.mdb"), "page ");
+        expect_help(outcome, "sldb.mdb", "page ");
         EXPECT_TRUE(outcome.out.empty()) << outcome.out;
     }
     EXPECT_EQ(run("list " + folder + " Projects").code, 0);
@@ -151,7 +151,7 @@ TEST_F(LostDefinition, lost_header_stops_changes_and_no_reading) {
                                        "show " + folder + " Projects 1", "projects " + folder, "info " + folder}) {
         SCOPED_TRACE(command);
         const Outcome outcome = run(command);
-        expect_help(outcome, file("sldb.mdb"), "table DBHeader cannot be read");
+        expect_help(outcome, "sldb.mdb", "table DBHeader cannot be read");
         EXPECT_GT(outcome.out.size(), 100U) << outcome.out;
         expect_whole_json(command, outcome);
     }
@@ -159,7 +159,7 @@ TEST_F(LostDefinition, lost_header_stops_changes_and_no_reading) {
     for (const std::string& command : {"set " + folder + " Projects 1 Name=x", "delete " + folder + " Projects 1",
                                        "add " + folder + " Projects Name=x", "upgrade " + folder}) {
         SCOPED_TRACE(command);
-        expect_help(run(command), file("sldb.mdb"), "is damaged");
+        expect_help(run(command), "sldb.mdb", "is damaged");
         EXPECT_EQ(both_files(), before);
         EXPECT_EQ(names(), kBothFiles);
     }
@@ -174,13 +174,13 @@ TEST_F(LostDefinition, file_that_cannot_be_opened_leaves_the_other_one_to_read) 
           "sql " + folder + " 'SELECT * FROM Invoices'", "diff " + folder + " " + in_quotes(whole_)}) {
         SCOPED_TRACE(command);
         const Outcome outcome = run(command);
-        expect_help(outcome, file("sldb.mdb"), "cannot be opened");
+        expect_help(outcome, "sldb.mdb", "cannot be opened");
         EXPECT_FALSE(outcome.out.empty());
         expect_whole_json(command, outcome);
     }
     for (const std::string& command : {"list " + folder + " Projects", "tables " + main_file(), "compact " + folder}) {
         SCOPED_TRACE(command);
-        expect_help(run(command), file("sldb.mdb"), "cannot be opened");
+        expect_help(run(command), "sldb.mdb", "cannot be opened");
     }
 }
 

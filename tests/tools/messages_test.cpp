@@ -52,9 +52,8 @@ TEST_F(Messages, restore_without_invoices_says_that_those_of_the_folder_stay) {
     std::filesystem::copy(file("sldb.mdb"), copy + "/sldb.mdb");
     const Outcome beside = run("restore " + in_quotes(copy) + " " + in_quotes(studio_));
     EXPECT_EQ(beside.code, 0) << beside.errors;
-    EXPECT_NE(beside.out.find("the copy has no invoices: " + file("kvinvdb.mdb") + " stays as it is, "),
-              std::string::npos)
-        << beside.out;
+    EXPECT_NE(beside.out.find("the copy has no invoices: "), std::string::npos) << beside.out;
+    EXPECT_NE(beside.out.find("kvinvdb.mdb stays as it is, "), std::string::npos) << beside.out;
     EXPECT_EQ(contents(file("kvinvdb.mdb")), invoices);
     const Outcome alone = run("restore " + in_quotes(copy) + " " + in_quotes(scratch_.file("empty")));
     EXPECT_EQ(alone.code, 0) << alone.errors;

@@ -5,6 +5,7 @@
 #include "tools/commands.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
+#include "tools/info_json.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
 #include "tools/paths.h"
@@ -15,11 +16,13 @@ namespace {
 
 struct Options {
     std::string folder;
+    bool json = false;
     std::optional<std::string> password;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.word("FOLDER", options.folder, "folder of the studio, one of its two files, or another Jet file");
+    declare.flag("--json", options.json, "one JSON object");
     declare.password(options.password);
 }
 
@@ -42,11 +45,10 @@ void print_plan(const StudioFile& file) {
     }
 }
 
-// What sets the file apart from the usual ones: "" for a plain Jet 4 file.
+// The kind of file, in words that its owner knows.
 std::string format_text(const std::string& path) {
     const auto database = open_to_read(path);
-    std::string text;
-    if (database->pager().format().is_jet3()) text += ", Jet 3 (Access 97)";
+    std::string text = std::string(", ") + format_words(*database);
     if (database->header().encryption_key != 0) text += ", encoded";
     return text;
 }
@@ -87,9 +89,18 @@ int print_other_file(const std::string& path, const std::optional<std::string>& 
 }
 
 int run(const Options& options) {
-    if (is_other_file(options.folder)) return print_other_file(options.folder, options.password);
+    if (is_other_file(options.folder)) {
+        if (!options.json) return print_other_file(options.folder, options.password);
+        output().write(other_file_json(options.folder, *open_to_read(options.folder, options.password)));
+        return 0;
+    }
     const StudioFiles files(options.folder);
     files.require_studio();
+    if (options.json) {
+        output().write(studio_json(files));
+        if (!files.invoices.exists()) throw CommandError(files.invoices.path() + " is not there");
+        return 0;
+    }
     output().print("schema version %s, colours %d and %d\n", files.studio.version_text().c_str(),
                    static_cast<int>(files.studio.header("Color1")), static_cast<int>(files.studio.header("Color2")));
     print_file("studio", files.studio);

@@ -82,7 +82,7 @@ int run(const Options& options) {
         }
     }
     RowPrinter printer(options.format.format(), {"Table", "Key", "Column", "Place", "Text"});
-    Progress progress("rows", rows, true);
+    Progress progress("rows", rows);
     for (const auto& database : databases) {
         for (const std::u16string& name : database->table_names()) {
             const jet::Table* const table = database->find_table(name);

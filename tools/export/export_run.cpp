@@ -43,7 +43,8 @@ void write_table(const ExportTable& table, ExportWriter& writer, Progress& progr
 
 int run_export(const ExportFormat& format, const ExportJob& job) {
     std::vector<std::unique_ptr<jet::Database>> databases;
-    for (const std::string& file : jet_files_of(job.folder)) {
+    const std::vector<std::string> files = jet_files_of(job.folder);
+    for (const std::string& file : files) {
         databases.push_back(open_to_read(file, job.password, damage_teller(file)));
     }
     if (databases.size() == 1 && std::filesystem::is_directory(system_path(job.folder))) {
@@ -67,7 +68,7 @@ int run_export(const ExportFormat& format, const ExportJob& job) {
         writer->finish(tables);
     }
     require_uninterrupted();
-    draft.keep();
+    draft.keep(files);
     if (counts.impossible_dates != 0) {
         std::fprintf(stderr, "kvdb: %ju date%s outside of the years 1 to 9999 became Null\n",
                      static_cast<std::uintmax_t>(counts.impossible_dates), counts.impossible_dates == 1 ? "" : "s");

@@ -32,7 +32,7 @@ void make_jet3_file(const std::string& path) {
     jet::CreateOptions options;
     options.password = made->header().password;
     options.format = &jet::kJet3;
-    tools::NewFile file(path, options, tools::NewFile::Place::kReplace);
+    tools::NewFile file(path, path, options, tools::NewFile::Place::kReplace);
     for (const std::u16string& name : made->table_names()) copy_table(*made->find_table(name), file);
     made->close();
     file.finish();

@@ -16,7 +16,6 @@ constexpr std::size_t kColumn = 26;  // where the explanations stand
 
 constexpr const char* kNotes =
     "FOLDER is the one that holds a studio's two files, sldb.mdb and kvinvdb.mdb; FILE is one of them or any other Jet "
-    "4 "
     "file. Where a command takes a folder it takes one of the two files as well, and where it takes a file, a folder: "
     "then it looks into both. The studio's own passwords are known; another one is given with --password.\n"
     "Only demo, upgrade and the commands below \"Change\" write to a studio, and only upgrade changes its version. "

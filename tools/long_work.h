@@ -9,7 +9,7 @@ namespace tools {
 class LongWork {
 public:
     // As for Progress.
-    LongWork(const char* what, std::uint64_t total, bool among_rows = false) : progress_(what, total, among_rows) {}
+    LongWork(const char* what, std::uint64_t total) : progress_(what, total) {}
 
     // CommandError where the person has had enough.
     void step(std::uint64_t count = 1) {

@@ -16,6 +16,8 @@
 #include <system_error>
 #include <vector>
 
+#include "tools/progress.h"
+
 namespace tools {
 namespace {
 
@@ -45,7 +47,12 @@ void Output::write(std::string_view utf8) {
     if (is_lost()) return;
     has_printed_ = has_printed_ || !utf8.empty();
     waiting_ += utf8;
-    if (waiting_.size() >= kMostWaiting) flush();
+    if (waiting_.size() < kMostWaiting) return;
+    // Whole lines, so that a line about the progress finds its place between them.
+    const std::size_t end = waiting_.rfind('\n');
+    if (end == std::string::npos) return flush();
+    send(std::string_view(waiting_).substr(0, end + 1));
+    waiting_.erase(0, end + 1);
 }
 
 void Output::print(const char* format, ...) {
@@ -62,16 +69,23 @@ void Output::print(const char* format, ...) {
 }
 
 void Output::flush() {
-    for (std::size_t done = 0; done < waiting_.size() && !is_lost();) {
+    send(waiting_);
+    waiting_.clear();
+}
+
+void Output::send(std::string_view text) {
+    if (text.empty()) return;
+    Progress::make_room();
+    is_at_line_begin_ = text.back() == '\n';
+    for (std::size_t done = 0; done < text.size() && !is_lost();) {
         errno = 0;
-        const long count = write_some(waiting_.data() + done, std::min(waiting_.size() - done, kMostWaiting));
+        const long count = write_some(text.data() + done, std::min(text.size() - done, kMostWaiting));
         if (count > 0) {
             done += static_cast<std::size_t>(count);
         } else if (errno != EINTR) {
             error_ = errno != 0 ? errno : ENOSPC;
         }
     }
-    waiting_.clear();
 }
 
 void Output::finish() {

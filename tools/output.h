@@ -27,12 +27,17 @@ public:
     bool is_lost() const { return error_ != 0; }
     // It was lost because the reader of a pipe has gone, as `head` does when it has enough.
     bool reader_has_gone() const;
+    // What has gone out ends with a line's end, or is nothing.
+    bool is_at_line_begin() const { return is_at_line_begin_; }
     // The system's reason.
     std::string reason() const;
 
 private:
+    void send(std::string_view text);
+
     std::string waiting_;
     bool has_printed_ = false;
+    bool is_at_line_begin_ = true;
     int error_ = 0;
 };
 

@@ -2,12 +2,15 @@
 
 #include <cstdio>
 
+#include "tools/output.h"
 #include "tools/terminal.h"
 
 namespace tools {
 namespace {
 
 constexpr std::uint64_t kBetweenLooks = 256;  // at the clock; of few steps each may take long
+
+bool is_line_shown = false;  // there is one terminal
 
 std::string with_commas(std::uint64_t number) {
     std::string digits = std::to_string(number);
@@ -23,15 +26,20 @@ std::string duration_text(double seconds) {
 
 }  // namespace
 
-Progress::Progress(std::string what, std::uint64_t total, bool among_rows)
+Progress::Progress(std::string what, std::uint64_t total)
     : what_(std::move(what)),
       total_(total),
-      is_wanted_(errors_go_to_terminal() && (!among_rows || terminal_columns() == 0)),
+      is_wanted_(errors_go_to_terminal()),
       begin_(Clock::now()),
       shown_(begin_) {}
 
-Progress::~Progress() {
-    if (is_shown_) std::fprintf(stderr, "\r\033[K");
+Progress::~Progress() { make_room(); }
+
+void Progress::make_room() {
+    if (!is_line_shown) return;
+    is_line_shown = false;
+    std::fprintf(stderr, "\r\033[K");
+    std::fflush(stderr);
 }
 
 void Progress::step(std::uint64_t count) {
@@ -44,8 +52,10 @@ void Progress::step(std::uint64_t count) {
 void Progress::look() {
     const Clock::time_point now = Clock::now();
     if (now - shown_ < std::chrono::seconds(1)) return;
+    // In the middle of a line of rows it would take that away.
+    if (!output().is_at_line_begin()) return;
     shown_ = now;
-    is_shown_ = true;
+    is_line_shown = true;
     const double seconds = std::chrono::duration<double>(now - begin_).count();
     std::fprintf(stderr, "\r%s\033[K", text(what_, done_, total_, seconds).c_str());
 }

@@ -101,7 +101,7 @@ Row RowSelection::row_of(const jet::RowView& row) const {
 
 template <class Visit>
 void RowSelection::for_each_match(const std::string& statement, Visit&& visit) const {
-    Progress progress("rows", table_.def().row_count, true);
+    Progress progress("rows", table_.def().row_count);
     jet::RowView row;
     const auto take = [&](jet::RowId id) {
         progress.step();

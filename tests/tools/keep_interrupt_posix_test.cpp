@@ -52,23 +52,37 @@ protected:
         database->close();
     }
 
+    // The command as a process, its messages in the file.
+    static pid_t start(std::vector<std::string> words, const std::string& out) {
+        std::fflush(nullptr);
+        const pid_t child = ::fork();
+        if (child != 0) return child;
+        std::vector<char*> arguments{const_cast<char*>(KVDB_TOOL)};
+        for (std::string& word : words) arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        static_cast<void>(std::freopen(out.c_str(), "w", stdout));
+        static_cast<void>(std::freopen(out.c_str(), "a", stderr));
+        ::execv(KVDB_TOOL, arguments.data());
+        std::_Exit(127);
+    }
+
+    // Its status at its end.
+    int interrupt_after(std::vector<std::string> words, std::chrono::milliseconds delay) {
+        const pid_t child = start(std::move(words), scratch_.file("messages"));
+        std::this_thread::sleep_for(delay);
+        ::kill(child, SIGINT);
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        return status;
+    }
+
     // Starts the command, waits until `is_under_way`, sends it the signal, and expects it to end as one that failed
     // and to leave what is in the test's folder as it was.
     void expect_taken_back(std::vector<std::string> words, const std::function<bool(pid_t)>& is_under_way) {
-        SCOPED_TRACE(words[0]);
+        SCOPED_TRACE(words[0] + " " + words.back());
         const auto before = all_files(scratch_.path());
         const std::string out = scratch_.file("messages");
-        std::fflush(nullptr);
-        const pid_t child = ::fork();
-        if (child == 0) {
-            std::vector<char*> arguments{const_cast<char*>(KVDB_TOOL)};
-            for (std::string& word : words) arguments.push_back(word.data());
-            arguments.push_back(nullptr);
-            static_cast<void>(std::freopen(out.c_str(), "w", stdout));
-            static_cast<void>(std::freopen(out.c_str(), "a", stderr));
-            ::execv(KVDB_TOOL, arguments.data());
-            std::_Exit(127);
-        }
+        const pid_t child = start(std::move(words), out);
         int status = 0;
         bool has_ended = false;
         while (!is_under_way(child) && !has_ended) {
@@ -125,6 +139,52 @@ TEST_F(KeepInterrupted, compact_leaves_the_file_as_it_was) {
 TEST_F(KeepInterrupted, salvage_leaves_no_new_file) {
     expect_taken_back({"salvage", file("sldb.mdb"), scratch_.file("saved.mdb")},
                       appears(scratch_.path(), "saved.mdb-new-"));
+}
+
+TEST_F(KeepInterrupted, report_and_exports_leave_nothing) {
+    expect_taken_back({"report", studio_, "-o", scratch_.file("page.html")},
+                      appears(scratch_.path(), "page.html.kvdb-draft"));
+    for (const char* const form : {"csv", "sqlite"}) {
+        expect_taken_back({"export", studio_, scratch_.file("exported"), "--to", form},
+                          appears(scratch_.path(), "exported.kvdb-draft"));
+    }
+}
+
+// Wherever in its short work it is: there is a whole studio in the folder, or nothing at all.
+TEST_F(KeepInterrupted, demo_leaves_a_whole_studio_or_nothing) {
+    int interrupted = 0;
+    for (int delay = 1; delay < 150; delay += 1 + delay / 8) {
+        SCOPED_TRACE(delay);
+        const std::string folder = scratch_.file("demo of " + std::to_string(delay));
+        const bool is_there = delay % 2 == 0;
+        if (is_there) fs::create_directory(folder);
+        const int status = interrupt_after({"demo", folder}, std::chrono::milliseconds(delay));
+        if (WIFEXITED(status) && WEXITSTATUS(status) == 0) {
+            EXPECT_EQ(all_files(folder).size(), 2u);
+            EXPECT_EQ(run("check " + in_quotes(folder)).code, 0);
+            continue;
+        }
+        if (WIFEXITED(status)) ++interrupted;
+        EXPECT_EQ(fs::exists(folder), is_there);
+        EXPECT_TRUE(!is_there || fs::is_empty(folder));
+        EXPECT_EQ(run("demo " + in_quotes(folder)).code, 0);
+    }
+    EXPECT_GT(interrupted, 0);
+}
+
+TEST_F(KeepInterrupted, upgrade_to_jet4_leaves_the_file_as_it_was) {
+    using namespace testing_support;
+    fs::remove_all(studio_);
+    fs::create_directory(studio_);
+    {
+        const UseOldFormat use(jet::kJet3);
+        make_old_studio(studio_, 200010);
+    }
+    ASSERT_EQ(run("upgrade --no-copy " + in_quotes(studio_)).code, 0);
+    fill(file("sldb.mdb"), 30000);
+    // The copies stay; this one is there already.
+    fs::copy_file(file("sldb.mdb"), file("sldb-2026-01-01.mdb"));
+    expect_taken_back({"upgrade", "--to-jet4", studio_}, appears(studio_, "sldb.mdb-new-"));
 }
 
 TEST_F(KeepInterrupted, diff_says_that_it_is_not_all) {

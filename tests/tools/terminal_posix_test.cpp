@@ -128,6 +128,7 @@ TEST_F(ProgressSlow, long_import_tells_how_far_it_is_and_takes_the_line_away) {
     const std::string text = run_in_terminal({"import", studio_, "Projects", scratch_.file("many.csv")}, 80);
     EXPECT_NE(text.find(" lines, "), std::string::npos) << text;
     EXPECT_NE(text.find(" a second"), std::string::npos) << text;
+    EXPECT_NE(text.find(" s left"), std::string::npos) << text;
     EXPECT_NE(text.find("\033[K300000 of 300000 lines added"), std::string::npos) << text;
     const std::string exported = run_in_terminal({"export", studio_, scratch_.file("x.jsonl"), "--to", "jsonl"}, 80);
     EXPECT_NE(exported.find("rows\n"), std::string::npos) << exported;
@@ -147,6 +148,20 @@ TEST_F(ProgressSlow, keeping_commands_tell_how_far_they_are) {
     const std::string salvaged = run_in_terminal({"salvage", file("sldb.mdb"), scratch_.file("saved.mdb")}, 80);
     EXPECT_NE(salvaged.find(" rows saved, "), std::string::npos) << salvaged;
     EXPECT_NE(salvaged.find(" s left"), std::string::npos) << salvaged;
+    std::filesystem::copy(studio_, scratch_.file("other"));
+    const std::string compared = run_in_terminal({"diff", studio_, scratch_.file("other")}, 80);
+    EXPECT_NE(compared.find(" a second"), std::string::npos) << compared;
+    // Its line comes between those of the rows, and never into one.
+    const std::vector<std::string> lines =
+        lines_of(run_in_terminal({"rows", file("sldb.mdb"), "Projects", "--columns", "Name,Notes"}, 80));
+    std::size_t rows = 0;
+    for (const std::string& line : lines) {
+        const std::size_t erased = line.rfind("\033[K");
+        const std::string row = erased == std::string::npos ? line : line.substr(erased + 3);
+        if (row.starts_with("  Project ")) ++rows;
+        EXPECT_LE(characters(row), 80u) << line;
+    }
+    EXPECT_EQ(rows, 400000u);
 }
 
 }  // namespace

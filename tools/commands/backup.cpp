@@ -11,6 +11,8 @@
 #include "tools/output.h"
 #include "tools/paths.h"
 #include "tools/studio_files.h"
+#include "tools/value_text.h"
+#include "tools/wanted_folder.h"
 
 namespace tools {
 namespace {
@@ -18,26 +20,6 @@ namespace {
 namespace fs = std::filesystem;
 
 std::string now() { return std::string(COleDateTime::GetCurrentTime().Format("%Y-%m-%d-%H%M%S").GetString()); }
-
-// The folder that is written to. Where nothing comes of it, one that was made for it goes away again.
-class WantedFolder {
-public:
-    explicit WantedFolder(const std::string& folder) : path_(system_path(folder)) {
-        std::error_code error;
-        is_new_ = fs::create_directories(path_, error);
-        if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
-    }
-    ~WantedFolder() {
-        std::error_code error;
-        if (is_new_) fs::remove(path_, error);  // only an empty one
-    }
-    WantedFolder(const WantedFolder&) = delete;
-    WantedFolder& operator=(const WantedFolder&) = delete;
-
-private:
-    fs::path path_;
-    bool is_new_ = false;
-};
 
 struct BackupOptions {
     std::string folder;
@@ -75,6 +57,7 @@ struct RestoreOptions {
     std::string folder;
     std::optional<std::string> at;
     bool list = false;
+    bool json = false;
 };
 
 void bind_restore(Declaration& declare, RestoreOptions& options) {
@@ -83,6 +66,17 @@ void bind_restore(Declaration& declare, RestoreOptions& options) {
     declare.optional_word("FOLDER", options.folder, "folder of the studio; it is made if needed");
     declare.option("--at", options.at, "DATE", "the copy of that date, as --list shows it; without it the newest one");
     declare.flag("--list", options.list, "show which copies there are, and restore nothing");
+    declare.flag("--json", options.json, "with --list: one JSON object for each copy, in one array");
+}
+
+std::string sets_json(const std::vector<BackupSet>& sets) {
+    std::string json;
+    for (const BackupSet& set : sets) {
+        json += std::string(json.empty() ? "" : ",\n") + "{\"name\": " + json_string(set.name) +
+                ", \"studio\": " + json_string(set.studio) +
+                ", \"invoices\": " + (set.invoices.empty() ? "null" : json_string(set.invoices)) + "}";
+    }
+    return "[\n" + json + "\n]\n";
 }
 
 // What became of the studio's second file, of which the set has no copy.
@@ -94,8 +88,13 @@ std::string without_invoices_text(const std::string& folder) {
 }
 
 int run_restore(const RestoreOptions& options) {
+    if (options.json && !options.list) throw UsageError("--json goes with --list alone");
     if (options.list) {
         const std::vector<BackupSet> sets = backup_sets(options.from);
+        if (options.json && !sets.empty()) {
+            output().write(sets_json(sets));
+            return 0;
+        }
         for (const BackupSet& set : sets) {
             output().print("%s%s\n", set.name.c_str(), set.invoices.empty() ? "  (without invoices)" : "");
         }

@@ -15,12 +15,14 @@ constexpr std::size_t kAll = 100;
 struct Options {
     std::string file;
     bool all = false;
+    bool json = false;
     std::optional<std::string> password;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.file(options.file);
     declare.flag("--all", options.all, "show up to 100 findings of each rule, not 5");
+    declare.flag("--json", options.json, "one JSON object for each file, in one array");
     declare.password(options.password);
 }
 
@@ -37,11 +39,18 @@ CheckResult checked(const std::string& file, const Options& options) {
 
 int run(const Options& options) {
     bool is_sound = true;
+    std::string json;
     for (const std::string& file : jet_files_of(options.file)) {
         const CheckResult result = checked(file, options);
-        output().write(check_text(result, options.all ? kAll : kListed));
+        const std::size_t listed = options.all ? kAll : kListed;
+        if (options.json) {
+            json += (json.empty() ? "[\n" : ",\n") + check_json(result, listed);
+        } else {
+            output().write(check_text(result, listed));
+        }
         is_sound = is_sound && result.is_sound();
     }
+    if (options.json) output().write(json + "\n]\n");
     return is_sound ? 0 : 1;
 }
 

@@ -4,8 +4,10 @@
 #include "jet/check/check.h"
 #include "tools/commands.h"
 #include "tools/declaration.h"
+#include "tools/demo_folder.h"
 #include "tools/errors.h"
 #include "tools/gate_table.h"
+#include "tools/interrupt.h"
 #include "tools/member_text.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
@@ -19,16 +21,6 @@ namespace fs = std::filesystem;
 
 void require(HRESULT result, const char* what) {
     if (FAILED(result)) throw CommandError(std::string(what) + " failed");
-}
-
-// An empty folder of our own in the system's folder for such.
-std::string fresh_folder() {
-    for (int n = 1;; ++n) {
-        const fs::path candidate = fs::temp_directory_path() / ("kvdb-demo-" + std::to_string(n));
-        std::error_code error;
-        if (fs::create_directory(candidate, error)) return path_text(candidate);
-        if (error || n == 10000) throw CommandError("cannot make a folder in " + path_text(fs::temp_directory_path()));
-    }
 }
 
 // The keys of what the day's work made and what the summary asks for again.
@@ -53,7 +45,10 @@ public:
     }
 
 private:
-    std::string add(const char* table, const Assignments& members) { return gate_table(table).add(studio_, members); }
+    std::string add(const char* table, const Assignments& members) {
+        require_uninterrupted();
+        return gate_table(table).add(studio_, members);
+    }
 
     void contacts() {
         const std::string bands = add("ContactCategories", {{"Name", "Bands"}, {"Type", "1"}});
@@ -251,6 +246,7 @@ private:
 // Some columns of the rows that the gate gives for a filter, which must be `count`.
 void show(Studio& studio, const char* title, const char* table_name, const Assignments& filter, const Names& columns,
           std::size_t count) {
+    require_uninterrupted();
     const GateTable& table = gate_table(table_name);
     const std::vector<Row> rows = rows_of(table, studio, filter);
     output().print("%s\n", title);
@@ -303,6 +299,19 @@ void show_files(const StudioFiles& files) {
     }
 }
 
+Keys make_studio(const DemoFolder& folder) {
+    Studio studio(folder.draft(), Studio::Purpose::kUpgrade);
+    output().print("A new studio in %s\n", folder.path().c_str());
+    LONG version = 0;
+    require(studio.open().GetDBVer(&version), "GetDBVer");
+    output().print("OpenDB made both files; schema version %d. A day's work, closed, and opened again:\n\n",
+                   static_cast<int>(version));
+    Keys keys = Day(studio).work();
+    studio.close();
+    show_summary(studio, keys);
+    return keys;
+}
+
 struct Options {
     std::string folder;
 };
@@ -312,31 +321,13 @@ void bind(Declaration& declare, Options& options) {
 }
 
 int run(const Options& options) {
-    std::string folder = options.folder;
-    if (folder.empty()) {
-        folder = fresh_folder();
-    } else {
-        std::error_code error;
-        fs::create_directories(system_path(folder), error);
-        if (error) throw CommandError("cannot make the folder " + folder + ": " + error.message());
-    }
-    const StudioFiles files(folder);
-    if (files.any()) {
-        throw CommandError("there is a studio in " + folder + " already; the demonstration wants a folder without one");
-    }
-    Studio studio(folder, Studio::Purpose::kUpgrade);
-    output().print("A new studio in %s\n", folder.c_str());
-    LONG version = 0;
-    require(studio.open().GetDBVer(&version), "GetDBVer");
-    output().print("OpenDB made both files; schema version %d. A day's work, closed, and opened again:\n\n",
-                   static_cast<int>(version));
-    const Keys keys = Day(studio).work();
-    studio.close();
-    show_summary(studio, keys);
-    studio.close();
+    catch_interrupts();
+    DemoFolder folder(options.folder);
+    const Keys keys = make_studio(folder);
+    folder.keep();
     output().print("\nFiles, readable by any Jet tool:\n");
-    show_files(files);
-    const std::string place = typed_path(folder);
+    show_files(StudioFiles(folder.path()));
+    const std::string place = typed_path(folder.path());
     output().print("\nTry: kvdb list %s Tracks --where SongID=%s\n", place.c_str(), keys.song.c_str());
     output().print("     kvdb show %s Invoices %s\n", place.c_str(), keys.invoice.c_str());
     output().print("     kvdb search %s Lindstr\u00f6m\n", place.c_str());

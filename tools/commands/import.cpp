@@ -1,6 +1,8 @@
 // import: records from a CSV file, each through the gate of its table, all in one transaction.
 #include <algorithm>
+#include <filesystem>
 #include <fstream>
+#include <system_error>
 
 #include "db/session.h"
 #include "tools/commands.h"
@@ -17,6 +19,8 @@
 
 namespace tools {
 namespace {
+
+constexpr std::uint64_t kBetweenGuesses = 256;  // lines
 
 struct Options {
     std::string folder;
@@ -113,6 +117,15 @@ Assignments assignments(const Names& members, const Names& fields) {
     return result;
 }
 
+// How many lines the file has, guessed by those that were read; 0 where its size is not known.
+std::uint64_t guessed_lines(std::ifstream& in, const std::string& file, std::uint64_t read) {
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(system_path(file), error);
+    const std::streamoff at = in.tellg();
+    if (error || at <= 0) return 0;
+    return static_cast<std::uint64_t>(static_cast<double>(read) * static_cast<double>(size) / static_cast<double>(at));
+}
+
 int run(const Options& options) {
     const GateTable& table = gate_table(options.table);
     std::ifstream in(system_path(options.file), std::ios::binary);
@@ -131,6 +144,9 @@ int run(const Options& options) {
         while (const auto fields = csv.next()) {
             require_uninterrupted();
             progress.step();
+            if (progress.done() % kBetweenGuesses == 0) {
+                progress.set_total(guessed_lines(in, options.file, progress.done()));
+            }
             try {
                 StudioTransaction line;  // a gate keeps what it could set of a record that it refuses
                 table.add(studio, assignments(members, *fields));

@@ -6,6 +6,7 @@
 #include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
+#include "tools/info_json.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
 #include "tools/paths.h"
@@ -16,11 +17,13 @@ namespace {
 
 struct Options {
     std::string folder;
+    bool json = false;
     std::optional<std::string> password;
 };
 
 void bind(Declaration& declare, Options& options) {
     declare.word("FOLDER", options.folder, "folder of the studio, one of its two files, or another Jet file");
+    declare.flag("--json", options.json, "one JSON object");
     declare.password(options.password);
 }
 
@@ -44,7 +47,7 @@ void print_plan(const StudioFile& file) {
     }
 }
 
-// What sets the file apart from the usual ones: "" for a plain Jet 4 file.
+// The kind of file, in words that its owner knows.
 std::string format_text(const std::string& path) {
     std::unique_ptr<jet::Database> database;
     try {
@@ -52,8 +55,7 @@ std::string format_text(const std::string& path) {
     } catch (const DamagedFile&) {
         return ", which cannot be opened";  // why is told already
     }
-    std::string text;
-    if (database->pager().format().is_jet3()) text += ", Jet 3 (Access 97)";
+    std::string text = std::string(", ") + format_words(*database);
     if (database->header().encryption_key != 0) text += ", encoded";
     return text;
 }
@@ -94,9 +96,20 @@ int print_other_file(const std::string& path, const std::optional<std::string>& 
 }
 
 int run(const Options& options) {
-    if (is_other_file(options.folder)) return print_other_file(options.folder, options.password);
+    if (is_other_file(options.folder)) {
+        if (!options.json) return print_other_file(options.folder, options.password);
+        output().write(other_file_json(open_to_look(options.folder, options.password)));
+        require_undamaged();
+        return 0;
+    }
     const StudioFiles files(options.folder);
     files.require_studio();
+    if (options.json) {
+        output().write(studio_json(files));
+        require_undamaged();
+        if (!files.invoices.exists()) throw CommandError(files.invoices.path() + " is not there");
+        return 0;
+    }
     const bool has_header = files.studio.version().has_value();
     output().print("schema version %s", files.studio.version_text().c_str());
     if (has_header) {

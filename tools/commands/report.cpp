@@ -7,7 +7,7 @@ namespace tools {
 namespace {
 
 void bind(Declaration& declare, ExportJob& job) {
-    declare.word("FOLDER", job.folder, "folder of a studio, or a Jet 4 file");
+    declare.word("FOLDER", job.folder, "folder of a studio, or a Jet file");
     declare.required_option("-o,--output", job.out, "FILE.html", "where to write; nothing is overwritten");
     declare.option("--tables", job.tables, "A,B", "these tables alone");
     declare.password(job.password);

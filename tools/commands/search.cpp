@@ -83,7 +83,7 @@ int run(const Options& options) {
         }
     }
     RowPrinter printer(options.format.format(), {"Table", "Key", "Column", "Place", "Text"});
-    Progress progress("rows", rows, true);
+    Progress progress("rows", rows);
     print_rows(printer, [&](const RowVisitor& print) {
         for (const jet::Table* const table : tables) search(*table, wanted, progress, print);
     });

@@ -76,7 +76,7 @@ int run(const Options& options) {
     const jet::Table& table = query.table();
     const std::vector<jet::sql::ResultColumn> columns = query.columns();
     jet::sql::RowSet rows(std::move(query));
-    Progress progress("rows", 0, true);
+    Progress progress("rows", 0);
     print_rows(printer, [&](const RowVisitor& print) {
         jet::RowView view;
         Row row;

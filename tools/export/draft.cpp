@@ -4,6 +4,8 @@
 #include <filesystem>
 #include <system_error>
 
+#include "os/file.h"
+#include "tools/access.h"
 #include "tools/errors.h"
 #include "tools/paths.h"
 
@@ -26,9 +28,14 @@ Draft::Draft(const std::string& path, bool is_folder) : path_(path) {
                            "it first");
     }
     fs::remove_all(system_path(draft_), error);  // of an export that was killed
-    if (is_folder && !fs::create_directory(system_path(draft_), error)) {
+    if (!is_folder) {
+        os::file_system().open(draft_, os::OpenMode::kCreateSide);
+        return;
+    }
+    if (!fs::create_directory(system_path(draft_), error)) {
         throw CommandError("cannot make the folder " + draft_ + ": " + error.message());
     }
+    fs::permissions(system_path(draft_), fs::perms::owner_all, error);  // a file system may have none
 }
 
 Draft::~Draft() {
@@ -36,7 +43,8 @@ Draft::~Draft() {
     if (!is_kept_) fs::remove_all(system_path(draft_), error);
 }
 
-void Draft::keep() {
+void Draft::keep(const std::vector<std::string>& sources) {
+    take_access(sources, draft_);
     std::error_code error;
     fs::rename(system_path(draft_), system_path(path_), error);
     if (error) throw CommandError("cannot give " + draft_ + " the name " + path_ + ": " + error.message());

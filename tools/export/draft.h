@@ -5,12 +5,14 @@
 #include <fstream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tools {
 
 class Draft {
 public:
-    // CommandError when something of that name is there already, or the draft cannot be made.
+    // Makes it, empty and accessible to its owner alone. CommandError when something of that name is there already, or
+    // the draft cannot be made.
     Draft(const std::string& path, bool is_folder);
     ~Draft();
     Draft(const Draft&) = delete;
@@ -18,8 +20,8 @@ public:
 
     // Where to write.
     const std::string& path() const { return draft_; }
-    // Gives it its name. CommandError when that fails.
-    void keep();
+    // Makes it accessible to whom all of `sources` are, and gives it its name. CommandError when that fails.
+    void keep(const std::vector<std::string>& sources);
 
 private:
     std::string path_;

@@ -64,7 +64,7 @@ int run_export(const ExportFormat& format, const ExportJob& job) {
         writer->finish(tables);
     }
     require_uninterrupted();
-    draft.keep();
+    draft.keep(jet_files_of(job.folder));
     if (counts.impossible_dates != 0) {
         std::fprintf(stderr, "kvdb: %ju date%s outside of the years 1 to 9999 became Null\n",
                      static_cast<std::uintmax_t>(counts.impossible_dates), counts.impossible_dates == 1 ? "" : "s");

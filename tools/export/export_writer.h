@@ -29,7 +29,7 @@ public:
 struct ExportFormat {
     const char* name;
     bool is_folder;  // several files rather than one
-    // `path` is the draft's; a folder is there already. `schema` is the name for the tables' schema, where there is
+    // `path` is the draft's, a folder or an empty file. `schema` is the name for the tables' schema, where there is
     // one.
     std::unique_ptr<ExportWriter> (*make)(const std::string& path, const std::optional<std::string>& schema);
 };

@@ -137,7 +137,7 @@ CompactOutcome compact_file(const std::string& name, const CompactOptions& wante
     if (options.format != header.format) options.engine_build = jet::CreateOptions().engine_build;
     options.encryption_key = key_of(header, wanted.encoding);
 
-    NewFile fresh(path, options, NewFile::Place::kReplace);
+    NewFile fresh(path, path, options, NewFile::Place::kReplace);
     make_tables(*database, fresh);
     {
         LongWork work("rows copied", row_count(*database));

@@ -45,7 +45,7 @@ public:
     bool run() {
         const std::vector<Entry> left = entries(a_, number_a_, true);
         const std::vector<Entry> right = entries(b_, number_b_, false);
-        LongWork work("rows compared", left.size() + right.size(), true);
+        LongWork work("rows compared", left.size() + right.size());
         std::size_t i = 0;
         std::size_t k = 0;
         std::size_t told = 0;
@@ -103,7 +103,7 @@ private:
     std::vector<Entry> entries(const Table& table, std::optional<std::size_t> number, bool is_first) const {
         std::vector<Entry> all;
         jet::RowView view;
-        LongWork work("rows read", table.def().row_count, true);
+        LongWork work("rows read", table.def().row_count);
         for (auto id = table.next_row({}); id; id = table.next_row(*id)) {
             work.step();
             if (!table.read(*id, view)) continue;

@@ -152,4 +152,24 @@ std::string check_text(const CheckResult& result, std::size_t listed) {
     return text;
 }
 
+std::string check_json(const CheckResult& result, std::size_t listed) {
+    std::string groups;
+    for (const FindingGroup& group : result.groups) {
+        std::string places;
+        for (std::size_t i = 0; i < group.listed.size() && i < listed && group.listed[i].count == 1; ++i) {
+            const jet::Violation& violation = group.listed[i];
+            places += std::string(places.empty() ? "" : ", ") + "{\"page\": " + std::to_string(violation.page) +
+                      ", \"row\": " + (violation.row < 0 ? "null" : std::to_string(violation.row)) +
+                      ", \"what\": " + json_string(violation.detail) + "}";
+        }
+        groups += std::string(groups.empty() ? "" : ", ") + "{\"rule\": " + json_string(group.rule->name) +
+                  ", \"grade\": " + (group.rule->grade == kDamage ? "\"damage\"" : "\"remark\"") +
+                  ", \"count\": " + std::to_string(group.count) + ", \"meaning\": " + json_string(group.rule->meaning) +
+                  ", \"listed\": [" + places + "]}";
+    }
+    return "{\"file\": " + json_string(result.path) + ", \"sound\": " + (result.is_sound() ? "true" : "false") +
+           ", \"damage\": " + std::to_string(result.damage) + ", \"remarks\": " + std::to_string(result.remarks) +
+           ", \"findings\": [" + groups + "]}";
+}
+
 }  // namespace tools

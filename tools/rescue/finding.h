@@ -44,5 +44,7 @@ CheckResult unreadable_file(const std::string& path, const std::string& reason);
 
 // Lines, each with its end; `listed` of each rule's findings are shown one by one.
 std::string check_text(const CheckResult& result, std::size_t listed);
+// The same as one JSON object.
+std::string check_json(const CheckResult& result, std::size_t listed);
 
 }  // namespace tools

@@ -4,6 +4,7 @@
 #include "jet/indexes/index_key.h"
 #include "os/draft.h"
 #include "os/file.h"
+#include "tools/access.h"
 #include "tools/errors.h"
 #include "tools/long_work.h"
 #include "tools/open_file.h"
@@ -16,7 +17,7 @@ constexpr std::size_t kRowsOfATransaction = 500;
 
 }  // namespace
 
-NewFile::NewFile(const std::string& path, const jet::CreateOptions& options, Place place)
+NewFile::NewFile(const std::string& path, const std::string& like, const jet::CreateOptions& options, Place place)
     : path_(path), draft_(os::draft_name(path)), place_(place) {
     if (place == Place::kNew && os::file_system().exists(path)) {
         throw CommandError(path + " is there already; nothing is written over it");
@@ -27,6 +28,7 @@ NewFile::NewFile(const std::string& path, const jet::CreateOptions& options, Pla
     open.pager.cache_pages = kToolCachePages;
     try {
         jet::Database::create(draft_, options)->close();
+        take_access({like}, draft_);
         database_ = jet::Database::open(draft_, open);
     } catch (...) {
         remove_quietly(draft_);

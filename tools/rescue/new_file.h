@@ -15,8 +15,9 @@ public:
         kNew,      // CommandError when `path` is there
         kReplace,  // it takes the place of the file that is there, in one step
     };
-    // The draft lies beside `path`.
-    NewFile(const std::string& path, const jet::CreateOptions& options, Place place = Place::kNew);
+    // The draft lies beside `path`. It is accessible to whom the file at `like` is, before a row is in it.
+    NewFile(const std::string& path, const std::string& like, const jet::CreateOptions& options,
+            Place place = Place::kNew);
     // Takes the draft away, unless it was published.
     ~NewFile();
     NewFile(const NewFile&) = delete;

@@ -73,7 +73,7 @@ public:
         options.password = password();
         set_format(options);
         options.encryption_key = pages_.encryption_key();
-        NewFile file(to_, options);
+        NewFile file(to_, pages_.path(), options);
         make_tables(file);
         for (std::size_t i = 0; i < facts_.size(); ++i) copy_rows(file, i);
         mend_header(file);
@@ -110,7 +110,7 @@ private:
         for (std::size_t c = 0; c < def.columns.size() && !facts.key; ++c) {
             if (def.columns[c].is_autonumber() && def.columns[c].type == ColumnType::kLong) facts.key = c;
         }
-        LongWork work("rows found", 0);
+        LongWork work("rows found", std::min(std::uint64_t{def.row_count}, std::uint64_t{256} * pages_.page_count()));
         walk_rows(pages_, table(i), [&](jet::RowId, const FoundRow& row, unsigned) {
             work.step();
             ++facts.rows;

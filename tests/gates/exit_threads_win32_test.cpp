@@ -53,6 +53,7 @@ HANDLE start_host(const std::string& folder, HANDLE& from) {
         "\" --gtest_also_run_disabled_tests --gtest_filter=ExitThreadsGate.DISABLED_host --gtest_brief=1";
     STARTUPINFOA startup{};
     startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;  // none: what the host says is no output of this test
     PROCESS_INFORMATION host{};
     const BOOL is_started =
         CreateProcessA(program, line.data(), nullptr, nullptr, TRUE, 0, nullptr, nullptr, &startup, &host);

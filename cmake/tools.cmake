@@ -33,8 +33,12 @@ if(kvdb_tool_sources)
     endif()
     list(REMOVE_ITEM kvdb_tool_sources ${kvdb_tool_parts})
     add_executable(kvdb_tool ${kvdb_tool_sources})
-    # Every command names its options and its work alike.
-    set_target_properties(kvdb_tool PROPERTIES UNITY_BUILD OFF)
+    # Every command names its options and its work alike. Those that include the command line's library, which takes
+    # longer than they do, are compiled together.
+    set_target_properties(kvdb_tool PROPERTIES UNITY_BUILD_MODE GROUP)
+    foreach(source command_line declaration help documents/outline)
+        set_source_files_properties(${PROJECT_SOURCE_DIR}/tools/${source}.cpp PROPERTIES UNITY_GROUP command_line)
+    endforeach()
     target_link_libraries(kvdb_tool PRIVATE kvdb_tool_parts)
     # The tool's file has the name of the component's target, and stands for it where "kvdb" is to be built.
     add_dependencies(kvdb_tool kvdb)

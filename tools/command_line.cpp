@@ -15,16 +15,8 @@
 namespace tools {
 namespace {
 
-using Words = std::vector<std::string>;
-
-Words command_names(const CLI::App& tree) {
-    Words names;
-    for (const CLI::App* const command : tree.get_subcommands({})) names.push_back(command->get_name());
-    return names;
-}
-
-Words option_names(const CLI::App& command) {
-    Words names;
+Names option_names(const CLI::App& command) {
+    Names names;
     for (const CLI::Option* const option : command.get_options()) {
         for (const std::string& name : option->get_lnames()) names.push_back("--" + name);
     }
@@ -43,7 +35,7 @@ const CLI::App& command_called(const CLI::App& tree, const std::string& name) {
 std::string usage_text(const CLI::App& command, const CLI::ParseError& error) {
     const std::string usage = "; usage: " + usage_line(command);
     if (dynamic_cast<const CLI::ExtrasError*>(&error) != nullptr) {
-        const Words extras = command.remaining();
+        const Names extras = command.remaining();
         const std::string word = extras.empty() ? "" : extras.front();
         if (word.rfind("-", 0) != 0) return "'" + word + "' is one word too many" + usage;
         const std::string hint = suggestion(word.substr(0, word.find('=')), option_names(command));
@@ -99,7 +91,7 @@ int CommandLine::run(const std::vector<std::string>& words) {
     }
     try {
         // From the last to the first, as CLI11 takes them.
-        Words reversed(words.rbegin(), words.rend());
+        Names reversed(words.rbegin(), words.rend());
         tree_->parse(reversed);
     } catch (const CLI::CallForHelp&) {
         const auto chosen = tree_->get_subcommands();

@@ -6,7 +6,6 @@
 #include <sstream>
 
 #include "tools/command.h"
-#include "tools/names.h"
 
 namespace tools {
 namespace {
@@ -72,6 +71,12 @@ Names usage_parts(const CLI::App& command) {
 }
 
 }  // namespace
+
+Names command_names(const CLI::App& tree) {
+    Names names;
+    for (const CLI::App* const command : tree.get_subcommands({})) names.push_back(command->get_name());
+    return names;
+}
 
 std::string wrapped(const std::string& text, std::size_t indent, std::size_t width) {
     std::string lines;

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "tools/names.h"
+
 namespace CLI {
 class App;
 }
@@ -11,6 +13,7 @@ namespace tools {
 
 inline constexpr const char* kProgramHelp = "kvdb: looks at, keeps, moves and rescues the data of a recording studio.";
 
+Names command_names(const CLI::App& tree);
 // "kvdb list FOLDER TABLE [--json] ..."
 std::string usage_line(const CLI::App& command);
 // Usage, sentences, and a line for each word and option.

@@ -16,17 +16,17 @@ public:
     Outcome run(Seed seed, const std::string& kept) override {
         return isolated([&] {
             Outcome outcome;
-            ModelStudio studio;
+            const std::unique_ptr<ModelStudio> studio = ModelStudio::make();
             Random random(static_cast<std::uint32_t>(seed));
-            for (; outcome.tried < kModelSteps && !checks_failed(); ++outcome.tried) studio.step(random);
+            for (; outcome.tried < kModelSteps && !checks_failed(); ++outcome.tried) studio->step(random);
             if (checks_failed()) outcome.failure = "at step " + std::to_string(outcome.tried) + ":";
-            studio.expect_all_rows();
-            studio.close(random);
-            studio.expect_sound_files();
-            if (checks_failed()) keep_files(studio.folder(), kept);
-            studio.open(random);
-            studio.expect_all_rows();
-            studio.close(random);
+            studio->expect_all_rows();
+            studio->close(random);
+            studio->expect_sound_files();
+            if (checks_failed()) keep_files(studio->folder(), kept);
+            studio->open(random);
+            studio->expect_all_rows();
+            studio->close(random);
             return outcome;
         });
     }

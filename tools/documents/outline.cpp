@@ -5,6 +5,7 @@
 #include "tools/documents/documents.h"
 #include "tools/export/export_writer.h"
 #include "tools/gate_table.h"
+#include "tools/help.h"
 
 namespace tools {
 namespace {
@@ -18,12 +19,6 @@ Names table_names() {
 Names format_names() {
     Names names;
     for (const ExportFormat& format : export_formats()) names.emplace_back(format.name);
-    return names;
-}
-
-Names command_names(const CLI::App& tree) {
-    Names names;
-    for (const CLI::App* const command : tree.get_subcommands({})) names.push_back(command->get_name());
     return names;
 }
 

@@ -212,9 +212,15 @@ void decode_text(ByteSpan bytes, std::u16string& text) {
         }
         return;
     }
+    bytes = bytes.subspan(sizeof kMark);
+    if (std::memchr(bytes.data(), 0, bytes.size()) == nullptr) {
+        text.resize(bytes.size());
+        std::copy(bytes.begin(), bytes.end(), text.begin());
+        return;
+    }
     text.reserve(bytes.size());
     bool one_byte = true;  // a zero byte toggles between one and two bytes a character
-    for (std::size_t i = 2; i < bytes.size();) {
+    for (std::size_t i = 0; i < bytes.size();) {
         if (bytes[i] == 0) {
             one_byte = !one_byte;
             ++i;

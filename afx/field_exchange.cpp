@@ -44,21 +44,40 @@ Member& as(Address* member) {
 
 }  // namespace
 
+// A small table is full soon, a large one is not worth making for few rows.
 CTime KnownTimes::of(DATE days, CTime (*convert)(DATE)) {
     if (converted_ < kUnknownAtFirst) {
         ++converted_;
         return convert(days);
     }
-    if (entries_ == nullptr) entries_ = std::make_unique<Entry[]>(kEntries);
+    if (entries_ == nullptr) grow(kFewEntries);
     const auto bits = std::bit_cast<std::uint64_t>(days);
-    Entry* const pair = &entries_[static_cast<std::size_t>((bits * 0x9E3779B97F4A7C15u) >> 54 << 1)];
-    static_assert(kEntries == std::size_t{1} << (64 - 54 + 1));
     const auto is_it = [&](const Entry& entry) { return entry.bits == bits && entry.convert == convert; };
+    Entry* pair = pair_of(bits);
     if (is_it(pair[0])) return pair[0].time;
     if (is_it(pair[1])) return pair[1].time;
+    if (static_cast<std::size_t>(++converted_) > size_ && size_ < kEntries) {
+        grow(kEntries);
+        pair = pair_of(bits);
+    }
     pair[1] = pair[0];
     pair[0] = {bits, convert, convert(days)};
     return pair[0].time;
+}
+
+KnownTimes::Entry* KnownTimes::pair_of(std::uint64_t bits) const {
+    // The upper bits of the product depend on all those of a date.
+    constexpr int kIndexBits = 11;
+    static_assert(kEntries == std::size_t{1} << kIndexBits);
+    return &entries_[static_cast<std::size_t>(bits * 0x9E3779B97F4A7C15u >> (64 - kIndexBits)) & (size_ - 2)];
+}
+
+void KnownTimes::grow(std::size_t entries) {
+    const auto known = std::exchange(entries_, std::make_unique<Entry[]>(entries));
+    const std::size_t known_size = std::exchange(size_, entries);
+    for (std::size_t i = 0; i < known_size; ++i) {
+        if (known[i].convert != nullptr) *pair_of(known[i].bits) = known[i];
+    }
 }
 
 FieldExchange::FieldExchange(const FieldNames& names, const jet::TableDef* def,
@@ -102,66 +121,65 @@ FieldExchange::Way FieldExchange::way_of(const jet::ColumnDef& column, Exchanged
     return Way::kByValue;
 }
 
-// False where it has to go by value.
-bool FieldExchange::read_field(const jet::RowView& row, const jet::TableDef& def,
-                               const std::optional<jet::ByteSpan>& stored, ReadingMemory& memory, const Field& field,
-                               void* member) {
+// The rarer ways. False where it has to go by value.
+bool FieldExchange::read_field(const jet::RowView& row, const jet::TableDef& def, jet::ByteSpan stored,
+                               ReadingMemory& memory, const Field& field, void* member) {
     const auto take_narrow = [&](jet::ByteSpan text) {
         const jet::ColumnDef& column = def.columns[static_cast<std::size_t>(field.field)];
         read_narrow_text(text, column, memory, as<CString>(member));
     };
-    switch (field.way) {
-        case Way::kText:
-        case Way::kNarrowText: {
-            if (!stored) {
-                as<CString>(member).Empty();
-            } else if (field.way == Way::kText) {
-                read_text(*stored, memory, as<CString>(member));
-            } else {
-                take_narrow(*stored);
-            }
-            return true;
-        }
-        case Way::kMemo:
-        case Way::kNarrowMemo: {
-            if (!stored) {
-                as<CString>(member).Empty();
-                return true;
-            }
-            jet::Page page;
-            const auto text = row.long_bytes(*stored, page);
-            if (!text) return false;
-            if (field.way == Way::kMemo) {
-                read_text(*text, memory, as<CString>(member));
-            } else {
-                take_narrow(*text);
-            }
-            return true;
-        }
-        case Way::kLong: as<LONG>(member) = stored ? jet::load_i32(*stored, 0) : 0; return true;
-        case Way::kDate:
-            as<CTime>(member) =
-                stored ? memory.times.of(jet::load_f64(*stored, 0), field.member->time_of) : CTime(LONG{-1});
-            return true;
-        case Way::kCurrency: {
-            CY amount{};
-            if (stored) amount.int64 = jet::load_i64(*stored, 0);
-            as<float>(member) = stored ? field.member->amount_of(amount) : 0;
-            return true;
-        }
-        case Way::kByValue: break;
+    if (field.way == Way::kNarrowText) {
+        take_narrow(stored);
+        return true;
     }
-    return false;
+    jet::Page page;
+    const auto text = row.long_bytes(stored, page);
+    if (!text) return false;
+    if (field.way == Way::kMemo) {
+        read_text(*text, memory, as<CString>(member));
+    } else {
+        take_narrow(*text);
+    }
+    return true;
+}
+
+void FieldExchange::read_null(const Field& field, void* member) {
+    switch (field.way) {
+        case Way::kLong: as<LONG>(member) = 0; return;
+        case Way::kDate: as<CTime>(member) = CTime(LONG{-1}); return;
+        case Way::kCurrency: as<float>(member) = 0; return;
+        default: as<CString>(member).Empty();
+    }
 }
 
 std::size_t FieldExchange::read(const jet::RowView& row, const jet::TableDef& def, ReadingMemory& memory,
                                 std::size_t from, void* record) const {
     if (def.columns.size() != columns_) return from;
+    const jet::RowReader& reader = row.reader();
     for (; from < fields_.size(); ++from) {
         const Field& field = fields_[from];
         if (field.way == Way::kByValue) break;
-        const auto stored = row.reader().stored(field.place);
-        if (!read_field(row, def, stored, memory, field, static_cast<char*>(record) + field.offset)) break;
+        void* const member = static_cast<char*>(record) + field.offset;
+        const auto stored = reader.stored(field.place);
+        if (!stored) {
+            read_null(field, member);
+            continue;
+        }
+        switch (field.way) {
+            case Way::kText: read_text(*stored, memory, as<CString>(member)); break;
+            case Way::kLong: as<LONG>(member) = jet::load_i32(*stored, 0); break;
+            case Way::kDate:
+                as<CTime>(member) = memory.times.of(jet::load_f64(*stored, 0), field.member->time_of);
+                break;
+            case Way::kCurrency: {
+                CY amount{};
+                amount.int64 = jet::load_i64(*stored, 0);
+                as<float>(member) = field.member->amount_of(amount);
+                break;
+            }
+            default:
+                if (!read_field(row, def, *stored, memory, field, member)) return from;
+        }
     }
     return from;
 }
@@ -180,12 +198,9 @@ bool FieldExchange::write_field(EditBuffer& into, const jet::ColumnDef& column, 
     const auto position = static_cast<std::size_t>(field.field);
     switch (field.way) {
         case Way::kText:
-        case Way::kMemo: {
-            std::u16string text = os::widen(as<const CString>(member).GetString());
-            if (field.way == Way::kText && text.size() > column.most_characters()) return false;
-            into.set(position, std::move(text));
-            return true;
-        }
+        case Way::kMemo:
+        case Way::kNarrowText:
+        case Way::kNarrowMemo: return write_text(into, column, field, as<const CString>(member).GetString());
         case Way::kLong: into.set(position, std::int32_t{as<const LONG>(member)}); return true;
         case Way::kDate: {
             DATE days = 0;
@@ -198,12 +213,27 @@ bool FieldExchange::write_field(EditBuffer& into, const jet::ColumnDef& column, 
             into.set(position, jet::Currency{amount.int64});
             return true;
         }
-        // Only the value's path knows what to write for a character that the code page lacks.
-        case Way::kNarrowText:
-        case Way::kNarrowMemo:
         case Way::kByValue: break;
     }
     return false;
+}
+
+// ASCII, the same in every code page, goes as it is. The rest of a column in a code page goes by value: only that path
+// knows what to write for a character that the code page lacks.
+bool FieldExchange::write_text(EditBuffer& into, const jet::ColumnDef& column, const Field& field,
+                               std::string_view text) {
+    const auto position = static_cast<std::size_t>(field.field);
+    const bool is_memo = field.way == Way::kMemo || field.way == Way::kNarrowMemo;
+    if (jet::is_ascii(text)) {
+        if (!is_memo && text.size() > column.most_characters()) return false;
+        into.set_ascii(position, text);
+        return true;
+    }
+    if (column.code_page != 0) return false;
+    std::u16string wide = os::widen(text);
+    if (!is_memo && wide.size() > column.most_characters()) return false;
+    into.set(position, std::move(wide));
+    return true;
 }
 
 std::size_t FieldExchange::write(EditBuffer& into, const jet::TableDef& def, std::size_t from,

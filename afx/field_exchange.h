@@ -17,6 +17,7 @@
 #include <optional>
 #include <span>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -39,10 +40,16 @@ private:
         CTime (*convert)(DATE) = nullptr;
         CTime time;
     };
-    static constexpr std::size_t kEntries = 2048;  // in pairs
-    static constexpr int kUnknownAtFirst = 4;      // a set of one row needs no table
+    // In pairs; powers of two.
+    static constexpr std::size_t kFewEntries = 64;
+    static constexpr std::size_t kEntries = 2048;
+    static constexpr int kUnknownAtFirst = 4;  // a set of one row needs no table
+
+    Entry* pair_of(std::uint64_t bits) const;
+    void grow(std::size_t entries);
 
     int converted_ = 0;
+    std::size_t size_ = 0;
     std::unique_ptr<Entry[]> entries_;
 };
 
@@ -82,10 +89,11 @@ private:
     };
 
     static Way way_of(const jet::ColumnDef& column, ExchangedMember::Type member);
-    static bool read_field(const jet::RowView& row, const jet::TableDef& def,
-                           const std::optional<jet::ByteSpan>& stored, ReadingMemory& memory, const Field& field,
-                           void* member);
+    static bool read_field(const jet::RowView& row, const jet::TableDef& def, jet::ByteSpan stored,
+                           ReadingMemory& memory, const Field& field, void* member);
+    static void read_null(const Field& field, void* member);
     static bool write_field(EditBuffer& into, const jet::ColumnDef& column, const Field& field, const void* member);
+    static bool write_text(EditBuffer& into, const jet::ColumnDef& column, const Field& field, std::string_view text);
 
     std::vector<ExchangedMember> members_;
     std::vector<Field> fields_;

@@ -231,15 +231,14 @@ void RecordsetState::update() {
 
 void RecordsetState::update_current() {
     require_current();
-    const std::vector<jet::ColumnChange> changes = edit_.changes();
-    if (!changes.empty()) table_->update(*current_, changes);
+    edit_.update_in(*table_, *current_);
     has_view_ = false;
     edit_.cancel();
     last_modified_ = Token{opening_, 0, current_->pack(), position_};
 }
 
 void RecordsetState::insert_pending() {
-    const RowId row = table_->insert(edit_.values());
+    const RowId row = edit_.insert_into(*table_);
     edit_.cancel();
     rows_->additions().store(row);
     ++added_;

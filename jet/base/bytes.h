@@ -5,6 +5,7 @@
 #include <bit>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <span>
 #include <vector>
 
@@ -75,16 +76,18 @@ inline void store_bytes(MutableByteSpan bytes, std::size_t at, ByteSpan what) {
 
 inline void append_u8(ByteVector& to, std::uint8_t value) { to.push_back(value); }
 inline void append_u16(ByteVector& to, std::uint16_t value) {
-    to.push_back(static_cast<std::uint8_t>(value));
-    to.push_back(static_cast<std::uint8_t>(value >> 8));
+    const std::uint8_t bytes[] = {static_cast<std::uint8_t>(value), static_cast<std::uint8_t>(value >> 8)};
+    to.insert(to.end(), std::begin(bytes), std::end(bytes));
 }
 inline void append_u32(ByteVector& to, std::uint32_t value) {
-    append_u16(to, static_cast<std::uint16_t>(value));
-    append_u16(to, static_cast<std::uint16_t>(value >> 16));
+    std::uint8_t bytes[4];
+    store_u32(bytes, 0, value);
+    to.insert(to.end(), std::begin(bytes), std::end(bytes));
 }
 inline void append_u64(ByteVector& to, std::uint64_t value) {
-    append_u32(to, static_cast<std::uint32_t>(value));
-    append_u32(to, static_cast<std::uint32_t>(value >> 32));
+    std::uint8_t bytes[8];
+    store_u64(bytes, 0, value);
+    to.insert(to.end(), std::begin(bytes), std::end(bytes));
 }
 inline void append_bytes(ByteVector& to, ByteSpan what) { to.insert(to.end(), what.begin(), what.end()); }
 

@@ -13,7 +13,8 @@ struct MapSpan {
     std::size_t position = 0;     // the column
     std::uint64_t first_key = 0;  // both ends included
     std::uint64_t last_key = 0;
-    bool is_condition = false;  // its rows are the result
+    bool is_condition = false;                         // its rows are the result
+    std::optional<std::uint32_t> node = std::nullopt;  // of the condition: its rows are those that meet it
 };
 
 // The entry behind `entry` in a map; none behind the last possible one.

@@ -24,10 +24,12 @@ Truth compare_by(Comparison comparison, std::partial_ordering order) {
 
 class Evaluator {
 public:
-    Evaluator(const Statement& statement, const Binding& binding, const ValueSource& row)
-        : statement_(statement), binding_(binding), row_(row) {}
+    Evaluator(const Statement& statement, const Binding& binding, const ValueSource& row, ComparedValues& compared,
+              std::uint32_t settled)
+        : statement_(statement), binding_(binding), row_(row), compared_(compared), settled_(settled) {}
 
     Truth evaluate(std::uint32_t index) const {
+        if (index == settled_) return Truth::kTrue;
         const Node& node = statement_.nodes[index];
         switch (node.kind) {
             case Node::Kind::kAnd: return evaluate_chain(node, Truth::kFalse);
@@ -63,18 +65,16 @@ private:
     Scalar load(const Operand& operand, Value& held) const {
         switch (operand.kind) {
             case Operand::Kind::kLiteral: return to_scalar(binding_.literals[operand.index]);
-            case Operand::Kind::kColumn: held = row_.value(position(operand)); return to_scalar(held);
+            case Operand::Kind::kColumn: row_.load(position(operand), held); return to_scalar(held);
             case Operand::Kind::kNull: break;
         }
         return {};
     }
 
     Truth evaluate_comparison(const Node& node) const {
-        Value left;
-        Value right;
-        const Scalar a = load(node.left, left);
+        const Scalar a = load(node.left, compared_.left);
         if (a.kind == Scalar::Kind::kNull) return Truth::kUnknown;
-        return compare_by(node.comparison, compare(a, load(node.right, right)));
+        return compare_by(node.comparison, compare(a, load(node.right, compared_.right)));
     }
 
     // None for Null.
@@ -103,13 +103,16 @@ private:
     const Statement& statement_;
     const Binding& binding_;
     const ValueSource& row_;
+    ComparedValues& compared_;
+    const std::uint32_t settled_;
 };
 
 }  // namespace
 
-Truth evaluate(const Statement& statement, const Binding& binding, const ValueSource& row) {
+Truth evaluate(const Statement& statement, const Binding& binding, const ValueSource& row, ComparedValues& compared,
+               std::uint32_t settled) {
     if (statement.condition == kNoNode) return Truth::kTrue;
-    return Evaluator(statement, binding, row).evaluate(statement.condition);
+    return Evaluator(statement, binding, row, compared, settled).evaluate(statement.condition);
 }
 
 }  // namespace jet::sql

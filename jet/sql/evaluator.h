@@ -14,10 +14,24 @@ class ValueSource {
 public:
     virtual ~ValueSource() = default;
     virtual Value value(std::size_t position) const = 0;
+    // As above, into a value whose memory is used again.
+    virtual void load(std::size_t position, Value& into) const { into = value(position); }
     virtual bool is_null(std::size_t position) const = 0;
 };
 
-// Of the whole condition; kTrue when there is none. Reads only columns that the condition names.
-Truth evaluate(const Statement& statement, const Binding& binding, const ValueSource& row);
+// The values compared last, kept for their memory.
+struct ComparedValues {
+    Value left;
+    Value right;
+};
+
+// Of the whole condition; kTrue when there is none. Reads only columns that the condition names. The node `settled` is
+// true, as is known from elsewhere.
+Truth evaluate(const Statement& statement, const Binding& binding, const ValueSource& row, ComparedValues& compared,
+               std::uint32_t settled = kNoNode);
+inline Truth evaluate(const Statement& statement, const Binding& binding, const ValueSource& row) {
+    ComparedValues compared;
+    return evaluate(statement, binding, row, compared);
+}
 
 }  // namespace jet::sql

@@ -28,7 +28,7 @@ std::optional<RowId> LazyRows::next() {
     while (const auto row = next_candidate()) {
         position_ = *row;
         furthest_ = std::max(furthest_, position_);
-        if ((is_keys_row() && verdicts_.empty()) || is_member(*row)) return row;
+        if (is_given_member(*row)) return row;
     }
     furthest_ = kBeyondAllRows;
     return std::nullopt;
@@ -49,14 +49,21 @@ std::optional<RowId> LazyRows::next_candidate() const {
     return row;
 }
 
-bool LazyRows::meets_condition(RowId row) const {
+// Of a row that next_candidate() has given.
+bool LazyRows::is_given_member(RowId row) const {
+    if (!verdicts_.empty()) return is_member(row);
+    return is_keys_row() || meets(row, source_ == Source::kKey ? &*span_ : nullptr);
+}
+
+// `given_for`, where not null: the span of the map that has given the row as it is.
+bool LazyRows::meets(RowId row, const MapSpan* given_for) const {
     if (!query_.has_condition()) return true;
     if (row_read_.is_null() || row_read_ != row) {
         row_read_ = {};
         if (!query_.table().read(row, row_)) return false;
         row_read_ = row;
     }
-    return query_.matches(row_);
+    return given_for != nullptr ? query_.matches(row_, *given_for) : query_.matches(row_);
 }
 
 bool LazyRows::give_view(RowId row, RowView& into) {

@@ -40,7 +40,9 @@ private:
     // Whether the map alone says that a row it gives is a member.
     bool is_keys_row() const { return source_ == Source::kKey && span_->is_condition; }
     bool is_member(RowId row) const;
-    bool meets_condition(RowId row) const;
+    bool is_given_member(RowId row) const;
+    bool meets_condition(RowId row) const { return meets(row, nullptr); }
+    bool meets(RowId row, const MapSpan* given_for) const;
     bool is_beyond_end(RowId row) const { return end_ && *end_ <= row; }
     std::unique_ptr<SetRows> collect() const;
 

@@ -18,6 +18,7 @@ class RowSource final : public ValueSource {
 public:
     explicit RowSource(const RowView& row) : row_(row) {}
     Value value(std::size_t position) const override { return row_.value(position); }
+    void load(std::size_t position, Value& into) const override { row_.value(position, into); }
     bool is_null(std::size_t position) const override { return row_.is_null(position); }
 
 private:
@@ -121,6 +122,7 @@ struct Query::Impl {
     Binding binding;
     std::vector<OrderKey> order;
     mutable std::vector<ResultColumn> columns;  // empty until asked for
+    mutable ComparedValues compared;
 
     void find_columns() const;
 };
@@ -185,7 +187,12 @@ bool Query::has_condition() const { return impl_->statement->condition != kNoNod
 const std::vector<OrderKey>& Query::order() const { return impl_->order; }
 
 bool Query::matches(const RowView& row) const {
-    return evaluate(*impl_->statement, impl_->binding, RowSource(row)) == Truth::kTrue;
+    return evaluate(*impl_->statement, impl_->binding, RowSource(row), impl_->compared) == Truth::kTrue;
+}
+
+bool Query::matches(const RowView& row, const MapSpan& span) const {
+    return evaluate(*impl_->statement, impl_->binding, RowSource(row), impl_->compared, span.node.value_or(kNoNode)) ==
+           Truth::kTrue;
 }
 
 std::optional<MapSpan> Query::span() const {
@@ -203,6 +210,7 @@ std::optional<MapSpan> Query::span() const {
         if (type == ColumnType::kLong && number != nullptr && test->comparison == Comparison::kEqual) {
             MapSpan span = span_of_number(test->position, *number);
             span.is_condition = !chain;
+            span.node = at;
             return span;
         }
         const auto* date = std::get_if<Date>(test->literal);

@@ -40,6 +40,8 @@ public:
     bool has_condition() const;
     // Whether the row meets the condition (true only; unknown is no).
     bool matches(const RowView& row) const;
+    // As above, of a row that the column's map has given for `span`.
+    bool matches(const RowView& row, const MapSpan& span) const;
     // A span worth using instead of a scan: an equality on a Long column, else a range on a Date column.
     std::optional<MapSpan> span() const;
     const std::vector<OrderKey>& order() const;

@@ -67,9 +67,53 @@ private:
 
 }  // namespace
 
+namespace {
+
+bool is_short_form(const ColumnDef& column, std::size_t characters) {
+    return characters <= (column.is_compressed() ? lv::kMaxShortFlagged : lv::kMaxShort);
+}
+
+void append_encoded(ByteVector& to, const ColumnDef& column, std::u16string_view text) {
+    if (column.code_page != 0) return append_bytes(to, encode_narrow(text, column.code_page));
+    append_text(to, text, is_short_form(column, text.size()));
+}
+
+void append_encoded(ByteVector& to, const ColumnDef& column, std::string_view ascii) {
+    if (column.code_page != 0) return append_ascii_bytes(to, ascii);
+    append_ascii(to, ascii, is_short_form(column, ascii.size()));
+}
+
+}  // namespace
+
 ByteVector LongValues::encode_memo(const ColumnDef& column, std::u16string_view text) {
-    if (column.code_page != 0) return encode_narrow(text, column.code_page);
-    return encode_text(text, text.size() <= (column.is_compressed() ? lv::kMaxShortFlagged : lv::kMaxShort));
+    ByteVector bytes;
+    append_encoded(bytes, column, text);
+    return bytes;
+}
+
+template <class Text>
+void LongValues::append_memo_of(ByteVector& to, const ColumnDef& column, const Text& text) {
+    const std::size_t most = pager_.format().long_value.max_inline;
+    const std::size_t at = to.size();
+    // No form has fewer bytes than the text has characters.
+    if (text.size() <= most) {
+        to.resize(at + lv::kReference);
+        append_encoded(to, column, text);
+        const std::size_t length = to.size() - at - lv::kReference;
+        if (length <= most) return store_u32(to, at, static_cast<std::uint32_t>(length) | lv::kInline);
+        to.resize(at);
+    }
+    ByteVector bytes;
+    append_encoded(bytes, column, text);
+    append_bytes(to, write(column, bytes));
+}
+
+void LongValues::append_memo(ByteVector& to, const ColumnDef& column, std::u16string_view text) {
+    append_memo_of(to, column, text);
+}
+
+void LongValues::append_memo(ByteVector& to, const ColumnDef& column, std::string_view ascii) {
+    append_memo_of(to, column, ascii);
 }
 
 std::optional<ByteSpan> LongValues::inline_bytes(ByteSpan reference) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 
 #include "jet/base/bytes.h"
 #include "jet/storage/chain_owners.h"
@@ -27,6 +28,10 @@ public:
     // Stores `bytes` and returns the reference with what follows it. `inline_allowed` false puts even a
     // short value on a page of its own. Inside a transaction.
     ByteVector write(const ColumnDef& column, ByteSpan bytes, bool inline_allowed = true);
+    // Appends what write() would return for the bytes of a memo's text.
+    void append_memo(ByteVector& to, const ColumnDef& column, std::u16string_view text);
+    // The same of a text of nothing but ASCII, which is given in one byte a character.
+    void append_memo(ByteVector& to, const ColumnDef& column, std::string_view ascii);
     // Gives back what the reference leads to. Inside a transaction.
     void release(const ColumnDef& column, ByteSpan reference);
 
@@ -35,6 +40,8 @@ public:
     static ByteVector encode_memo(const ColumnDef& column, std::u16string_view text);
 
 private:
+    template <class Text>
+    void append_memo_of(ByteVector& to, const ColumnDef& column, const Text& text);
     RowId write_single(const ColumnDef& column, ByteSpan bytes);
     ByteVector write_chain(const ColumnDef& column, ByteSpan bytes);
 

@@ -1,6 +1,8 @@
 #include "jet/storage/row_codec.h"
 
 #include <algorithm>
+#include <array>
+#include <span>
 
 #include "jet/base/code_page.h"
 #include "jet/base/jet4.h"
@@ -74,14 +76,14 @@ std::size_t RowReader::short_offset(std::size_t index) const {
 
 namespace {
 
-void append_offsets(ByteVector& row, const std::vector<std::size_t>& offsets) {
-    for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) {
-        append_u16(row, static_cast<std::uint16_t>(*offset));
-    }
+using Offsets = std::span<const std::uint16_t>;
+
+void append_offsets(ByteVector& row, Offsets offsets) {
+    for (std::size_t i = offsets.size(); i-- > 0;) append_u16(row, offsets[i]);
     append_u16(row, static_cast<std::uint16_t>(offsets.size() - 1));
 }
 
-void append_short_offsets(ByteVector& row, const std::vector<std::size_t>& offsets, std::size_t mask) {
+void append_short_offsets(ByteVector& row, Offsets offsets, std::size_t mask) {
     // The jumps count themselves in the length that says how many there are.
     std::size_t jumps = 0;
     for (;;) {
@@ -89,9 +91,7 @@ void append_short_offsets(ByteVector& row, const std::vector<std::size_t>& offse
         if ((length - 1) / kJump == jumps) break;
         jumps = (length - 1) / kJump;
     }
-    for (auto offset = offsets.rbegin(); offset != offsets.rend(); ++offset) {
-        append_u8(row, static_cast<std::uint8_t>(*offset));
-    }
+    for (std::size_t i = offsets.size(); i-- > 0;) append_u8(row, static_cast<std::uint8_t>(offsets[i]));
     for (std::size_t k = jumps; k > 0; --k) {
         const auto first = std::lower_bound(offsets.begin(), offsets.end(), kJump * k);
         append_u8(row, first == offsets.end() ? kNoJump : static_cast<std::uint8_t>(first - offsets.begin()));
@@ -99,51 +99,97 @@ void append_short_offsets(ByteVector& row, const std::vector<std::size_t>& offse
     append_u8(row, static_cast<std::uint8_t>(offsets.size() - 1));
 }
 
-}  // namespace
-
-ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values) {
-    const bool is_short = shape.format->data.row_number_bytes == 1;
-    const std::size_t count_bytes = shape.format->data.row_number_bytes;
-    std::size_t fixed_bytes = 0;
+std::size_t fixed_bytes_of(const RowShape& shape) {
+    std::size_t bytes = 0;
     for (const ColumnDef& column : shape.columns) {
         if (column.is_fixed() && column.type != ColumnType::kBoolean) {
-            fixed_bytes = std::max<std::size_t>(fixed_bytes, column.fixed_offset + column.length_bytes);
+            bytes = std::max<std::size_t>(bytes, column.fixed_offset + column.length_bytes);
         }
     }
-    ByteVector row(count_bytes + fixed_bytes);
-    row[0] = static_cast<std::uint8_t>(shape.max_columns);
-    if (!is_short) store_u16(row, 0, shape.max_columns);
-    ByteVector mask(mask_bytes(shape.max_columns));
-    std::vector<const ByteVector*> variable(shape.variable_columns);
-    for (std::size_t i = 0; i < shape.columns.size(); ++i) {
-        const ColumnDef& column = shape.columns[i];
-        if (i >= values.size() || !values[i]) continue;
-        if (column.type == ColumnType::kBoolean && values[i]->at(0) == 0) continue;
-        mask[column.number / 8] |= static_cast<std::uint8_t>(1 << (column.number % 8));
-        if (column.type == ColumnType::kBoolean) continue;
+    return bytes;
+}
+
+// Builds one row: the fixed values first, then the variable ones in the order of their indexes.
+class RowEncoder {
+public:
+    RowEncoder(const RowShape& shape, const StoredValues& values, ByteVector& row)
+        : shape_(shape), values_(values), row_(row), mask_size_(mask_bytes(shape.max_columns)) {
+        if (shape.max_columns > jet4::kMaxColumns || shape.variable_columns > jet4::kMaxColumns) {
+            corrupt(shape.page, "a table has more columns than it can have");
+        }
+        std::fill_n(mask_.begin(), mask_size_, std::uint8_t{0});
+        std::fill_n(variable_.begin(), shape.variable_columns, kNone);
+    }
+
+    void encode() {
+        const bool is_short = shape_.format->data.row_number_bytes == 1;
+        count_bytes_ = shape_.format->data.row_number_bytes;
+        row_.assign(count_bytes_ + fixed_bytes_of(shape_), 0);
+        row_[0] = static_cast<std::uint8_t>(shape_.max_columns);
+        if (!is_short) store_u16(row_, 0, shape_.max_columns);
+        for (std::size_t i = 0; i < shape_.columns.size() && i < values_.size(); ++i) {
+            if (const auto stored = values_[i]) take(i, *stored);
+        }
+        if (shape_.variable_columns > 0) append_variable(is_short);
+        // A row must be able to become a pointer; zeros before the mask are nobody's.
+        while (row_.size() + mask_size_ < jet4::data::kMinRow) row_.push_back(0);
+        append_bytes(row_, ByteSpan(mask_).first(mask_size_));
+    }
+
+private:
+    static constexpr std::uint16_t kNone = 0xFFFF;
+
+    void take(std::size_t position, ByteSpan stored) {
+        const ColumnDef& column = shape_.columns[position];
+        const bool is_boolean = column.type == ColumnType::kBoolean;
+        if (is_boolean && load_u8(stored, 0) == 0) return;
+        mask_[column.number / 8] |= static_cast<std::uint8_t>(1 << (column.number % 8));
+        if (is_boolean) return;
         if (column.is_fixed()) {
-            store_bytes(row, count_bytes + column.fixed_offset, ByteSpan(*values[i]).first(column.length_bytes));
+            store_bytes(row_, count_bytes_ + column.fixed_offset, slice(stored, 0, column.length_bytes));
         } else {
-            variable[column.variable_index] = &*values[i];
+            variable_[column.variable_index] = static_cast<std::uint16_t>(position);
         }
     }
-    if (shape.variable_columns > 0) {
-        std::vector<std::size_t> offsets;
-        offsets.reserve(variable.size() + 1);
-        for (const ByteVector* value : variable) {
-            offsets.push_back(row.size());
-            if (value) append_bytes(row, *value);
+
+    void append_variable(bool is_short) {
+        std::array<std::uint16_t, jet4::kMaxColumns + 1> offsets;
+        for (std::size_t i = 0; i < shape_.variable_columns; ++i) {
+            offsets[i] = static_cast<std::uint16_t>(row_.size());
+            if (variable_[i] != kNone) append_bytes(row_, *values_[variable_[i]]);
         }
-        offsets.push_back(row.size());
+        offsets[shape_.variable_columns] = static_cast<std::uint16_t>(row_.size());
+        const Offsets used = Offsets(offsets).first(shape_.variable_columns + 1u);
         if (is_short) {
-            append_short_offsets(row, offsets, mask.size());
+            append_short_offsets(row_, used, mask_size_);
         } else {
-            append_offsets(row, offsets);
+            append_offsets(row_, used);
         }
     }
-    // A row must be able to become a pointer; zeros before the mask are nobody's.
-    while (row.size() + mask.size() < jet4::data::kMinRow) row.push_back(0);
-    append_bytes(row, mask);
+
+    const RowShape& shape_;
+    const StoredValues& values_;
+    ByteVector& row_;
+    const std::size_t mask_size_;
+    std::size_t count_bytes_ = 0;
+    std::array<std::uint8_t, jet4::kMaxColumns / 8 + 1> mask_;
+    std::array<std::uint16_t, jet4::kMaxColumns> variable_;  // position of the value of each index
+};
+
+}  // namespace
+
+void encode_row(const RowShape& shape, const StoredValues& values, ByteVector& into) {
+    RowEncoder(shape, values, into).encode();
+}
+
+ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values) {
+    StoredValues stored;
+    stored.clear(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        if (values[i]) stored.refer(i, *values[i]);
+    }
+    ByteVector row;
+    encode_row(shape, stored, row);
     return row;
 }
 
@@ -202,41 +248,61 @@ void decode_value(ByteSpan stored, const ColumnDef& column, Value& into) {
     }
 }
 
+namespace {
+
+// Appends a value that is not Null.
+struct Encoder {
+    ByteVector& to;
+    const ColumnDef& column;
+    const std::size_t begin = to.size();
+
+    void operator()(Null) const {}
+    void operator()(bool v) const { append_u8(to, v ? 1 : 0); }
+    void operator()(std::uint8_t v) const { append_u8(to, v); }
+    void operator()(std::int16_t v) const { append_u16(to, static_cast<std::uint16_t>(v)); }
+    void operator()(std::int32_t v) const { append_u32(to, static_cast<std::uint32_t>(v)); }
+    void operator()(Currency v) const { append_u64(to, static_cast<std::uint64_t>(v.ten_thousandths)); }
+    void operator()(float v) const { append_u32(to, std::bit_cast<std::uint32_t>(v)); }
+    void operator()(double v) const { append_u64(to, std::bit_cast<std::uint64_t>(v)); }
+    void operator()(Date v) const { append_u64(to, std::bit_cast<std::uint64_t>(v.days)); }
+    void operator()(const std::u16string& v) const {
+        const bool fixed = column.is_fixed();
+        if (column.code_page != 0) {
+            append_bytes(to, encode_narrow(v, column.code_page));
+            if (fixed && size() < column.length_bytes) to.resize(begin + column.length_bytes, ' ');
+            return;
+        }
+        if (fixed && begins_like_mark(v)) {
+            fail(errors::kBadConversion,
+                 "The text of fixed length in column '" + to_utf8(column.name) + "' cannot begin with U+FEFF.");
+        }
+        append_text(to, v, !fixed && column.is_compressed());
+        // Fixed text is padded with blanks to its full width.
+        while (fixed && size() + 1 < column.length_bytes) append_u16(to, u' ');
+    }
+    void operator()(const ByteVector& v) const { append_bytes(to, v); }
+    void operator()(const Guid& v) const { append_bytes(to, v.bytes); }
+    void operator()(const Numeric& v) const { append_bytes(to, v.bytes); }
+
+    std::size_t size() const { return to.size() - begin; }
+};
+
+}  // namespace
+
+void append_value(ByteVector& to, const Value& value, const ColumnDef& column) {
+    const Encoder encoder{to, column};
+    std::visit(encoder, value);
+    if (column.is_fixed() && encoder.size() < column.length_bytes) to.resize(encoder.begin + column.length_bytes);
+}
+
+void append_ascii(ByteVector& to, std::string_view text, const ColumnDef& column) {
+    if (column.code_page != 0) return append_ascii_bytes(to, text);
+    append_ascii(to, text, column.is_compressed());
+}
+
 ByteVector encode_value(const Value& value, const ColumnDef& column) {
     ByteVector bytes;
-    struct Encoder {
-        ByteVector& to;
-        const ColumnDef& column;
-        void operator()(Null) const {}
-        void operator()(bool v) const { append_u8(to, v ? 1 : 0); }
-        void operator()(std::uint8_t v) const { append_u8(to, v); }
-        void operator()(std::int16_t v) const { append_u16(to, static_cast<std::uint16_t>(v)); }
-        void operator()(std::int32_t v) const { append_u32(to, static_cast<std::uint32_t>(v)); }
-        void operator()(Currency v) const { append_u64(to, static_cast<std::uint64_t>(v.ten_thousandths)); }
-        void operator()(float v) const { append_u32(to, std::bit_cast<std::uint32_t>(v)); }
-        void operator()(double v) const { append_u64(to, std::bit_cast<std::uint64_t>(v)); }
-        void operator()(Date v) const { append_u64(to, std::bit_cast<std::uint64_t>(v.days)); }
-        void operator()(const std::u16string& v) const {
-            const bool fixed = column.is_fixed();
-            if (column.code_page != 0) {
-                to = encode_narrow(v, column.code_page);
-                if (fixed && to.size() < column.length_bytes) to.resize(column.length_bytes, ' ');
-                return;
-            }
-            if (fixed && begins_like_mark(v)) {
-                fail(errors::kBadConversion,
-                     "The text of fixed length in column '" + to_utf8(column.name) + "' cannot begin with U+FEFF.");
-            }
-            to = encode_text(v, !fixed && column.is_compressed());
-            // Fixed text is padded with blanks to its full width.
-            while (fixed && to.size() + 1 < column.length_bytes) append_u16(to, u' ');
-        }
-        void operator()(const ByteVector& v) const { to = v; }
-        void operator()(const Guid& v) const { append_bytes(to, v.bytes); }
-        void operator()(const Numeric& v) const { append_bytes(to, v.bytes); }
-    };
-    std::visit(Encoder{bytes, column}, value);
-    if (column.is_fixed() && bytes.size() < column.length_bytes) bytes.resize(column.length_bytes);
+    append_value(bytes, value, column);
     return bytes;
 }
 

@@ -2,16 +2,17 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include "jet/base/bytes.h"
 #include "jet/base/types.h"
 #include "jet/storage/row_shape.h"
+#include "jet/storage/stored_values.h"
 
 namespace jet {
 
-// One column's stored form: nothing for Null. A boolean is one byte, 0 or 1. A long value is its
-// 12-byte reference with what follows inline.
+// One column's stored form alone: nothing for Null.
 using StoredValue = std::optional<ByteVector>;
 
 // Read access to a row's bytes. What a value needs of them is checked when it is asked for (3049).
@@ -61,6 +62,7 @@ private:
 
 // A row of the table's present shape; `values` by position in shape.columns. How long a row may be is the
 // caller's to check.
+void encode_row(const RowShape& shape, const StoredValues& values, ByteVector& into);
 ByteVector encode_row(const RowShape& shape, const std::vector<StoredValue>& values);
 
 // The text of a column that holds texts, in whichever form the column has them, into a text whose memory is used again.
@@ -71,5 +73,9 @@ Value decode_value(ByteSpan stored, const ColumnDef& column);
 // As above, into a value whose memory is used again where it held a text before.
 void decode_value(ByteSpan stored, const ColumnDef& column, Value& into);
 ByteVector encode_value(const Value& value, const ColumnDef& column);
+// As above, at the end of `to`.
+void append_value(ByteVector& to, const Value& value, const ColumnDef& column);
+// The same of a text of nothing but ASCII, which is given in one byte a character, of a column of variable length.
+void append_ascii(ByteVector& to, std::string_view text, const ColumnDef& column);
 
 }  // namespace jet

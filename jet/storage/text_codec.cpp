@@ -1,6 +1,8 @@
 #include "jet/storage/text_codec.h"
 
 #include <algorithm>
+#include <cstring>
+#include <type_traits>
 
 #include "jet/base/error.h"
 #include "jet/base/types.h"
@@ -16,21 +18,30 @@ constexpr auto& kMark = jet4::text::kCompressedMark;
 
 bool is_narrow(char16_t c) { return c >= 1 && c <= 0xFF; }
 
+// The compressed form is for texts longer than this.
+constexpr std::size_t kShortest = 2;
+
 bool compressible(std::u16string_view text) {
-    return text.size() > 2 && std::all_of(text.begin(), text.end(), is_narrow);
+    return text.size() > kShortest && std::all_of(text.begin(), text.end(), is_narrow);
 }
 
-void append_unit(ByteVector& bytes, char16_t c) {
-    bytes.push_back(static_cast<std::uint8_t>(c));
-    bytes.push_back(static_cast<std::uint8_t>(c >> 8));
+MutableByteSpan append_room(ByteVector& to, std::size_t bytes) {
+    to.resize(to.size() + bytes);
+    return MutableByteSpan(to).last(bytes);
+}
+
+template <class Text>
+void append_units(ByteVector& to, const Text& text) {
+    std::uint8_t* at = append_room(to, 2 * text.size()).data();
+    for (const auto c : text) {
+        const auto unit = static_cast<std::make_unsigned_t<decltype(c)>>(c);
+        *at++ = static_cast<std::uint8_t>(unit);
+        *at++ = static_cast<std::uint8_t>(unit >> 8);
+    }
 }
 
 // Two bytes a character up to the last one that needs them, then one.
-ByteVector encode_toggling(std::u16string_view text) {
-    ByteVector bytes;
-    bytes.reserve(2 * text.size() + 4);
-    append_bytes(bytes, kMark);
-    bytes.push_back(0);
+void append_toggling(ByteVector& to, std::u16string_view text) {
     std::size_t wide = text.size();
     while (is_narrow(text[wide - 1])) --wide;
     for (const char16_t c : text.substr(0, wide)) {
@@ -38,12 +49,13 @@ ByteVector encode_toggling(std::u16string_view text) {
             fail(errors::kBadConversion, "A text that begins with U+FEFF and holds '" + to_utf8({&c, 1}) +
                                              "' cannot be kept: the format has no form for both.");
         }
-        append_unit(bytes, c);
     }
-    if (wide == text.size()) return bytes;
-    bytes.push_back(0);
-    for (const char16_t c : text.substr(wide)) bytes.push_back(static_cast<std::uint8_t>(c));
-    return bytes;
+    append_bytes(to, kMark);
+    to.push_back(0);
+    append_units(to, text.substr(0, wide));
+    if (wide == text.size()) return;
+    to.push_back(0);
+    for (const char16_t c : text.substr(wide)) to.push_back(static_cast<std::uint8_t>(c));
 }
 
 #ifdef __SSE2__
@@ -147,21 +159,42 @@ bool copy_bytes(const std::uint8_t* at, std::size_t count, char* to) {
 
 bool begins_like_mark(std::u16string_view text) { return text.starts_with(u'\uFEFF'); }
 
+void append_text(ByteVector& to, std::u16string_view text, bool compress) {
+    if (begins_like_mark(text)) return append_toggling(to, text);
+    if (!compress || !compressible(text)) return append_units(to, text);
+    append_bytes(to, kMark);
+    std::transform(text.begin(), text.end(), append_room(to, text.size()).begin(),
+                   [](char16_t c) { return static_cast<std::uint8_t>(c); });
+}
+
+void append_ascii(ByteVector& to, std::string_view text, bool compress) {
+    if (!compress || text.size() <= kShortest) return append_units(to, text);
+    append_bytes(to, kMark);
+    append_ascii_bytes(to, text);
+}
+
 ByteVector encode_text(std::u16string_view text, bool compress) {
-    if (begins_like_mark(text)) return encode_toggling(text);
     ByteVector bytes;
-    if (compress && compressible(text)) {
-        bytes.reserve(text.size() + 2);
-        append_bytes(bytes, kMark);
-        for (char16_t c : text) bytes.push_back(static_cast<std::uint8_t>(c));
-        return bytes;
-    }
-    bytes.resize(2 * text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        bytes[2 * i] = static_cast<std::uint8_t>(text[i]);
-        bytes[2 * i + 1] = static_cast<std::uint8_t>(text[i] >> 8);
-    }
+    append_text(bytes, text, compress);
     return bytes;
+}
+
+bool is_ascii(std::string_view text) {
+    constexpr std::uint64_t kHighBits = 0x8080808080808080;
+    constexpr std::uint64_t kOnes = 0x0101010101010101;
+    // A byte that is no character of ASCII, or NUL, leaves a high bit: taking 1 from NUL borrows from above.
+    std::uint64_t seen = 0;
+    std::size_t at = 0;
+    for (; at + sizeof seen <= text.size(); at += sizeof seen) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, text.data() + at, sizeof word);
+        seen |= word | (word - kOnes);
+    }
+    for (; at < text.size(); ++at) {
+        const auto byte = static_cast<std::uint8_t>(text[at]);
+        seen |= byte | (byte - 1u);
+    }
+    return (seen & kHighBits) == 0;
 }
 
 std::u16string decode_text(ByteSpan bytes) {
@@ -179,9 +212,15 @@ void decode_text(ByteSpan bytes, std::u16string& text) {
         }
         return;
     }
+    bytes = bytes.subspan(sizeof kMark);
+    if (std::memchr(bytes.data(), 0, bytes.size()) == nullptr) {
+        text.resize(bytes.size());
+        std::copy(bytes.begin(), bytes.end(), text.begin());
+        return;
+    }
     text.reserve(bytes.size());
     bool one_byte = true;  // a zero byte toggles between one and two bytes a character
-    for (std::size_t i = 2; i < bytes.size();) {
+    for (std::size_t i = 0; i < bytes.size();) {
         if (bytes[i] == 0) {
             one_byte = !one_byte;
             ++i;

@@ -15,6 +15,14 @@ namespace jet {
 // them U+0001..U+00FF). Text that begins like the mark takes the toggling form in any case; with a character U+xx00 in
 // it, which that form cannot say, 3421.
 ByteVector encode_text(std::u16string_view text, bool compress);
+// As above, at the end of `to`.
+void append_text(ByteVector& to, std::u16string_view text, bool compress);
+// The same of a text of nothing but ASCII, which is given in one byte a character.
+void append_ascii(ByteVector& to, std::string_view text, bool compress);
+// Its bytes as they are, as in every code page.
+inline void append_ascii_bytes(ByteVector& to, std::string_view text) {
+    append_bytes(to, {reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
 // Whether the first character is U+FEFF, which as plain text would be taken for the mark.
 bool begins_like_mark(std::u16string_view text);
 // Accepts every form, the toggling one included; an odd last byte is ignored.
@@ -27,7 +35,9 @@ inline bool is_marked(ByteSpan bytes) {
     constexpr auto& kMark = jet4::text::kCompressedMark;
     return bytes.size() >= 2 && bytes[0] == kMark[0] && bytes[1] == kMark[1];
 }
-// Most texts are ASCII, the same in every code page. How many characters a stored text has if it is nothing but that.
+// Whether the text is nothing but ASCII without NUL. Such a text is the same in every code page.
+bool is_ascii(std::string_view text);
+// Most texts are that. How many characters a stored text has if it is nothing but that.
 inline std::size_t ascii_length(ByteSpan bytes) { return is_marked(bytes) ? bytes.size() - 2 : bytes.size() / 2; }
 // Writes its characters, as many as that, to `to`. False, and `to` holds nothing of use, where one is not ASCII, or
 // NUL.

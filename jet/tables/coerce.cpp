@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 
 #include "jet/base/code_page.h"
 
@@ -117,6 +118,11 @@ bool is_of_column(const ColumnDef& column, const Value& value) {
 }
 
 }  // namespace
+
+void coerce_in_place(const ColumnDef& column, Value& value) {
+    const bool stays = is_of_column(column, value) || (is_null(value) && column.type != ColumnType::kBoolean);
+    if (!stays) value = coerce_value(column, std::move(value));
+}
 
 Value coerce_value(const ColumnDef& column, Value value) {
     if (is_of_column(column, value)) return value;

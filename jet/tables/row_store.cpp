@@ -128,14 +128,18 @@ std::optional<RowId> RowStore::next(RowId after, Reading* reading) const {
     return std::nullopt;
 }
 
+std::optional<RowStore::Place> RowStore::locate(RowId row, RowView& into) const {
+    Page page;
+    const auto place = locate(row, page);
+    if (!place) return std::nullopt;
+    const DataPage data(page.bytes(), place->body.page);
+    into.fill(*storage_, *def_, row, data.row(data.slot(place->body.slot)));
+    return place;
+}
+
 bool RowStore::read(RowId row, RowView& into) const {
     try {
-        Page page;
-        const auto place = locate(row, page);
-        if (!place) return false;
-        const DataPage data(page.bytes(), place->body.page);
-        into.fill(*storage_, *def_, row, data.row(data.slot(place->body.slot)));
-        return true;
+        return locate(row, into).has_value();
     } catch (const Error& error) {
         if (!storage_->passes_over(row.page, error)) throw;
         return false;

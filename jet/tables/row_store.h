@@ -47,7 +47,9 @@ public:
         Page body;
         return locate(row, body);
     }
-    // As above, with the row's bytes; where damage is passed over, false for a row that cannot be read.
+    // As above, with the row's bytes.
+    std::optional<Place> locate(RowId row, RowView& into) const;
+    // Whether there is the row, and its bytes; where damage is passed over, false for one that cannot be read.
     bool read(RowId row, RowView& into) const;
     bool exists(RowId row) const;
     // Visits the rows of the first page at or after `from`, and gives the page; none after the last one. `pages` is of

@@ -36,9 +36,8 @@ Table::Parts& Table::writable_parts() const {
 
 // Fails with 3167 when the row is gone.
 void Table::find(RowId row, OldRow& into) const {
-    const RowStore& rows = parts().rows;
-    const auto place = rows.locate(row);
-    if (!place || !rows.read(row, into.view)) fail(errors::kRowDeleted, "The row has been deleted.");
+    const auto place = parts().rows.locate(row, into.view);
+    if (!place) fail(errors::kRowDeleted, "The row has been deleted.");
     into.place = *place;
 }
 
@@ -91,52 +90,92 @@ void Table::store_counts(TableDef& def) {
     definitions_.store_counts(def);
 }
 
-StoredValue Table::stored_value(const ColumnDef& column, const Value& value) const {
-    if (is_null(value)) return std::nullopt;
-    if (!column.is_long()) return encode_value(value, column);
-    const auto* text = std::get_if<std::u16string>(&value);
-    return storage_.long_values().write(column,
-                                        text ? LongValues::encode_memo(column, *text) : std::get<ByteVector>(value));
+// Whether the text's bytes are what the column stores, and nobody asks for its value.
+bool Table::is_stored_as_is(const AsciiText& text) const {
+    const ColumnDef& column = parts().def.columns.at(text.position);
+    const bool is_text = column.type == ColumnType::kText || column.type == ColumnType::kMemo;
+    if (!is_text || text.text.empty() || column.is_fixed() || column.is_autonumber()) return false;
+    if (column.type == ColumnType::kText && text.text.size() > column.most_characters()) return false;
+    return !parts().indexes.has_column(column.number);
 }
 
-ByteVector Table::encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const {
+void Table::store(std::size_t position, const Value& value, std::string_view text) {
+    const ColumnDef& column = parts().def.columns[position];
+    if (text.empty() && is_null(value)) return stored_.set_null(position);
+    stored_.set(position, [&](ByteVector& to) {
+        if (!column.is_long()) return text.empty() ? append_value(to, value, column) : append_ascii(to, text, column);
+        LongValues long_values = storage_.long_values();
+        if (!text.empty()) return long_values.append_memo(to, column, text);
+        if (const auto* wide = std::get_if<std::u16string>(&value)) return long_values.append_memo(to, column, *wide);
+        append_bytes(to, long_values.write(column, std::get<ByteVector>(value)));
+    });
+}
+
+// The values are those of a row that stays where it is until the new one is encoded.
+void Table::refer_to(const RowReader& row) {
+    const std::vector<ColumnDef>& columns = parts().def.columns;
+    stored_.clear(columns.size());
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        if (const auto bytes = row.stored(columns[i])) stored_.refer(i, *bytes);
+    }
+}
+
+// The row of what is stored: good until the next one.
+ByteSpan Table::encode_fitting(const TableDef& def) {
     const std::size_t most_bytes = def.format->data.max_row;
-    ByteVector row = encode_row(def, stored);
+    encode_row(def, stored_, row_);
     LongValues long_values = storage_.long_values();
     // A row that is too long gives its inline long values away, one by one.
-    for (std::size_t i = 0; i < stored.size() && row.size() > most_bytes; ++i) {
+    for (std::size_t i = 0; i < stored_.size() && row_.size() > most_bytes; ++i) {
         const ColumnDef& column = def.columns[i];
-        if (!column.is_long() || !stored[i] || stored[i]->size() <= jet4::long_value::kReference) continue;
-        stored[i] = long_values.write(column, long_values.read(*stored[i]), false);
-        row = encode_row(def, stored);
+        if (!column.is_long() || !stored_[i] || stored_[i]->size() <= jet4::long_value::kReference) continue;
+        const ByteVector reference = long_values.write(column, long_values.read(*stored_[i]), false);
+        stored_.set(i, [&](ByteVector& to) { append_bytes(to, reference); });
+        encode_row(def, stored_, row_);
     }
-    if (row.size() > most_bytes) {
+    if (row_.size() > most_bytes) {
         fail(errors::kRowTooLarge, "A row of table '" + to_utf8(def.name) +
-                                       "' would be too large: " + std::to_string(row.size()) + " of at most " +
+                                       "' would be too large: " + std::to_string(row_.size()) + " of at most " +
                                        std::to_string(most_bytes) + " bytes.");
     }
-    return row;
+    return row_;
 }
 
-RowId Table::insert(std::vector<Value> values) {
-    auto& [def, rows, indexes, maps] = writable_parts();
+// Gives the texts that are stored as they are, by position; the others have become values.
+std::vector<std::string_view> Table::check_row(std::vector<Value>& values, std::span<const AsciiText> texts) {
+    const TableDef& def = parts().def;
     values.resize(def.columns.size());
+    std::vector<std::string_view> as_is(values.size());
+    for (const AsciiText& text : texts) {
+        if (is_stored_as_is(text)) {
+            as_is[text.position] = text.text;
+        } else {
+            values[text.position] = std::u16string(text.text.begin(), text.text.end());
+        }
+    }
     for (std::size_t i = 0; i < values.size(); ++i) {
+        if (!as_is[i].empty()) continue;
         const ColumnDef& column = def.columns[i];
         const bool numbers_itself = column.is_autonumber() && column.type == ColumnType::kLong;
         if (numbers_itself && is_null(values[i])) values[i] = take_autonumber();
-        values[i] = coerce_value(column, std::move(values[i]));
+        coerce_in_place(column, values[i]);
         if (numbers_itself) autonumber_ = std::max(autonumber_, std::get<std::int32_t>(values[i]));
         validate(i, values[i]);
     }
+    return as_is;
+}
+
+RowId Table::insert(std::vector<Value> values, std::span<const AsciiText> texts) {
+    auto& [def, rows, indexes, maps] = writable_parts();
+    const std::vector<std::string_view> as_is = check_row(values, texts);
     indexes.check(values, nullptr);
     const ColumnMaps::Keys map_keys = maps.keys([&](std::size_t position) -> const Value& { return values[position]; });
     const ColumnMaps::Keys no_map_keys = maps.no_keys();
 
     Transaction transaction(storage_.pager());
-    std::vector<StoredValue> stored(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) stored[i] = stored_value(def.columns[i], values[i]);
-    const RowId row = rows.add(encode_fitting(def, stored));
+    stored_.clear(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) store(i, values[i], as_is[i]);
+    const RowId row = rows.add(encode_fitting(def));
     indexes.change({}, indexes.keys(values), row);
     ++def.row_count;
     store_counts(def);
@@ -148,17 +187,39 @@ RowId Table::insert(std::vector<Value> values) {
     return row;
 }
 
-void Table::update(RowId row, std::span<const ColumnChange> changes) {
+// In the order of their columns, as they are stored.
+std::vector<Table::NewValue> Table::check_changes(std::span<const ColumnChange> changes,
+                                                  std::span<const AsciiText> texts) const {
+    std::vector<NewValue> checked;
+    checked.reserve(changes.size() + texts.size());
+    const auto check = [&](std::size_t position, Value value) {
+        coerce_in_place(parts().def.columns.at(position), value);
+        validate(position, value);
+        checked.push_back({position, std::move(value), {}});
+    };
+    auto text = texts.begin();
+    const auto check_texts_before = [&](std::size_t position) {
+        for (; text != texts.end() && text->position < position; ++text) {
+            if (is_stored_as_is(*text)) {
+                checked.push_back({text->position, {}, text->text});
+            } else {
+                check(text->position, std::u16string(text->text.begin(), text->text.end()));
+            }
+        }
+    };
+    for (const ColumnChange& change : changes) {
+        check_texts_before(change.position);
+        check(change.position, change.value);
+    }
+    check_texts_before(parts().def.columns.size());
+    return checked;
+}
+
+void Table::update(RowId row, std::span<const ColumnChange> changes, std::span<const AsciiText> texts) {
     auto& [def, rows, indexes, maps] = writable_parts();
     OldRow old;
     find(row, old);
-
-    std::vector<std::pair<std::size_t, Value>> new_values;
-    for (const ColumnChange& change : changes) {
-        Value value = coerce_value(def.columns.at(change.position), change.value);
-        validate(change.position, value);
-        new_values.emplace_back(change.position, std::move(value));
-    }
+    const std::vector<NewValue> new_values = check_changes(changes, texts);
     for (TableWatcher* watcher : watchers_) watcher->row_changing(row);
 
     TableIndexes::Keys old_keys;
@@ -166,31 +227,29 @@ void Table::update(RowId row, std::span<const ColumnChange> changes) {
     if (!indexes.empty()) {
         key_values = indexes.key_values(old.view);
         old_keys = indexes.keys(key_values);
-        for (const auto& [position, value] : new_values) key_values[position] = value;
+        for (const NewValue& changed : new_values) key_values[changed.position] = changed.value;
         indexes.check(key_values, &old_keys);
     }
-    std::vector<StoredValue> stored(def.columns.size());
-    for (std::size_t i = 0; i < stored.size(); ++i) {
-        if (const auto bytes = old.view.reader().stored(def.columns[i]))
-            stored[i].emplace(bytes->begin(), bytes->end());
-    }
-
     const ColumnMaps::Keys old_map_keys = maps.keys([&](std::size_t position) { return old.view.value(position); });
     const ColumnMaps::Keys new_map_keys = maps.keys([&](std::size_t position) {
-        for (auto change = new_values.rbegin(); change != new_values.rend(); ++change) {
-            if (change->first == position) return change->second;
+        for (auto changed = new_values.rbegin(); changed != new_values.rend(); ++changed) {
+            if (changed->position == position) return changed->value;
         }
         return old.view.value(position);
     });
 
     Transaction transaction(storage_.pager());
+    refer_to(old.view.reader());
     std::vector<std::pair<std::size_t, ByteVector>> replaced;  // long values to give back
-    for (const auto& [position, value] : new_values) {
-        const ColumnDef& column = def.columns[position];
-        if (column.is_long() && stored[position]) replaced.emplace_back(position, std::move(*stored[position]));
-        stored[position] = stored_value(column, value);
+    for (const NewValue& changed : new_values) {
+        const std::size_t position = changed.position;
+        const auto reference = stored_[position];
+        if (def.columns[position].is_long() && reference) {
+            replaced.emplace_back(position, ByteVector(reference->begin(), reference->end()));
+        }
+        store(position, changed.value, changed.text);
     }
-    rows.replace(old.place, encode_fitting(def, stored));
+    rows.replace(old.place, encode_fitting(def));
     LongValues long_values = storage_.long_values();
     for (const auto& [position, reference] : replaced) long_values.release(def.columns[position], reference);
     if (!indexes.empty()) {
@@ -277,17 +336,17 @@ void Table::rewrite_rows(const TableDef& old_def, bool numbers) {
         const auto place = rows.locate(id);
         if (!place || !rows.read(id, view)) continue;
         const RowReader reader(view.bytes(), old_def);
-        std::vector<StoredValue> stored(def.columns.size());
+        stored_.clear(def.columns.size());
         for (const ColumnDef& column : old_def.columns) {
             const auto position = def.column_by_number(column.number);
             const auto bytes = reader.stored(column);
-            if (position && bytes) stored[*position].emplace(bytes->begin(), bytes->end());
+            if (position && bytes) stored_.refer(*position, *bytes);
         }
         if (numbers) {
             const auto position = def.column_by_number(static_cast<std::uint16_t>(def.max_columns - 1));
-            stored[*position] = encode_value(++number, def.columns[*position]);
+            store(*position, ++number, {});
         }
-        rows.replace(*place, encode_fitting(def, stored));
+        rows.replace(*place, encode_fitting(def));
     }
     if (!numbers) return;
     autonumber_ = number;

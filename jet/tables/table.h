@@ -13,6 +13,8 @@
 #include "jet/schema/table_rows.h"
 #include "jet/storage/row_view.h"
 #include "jet/storage/storage.h"
+#include "jet/storage/stored_values.h"
+#include "jet/tables/ascii_text.h"
 #include "jet/tables/column_maps.h"
 #include "jet/tables/row_store.h"
 #include "jet/tables/table_indexes.h"
@@ -47,8 +49,13 @@ public:
 
     // 3616 when an index of the table is in an order that this engine does not keep, and so nothing can be written.
     void require_writable() const { static_cast<void>(writable_parts()); }
-    RowId insert(std::vector<Value> values) override;
-    void update(RowId row, std::span<const ColumnChange> changes) override;
+    RowId insert(std::vector<Value> values) override { return insert(std::move(values), {}); }
+    void update(RowId row, std::span<const ColumnChange> changes) override { update(row, changes, {}); }
+    // As above, where each of `texts` stands for its column's value, which is not looked at, and must not be among the
+    // changes. Texts and changes are in the order of their columns. What is stored, and every error, is as if the texts
+    // were values; where the column allows it, their bytes go straight into the row.
+    RowId insert(std::vector<Value> values, std::span<const AsciiText> texts);
+    void update(RowId row, std::span<const ColumnChange> changes, std::span<const AsciiText> texts);
     void erase(RowId row);
 
     // The next auto-number, never handed out again.
@@ -115,8 +122,19 @@ private:
     Parts& writable_parts() const;
     void refresh() const;
     void find(RowId row, OldRow& into) const;
-    ByteVector encode_fitting(const TableDef& def, std::vector<StoredValue>& stored) const;
-    StoredValue stored_value(const ColumnDef& column, const Value& value) const;
+
+    // A checked value: a text in its narrow form, or where that is empty `value`.
+    struct NewValue {
+        std::size_t position = 0;
+        Value value;
+        std::string_view text;
+    };
+    bool is_stored_as_is(const AsciiText& text) const;
+    std::vector<std::string_view> check_row(std::vector<Value>& values, std::span<const AsciiText> texts);
+    std::vector<NewValue> check_changes(std::span<const ColumnChange> changes, std::span<const AsciiText> texts) const;
+    void store(std::size_t position, const Value& value, std::string_view text);
+    void refer_to(const RowReader& row);
+    ByteSpan encode_fitting(const TableDef& def);
     void store_counts(TableDef& def);
     void grow_map(std::size_t position, std::optional<std::uint64_t> wanted);
 
@@ -126,6 +144,9 @@ private:
     mutable bool stale_ = false;
     mutable std::int32_t autonumber_ = 0;  // highest one handed out
     std::vector<TableWatcher*> watchers_;
+    // Of the row that is being written; for their memory.
+    StoredValues stored_;
+    ByteVector row_;
 };
 
 }  // namespace jet

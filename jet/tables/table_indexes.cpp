@@ -11,6 +11,15 @@ Index TableIndexes::tree(const RealIndex& index) const {
     return {storage_->pager(), storage_->allocator(), def_->page, index.root, index.map};
 }
 
+bool TableIndexes::has_column(std::uint16_t number) const {
+    for (const RealIndex& index : def_->real_indexes) {
+        for (const KeyColumn& key : index.columns) {
+            if (key.column_number == number) return true;
+        }
+    }
+    return false;
+}
+
 void TableIndexes::require_maintainable() const {
     for (const RealIndex& index : def_->real_indexes) {
         if (const auto reason = why_not_maintainable(index, *def_)) {

@@ -24,6 +24,8 @@ public:
     TableIndexes(Storage& storage, TableDef& def) : storage_(&storage), def_(&def) {}
 
     bool empty() const { return def_->real_indexes.empty(); }
+    // Whether a key takes the value of the column with this number.
+    bool has_column(std::uint16_t number) const;
     // Fails where a tree is in an order that this engine does not know.
     void require_maintainable() const;
     // Compares all entries of the trees in an order whose weights are proved for few letters with what the rows give,

@@ -17,4 +17,14 @@ TEST_F(GearFieldExchange, records_are_as_by_values) {
     compare(gear::kRentals);
 }
 
+TEST_F(GearFieldExchange, files_written_are_those_written_by_values) {
+    write_both(gear::kGear);
+    write_both(gear::kServices);
+    write_both(gear::kRepairs);
+    write_both(gear::kCategories);
+    write_both(gear::kRentalsInPart);
+    write_both(gear::kRentals);
+    expect_same_files();
+}
+
 }  // namespace

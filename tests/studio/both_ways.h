@@ -5,10 +5,14 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <limits>
 #include <random>
 #include <string>
 
+#include "jet/base/jet4.h"
 #include "studio/record_table.h"
 #include "tests/studio/studio_test_support.h"
 
@@ -47,7 +51,61 @@ protected:
         }
     }
 
+    // Adds and changes rows of records made at random in a file and in its twin, in one through the exchange and in the
+    // other by values.
+    template <class Record>
+    void write_both(const studio::TableMapping<Record>& mapping, int rounds = 40) {
+        SCOPED_TRACE(mapping.table);
+        open_twins();
+        CDaoDatabase& file = database_with(mapping.table);
+        CDaoRecordset exchanged(&file);
+        CDaoRecordset valued(&file == &file_ ? &twin_ : &invoice_twin_);
+        int rows = 0;
+        for (int round = 0; round < rounds; ++round) {
+            Record record;
+            for (const auto& column : mapping.write) {
+                studio::visit_member(column, record, [&](auto& m) { make_up(m); });
+            }
+            const int changed = below(2) == 0 || rows == 0 ? -1 : static_cast<int>(below(rows));
+            for (CDaoRecordset* set : {&exchanged, &valued}) {
+                set->Open(dbOpenDynaset, mapping.table, 0);
+                for (int i = 0; i < changed; ++i) set->MoveNext();
+                changed < 0 ? set->AddNew() : set->Edit();
+            }
+            EXPECT_EQ(studio::write_columns(exchanged, mapping.write, record),
+                      write_values(valued, mapping.write, record));
+            const int failure = error_of([&] { exchanged.Update(); });
+            EXPECT_EQ(error_of([&] { valued.Update(); }), failure) << "round " << round;
+            if (failure == 0 && changed < 0) ++rows;
+        }
+        EXPECT_GT(rows, 0);
+    }
+    void expect_same_files() {
+        for (CDaoDatabase* file : {&file_, &twin_, &invoices_, &invoice_twin_}) file->Close();
+        EXPECT_TRUE(bytes_of("studio.mdb") == bytes_of("twin.mdb"));
+        EXPECT_TRUE(bytes_of("invoices.mdb") == bytes_of("invoice_twin.mdb"));
+    }
+
 private:
+    void open_twins() {
+        if (twin_.IsOpen()) return;
+        const auto open_twin = [&](CDaoDatabase& file, const char* name, CDaoDatabase& twin, const char* twin_name) {
+            file.Close();
+            std::filesystem::copy_file(path(name), path(twin_name));
+            file.Open(path(name).c_str());
+            twin.Open(path(twin_name).c_str());
+        };
+        open_twin(file_, "studio.mdb", twin_, "twin.mdb");
+        open_twin(invoices_, "invoices.mdb", invoice_twin_, "invoice_twin.mdb");
+    }
+    // Without the change counter, which starts at random.
+    std::string bytes_of(const char* name) const {
+        std::ifstream file(path(name), std::ios::binary);
+        std::string bytes{std::istreambuf_iterator<char>(file), {}};
+        constexpr std::size_t kCounter = jet::jet4::kObjectsPage * jet::jet4::kPageSize + jet::jet4::tdef::kFiller;
+        return bytes.replace(kCounter, 8, 8, '\0');
+    }
+
     CDaoDatabase& database_with(const char* table) {
         CDaoRecordset rows(&file_);
         return error_of([&] { rows.Open(dbOpenDynaset, table, 0); }) == 0 ? file_ : invoices_;
@@ -177,5 +235,7 @@ private:
     }
 
     CDaoDatabase invoices_;
+    CDaoDatabase twin_;
+    CDaoDatabase invoice_twin_;
     std::mt19937 random_{11};
 };

@@ -69,6 +69,50 @@ TEST_F(FieldExchange, another_code_page_is_as_by_values) {
     compare(kProjects);
 }
 
+TEST_F(FieldExchange, files_written_are_those_written_by_values) {
+    write_both(kProjects, 100);
+    write_both(kSongs);
+    write_both(kTracks);
+    write_both(kMixFiles);
+    write_both(kSessions);
+    write_both(kParticipants);
+    write_both(kBookings);
+    write_both(kRooms);
+    write_both(kEngineers);
+    write_both(kSequencers);
+    write_both(kClients, 100);
+    write_both(kContactCategories);
+    write_both(kMessages);
+    write_both(studio::kServices);
+    write_both(kTrackTypes);
+    write_both(kProjectTypes);
+    write_both(kTrackDestinations);
+    write_both(kEquipmentActions);
+    expect_same_files();
+}
+
+TEST_F(FieldExchange, files_of_stock_and_media_written_are_those_written_by_values) {
+    write_both(kStock);
+    write_both(kSupply);
+    write_both(kStockTypes);
+    write_both(kEquipment);
+    write_both(kInvoices, 100);
+    write_both(kInvoiceLines);
+    write_both(kProjPayments);
+    write_both(kProjActivities);
+    write_both(kLibraryGroups);
+    write_both(kMediaLibraries);
+    write_both(kMediaFiles);
+    expect_same_files();
+}
+
+TEST_F(FieldExchange, files_written_in_another_code_page_are_those_written_by_values) {
+    os::set_code_page(os::CodePage::kUtf8);
+    write_both(kSongs);
+    write_both(kProjects);
+    expect_same_files();
+}
+
 // A column that is not there fails the mapping where it stands, with the columns before it read and written.
 TEST_F(FieldExchange, column_without_a_field_fails_where_it_stands) {
     static constexpr Column<MixInfo> kColumns[] = {

@@ -73,12 +73,7 @@ protected:
         return {};
     }
 
-    const RealIndex& index_of_names() {
-        for (const RealIndex& index : objects().def().real_indexes) {
-            if (has_text(index, objects().def())) return index;
-        }
-        throw std::runtime_error("no index of names");
-    }
+    const RealIndex& index_of_names() { return testing_support::index_of_names(objects()); }
     Index tree() {
         const RealIndex& index = index_of_names();
         return {database_->pager(), database_->allocator(), jet4::kObjectsPage, index.root, index.map};
@@ -97,17 +92,8 @@ protected:
         }
         return {};
     }
-    // Gives every entry another weight for letters, as another order would.
     void sort_by_another_order() {
-        Transaction transaction(database_->pager());
-        for (const auto& [key, row] : entries()) tree().erase(key, row);
-        std::vector<std::pair<ByteVector, RowId>> old;
-        for (auto row = objects().next_row({}); row; row = objects().next_row(*row)) {
-            ByteVector key = make_index_key(index_of_names(), objects().def(), row_values(objects(), *row));
-            for (std::size_t i = kFirstWeight; i + 1 < key.size(); ++i) key[i] = static_cast<std::uint8_t>(key[i] + 3);
-            tree().insert(key, *row);
-        }
-        transaction.commit();
+        testing_support::sort_names_by_another_order(*database_);
         reopen();
     }
 
@@ -133,7 +119,6 @@ protected:
         return reason;
     }
 
-    static constexpr std::size_t kFirstWeight = 6;  // after the parent's number and two flags
     testing_support::TempFolder folder_;
     const std::string path_ = folder_.file("a.mdb");
     std::unique_ptr<Database> database_;

@@ -6,11 +6,17 @@
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "jet/base/code_page.h"
 #include "jet/base/format.h"
 #include "jet/base/jet4.h"
+#include "jet/indexes/index.h"
+#include "jet/indexes/index_key.h"
+#include "jet/tables/database.h"
 
 namespace testing_support {
 
@@ -38,6 +44,34 @@ inline void change_code_page(const std::string& path, std::uint16_t code_page,
     file.clear();
     file.seekp(0);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// The index of the catalogue that has the names.
+inline const jet::RealIndex& index_of_names(const jet::Table& objects) {
+    for (const jet::RealIndex& index : objects.def().real_indexes) {
+        if (jet::has_text(index, objects.def())) return index;
+    }
+    throw std::runtime_error("no index of names");
+}
+
+// Gives the names of the catalogue the keys of another order, in which every letter weighs more.
+inline void sort_names_by_another_order(jet::Database& database) {
+    constexpr std::size_t kFirstWeight = 6;  // after the parent's number and two flags
+    const jet::Table& objects = *database.table_by_page(jet::jet4::kObjectsPage);
+    const jet::RealIndex& index = index_of_names(objects);
+    jet::Index tree(database.pager(), database.allocator(), objects.def().page, index.root, index.map);
+    std::vector<std::pair<jet::ByteVector, jet::RowId>> entries;
+    tree.visit([&](jet::ByteSpan key, jet::RowId row) {
+        entries.emplace_back(jet::ByteVector(key.begin(), key.end()), row);
+        return true;
+    });
+    jet::Transaction transaction(database.pager());
+    for (const auto& [key, row] : entries) tree.erase(key, row);
+    for (auto& [key, row] : entries) {
+        for (std::size_t i = kFirstWeight; i + 1 < key.size(); ++i) key[i] = static_cast<std::uint8_t>(key[i] + 3);
+        tree.insert(key, row);
+    }
+    transaction.commit();
 }
 
 }  // namespace testing_support

@@ -72,7 +72,7 @@ void require_closed(const CDaoDatabase& database) {
 // ---- Contents ------------------------------------------------------------------------------------
 
 BOOL CDaoDatabase::CanAppend() const {
-    return afx::translated([&] { return afx::require_open(this).engine().takes_changes_of_schema(); }) ? TRUE : FALSE;
+    return afx::translated([&] { return afx::require_open(this).engine().why_schema_is_fixed(); }) ? FALSE : TRUE;
 }
 
 // ---- Users ---------------------------------------------------------------------------------------

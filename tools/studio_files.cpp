@@ -166,10 +166,25 @@ std::string StudioFile::missing_text() const {
     return text;
 }
 
+std::string StudioFile::why_not_upgraded() const {
+    if (!exists() || version() == db::kCurrentVersion) return {};
+    const std::optional<OpenedFile> file = look();
+    if (!file) return {};
+    try {
+        const std::optional<std::string> reason = file->database->why_schema_is_fixed();
+        return reason ? *reason + " kvdb compact --to-jet4 makes a file of Jet 4 of it, which can be upgraded"
+                      : std::string();
+    } catch (const jet::Error& error) {
+        if (!is_damage(error.number())) throw;
+        return {};  // the steps meet it too, and tell
+    }
+}
+
 std::vector<const char*> StudioFile::upgrade_plan() const {
     std::vector<const char*> plan;
     const std::optional<std::int32_t> stored = version();
     if (!stored) return plan;  // an upgrade stops at a header without a row
+    if (!why_not_upgraded().empty()) return plan;
     for (const db::UpgradeStep& step : upgrade_) {
         if (step.applies_to(*stored)) plan.push_back(step.effect);
     }

@@ -37,6 +37,9 @@ public:
     // What a file of the current version lacks, after an upgrade that stopped or left something out: tables ("Stock"),
     // then fields ("Stock.Cost"); "" for nothing.
     std::string missing_text() const;
+    // Why an upgrade leaves the file as it is, though it is of another version: what it would add could not be kept in
+    // order. "" where it does not.
+    std::string why_not_upgraded() const;
     // What the next opening by a host would do; empty where that is nothing.
     std::vector<const char*> upgrade_plan() const;
     // Whether a file of the current version has, or may have, the table.

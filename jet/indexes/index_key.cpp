@@ -87,16 +87,26 @@ void append_plain(ByteVector& to, const ColumnDef& column, const Value& value) {
     }
 }
 
+void require_known_key(std::u16string_view text, const ColumnDef& column) {
+    if (is_key_known(text, column)) return;
+    fail(errors::kCannotMaintainIndex, "The place of '" + to_utf8(text) + "' in the index on column '" +
+                                           to_utf8(column.name) + "' is not known: the column is sorted by " +
+                                           described_order(column) + ".");
+}
+
 void append_value(ByteVector& to, const ColumnDef& column, const Value& value, bool ascending, KeyRule rule) {
     switch (column.type) {
         case ColumnType::kText:
-        case ColumnType::kMemo:
+        case ColumnType::kMemo: {
+            const auto& text = expect<std::u16string>(value, column);
+            require_known_key(text, column);
             if (ascending) {
-                append_sort_key(to, expect<std::u16string>(value, column), *text_order(column), rule);
+                append_sort_key(to, text, *text_order(column), rule);
             } else {
-                append_descending_sort_key(to, expect<std::u16string>(value, column), *text_order(column), rule);
+                append_descending_sort_key(to, text, *text_order(column), rule);
             }
             return;
+        }
         case ColumnType::kBinary: append_binary(to, expect<ByteVector>(value, column), ascending); return;
         case ColumnType::kGuid: append_binary(to, textual_order(expect<Guid>(value, column)), ascending); return;
         case ColumnType::kNumeric: append_numeric(to, expect<Numeric>(value, column), ascending); return;
@@ -151,25 +161,6 @@ std::size_t position_of(const KeyColumn& key, const RowShape& shape) {
 
 }  // namespace
 
-std::optional<TextOrder> text_order(const ColumnDef& column) {
-    if (column.lcid != jet4::kGeneralOrder) return std::nullopt;
-    if (column.code_page != 0) {
-        return column.code_page == kWesternCodePage ? std::optional(TextOrder::kGeneral97) : std::nullopt;
-    }
-    if (column.sort_version == 0) return TextOrder::kGeneral;
-    return column.sort_version == jet4::kGeneralVersion1 ? std::optional(TextOrder::kGeneral1) : std::nullopt;
-}
-
-namespace {
-
-std::string described_order(const ColumnDef& column) {
-    std::string order = "order " + std::to_string(column.lcid);
-    if (column.code_page != 0) return order + " in code page " + std::to_string(column.code_page);
-    return order + ", version " + std::to_string(column.sort_version);
-}
-
-}  // namespace
-
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape) {
     for (const KeyColumn& key : index.columns) {
         const auto position = shape.column_by_number(key.column_number);
@@ -187,6 +178,14 @@ bool has_text(const RealIndex& index, const RowShape& shape) {
     return std::any_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
         const ColumnType type = shape.columns[position_of(column, shape)].type;
         return type == ColumnType::kText || type == ColumnType::kMemo;
+    });
+}
+
+bool is_key_known(const RealIndex& index, const RowShape& shape, std::span<const Value> values) {
+    return std::all_of(index.columns.begin(), index.columns.end(), [&](const KeyColumn& column) {
+        const std::size_t position = position_of(column, shape);
+        const auto* text = position < values.size() ? std::get_if<std::u16string>(&values[position]) : nullptr;
+        return text == nullptr || is_key_known(*text, shape.columns[position]);
     });
 }
 

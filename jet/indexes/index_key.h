@@ -18,13 +18,14 @@ namespace jet {
 // for an error text; none when it can.
 std::optional<std::string> why_not_maintainable(const RealIndex& index, const RowShape& shape);
 
-// The order of a text column; none where keys of it are not known.
-std::optional<TextOrder> text_order(const ColumnDef& column);
-
 // Whether texts are among the key's columns.
 bool has_text(const RealIndex& index, const RowShape& shape);
 
-// The key of a row whose values stand in `values` (by position in shape.columns), flag bytes included.
+// Whether the row's key is known: in some orders not every letter's place is.
+bool is_key_known(const RealIndex& index, const RowShape& shape, std::span<const Value> values);
+
+// The key of a row whose values stand in `values` (by position in shape.columns), flag bytes included. 3616 where it is
+// not known.
 ByteVector make_index_key(const RealIndex& index, const RowShape& shape, std::span<const Value> values,
                           KeyRule rule = KeyRule::kOwn);
 

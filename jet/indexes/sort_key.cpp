@@ -171,7 +171,8 @@ void append_sections_of(ByteVector& to, std::u16string_view text, KeyRule rule) 
 
 void append_whole_key(ByteVector& to, std::u16string_view text, TextOrder order, KeyRule rule) {
     switch (order) {
-        case TextOrder::kGeneral97: append_key_97(to, text, rule); return;
+        case TextOrder::kGeneral97:
+        case TextOrder::kLatin97: append_key_97(to, text, rule); return;
         case TextOrder::kGeneral: append_sections_of<Version0>(to, text, rule); break;
         case TextOrder::kGeneral1: append_sections_of<Version1>(to, text, rule); break;
     }
@@ -192,7 +193,7 @@ void append_descending_sort_key(ByteVector& to, std::u16string_view text, TextOr
     const std::size_t start = to.size();
     append_whole_key(to, key_text(text), order, rule);
     for (std::size_t i = start; i < to.size(); ++i) to[i] = static_cast<std::uint8_t>(~to[i]);
-    if (order != TextOrder::kGeneral97) to.push_back(kEndOfText);
+    if (order != TextOrder::kGeneral97 && order != TextOrder::kLatin97) to.push_back(kEndOfText);
 }
 
 }  // namespace jet

@@ -138,6 +138,11 @@ PropertySet Catalog::no_properties() const {
     return set;
 }
 
+bool Catalog::keeps_order_of(const ColumnDef& column) const {
+    const ColumnDef& names = objects_.def().columns[position_of(objects_, columns::kName)];
+    return names.lcid == column.lcid && names.code_page == column.code_page && !objects_.why_not_writable();
+}
+
 PropertySet Catalog::properties(const Object& object) const {
     RowView row;
     if (!objects_.read(object.row, row)) return no_properties();

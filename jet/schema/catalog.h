@@ -80,6 +80,9 @@ public:
     // The next question reads the rows again.
     void forget() { known_.reset(); }
 
+    // Whether the names are sorted by the order of the column, and the engine keeps it.
+    bool keeps_order_of(const ColumnDef& column) const;
+
     PropertySet properties(const Object& object) const;
     LinkTarget link_target(const Object& object) const;
     // An empty set in the file's own form.

@@ -121,6 +121,10 @@ void DefinitionStore::store(const TableDef& def) {
     forget();
 }
 
+bool DefinitionStore::has_proved_order(const TableDef& def, const ColumnDef& column) const {
+    return def.page != jet4::kObjectsPage && catalog_ != nullptr && catalog_->keeps_order_of(column);
+}
+
 void DefinitionStore::store_counts(const TableDef& def) {
     const MutablePage page = storage_.pager().modify(def.page);
     const Format::Definition& layout = storage_.pager().format().definition;

@@ -38,6 +38,9 @@ public:
     // Row count, auto-number and index statistics alone.
     void store_counts(const TableDef& def);
 
+    // Whether the catalogue's index of names shows that the order of the column, which is one of `def`, is known.
+    bool has_proved_order(const TableDef& def, const ColumnDef& column) const;
+
     // Pages have been taken back.
     void forget() { owners_.clear(); }
 

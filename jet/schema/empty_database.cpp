@@ -229,7 +229,10 @@ public:
         header_.format = options.format;
         header_.code_page = options.code_page;
         header_.encryption_key = options.encryption_key;
-        if (options.format->is_jet3()) header_.sort_sub_id = kSortSubId;
+        if (options.format->is_jet3()) {
+            header_.sort_sub_id = kSortSubId;
+            header_.lcid = options.lcid;
+        }
         header_.build = options.engine_build;
         header_.creation_date = options.creation_date;
         header_.password = options.password;

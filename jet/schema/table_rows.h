@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <span>
+#include <string>
 #include <vector>
 
 #include "jet/base/types.h"
@@ -25,6 +26,8 @@ public:
     virtual std::optional<RowId> next_row(RowId after) const = 0;
     // Fills `into`; false when there is no such live row.
     virtual bool read(RowId row, RowView& into) const = 0;
+    // Why rows can only be read, in a sentence; none when they can be written.
+    virtual std::optional<std::string> why_not_writable() const = 0;
     // Adds a row; `values` by position in the definition's columns, absent positions Null. A Null
     // auto-number takes the next number. Checks sizes, required, zero length and unique indexes before
     // anything is written. One transaction of its own (or part of the caller's).

@@ -280,14 +280,11 @@ Table& require_table(Database& database, std::u16string_view name) {
 
 }  // namespace
 
-bool Database::takes_changes_of_schema() {
-    try {
-        for (const PageNumber page : {jet4::kObjectsPage, jet4::kAcesPage}) table_by_page(page)->require_writable();
-        return true;
-    } catch (const Error& error) {
-        if (error.number() != errors::kCannotMaintainIndex) throw;
-        return false;
+std::optional<std::string> Database::why_schema_is_fixed() {
+    for (const PageNumber page : {jet4::kObjectsPage, jet4::kAcesPage}) {
+        if (auto reason = table_by_page(page)->why_not_writable()) return reason;
     }
+    return std::nullopt;
 }
 
 SchemaEditor Database::schema_editor() { return {impl_->storage, impl_->definitions, *impl_->catalog, impl_->header}; }

@@ -54,8 +54,9 @@ public:
     // As above by identity, system tables included.
     Table* table_by_page(PageNumber page);
 
-    // Whether tables and columns can be added and taken away: the catalogue itself may be one that can only be read.
-    bool takes_changes_of_schema();
+    // Why tables and columns cannot be added and taken away, in a sentence: the catalogue itself may be one that can
+    // only be read. None when they can.
+    std::optional<std::string> why_schema_is_fixed();
     // One transaction each. Errors as the framework's: 3010, 3012, 3125, 3264, 3191, 3259, 3190, 3211, 3265, 3280.
     void create_table(std::u16string_view name, std::span<const NewColumn> columns);
     void add_column(std::u16string_view table, const NewColumn& column);

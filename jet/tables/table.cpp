@@ -30,8 +30,20 @@ void Table::refresh() const {
 Table::Parts& Table::writable_parts() const {
     Parts& parts = this->parts();
     parts.indexes.require_maintainable();
-    parts.indexes.prove_orders([&](RowId row, RowView& into) { return parts.rows.read(row, into); });
+    parts.indexes.prove_orders(
+        [&](RowId row, RowView& into) { return parts.rows.read(row, into); },
+        [&](const ColumnDef& column) { return definitions_.has_proved_order(parts.def, column); });
     return parts;
+}
+
+std::optional<std::string> Table::why_not_writable() const {
+    try {
+        static_cast<void>(writable_parts());
+        return std::nullopt;
+    } catch (const Error& error) {
+        if (error.number() != errors::kCannotMaintainIndex) throw;
+        return error.what();
+    }
 }
 
 // Fails with 3167 when the row is gone.

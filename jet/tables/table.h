@@ -47,8 +47,9 @@ public:
     }
     bool exists(RowId row) const { return parts().rows.exists(row); }
 
-    // 3616 when an index of the table is in an order that this engine does not keep, and so nothing can be written.
-    void require_writable() const { static_cast<void>(writable_parts()); }
+    // Why nothing can be written: an index of the table is in an order that this engine does not keep. None when it
+    // can.
+    std::optional<std::string> why_not_writable() const override;
     RowId insert(std::vector<Value> values) override { return insert(std::move(values), {}); }
     void update(RowId row, std::span<const ColumnChange> changes) override { update(row, changes, {}); }
     // As above, where each of `texts` stands for its column's value, which is not looked at, and must not be among the

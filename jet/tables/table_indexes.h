@@ -17,8 +17,15 @@ namespace jet {
 
 class TableIndexes {
 public:
-    // A row's key in each tree, in their order; an empty one where the row has no entry.
-    using Keys = std::vector<ByteVector>;
+    struct Key {
+        ByteVector bytes;      // empty where the row has no entry
+        bool is_known = true;  // otherwise the bytes only tell it from other values', and the entry is found by its row
+
+        friend bool operator==(const Key&, const Key&) = default;
+    };
+    // A row's key in each tree, in their order.
+    using Keys = std::vector<Key>;
+    using ReadRow = std::function<bool(RowId, RowView&)>;
 
     // Both are kept. The counts of distinct keys in `def` follow the trees.
     TableIndexes(Storage& storage, TableDef& def) : storage_(&storage), def_(&def) {}
@@ -28,22 +35,26 @@ public:
     bool has_column(std::uint16_t number) const;
     // Fails where a tree is in an order that this engine does not know.
     void require_maintainable() const;
-    // Compares all entries of the trees in an order whose weights are proved for few letters with what the rows give,
-    // once for each: 3616 where one differs. `read` gives a row.
-    void prove_orders(const std::function<bool(RowId, RowView&)>& read) const;
+    // Compares all entries of the trees in an order that is to be proved with what the rows give, as far as that is
+    // known, once for each: 3616 where one differs. `read` gives a row. `is_proved_elsewhere` says whether the order of
+    // a column holds in another tree of the file, which is asked where a tree has no entry to compare.
+    void prove_orders(const ReadRow& read, const std::function<bool(const ColumnDef&)>& is_proved_elsewhere) const;
     // The row's values as far as an index asks for them, by position.
     std::vector<Value> key_values(const RowView& row) const;
     Keys keys(std::span<const Value> values) const;
     // Before anything is written: no duplicate in a unique index (3022), no Null where an index requires a value
-    // (3314). `old_keys` are those that the row has already, or null.
+    // (3314), no new entry in a place that is not known (3616). `old_keys` are those that the row has already, or null.
     void check(std::span<const Value> values, const Keys* old_keys) const;
     // Inside a transaction. No keys at all: the row is new, or goes.
     void change(const Keys& from, const Keys& to, RowId row);
 
 private:
     Index tree(const RealIndex& index) const;
-    void erase_entry(const RealIndex& index, ByteSpan key, RowId row);
-    void prove(const RealIndex& index, const std::function<bool(RowId, RowView&)>& read) const;
+    void erase_entry(const RealIndex& index, const Key& key, RowId row);
+    // The first column of the index that is sorted by an order to be proved; null when there is none.
+    const ColumnDef* doubtful_column(const RealIndex& index) const;
+    // Returns how many entries were compared.
+    std::size_t prove(const RealIndex& index, const ColumnDef& doubtful, const ReadRow& read) const;
 
     mutable std::set<PageNumber> proved_;  // roots of trees
     Storage* storage_;

@@ -6,7 +6,6 @@
 #include "tests/frame/gate_host.h"
 #include "tests/old_files/file_content.h"
 #include "tests/old_files/old_files.h"
-#include "tests/support/code_page_file.h"
 
 using namespace testing_support;
 
@@ -78,35 +77,6 @@ INSTANTIATE_TEST_SUITE_P(Gate, UpgradeStops, ::testing::ValuesIn(kStops), [](con
     for (char& c : name) c = c == ' ' ? '_' : c;
     return name;
 });
-
-// The lists of tables of both files are in an order that the engine reads and does not keep.
-TEST(UpgradeOfUnknownOrderGate, studio_stays_of_its_version_in_every_value) {
-    for (const std::uint16_t code_page : {std::uint16_t{1251}, std::uint16_t{932}}) {
-        SCOPED_TRACE(code_page);
-        const GateHost host;
-        const UseOldFormat use(jet::kJet3);
-        make_old_studio(host.folder(), 100005);
-        const std::vector<std::string> names = {"sldb.mdb", "kvinvdb.mdb"};
-        std::vector<Content> before;
-        for (const std::string& name : names) {
-            change_code_page(host.file(name), code_page);
-            before.push_back(content_of(host.file(name)));
-        }
-        for (int opening = 0; opening < 2; ++opening) {
-            const auto gate = host.create<IDBgate1>();
-            ASSERT_EQ(gate->OpenDB(), S_OK);
-            LONG version = 0;
-            EXPECT_EQ(gate->GetDBVer(&version), S_OK);
-            EXPECT_EQ(version, 100005);
-            SeqInfo sequencer{};
-            EXPECT_EQ(gate->EnumFirstSequencer(address_of(sequencer)), S_OK);
-            EXPECT_EQ(gate->CloseDB(), S_OK);
-        }
-        for (std::size_t i = 0; i < names.size(); ++i) {
-            EXPECT_EQ(difference(before[i], content_of(host.file(names[i]))), "") << names[i];
-        }
-    }
-}
 
 // An invoice file without a header counts as one of version 0: its upgrade runs, and ends at the header.
 TEST(InvoiceHeaderGate, missing_header_is_version_0_and_the_upgrade_runs) {

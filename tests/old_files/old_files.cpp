@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <cstdlib>
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 #include <vector>
@@ -162,16 +163,28 @@ const char* password_of(OldFile::Kind kind, std::int32_t version) {
 }  // namespace
 
 namespace {
-const jet::Format* used_format = nullptr;
+std::optional<jet::CreateOptions> used_options;
 }
 
-UseOldFormat::UseOldFormat(const jet::Format& format) { used_format = &format; }
-UseOldFormat::~UseOldFormat() { used_format = nullptr; }
+UseOldFormat::UseOldFormat(const jet::Format& format, std::uint16_t code_page, std::uint16_t lcid) {
+    used_options.emplace();
+    used_options->format = &format;
+    used_options->code_page = code_page;
+    used_options->lcid = lcid;
+}
+UseOldFormat::~UseOldFormat() { used_options.reset(); }
 
-const jet::Format& old_file_format() {
-    if (used_format != nullptr) return *used_format;
+jet::CreateOptions old_file_options() {
+    if (used_options) return *used_options;
+    jet::CreateOptions options;
     const char* const wanted = std::getenv("KVDB_OLD_FILES");
-    return wanted != nullptr && std::string_view(wanted) == "jet3" ? jet::kJet3 : jet::kJet4;
+    std::istringstream words(wanted != nullptr ? wanted : "");
+    std::string format, number;
+    if (!std::getline(words, format, ':') || format != "jet3") return options;
+    options.format = &jet::kJet3;
+    if (std::getline(words, number, ':')) options.code_page = static_cast<std::uint16_t>(std::stoi(number));
+    if (std::getline(words, number, ':')) options.lcid = static_cast<std::uint16_t>(std::stoi(number));
+    return options;
 }
 
 jet::Date day(int year, int month, int day_of_month) {
@@ -193,8 +206,7 @@ std::string date_text(int year, int month, int day_of_month) {
 
 OldFile::OldFile(const std::string& path, Kind kind, std::int32_t version, const Oddities& oddities)
     : kind_(kind), version_(version) {
-    jet::CreateOptions options;
-    options.format = &old_file_format();
+    jet::CreateOptions options = old_file_options();
     options.password = jet::from_utf8(oddities.password != nullptr ? oddities.password : password_of(kind, version));
     database_ = jet::Database::create(path, options);
     filling_ = std::make_unique<jet::Transaction>(database_->pager());

@@ -26,13 +26,15 @@ inline constexpr char kStudioPassword[] = "KvStudio2005sl";
 inline constexpr char kFormerStudioPassword[] = "KvStudio2002";
 inline constexpr char kInvoicePassword[] = "KvInvoice2005";
 
-// Files are made in Jet 4, or in Jet 3 where the environment has KVDB_OLD_FILES=jet3: the same tests are run for both.
-const jet::Format& old_file_format();
+// Files are made in Jet 4, or in Jet 3 where the environment has KVDB_OLD_FILES=jet3, in another code page and language
+// for KVDB_OLD_FILES=jet3:1250:1045: the same tests are run for all.
+jet::CreateOptions old_file_options();
 
 // Files are made in `format` as long as the object lives.
 class UseOldFormat {
 public:
-    explicit UseOldFormat(const jet::Format& format);
+    explicit UseOldFormat(const jet::Format& format, std::uint16_t code_page = jet::CreateOptions().code_page,
+                          std::uint16_t lcid = jet::CreateOptions().lcid);
     ~UseOldFormat();
     UseOldFormat(const UseOldFormat&) = delete;
     UseOldFormat& operator=(const UseOldFormat&) = delete;

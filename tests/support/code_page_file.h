@@ -1,4 +1,4 @@
-// A Jet 3 file for the western code page, made one for another.
+// A Jet 3 file for the western code page, made one for another code page and language.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -6,33 +6,72 @@
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "jet/base/code_page.h"
+#include "jet/base/format.h"
 #include "jet/base/jet4.h"
+#include "jet/indexes/index.h"
+#include "jet/indexes/index_key.h"
+#include "jet/tables/database.h"
 
 namespace testing_support {
 
-// The header of the file at `path` and its columns say `code_page` from now on; the bytes of its texts stay.
-inline void change_code_page(const std::string& path, std::uint16_t code_page) {
+// The header of the file at `path` and its columns say `code_page` and `lcid` from now on; the bytes of its texts stay.
+inline void change_code_page(const std::string& path, std::uint16_t code_page,
+                             std::uint16_t lcid = jet::jet4::kGeneralOrder) {
     std::fstream file(path, std::ios::binary | std::ios::in | std::ios::out);
     std::string bytes{std::istreambuf_iterator<char>(file), {}};
-    const std::uint16_t turned = jet::kWesternCodePage ^ code_page;
-    const auto turn = [&](std::size_t at) {
-        bytes[at] = static_cast<char>(bytes[at] ^ (turned & 0xFF));
-        bytes[at + 1] = static_cast<char>(bytes[at + 1] ^ (turned >> 8));
+    const auto turn = [&](std::size_t at, unsigned from, unsigned to) {
+        bytes[at] = static_cast<char>(bytes[at] ^ ((from ^ to) & 0xFF));
+        bytes[at + 1] = static_cast<char>(bytes[at + 1] ^ ((from ^ to) >> 8));
+    };
+    const auto turn_both = [&](std::size_t at_lcid, std::size_t at_code_page) {
+        turn(at_lcid, jet::jet4::kGeneralOrder, lcid);
+        turn(at_code_page, jet::kWesternCodePage, code_page);
     };
     // The header's mask is a stream: what is turned in it is turned in what it covers.
-    turn(jet::jet4::header::kCodePage);
+    turn_both(jet::kJet3.header.sort_order, jet::jet4::header::kCodePage);
     const std::string order_and_code_page = "\x09\x04\xE4\x04";
     int columns = 0;
     for (std::size_t at = 0; (at = bytes.find(order_and_code_page, at)) != std::string::npos; at += 4, ++columns) {
-        turn(at + 2);
+        turn_both(at, at + 2);
     }
     EXPECT_GT(columns, 2);
     file.clear();
     file.seekp(0);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+}
+
+// The index of the catalogue that has the names.
+inline const jet::RealIndex& index_of_names(const jet::Table& objects) {
+    for (const jet::RealIndex& index : objects.def().real_indexes) {
+        if (jet::has_text(index, objects.def())) return index;
+    }
+    throw std::runtime_error("no index of names");
+}
+
+// Gives the names of the catalogue the keys of another order, in which every letter weighs more.
+inline void sort_names_by_another_order(jet::Database& database) {
+    constexpr std::size_t kFirstWeight = 6;  // after the parent's number and two flags
+    const jet::Table& objects = *database.table_by_page(jet::jet4::kObjectsPage);
+    const jet::RealIndex& index = index_of_names(objects);
+    jet::Index tree(database.pager(), database.allocator(), objects.def().page, index.root, index.map);
+    std::vector<std::pair<jet::ByteVector, jet::RowId>> entries;
+    tree.visit([&](jet::ByteSpan key, jet::RowId row) {
+        entries.emplace_back(jet::ByteVector(key.begin(), key.end()), row);
+        return true;
+    });
+    jet::Transaction transaction(database.pager());
+    for (const auto& [key, row] : entries) tree.erase(key, row);
+    for (auto& [key, row] : entries) {
+        for (std::size_t i = kFirstWeight; i + 1 < key.size(); ++i) key[i] = static_cast<std::uint8_t>(key[i] + 3);
+        tree.insert(key, row);
+    }
+    transaction.commit();
 }
 
 }  // namespace testing_support

@@ -29,7 +29,9 @@ void bind(Declaration& declare, Options& options) {
 
 void print_plan(const StudioFile& file) {
     const std::vector<const char*> plan = file.upgrade_plan();
-    if (plan.empty()) {
+    if (const std::string reason = file.version() ? file.why_not_upgraded() : ""; !reason.empty()) {
+        output().print("  upgrade: none: %s\n", reason.c_str());
+    } else if (plan.empty()) {
         output().print("  upgrade: %s\n", file.version() ? "nothing to do"
                                           : has_damage(file.path())
                                               ? "not possible, for what tells its version cannot be read"

@@ -17,7 +17,6 @@
 #include "tools/output.h"
 #include "tools/progress.h"
 #include "tools/rescue/compact.h"
-#include "tools/rescue/new_file.h"
 #include "tools/studio.h"
 #include "tools/studio_files.h"
 
@@ -119,14 +118,9 @@ void refuse_what_cannot_be_upgraded(const StudioFile& file, bool may_lower) {
     }
 }
 
-// What an upgrade adds could not be kept in order there.
 void refuse_unknown_order(const StudioFile& file) {
-    if (!file.exists()) return;
-    const jet::FileHeader header = open_to_read(file.path())->header();
-    if (&format_like(*header.format, header.code_page) == header.format) return;
-    throw CommandError(file.path() + " is a Jet 3 file in code page " + std::to_string(header.code_page) +
-                       ", whose order of texts is not known: kvdb compact --to-jet4 makes a file of Jet 4 of it, which "
-                       "can be upgraded");
+    const std::string reason = file.why_not_upgraded();
+    if (!reason.empty()) throw CommandError(file.path() + " cannot be upgraded as it is: " + reason);
 }
 
 // Why the file is no whole one of the current version; "" for one that is.

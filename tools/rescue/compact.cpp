@@ -2,6 +2,7 @@
 
 #include <random>
 
+#include "jet/indexes/text_order.h"
 #include "jet/pages/header.h"
 #include "jet/tables/database.h"
 #include "os/file.h"
@@ -100,6 +101,23 @@ void make_tables(jet::Database& from, NewFile& to) {
     }
 }
 
+// A Jet 3 file in a code page whose order is not known for every letter: the new one lists its tables in that order.
+void require_known_order(jet::Database& database, const std::string& path) {
+    const auto refuse = [&](const std::string& why) {
+        throw CommandError("the order of texts in the code page of " + path + " (" +
+                           std::to_string(database.code_page()) + ") is not known" + why +
+                           ", so no Jet 3 file can be made of it; --to-jet4 makes one of Jet 4");
+    };
+    if (database.why_schema_is_fixed()) refuse("");
+    jet::ColumnDef names;
+    names.type = jet::ColumnType::kText;
+    names.code_page = database.code_page();
+    names.lcid = database.header().lcid;
+    for (const std::u16string& name : database.table_names()) {
+        if (!jet::is_key_known(name, names)) refuse(" for the name of table " + jet::to_utf8(name));
+    }
+}
+
 std::uint32_t key_of(const jet::FileHeader& header, Encoding encoding) {
     switch (encoding) {
         case Encoding::kAsItIs: return header.encryption_key;
@@ -124,16 +142,15 @@ CompactOutcome compact_file(const std::string& name, const CompactOptions& wante
     require_plain(*database, path);
     outcome.bytes_before = std::uint64_t{database->pager().page_count()} * database->pager().format().page_size;
     const jet::FileHeader header = database->header();
-    if (!wanted.to_jet4 && &format_like(*header.format, header.code_page) != header.format) {
-        throw CommandError("the order of texts in the code page of " + path + " (" + std::to_string(header.code_page) +
-                           ") is not known, so no Jet 3 file can be made of it; --to-jet4 makes one of Jet 4");
-    }
+    const bool is_like_any = &format_like(*header.format, header.code_page) == header.format;
+    if (!wanted.to_jet4 && !is_like_any) require_known_order(*database, path);
     jet::CreateOptions options;
     options.password = header.password;
     options.creation_date = header.creation_date;
     options.engine_build = header.build;
     options.code_page = header.code_page;
     if (!wanted.to_jet4) options.format = header.format;
+    if (!is_like_any) options.lcid = header.lcid;
     if (options.format != header.format) options.engine_build = jet::CreateOptions().engine_build;
     options.encryption_key = key_of(header, wanted.encoding);
 

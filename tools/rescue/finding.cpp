@@ -65,6 +65,9 @@ constexpr Rule kRules[] = {
     {"index-key-former", kRemark,
      "Another program has sorted a text with letters like a double s or kana its own way; the row is there, and "
      "can be changed."},
+    {"index-key-order", kRemark,
+     "The file's code page or language has an order of texts that is not known here; the rows are there, and the table "
+     "is read and not written."},
     {"index-unique", kDamage, kIndexUnsafe},
     {"index-missing", kDamage, kIndexUnsafe},
     {"unreadable", kDamage, "The file cannot be opened as it is."},

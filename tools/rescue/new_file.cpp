@@ -99,7 +99,7 @@ const jet::Format& format_like(const jet::Format& format, std::uint16_t code_pag
     jet::ColumnDef names;
     names.type = jet::ColumnType::kText;
     names.code_page = code_page;
-    return jet::text_order(names) ? format : jet::kJet4;
+    return jet::text_order(names) == jet::TextOrder::kGeneral97 ? format : jet::kJet4;
 }
 
 jet::NewColumn new_column_like(const jet::ColumnDef& column, bool& is_same) {

@@ -49,7 +49,7 @@ private:
 };
 
 // The format of a new file whose texts come from one in `format` and `code_page`: the same, or Jet 4 where the order of
-// that code page is not known, in which a Jet 3 file would keep its catalogue.
+// that code page, in which a Jet 3 file would keep its catalogue, is not known for every letter.
 const jet::Format& format_like(const jet::Format& format, std::uint16_t code_page);
 
 // A column as another file has it, as far as it can be created: other types come as close as possible. `is_same` tells

@@ -99,7 +99,7 @@ private:
         if (options.format->is_jet3()) options.code_page = code_page;
         if (options.format == &pages_.format()) return;
         report_.notes.push_back("The new file is one of Jet 4: the order of texts in code page " +
-                                std::to_string(code_page) + " is not known.");
+                                std::to_string(code_page) + " is not known for every letter.");
     }
 
     const SurveyedTable& table(std::size_t i) const { return survey_.tables()[i]; }

@@ -74,7 +74,7 @@ TEST_F(UpgradeFailure, file_whose_tables_are_listed_in_an_unknown_order_is_left_
     const UseOldFormat use(jet::kJet3);
     make_old_studio(path(""), 200010);
     for (const std::string& file : {studio(), invoices()}) {
-        change_code_page(file, 1251);
+        change_code_page(file, 1250, 0x0405);
         const Content before = content_of(file);
         EXPECT_EQ(file == studio() ? upgrade_studio() : upgrade_invoices(), -1);
         EXPECT_EQ(version_in(before), "200010");

@@ -67,7 +67,13 @@ Row RecordReader::find(const std::string& key) const {
     const bool is_number_on_paper = column != nullptr && std::string(column) == "InvoiceID";
     if (column == nullptr || is_number_on_paper || is_number(key)) {
         const std::string statement = table_.statement_of(key);
-        if (!statement.empty()) for_each(statement, keep);
+        // One row at most has the key: the file is read no further.
+        if (!statement.empty()) {
+            for_each(statement, [&](const Row& row) {
+                found.push_back(row);
+                return false;
+            });
+        }
         if (!found.empty()) return found.front();
     }
     if (column != nullptr && file_.database != nullptr) {

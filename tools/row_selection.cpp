@@ -2,10 +2,8 @@
 
 #include <algorithm>
 
-#include "jet/sql/row_set.h"
-#include "jet/sql/scalar.h"
 #include "tools/errors.h"
-#include "tools/progress.h"
+#include "tools/row_scan.h"
 
 namespace tools {
 
@@ -99,62 +97,17 @@ Row RowSelection::row_of(const jet::RowView& row) const {
     return values;
 }
 
-template <class Visit>
-void RowSelection::for_each_match(const std::string& statement, Visit&& visit) const {
-    Progress progress("rows", table_.def().row_count);
-    jet::RowView row;
-    const auto take = [&](jet::RowId id) {
-        progress.step();
-        return !table_.read(id, row) || !matches(row) || visit(id, row);
-    };
-    if (statement.empty()) {
-        for (auto id = table_.next_row({}); id && take(*id);) id = table_.next_row(*id);
-        return;
-    }
-    jet::sql::RowSet rows(jet::sql::Query::prepare(database_, jet::from_utf8(statement)));
-    for (auto id = rows.first(); id && take(*id);) id = rows.next();
-}
-
-std::vector<jet::RowId> RowSelection::sorted(const std::string& statement) const {
-    struct Entry {
-        std::vector<jet::Value> keys;
-        jet::RowId row;
-    };
-    std::vector<Entry> entries;
-    for_each_match(statement, [&](jet::RowId id, const jet::RowView& row) {
-        Entry& entry = entries.emplace_back();
-        entry.row = id;
-        for (const Order& order : order_) entry.keys.push_back(row.value(order.position));
-        return true;
-    });
-    const auto is_before = [&](const Entry& a, const Entry& b) {
-        for (std::size_t i = 0; i < order_.size(); ++i) {
-            const auto result = jet::sql::compare_for_order(a.keys[i], b.keys[i]);
-            if (result != 0) return order_[i].descending ? result > 0 : result < 0;
-        }
-        return false;
-    };
-    std::stable_sort(entries.begin(), entries.end(), is_before);
-    std::vector<jet::RowId> rows;
-    for (const Entry& entry : entries) rows.push_back(entry.row);
-    return rows;
-}
-
 void RowSelection::for_each(const RowVisitor& visit, const std::string& statement) const {
-    std::size_t given = 0;
-    if (limit_ && *limit_ == 0) return;
-    const auto give = [&](const jet::RowView& row) {
-        ++given;
-        return visit(row_of(row)) && (!limit_ || given < *limit_);
-    };
-    if (order_.empty()) {
-        for_each_match(statement, [&](jet::RowId, const jet::RowView& row) { return give(row); });
-        return;
-    }
-    jet::RowView row;
-    for (const jet::RowId id : sorted(statement)) {
-        if (table_.read(id, row) && !give(row)) return;
-    }
+    std::optional<jet::sql::Query> query;
+    if (!statement.empty()) query = jet::sql::Query::prepare(database_, jet::from_utf8(statement));
+    const bool has_condition = query && query->has_condition();
+    RowScan scan{
+        .table = table_,
+        .matches = [&](const jet::RowView& row) { return (!has_condition || query->matches(row)) && matches(row); },
+        .order = order_,
+        .limit = limit_};
+    if (query) scan.order.insert(scan.order.end(), query->order().begin(), query->order().end());
+    scan.for_each([&](const jet::RowView& row) { return visit(row_of(row)); });
 }
 
 }  // namespace tools

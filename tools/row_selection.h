@@ -1,14 +1,14 @@
 // Which rows of a table are wanted, which of their columns, in which order and how many: the options that list and rows
 // have alike, and the rows that meet them.
 //
-// Rows go by one after another. Only an order keeps something of each row: the values that it goes by, and the row's
-// place in the file.
+// Rows go by one after another; memory does not grow with the table (tools/row_scan.h).
 #pragma once
 
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "jet/sql/query.h"
 #include "tools/open_file.h"
 #include "tools/row_condition.h"
 #include "tools/row_printer.h"
@@ -40,27 +40,19 @@ public:
     void for_each(const RowVisitor& visit, const std::string& statement = {}) const;
 
 private:
-    struct Order {
-        std::size_t position = 0;
-        bool descending = false;
-    };
-
     std::size_t position_of(const std::string& column) const;
     void choose_columns(const Names& columns);
     void parse_order(const std::string& text);
     void add_span(const SelectionOptions& options);
     bool matches(const jet::RowView& row) const;
     Row row_of(const jet::RowView& row) const;
-    std::vector<jet::RowId> sorted(const std::string& statement) const;
-    template <class Visit>
-    void for_each_match(const std::string& statement, Visit&& visit) const;
 
     jet::Database& database_;
     jet::Table& table_;
     Names names_;
     std::vector<std::optional<std::size_t>> positions_;  // by name; none: the file lacks the column
     std::vector<RowCondition> conditions_;
-    std::vector<Order> order_;
+    std::vector<jet::sql::OrderKey> order_;
     std::optional<std::size_t> limit_;
 };
 

@@ -2,14 +2,14 @@
 #include <algorithm>
 #include <iterator>
 
-#include "jet/sql/row_set.h"
+#include "jet/sql/query.h"
 #include "tools/commands.h"
 #include "tools/damage.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
 #include "tools/open_file.h"
 #include "tools/output.h"
-#include "tools/progress.h"
+#include "tools/row_scan.h"
 
 namespace tools {
 namespace {
@@ -73,20 +73,16 @@ int run(const Options& options) {
         require_undamaged();
         return 0;
     }
-    const jet::Table& table = query.table();
-    const std::vector<jet::sql::ResultColumn> columns = query.columns();
-    jet::sql::RowSet rows(std::move(query));
-    Progress progress("rows", 0);
+    RowScan scan{.table = query.table(),
+                 .matches = [&](const jet::RowView& row) { return !query.has_condition() || query.matches(row); },
+                 .order = query.order(),
+                 .limit = {}};
     print_rows(printer, [&](const RowVisitor& print) {
-        jet::RowView view;
-        Row row;
-        for (auto id = rows.first(); id; id = rows.next()) {
-            progress.step();
-            if (!table.read(*id, view)) continue;
-            row.clear();
-            for (const jet::sql::ResultColumn& column : columns) row.push_back(view.value(column.position));
-            if (!print(row)) return;
-        }
+        scan.for_each([&](const jet::RowView& view) {
+            Row row;
+            for (const jet::sql::ResultColumn& column : query.columns()) row.push_back(view.value(column.position));
+            return print(row);
+        });
     });
     require_undamaged();
     return 0;

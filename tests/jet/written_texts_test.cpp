@@ -219,7 +219,7 @@ TEST_P(WrittenTexts, text_of_fixed_length_is_filled_up) {
         column.flags |= jet4::tdef::kFlagFixed;
         column.fixed_offset = 100;
     }
-    EXPECT_EQ(add(std::vector<Value>(kColumns), {{kShort, "abc"}, {kRequired, "x"}}), 0);
+    ASSERT_EQ(add(std::vector<Value>(kColumns), {{kShort, "abc"}, {kRequired, "x"}}), 0);
     EXPECT_EQ(row_values(texts(*narrow_), rows_[0])[kShort], Value(std::u16string(u"abc       ")));
     EXPECT_EQ(row_values(texts(*narrow_), rows_[0]), row_values(texts(*wide_), rows_[0]));
 }

@@ -203,6 +203,16 @@ const Fault kFaults[] = {
          }
          return *field == jet::to_utf8(marked);
      }},
+    // It decodes by the system's SJIS, which has the national signs there.
+    {Reader::kMdbExport, "backslash and tilde of code page 932 are printed as yen sign and overline",
+     [](const Sample& sample, const Field& field) {
+         const auto* text = std::get_if<std::u16string>(&sample.value);
+         if (!text || !field || sample.column.code_page != 932) return false;
+         std::u16string national = *text;
+         std::replace(national.begin(), national.end(), u'\\', u'\u00A5');
+         std::replace(national.begin(), national.end(), u'~', u'\u203E');
+         return *field == jet::to_utf8(national);
+     }},
     {Reader::kMdbExport, "dates before 1899-12-30 and from day 1000000 on, in the year 4637, are not printed",
      [](const Sample& sample, const Field& field) {
          const auto* date = std::get_if<jet::Date>(&sample.value);

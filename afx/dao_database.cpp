@@ -7,6 +7,7 @@
 #include <string_view>
 #include <utility>
 
+#include "afx/cache_pages.h"
 #include "afx/component_lock.h"
 #include "afx/dao_error.h"
 #include "afx/engine_database.h"
@@ -188,6 +189,7 @@ void CDaoDatabase::Open(const char* name, BOOL exclusive, BOOL read_only, const 
         jet::OpenOptions open;
         open.password = os::widen(password_in(connect));
         open.read_only = read_only != FALSE;
+        open.pager.cache_pages = afx::cache_pages;
         opened(std::make_unique<afx::EngineDatabase>(jet::Database::open(name != nullptr ? name : "", open),
                                                      exclusive != FALSE));
     });

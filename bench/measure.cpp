@@ -33,18 +33,6 @@ public:
 
 }  // namespace
 
-void require(bool done, const char* what) {
-    if (done) return;
-    std::fprintf(stderr, "%s failed\n", what);
-    std::exit(1);
-}
-
-double seconds_of(const std::function<void()>& work) {
-    const auto start = Clock::now();
-    work();
-    return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
 void add_benchmark(const char* name, std::int64_t iterations, std::function<double()> one, std::int64_t items) {
     benchmark::RegisterBenchmark(name,
                                  [one = std::move(one), items](benchmark::State& state) {

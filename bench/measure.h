@@ -2,7 +2,10 @@
 // of the one and not of the other, and Google Benchmark times each operation there; the parent collects.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -20,9 +23,17 @@ inline constexpr const char* kJet3 = "jet3";
 using Figures = std::map<std::string, double>;
 
 // Ends the process with a message when `done` is false.
-void require(bool done, const char* what);
+inline void require(bool done, const char* what) {
+    if (done) return;
+    std::fprintf(stderr, "%s failed\n", what);
+    std::exit(1);
+}
 
-double seconds_of(const std::function<void()>& work);
+inline double seconds_of(const std::function<void()>& work) {
+    const auto start = std::chrono::steady_clock::now();
+    work();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
 
 // An operation to be timed: `one` does it once and gives the seconds it took; it counts as `items` operations.
 void add_benchmark(const char* name, std::int64_t iterations, std::function<double()> one, std::int64_t items = 1);

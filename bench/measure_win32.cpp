@@ -40,18 +40,6 @@ double rate_of(const Benchmark& benchmark) {
 
 }  // namespace
 
-void require(bool done, const char* what) {
-    if (done) return;
-    std::fprintf(stderr, "%s failed\n", what);
-    std::exit(1);
-}
-
-double seconds_of(const std::function<void()>& work) {
-    const auto start = std::chrono::steady_clock::now();
-    work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 void add_benchmark(const char* name, std::int64_t iterations, std::function<double()> one, std::int64_t items) {
     benchmarks().push_back({name, iterations, std::move(one), items});
 }

@@ -41,7 +41,15 @@ std::string usage_text(const CLI::App& command, const CLI::ParseError& error) {
         const std::string hint = suggestion(word.substr(0, word.find('=')), option_names(command));
         return "unknown option " + word + (hint.empty() ? usage : hint);
     }
-    return std::string(error.what()) + usage;
+    // "Could not convert: --limit = many": only numbers are converted.
+    const std::string text = error.what();
+    const std::size_t option = text.find(": --");
+    const std::size_t value = text.find(" = ");
+    if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr && option < value && value != std::string::npos) {
+        return text.substr(option + 2, value - option - 2) + " takes a whole number, not '" + text.substr(value + 3) +
+               "'";
+    }
+    return text + usage;
 }
 
 }  // namespace

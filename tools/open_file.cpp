@@ -6,6 +6,7 @@
 
 #include "db/database_files.h"
 #include "jet/indexes/collation.h"
+#include "os/file.h"
 #include "os/system.h"
 #include "tools/damage.h"
 #include "tools/errors.h"
@@ -102,7 +103,8 @@ std::vector<std::string> jet_files_of(const std::string& file_or_folder) {
     for (const char* const name : {kStudioFile, kInvoiceFile}) {
         const std::string path = os::join_path(file_or_folder, name);
         require_no_dead_link(path);
-        if (fs::exists(system_path(path), error)) files.push_back(path);
+        // An error where it cannot be told, as in a folder that nobody but its owner may enter.
+        if (os::file_system().exists(path)) files.push_back(path);
     }
     if (files.empty()) {
         throw CommandError("there is no studio in " + file_or_folder + ": neither sldb.mdb nor kvinvdb.mdb is there");
@@ -176,7 +178,9 @@ FoundTable::FoundTable(const std::string& file_or_folder, const std::string& tab
         for (const std::u16string& name : file.database->table_names()) names.push_back(jet::to_utf8(name));
     }
     require_undamaged();  // its name may be what is lost
-    throw UsageError("there is no table '" + table + "' in " + file_or_folder + suggestion(table, names));
+    const std::string hint = suggestion(table, names);
+    throw UsageError("there is no table '" + table + "' in " + file_or_folder +
+                     (hint.empty() ? "; kvdb tables " + typed_path(file_or_folder) + " lists them" : hint));
 }
 
 }  // namespace tools

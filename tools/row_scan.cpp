@@ -143,7 +143,7 @@ void for_each_in_order(const RowScan& wanted, const std::function<bool(const jet
     constexpr std::size_t kFew = 64;
     const std::size_t limit = wanted.limit.value_or(SIZE_MAX);
     SmallestKeys keys(wanted.room_bytes, limit > SIZE_MAX / 2 ? SIZE_MAX : std::max(2 * limit, kFew));
-    Progress progress("rows", wanted.table.def().row_count);
+    Progress progress("rows read", wanted.table.def().row_count);
     KeptKey last_given;
     jet::ByteVector key;
     jet::RowView view;

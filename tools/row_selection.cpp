@@ -65,9 +65,12 @@ void RowSelection::choose_columns(const Names& columns) {
 }
 
 void RowSelection::parse_order(const std::string& text) {
-    for (std::string name : split_list(text)) {
+    const Names names = split_list(text);
+    if (names.empty()) throw UsageError("--sort names no column");
+    for (std::string name : names) {
         const bool descending = name.front() == '-';
         if (descending || name.front() == '+') name.erase(0, 1);
+        if (name.empty()) throw UsageError("--sort has a sign without a column");
         order_.push_back({position_of(name), descending});
     }
 }

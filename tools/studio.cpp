@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 
+#include "afx/cache_pages.h"
 #include "db/content.h"
 #include "db/database_files.h"
 #include "db/session.h"
@@ -54,7 +55,10 @@ db::Opening opening_for(Studio::Purpose purpose) {
 
 }  // namespace
 
-Studio::Studio(const std::string& folder, Purpose purpose) : folder_(folder), purpose_(purpose) {}
+Studio::Studio(const std::string& folder, Purpose purpose) : folder_(folder), purpose_(purpose) {
+    // An upgrade reads everything more than once.
+    if (purpose != Purpose::kUpgrade) afx::cache_pages = kToolCachePages;
+}
 
 Studio::~Studio() {
     if (gate_ != nullptr) close();

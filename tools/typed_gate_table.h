@@ -154,14 +154,23 @@ private:
         }
     }
 
+    std::string no_member_text(const std::string& member) const {
+        if (is_same_name(member, mapping_.key.column)) {
+            return std::string(mapping_.key.column) + " is the key of " + name() + ", which the studio gives itself";
+        }
+        const Names members = names_of(mapping_.write);
+        const std::string hint = suggestion(member, members);
+        return name() + " has no member '" + member + "' to set" +
+               (hint.empty() ? "; it has " + listed(members) : hint);
+    }
+
     void assign(Record& record, const Assignments& members) const {
         for (const Assignment& assignment : members) {
             const auto column = std::find_if(mapping_.write.begin(), mapping_.write.end(), [&](const auto& candidate) {
                 return is_same_name(candidate.name, assignment.member);
             });
             if (column == mapping_.write.end()) {
-                throw UsageError(name() + " has no member '" + assignment.member + "' to set; it has " +
-                                 listed(names_of(mapping_.write)));
+                throw UsageError(no_member_text(assignment.member));
             }
             parse(assignment.value, *column, record);
         }

@@ -1,7 +1,7 @@
 // Damaged files: what can be read is printed, each place that cannot be is named on standard error, and the command
 // fails; a file of which nothing can be read is told in one line.
-#include "jet/base/jet4.h"
 #include "jet/tables/database.h"
+#include "tests/old_files/old_files.h"
 #include "tests/tools/tool_fixture.h"
 
 namespace {
@@ -10,10 +10,12 @@ using namespace testing_tool;
 
 constexpr std::int32_t kSongs = 600;
 
-class DamagedStudio : public Tool {
+class DamagedStudio : public Tool, public ::testing::WithParamInterface<const jet::Format*> {
 protected:
+    std::size_t page_size() const { return GetParam()->page_size; }
+
     void SetUp() override {
-        ASSERT_EQ(demo().code, 0);
+        make_studio();
         jet::OpenOptions options;
         options.ignore_password = true;
         const auto database = jet::Database::open(file("sldb.mdb"), options);
@@ -32,15 +34,24 @@ protected:
         database->close();
     }
 
+    void make_studio() {
+        if (!GetParam()->is_jet3()) {
+            ASSERT_EQ(demo().code, 0);
+            return;
+        }
+        std::filesystem::create_directory(studio_);
+        const testing_support::UseOldFormat use(*GetParam());
+        testing_support::make_old_studio(studio_, 200010);
+        ASSERT_EQ(run("upgrade --no-copy " + in_quotes(studio_)).code, 0);
+    }
+
     // Zeros in place of the page of the song in the middle.
     void lose_a_page() const {
         std::string bytes = contents(file("sldb.mdb"));
-        bytes.replace(std::size_t{page_} * jet::jet4::kPageSize, jet::jet4::kPageSize, jet::jet4::kPageSize, '\0');
+        bytes.replace(page_ * page_size(), page_size(), page_size(), '\0');
         std::ofstream(file("sldb.mdb"), std::ios::binary | std::ios::trunc) << bytes;
     }
-    void cut_the_file() const {
-        std::filesystem::resize_file(file("sldb.mdb"), std::size_t{page_} * jet::jet4::kPageSize);
-    }
+    void cut_the_file() const { std::filesystem::resize_file(file("sldb.mdb"), page_ * page_size()); }
 
     std::string songs_by_gate() const { return "list " + in_quotes(studio_) + " Songs ProjID=77"; }
     std::string songs_by_engine() const { return "rows " + main_file() + " Songs --password KvStudio2005sl"; }
@@ -66,7 +77,7 @@ void expect_damage(const Outcome& outcome, const std::string& place) {
     EXPECT_EQ(std::count(outcome.errors.begin(), outcome.errors.end(), '\n'), 2) << outcome.errors;
 }
 
-TEST_F(DamagedStudio, report_says_in_its_page_that_it_is_not_all) {
+TEST_P(DamagedStudio, report_says_in_its_page_that_it_is_not_all) {
     const std::string page = scratch_.file("page.html");
     const std::string command = "report " + in_quotes(studio_) + " -o " + in_quotes(page);
     ASSERT_EQ(run(command).code, 0);
@@ -81,7 +92,7 @@ TEST_F(DamagedStudio, report_says_in_its_page_that_it_is_not_all) {
     EXPECT_GT(count_songs(contents(page)), kSongs / 2);
 }
 
-TEST_F(DamagedStudio, lost_page_is_named_and_the_rows_around_it_are_listed) {
+TEST_P(DamagedStudio, lost_page_is_named_and_the_rows_around_it_are_listed) {
     ASSERT_EQ(count_songs(run(songs_by_gate()).out), kSongs);
     ASSERT_EQ(count_songs(run(songs_by_engine()).out), kSongs);
     lose_a_page();
@@ -98,7 +109,7 @@ TEST_F(DamagedStudio, lost_page_is_named_and_the_rows_around_it_are_listed) {
     }
 }
 
-TEST_F(DamagedStudio, end_that_was_cut_off_is_named_and_the_rows_before_it_are_listed) {
+TEST_P(DamagedStudio, end_that_was_cut_off_is_named_and_the_rows_before_it_are_listed) {
     cut_the_file();
     for (const std::string& command : {songs_by_gate(), songs_by_engine()}) {
         SCOPED_TRACE(command);
@@ -109,7 +120,7 @@ TEST_F(DamagedStudio, end_that_was_cut_off_is_named_and_the_rows_before_it_are_l
     }
 }
 
-TEST_F(DamagedStudio, list_in_json_is_whole_though_the_file_is_not) {
+TEST_P(DamagedStudio, list_in_json_is_whole_though_the_file_is_not) {
     lose_a_page();
     for (const std::string& command : {songs_by_gate(), songs_by_engine()}) {
         const Outcome outcome = run(command + " --json");
@@ -119,7 +130,7 @@ TEST_F(DamagedStudio, list_in_json_is_whole_though_the_file_is_not) {
     }
 }
 
-TEST_F(DamagedStudio, changes_and_single_records_say_what_is_damaged) {
+TEST_P(DamagedStudio, changes_and_single_records_say_what_is_damaged) {
     lose_a_page();
     const std::string before = both_files();
     const std::string page = "page " + std::to_string(page_);
@@ -132,11 +143,16 @@ TEST_F(DamagedStudio, changes_and_single_records_say_what_is_damaged) {
     EXPECT_EQ(both_files(), before);
 }
 
-TEST_F(DamagedStudio, sound_tables_of_the_file_are_listed_without_a_word) {
+TEST_P(DamagedStudio, sound_tables_of_the_file_are_listed_without_a_word) {
     lose_a_page();
     const Outcome outcome = run("list " + in_quotes(studio_) + " Tracks SongID=1");
     EXPECT_EQ(outcome.code, 0) << outcome.errors;
     EXPECT_TRUE(outcome.errors.empty()) << outcome.errors;
 }
+
+constexpr auto kNameOfFormat = [](const ::testing::TestParamInfo<const jet::Format*>& tested) {
+    return std::string(tested.param->is_jet3() ? "Jet3" : "Jet4");
+};
+INSTANTIATE_TEST_SUITE_P(Formats, DamagedStudio, ::testing::Values(&jet::kJet4, &jet::kJet3), kNameOfFormat);
 
 }  // namespace

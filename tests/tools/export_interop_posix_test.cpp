@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <thread>
 
+#include "tests/old_files/old_files.h"
 #include "tests/tools/rich_file.h"
 #include "tests/tools/tool_fixture.h"
 
@@ -40,6 +41,13 @@ protected:
         write(form, studio_, "studio", more);
         make_rich_file(scratch_.file("rich.mdb"));
         write(form, scratch_.file("rich.mdb"), "rich", more);
+        // Texts in bytes of a code page, pages of half the size.
+        std::filesystem::create_directory(scratch_.file("jet3"));
+        {
+            const testing_support::UseOldFormat use(jet::kJet3);
+            testing_support::make_old_studio(scratch_.file("jet3"), 200010);
+        }
+        write(form, scratch_.file("jet3"), "jet3", more);
         // Types that no new file has: numerics of many digits, and identities.
         for (const char* const sample : {"fixedNumericTestV2000", "testV2000"}) {
             const std::string path = std::string(KVDB_SAMPLES "/") + sample + ".mdb";

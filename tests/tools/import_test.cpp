@@ -1,6 +1,7 @@
 // import: a CSV file through the gates, all of it or nothing.
 #include <fstream>
 
+#include "jet/tables/database.h"
 #include "tests/tools/tool_fixture.h"
 
 namespace {
@@ -82,6 +83,56 @@ TEST_F(Import, files_of_spreadsheets_are_understood) {
     EXPECT_EQ(rows("Projects", "--where 'ProjID>4' --columns Name,Type"), "Name,Type\r\na;b,Demo\r\nc,Album\r\n");
 }
 
+// More than an import keeps in one transaction.
+constexpr int kManyLines = 12000;
+
+std::string many_lines(const char* member) {
+    std::string text = std::string(member) + "\n";
+    for (int i = 0; i < kManyLines; ++i) text += "number " + std::to_string(i) + std::string(90, 'n') + "\n";
+    return text;
+}
+
+TEST_F(Import, many_lines_are_all_added_or_none) {
+    const std::string before = both_files();
+    const Outcome refused = take("Projects", many_lines("Name") + std::string(300, 'x') + "\n");
+    EXPECT_EQ(refused.code, 1);
+    EXPECT_NE(refused.errors.find("1 of 12001 lines is refused, so nothing was added"), std::string::npos)
+        << refused.errors;
+    EXPECT_TRUE(both_files() == before);
+    EXPECT_EQ(take("Projects", many_lines("Name"), "--dry-run").code, 0);
+    EXPECT_TRUE(both_files() == before);
+    expect_failure(take("Projects", many_lines("Name") + "\"x\n"), 2, "never closed");
+    EXPECT_TRUE(both_files() == before);
+    const Outcome partly = take("Projects", many_lines("Name") + std::string(300, 'x') + "\n", "--partly");
+    EXPECT_EQ(partly.code, 1);
+    EXPECT_NE(partly.out.find("12000 of 12001 lines added"), std::string::npos) << partly.out;
+    const std::string invoices = contents(file("kvinvdb.mdb"));
+    EXPECT_EQ(take("Projects", many_lines("Name")).code, 0);
+    EXPECT_TRUE(contents(file("kvinvdb.mdb")) == invoices);
+    const std::string names_now = rows("Projects", "--columns Name");
+    EXPECT_EQ(std::count(names_now.begin(), names_now.end(), '\n'), 1 + 3 + 2 * kManyLines);
+    EXPECT_EQ(run("check " + in_quotes(studio_)).code, 0);
+    EXPECT_EQ(names(), kBothFiles);
+}
+
+TEST_F(Import, many_lines_go_into_the_file_of_their_table) {
+    const std::string studio = contents(file("sldb.mdb"));
+    const Outcome outcome = take("Invoices", many_lines("ClientName"));
+    ASSERT_EQ(outcome.code, 0) << outcome.errors << outcome.out;
+    EXPECT_TRUE(contents(file("sldb.mdb")) == studio);
+    const std::string added = rows("Invoices", "--columns ClientName --where ClientName~number");
+    EXPECT_EQ(std::count(added.begin(), added.end(), '\n'), 1 + kManyLines);
+    EXPECT_EQ(run("check " + in_quotes(studio_)).code, 0);
+}
+
+TEST_F(Import, many_lines_wait_for_no_studio_that_is_open_elsewhere) {
+    jet::OpenOptions options;
+    options.ignore_password = true;
+    const auto held = jet::Database::open(file("kvinvdb.mdb"), options);
+    expect_failure(take("Projects", many_lines("Name")), 1, "is in use");
+    EXPECT_EQ(names(), kBothFiles);
+}
+
 TEST_F(Import, column_that_fits_no_member_is_a_usage_error) {
     const std::string before = both_files();
     expect_failure(take("Projects", "Nam,Type\nx,y\n"), 2, "did you mean Name?");
@@ -91,6 +142,7 @@ TEST_F(Import, column_that_fits_no_member_is_a_usage_error) {
     expect_failure(take("Nothing", "Name\nx\n"), 2, "no records in a table 'Nothing'");
     expect_failure(run("import " + in_quotes(studio_) + " Projects " + in_quotes(scratch_.file("none.csv"))), 1,
                    "none.csv cannot be read");
+    expect_failure(run("import " + in_quotes(studio_) + " Projects " + in_quotes(studio_)), 1, "is a folder");
     expect_failure(take("Projects", "Name\n\"x\n"), 2, "never closed");
     EXPECT_EQ(both_files(), before);
 }

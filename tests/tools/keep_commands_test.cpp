@@ -70,8 +70,32 @@ TEST_F(Keeping, backups_of_one_second_are_two_and_keep_leaves_the_newest) {
 TEST_F(Keeping, damaged_studio_is_not_taken_for_a_copy_and_the_older_ones_stay) {
     ASSERT_EQ(backup().code, 0);
     damage("sldb.mdb");
-    expect_failure(backup("--keep 1"), 1, "is damaged");
+    const Outcome outcome = backup("--keep 1");
+    expect_failure(outcome, 1, "sldb.mdb is damaged, so no copy was made of the studio: kvdb check ");
+    for (const char* const part : {" says what is the matter", "kvdb salvage ", " NEW.mdb saves its rows",
+                                   "kvdb restore ", "all older copies are kept"}) {
+        EXPECT_NE(outcome.errors.find(part), std::string::npos) << outcome.errors;
+    }
     EXPECT_EQ(copy_names().size(), 2u);
+    const Outcome first = run("backup " + in_quotes(studio_) + " " + in_quotes(scratch_.file("other")));
+    expect_failure(first, 1, "there is no older copy in ");
+    EXPECT_EQ(first.errors.find("kvdb restore"), std::string::npos) << first.errors;
+}
+
+TEST_F(Keeping, damaged_copy_is_not_restored_and_the_way_to_others_is_named) {
+    ASSERT_EQ(backup().code, 0);
+    const std::string before = both_files();
+    const std::string copy = copies() + "/" + copy_names()[1];
+    std::string bytes = contents(copy);
+    bytes.replace(bytes.size() / 2, jet::jet4::kPageSize, jet::jet4::kPageSize, 'x');
+    std::ofstream(copy, std::ios::binary | std::ios::trunc) << bytes;
+    const Outcome outcome = restore(studio_);
+    expect_failure(outcome, 1, " is damaged, so nothing was restored and ");
+    for (const char* const part : {" is as it was", "kvdb restore --list ", "kvdb salvage "}) {
+        EXPECT_NE(outcome.errors.find(part), std::string::npos) << outcome.errors;
+    }
+    EXPECT_EQ(both_files(), before);
+    EXPECT_EQ(names(), kBothFiles);
 }
 
 TEST_F(Keeping, studio_that_is_open_elsewhere_is_left_alone) {

@@ -4,6 +4,7 @@
 
 #include <fstream>
 #include <functional>
+#include <map>
 
 #include "jet/check/check.h"
 #include "jet/tables/database.h"
@@ -57,8 +58,12 @@ struct Files {
 };
 
 // A studio whose last change is in its journal alone, as a host that was killed has left it.
-const Files& live_studio() {
-    static const Files files = [] {
+const Files& live_studio(const jet::Format& format) {
+    static std::map<const jet::Format*, Files> made;
+    const auto found = made.find(&format);
+    if (found != made.end()) return found->second;
+    return made[&format] = [&] {
+        const UseOldFormat use_format(format);
         const TempFolder folder;
         {
             OldFile studio(folder.file("sldb.mdb"), OldFile::Kind::kStudio, 210000);
@@ -84,14 +89,13 @@ const Files& live_studio() {
         return Files{left->content(kStudio), left->content(std::string(kStudio) + "-journal"),
                      bytes_of(folder.file("kvinvdb.mdb"))};
     }();
-    return files;
 }
 
-std::unique_ptr<FaultFileSystem> live_disk() {
+std::unique_ptr<FaultFileSystem> live_disk(const Files& files) {
     auto disk = std::make_unique<FaultFileSystem>();
-    disk->set_content(kStudio, live_studio().studio);
-    disk->set_content(std::string(kStudio) + "-journal", live_studio().journal);
-    disk->set_content(kInvoices, live_studio().invoices);
+    disk->set_content(kStudio, files.studio);
+    disk->set_content(std::string(kStudio) + "-journal", files.journal);
+    disk->set_content(kInvoices, files.invoices);
     return disk;
 }
 
@@ -153,8 +157,8 @@ std::size_t with_faults(const std::function<std::unique_ptr<FaultFileSystem>()>&
     return faults;
 }
 
-std::unique_ptr<FaultFileSystem> disk_with_a_backup(Contents& before) {
-    auto disk = live_disk();
+std::unique_ptr<FaultFileSystem> disk_with_a_backup(const Files& files, Contents& before) {
+    auto disk = live_disk(files);
     before = contents_of(*disk);
     const UseFileSystem use(*disk);
     tools::make_backup("studio", "copies", "2026-01-01-000000", std::nullopt);
@@ -170,16 +174,25 @@ void expect_sets_are_whole(const Contents& truth, std::size_t least) {
     }
 }
 
-TEST(StudioBackupCrash, set_is_whole_or_none_and_the_studio_is_untouched) {
+// Studios of both formats: the tool copies and compares by pages, which have two sizes.
+using ByFormat = ::testing::TestWithParam<const jet::Format*>;
+class StudioBackupCrash : public ByFormat {};
+class StudioBackupFault : public ByFormat {};
+class StudioRestoreCrash : public ByFormat {};
+class StudioRestoreFault : public ByFormat {};
+class StudioCompactCrash : public ByFormat {};
+class StudioCompactFault : public ByFormat {};
+
+TEST_P(StudioBackupCrash, set_is_whole_or_none_and_the_studio_is_untouched) {
     Contents truth;
-    const auto disk = disk_with_a_backup(truth);
+    const auto disk = disk_with_a_backup(live_studio(*GetParam()), truth);
     EXPECT_NE(truth.studio.find("the last one"), std::string::npos) << "the journal holds it";
     const std::size_t cuts = with_cuts(
         *disk, [] { tools::make_backup("studio", "copies", kNow, 1); },
         [&](FaultFileSystem& after) {
-            EXPECT_EQ(after.content(kStudio), live_studio().studio);
-            EXPECT_EQ(after.content(std::string(kStudio) + "-journal"), live_studio().journal);
-            EXPECT_EQ(after.content(kInvoices), live_studio().invoices);
+            EXPECT_EQ(after.content(kStudio), live_studio(*GetParam()).studio);
+            EXPECT_EQ(after.content(std::string(kStudio) + "-journal"), live_studio(*GetParam()).journal);
+            EXPECT_EQ(after.content(kInvoices), live_studio(*GetParam()).invoices);
             expect_sets_are_whole(truth, 1);
         });
     EXPECT_GT(cuts, 20u);
@@ -188,9 +201,9 @@ TEST(StudioBackupCrash, set_is_whole_or_none_and_the_studio_is_untouched) {
     EXPECT_EQ(tools::backup_sets("copies").front().name, kNow);
 }
 
-TEST(StudioBackupFault, refused_disk_leaves_the_sets_of_before_and_no_half_one) {
+TEST_P(StudioBackupFault, refused_disk_leaves_the_sets_of_before_and_no_half_one) {
     Contents truth;
-    const std::size_t faults = with_faults([&] { return disk_with_a_backup(truth); },
+    const std::size_t faults = with_faults([&] { return disk_with_a_backup(live_studio(*GetParam()), truth); },
                                            [] { tools::make_backup("studio", "copies", kNow, std::nullopt); },
                                            [&](FaultFileSystem& disk, bool succeeded) {
                                                expect_sets_are_whole(truth, succeeded ? 2 : 1);
@@ -202,8 +215,8 @@ TEST(StudioBackupFault, refused_disk_leaves_the_sets_of_before_and_no_half_one) 
 }
 
 // The set of copies, and a studio that has gone on since, in one journal more.
-std::unique_ptr<FaultFileSystem> disk_to_restore(Contents& old, Contents& now) {
-    auto disk = disk_with_a_backup(old);
+std::unique_ptr<FaultFileSystem> disk_to_restore(const Files& files, Contents& old, Contents& now) {
+    auto disk = disk_with_a_backup(files, old);
     {
         const UseFileSystem use(*disk);
         jet::OpenOptions options;
@@ -238,10 +251,10 @@ void expect_nothing_lost(FaultFileSystem& disk, const Contents& old, const Conte
 
 void restore() { tools::restore_backup(tools::find_backup("copies", std::nullopt), "studio", kNow); }
 
-TEST(StudioRestoreCrash, each_file_is_as_it_was_or_restored_and_what_was_there_is_kept) {
+TEST_P(StudioRestoreCrash, each_file_is_as_it_was_or_restored_and_what_was_there_is_kept) {
     Contents old;
     Contents now;
-    const auto disk = disk_to_restore(old, now);
+    const auto disk = disk_to_restore(live_studio(*GetParam()), old, now);
     ASSERT_NE(old.studio, now.studio);
     const std::size_t cuts =
         with_cuts(*disk, restore, [&](FaultFileSystem& after) { expect_nothing_lost(after, old, now); });
@@ -251,19 +264,19 @@ TEST(StudioRestoreCrash, each_file_is_as_it_was_or_restored_and_what_was_there_i
     EXPECT_EQ(restored.invoices, old.invoices);
 }
 
-TEST(StudioRestoreCrash, journal_of_the_studio_is_not_played_into_the_restored_file) {
+TEST_P(StudioRestoreCrash, journal_of_the_studio_is_not_played_into_the_restored_file) {
     Contents truth;
-    const auto disk = disk_with_a_backup(truth);
+    const auto disk = disk_with_a_backup(live_studio(*GetParam()), truth);
     // The copy is of the very state that the journal belongs to.
     with_cuts(*disk, restore, [&](FaultFileSystem& after) { expect_nothing_lost(after, truth, truth); });
     EXPECT_EQ(contents_of(*disk).studio, truth.studio);
     EXPECT_FALSE(disk->exists(std::string(kStudio) + "-journal"));
 }
 
-TEST(StudioRestoreFault, refused_disk_loses_nothing_and_the_next_try_succeeds) {
+TEST_P(StudioRestoreFault, refused_disk_loses_nothing_and_the_next_try_succeeds) {
     Contents old;
     Contents now;
-    const std::size_t faults = with_faults([&] { return disk_to_restore(old, now); }, restore,
+    const std::size_t faults = with_faults([&] { return disk_to_restore(live_studio(*GetParam()), old, now); }, restore,
                                            [&](FaultFileSystem& disk, bool) {
                                                expect_nothing_lost(disk, old, now);
                                                restore();
@@ -273,10 +286,10 @@ TEST(StudioRestoreFault, refused_disk_loses_nothing_and_the_next_try_succeeds) {
     EXPECT_GT(faults, 10u);
 }
 
-TEST(StudioCompactCrash, file_is_the_old_or_the_new_one_with_the_same_rows) {
-    const auto disk = live_disk();
+TEST_P(StudioCompactCrash, file_is_the_old_or_the_new_one_with_the_same_rows) {
+    const auto disk = live_disk(live_studio(*GetParam()));
     const Contents truth = contents_of(*disk);
-    const std::size_t before = live_studio().studio.size();
+    const std::size_t before = live_studio(*GetParam()).studio.size();
     const std::size_t cuts = with_cuts(
         *disk, [] { tools::compact_file(kStudio); },
         [&](FaultFileSystem&) { EXPECT_EQ(rows_of(kStudio), truth.studio); });
@@ -286,11 +299,11 @@ TEST(StudioCompactCrash, file_is_the_old_or_the_new_one_with_the_same_rows) {
     for (const std::string& name : disk->names()) EXPECT_EQ(name.find("-new-"), std::string::npos) << name;
 }
 
-TEST(StudioCompactFault, refused_disk_leaves_the_file_as_it_was_or_made_anew) {
+TEST_P(StudioCompactFault, refused_disk_leaves_the_file_as_it_was_or_made_anew) {
     Contents truth;
     const std::size_t faults = with_faults(
         [&] {
-            auto disk = live_disk();
+            auto disk = live_disk(live_studio(*GetParam()));
             truth = contents_of(*disk);
             return disk;
         },
@@ -298,5 +311,16 @@ TEST(StudioCompactFault, refused_disk_leaves_the_file_as_it_was_or_made_anew) {
         [&](FaultFileSystem&, bool) { EXPECT_EQ(rows_of(kStudio), truth.studio); });
     EXPECT_GT(faults, 20u);
 }
+
+constexpr const jet::Format* kFormats[] = {&jet::kJet4, &jet::kJet3};
+constexpr auto kNameOfTested = [](const ::testing::TestParamInfo<const jet::Format*>& tested) {
+    return std::string(tested.param->is_jet3() ? "Jet3" : "Jet4");
+};
+INSTANTIATE_TEST_SUITE_P(Formats, StudioBackupCrash, ::testing::ValuesIn(kFormats), kNameOfTested);
+INSTANTIATE_TEST_SUITE_P(Formats, StudioBackupFault, ::testing::ValuesIn(kFormats), kNameOfTested);
+INSTANTIATE_TEST_SUITE_P(Formats, StudioRestoreCrash, ::testing::ValuesIn(kFormats), kNameOfTested);
+INSTANTIATE_TEST_SUITE_P(Formats, StudioRestoreFault, ::testing::ValuesIn(kFormats), kNameOfTested);
+INSTANTIATE_TEST_SUITE_P(Formats, StudioCompactCrash, ::testing::ValuesIn(kFormats), kNameOfTested);
+INSTANTIATE_TEST_SUITE_P(Formats, StudioCompactFault, ::testing::ValuesIn(kFormats), kNameOfTested);
 
 }  // namespace

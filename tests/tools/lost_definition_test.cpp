@@ -1,5 +1,7 @@
 // Studios of which a table's definition, or the end of a file, is lost: everything else is printed, and one sentence
 // names the file, what is damaged, and the commands that help.
+#include <functional>
+
 #include "jet/base/jet4.h"
 #include "jet/tables/database.h"
 #include "tests/tools/json_reader.h"
@@ -8,6 +10,13 @@
 namespace {
 
 using namespace testing_tool;
+
+// A command, and what it prints of the tables that are left.
+struct Reading {
+    const char* command;  // STUDIO, FILE, WHOLE and OUT stand for paths
+    const char* printed;
+    const char* printed_of_cut = printed;  // the same where little more than definitions is left
+};
 
 class LostDefinition : public Tool {
 protected:
@@ -35,14 +44,10 @@ protected:
 
     std::string out_place(const std::string& name) const { return scratch_.file(name); }
 
-    const std::string whole_ = scratch_.file("the whole one");
-};
+    // Runs each command of kOfWholeStudio; what it prints as JSON is whole.
+    void for_each_reading(const std::function<void(const Reading& reading, const Outcome& outcome)>& look);
 
-// A command, and what it prints of the tables that are left.
-struct Reading {
-    const char* command;  // STUDIO, FILE, WHOLE and OUT stand for paths
-    const char* printed;
-    const char* printed_of_cut = printed;  // the same where little more than definitions is left
+    const std::string whole_ = scratch_.file("the whole one");
 };
 
 constexpr Reading kOfWholeStudio[] = {
@@ -92,9 +97,7 @@ void expect_whole_json(const std::string& command, const Outcome& outcome) {
     if (command.find("--json") != std::string::npos && !outcome.out.empty()) json_of(outcome.out);
 }
 
-TEST_F(LostDefinition, reading_commands_print_the_other_tables_and_name_the_help) {
-    const jet::PageNumber page = definition_of(u"GearRentals");
-    lose_page(page);
+void LostDefinition::for_each_reading(const std::function<void(const Reading& reading, const Outcome& outcome)>& look) {
     for (const Reading& reading : kOfWholeStudio) {
         SCOPED_TRACE(reading.command);
         std::filesystem::remove_all(out_place("made"));
@@ -102,29 +105,30 @@ TEST_F(LostDefinition, reading_commands_print_the_other_tables_and_name_the_help
             reading.command,
             {{"STUDIO", studio_}, {"FILE", file("sldb.mdb")}, {"WHOLE", whole_}, {"OUT", out_place("made")}});
         const Outcome outcome = run(command);
+        look(reading, outcome);
+        expect_whole_json(command, outcome);
+    }
+}
+
+TEST_F(LostDefinition, reading_commands_print_the_other_tables_and_name_the_help) {
+    const jet::PageNumber page = definition_of(u"GearRentals");
+    lose_page(page);
+    for_each_reading([&](const Reading& reading, const Outcome& outcome) {
         expect_help(outcome, "sldb.mdb", "table GearRentals cannot be read");
         EXPECT_NE(outcome.errors.find("page " + std::to_string(page)), std::string::npos) << outcome.errors;
         EXPECT_NE(outcome.out.find(reading.printed), std::string::npos) << outcome.out.substr(0, 400);
-        expect_whole_json(command, outcome);
         if (std::string(reading.command).find("OUT") != std::string::npos) {
             EXPECT_TRUE(std::filesystem::exists(out_place("made")));
         }
-    }
+    });
 }
 
 TEST_F(LostDefinition, cut_file_is_read_as_far_as_it_goes_by_every_command) {
     cut();
-    for (const Reading& reading : kOfWholeStudio) {
-        SCOPED_TRACE(reading.command);
-        std::filesystem::remove_all(out_place("made"));
-        const std::string command = with_paths(
-            reading.command,
-            {{"STUDIO", studio_}, {"FILE", file("sldb.mdb")}, {"WHOLE", whole_}, {"OUT", out_place("made")}});
-        const Outcome outcome = run(command);
+    for_each_reading([&](const Reading& reading, const Outcome& outcome) {
         expect_help(outcome, "sldb.mdb", "behind the end of the file");
         EXPECT_NE(outcome.out.find(reading.printed_of_cut), std::string::npos) << outcome.out.substr(0, 400);
-        expect_whole_json(command, outcome);
-    }
+    });
 }
 
 TEST_F(LostDefinition, the_table_itself_is_refused_with_its_file_and_help) {

@@ -1,10 +1,11 @@
-// The memory of commands that read: it does not grow with the table.
+// The memory of commands: it does not grow with the table.
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
+#include <fstream>
 
 #include "tests/tools/rich_file.h"
 #include "tests/tools/tool_fixture.h"
@@ -34,6 +35,22 @@ protected:
         return usage.ru_maxrss;
     }
 };
+
+TEST_F(ToolMemory, import_needs_no_more_for_many_lines) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer needs memory of its own";
+#endif
+    ASSERT_EQ(demo().code, 0);
+    {
+        std::ofstream csv(scratch_.file("many.csv"), std::ios::binary);
+        csv << "Name,Producer\n";
+        for (int n = 0; n < 60000; ++n) csv << std::string(250, 'n') << "," << std::string(250, 'p') << "\n";
+    }
+    constexpr long kMostKibibytes = 32 * 1024;
+    EXPECT_LT(peak_of({"import", studio_, "Projects", scratch_.file("many.csv")}), kMostKibibytes);
+    ASSERT_GT(std::filesystem::file_size(file("sldb.mdb")), kMostKibibytes * 1024);
+    EXPECT_LT(peak_of({"set", studio_, "Projects", "50000", "Name=x"}), kMostKibibytes);
+}
 
 TEST_F(ToolMemory, reading_needs_no_more_for_a_large_table) {
 #ifdef __SANITIZE_ADDRESS__

@@ -22,6 +22,36 @@ TEST_F(Messages, unknown_table_is_not_understood_by_any_command) {
     expect_failure(on("export", in_quotes(scratch_.file("out.db")) + " --to sqlite --tables Projetcs"), 2,
                    "did you mean Projects?");
     expect_failure(on("sql", "'SELECT * FROM Projetcs'"), 2, "no table Projetcs");
+    expect_failure(on("sql", "'select * from [Projetcs] order by Name'"), 2, "Did you mean Projects?");
+    expect_failure(on("rows", "Nothing"), 2, "; kvdb tables ");
+}
+
+TEST_F(Messages, statement_that_is_empty_is_told_once) {
+    const Outcome outcome = on("sql", "''");
+    expect_failure(outcome, 2, "The statement is empty.");
+    EXPECT_EQ(outcome.errors.find("empty"), outcome.errors.rfind("empty")) << outcome.errors;
+}
+
+TEST_F(Messages, option_without_its_value_is_not_passed_over) {
+    expect_failure(on("list", "Projects --sort ''"), 2, "--sort names no column");
+    expect_failure(on("rows", "Projects --sort ' , '"), 2, "--sort names no column");
+    expect_failure(on("list", "Projects --sort -"), 2, "sign without a column");
+    expect_failure(on("list", "Projects --limit many"), 2, "--limit takes a whole number, not 'many'");
+    expect_failure(on("backup", in_quotes(scratch_.file("b")) + " --keep ten"), 2,
+                   "--keep takes a whole number, not 'ten'");
+}
+
+TEST_F(Messages, mistyped_member_gets_its_suggestion_and_a_key_its_reason) {
+    for (const std::string command : {"add", "set"}) {
+        const std::string table = command == "add" ? "Projects " : "Projects 1 ";
+        expect_failure(on(command, table + "Nme=x"), 2, "has no member 'Nme' to set; did you mean Name?");
+        expect_failure(on(command, table + "projid=9"), 2, "ProjID is the key of Projects, which the studio gives");
+    }
+}
+
+TEST_F(Messages, salvage_of_nothing_says_so) {
+    expect_failure(run("salvage " + in_quotes(scratch_.file("none.mdb")) + " " + in_quotes(scratch_.file("x"))), 1,
+                   "there is no file or folder ");
 }
 
 TEST_F(Messages, sql_on_a_folder_names_both_files_for_an_unknown_table) {

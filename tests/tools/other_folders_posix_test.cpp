@@ -19,6 +19,7 @@ using namespace testing_tool;
 
 class OtherFolder : public Tool {
 protected:
+    int run_as_nobody(const std::string& command);
     void SetUp() override { ASSERT_EQ(demo().code, 0); }
 
     std::vector<std::string> reading_commands() const {
@@ -77,26 +78,53 @@ TEST_F(OtherFolder, reading_commands_change_neither_files_nor_folder) {
     EXPECT_EQ(names(), kBothFiles);
 }
 
+constexpr int kCannotRun = 77;
+
+// Runs the tool as a user without rights; its code, its errors in the file "errors".
+int OtherFolder::run_as_nobody(const std::string& command) {
+    const pid_t child = fork();
+    if (child == 0) {
+        const int nothing = open("/dev/null", O_WRONLY);
+        const int errors = open(scratch_.file("errors").c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        const bool is_nobody = setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0;
+        if (!is_nobody || access(KVDB_TOOL, X_OK) != 0) _exit(kCannotRun);
+        dup2(nothing, 1);
+        dup2(errors, 2);
+        execl("/bin/sh", "sh", "-c", (in_quotes(KVDB_TOOL) + " " + command).c_str(), nullptr);
+        _exit(78);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status));
+    return WEXITSTATUS(status);
+}
+
 TEST_F(OtherFolder, reading_needs_no_right_to_write) {
     if (geteuid() != 0) GTEST_SKIP() << "only the superuser can become somebody else";
     for (const std::string& name : names()) ASSERT_EQ(chmod(file(name).c_str(), 0444), 0);
     ASSERT_EQ(chmod(studio_.c_str(), 0555), 0);
     ASSERT_EQ(chmod(scratch_.path().c_str(), 0755), 0);
     for (const std::string& command : reading_commands()) {
-        const pid_t child = fork();
-        if (child == 0) {
-            const int nothing = open("/dev/null", O_WRONLY);
-            const bool is_nobody = setgroups(0, nullptr) == 0 && setgid(65534) == 0 && setuid(65534) == 0;
-            if (!is_nobody || access(KVDB_TOOL, X_OK) != 0) _exit(77);
-            dup2(nothing, 1);
-            execl("/bin/sh", "sh", "-c", (in_quotes(KVDB_TOOL) + " " + command).c_str(), nullptr);
-            _exit(78);
-        }
-        int status = 0;
-        ASSERT_EQ(waitpid(child, &status, 0), child);
-        ASSERT_TRUE(WIFEXITED(status));
-        if (WEXITSTATUS(status) == 77) GTEST_SKIP() << "others may not run what was built here";
-        EXPECT_EQ(WEXITSTATUS(status), 0) << command;
+        const int code = run_as_nobody(command);
+        if (code == kCannotRun) GTEST_SKIP() << "others may not run what was built here";
+        EXPECT_EQ(code, 0) << command;
+    }
+}
+
+TEST_F(OtherFolder, studio_that_may_not_be_looked_at_is_not_said_to_be_none) {
+    if (geteuid() != 0) GTEST_SKIP() << "only the superuser can become somebody else";
+    ASSERT_EQ(chmod(studio_.c_str(), 0700), 0);
+    ASSERT_EQ(chmod(scratch_.path().c_str(), 0755), 0);
+    const std::string folder = in_quotes(studio_);
+    for (const std::string& command :
+         {"check " + folder, "info " + folder, "tables " + folder, "schema " + folder, "rows " + folder + " Projects",
+          "list " + folder + " Projects", "search " + folder + " x", "sql " + folder + " 'SELECT * FROM Projects'",
+          "diff " + folder + " " + folder}) {
+        const int code = run_as_nobody(command);
+        if (code == kCannotRun) GTEST_SKIP() << "others may not run what was built here";
+        EXPECT_EQ(code, 1) << command;
+        EXPECT_NE(contents(scratch_.file("errors")).find("sldb.mdb\": Permission denied"), std::string::npos)
+            << command << ": " << contents(scratch_.file("errors"));
     }
 }
 

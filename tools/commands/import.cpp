@@ -1,26 +1,26 @@
-// import: records from a CSV file, each through the gate of its table, all in one transaction.
+// import: records from a CSV file, each through the gate of its table, all of them in one step.
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <system_error>
+#include <memory>
 
 #include "db/session.h"
 #include "tools/commands.h"
 #include "tools/csv_reader.h"
+#include "tools/csv_source.h"
 #include "tools/declaration.h"
 #include "tools/errors.h"
 #include "tools/gate_call.h"
 #include "tools/gate_table.h"
 #include "tools/interrupt.h"
 #include "tools/output.h"
-#include "tools/paths.h"
 #include "tools/progress.h"
+#include "tools/studio_draft.h"
 #include "tools/studio_files.h"
 
 namespace tools {
 namespace {
 
 constexpr std::uint64_t kBetweenGuesses = 256;  // lines
+constexpr std::size_t kLinesOfAShare = 500;
 
 struct Options {
     std::string folder;
@@ -117,62 +117,103 @@ Assignments assignments(const Names& members, const Names& fields) {
     return result;
 }
 
-// How many lines the file has, guessed by those that were read; 0 where its size is not known.
-std::uint64_t guessed_lines(std::ifstream& in, const std::string& file, std::uint64_t read) {
-    std::error_code error;
-    const std::uintmax_t size = std::filesystem::file_size(system_path(file), error);
-    const std::streamoff at = in.tellg();
-    if (error || at <= 0) return 0;
-    return static_cast<std::uint64_t>(static_cast<double>(read) * static_cast<double>(size) / static_cast<double>(at));
+struct Count {
+    std::size_t added = 0;
+    std::size_t refused = 0;
+
+    std::string lines() const { return std::to_string(added + refused) + (added + refused == 1 ? " line" : " lines"); }
+};
+
+// Whether what was added is to stay.
+bool is_kept(const Options& options, const Count& count) {
+    return !options.dry_run && (count.refused == 0 || options.partly);
+}
+
+// Adds the lines to the open studio; `between_lines` is called after each.
+template <class BetweenLines>
+Count add_lines(CsvSource& source, CsvReader& csv, const GateTable& table, const Names& members, Studio& studio,
+                BetweenLines&& between_lines) {
+    Count count;
+    Progress progress("lines", 0);
+    while (const auto fields = csv.next()) {
+        require_uninterrupted();
+        progress.step();
+        if (progress.done() % kBetweenGuesses == 0) progress.set_total(source.guessed_lines(progress.done()));
+        try {
+            StudioTransaction line;  // a gate keeps what it could set of a record that it refuses
+            table.add(studio, assignments(members, *fields));
+            line.keep();
+            ++count.added;
+        } catch (const std::runtime_error& error) {
+            ++count.refused;
+            output().print("line %zu: %s\n", csv.line(), error.what());
+        }
+        between_lines();
+    }
+    require_uninterrupted();
+    return count;
+}
+
+// Both gates open their databases here: in the middle of a transaction that would open the files anew.
+void open_all(Studio& studio) { studio.open_gear(); }
+
+// Few lines: one transaction of the engine, which holds what it changes in memory.
+Count import_few(const Options& options, CsvSource& source, CsvReader& csv, const GateTable& table,
+                 const Names& members) {
+    Studio studio(options.folder, Studio::Purpose::kChange);
+    open_all(studio);
+    catch_interrupts();
+    StudioTransaction transaction;
+    const Count count = add_lines(source, csv, table, members, studio, [] {});
+    if (is_kept(options, count)) transaction.keep();
+    return count;
+}
+
+// More than that: into copies of the files, share by share, and then the changed one takes its place.
+Count import_many(const Options& options, CsvSource& source, CsvReader& csv, const GateTable& table,
+                  const Names& members) {
+    const StudioFiles files(options.folder);
+    files.require_current();
+    catch_interrupts();
+    StudioDraft draft(files);
+    Count count;
+    {
+        Studio studio(draft.folder(), Studio::Purpose::kChange);
+        open_all(studio);
+        auto share = std::make_unique<StudioTransaction>();
+        std::size_t waiting = 0;
+        count = add_lines(source, csv, table, members, studio, [&] {
+            if (++waiting < kLinesOfAShare) return;
+            waiting = 0;
+            share->keep();
+            share = std::make_unique<StudioTransaction>();
+        });
+        share->keep();
+    }
+    if (is_kept(options, count)) draft.publish(files.invoices.declares(table.name()) ? files.invoices : files.studio);
+    return count;
 }
 
 int run(const Options& options) {
     const GateTable& table = gate_table(options.table);
-    std::ifstream in(system_path(options.file), std::ios::binary);
-    if (!in) throw CommandError(options.file + " cannot be read; is it there, and may you read it?");
-    CsvReader csv(in);
+    CsvSource source(options.file);
+    CsvReader csv(source.stream());
     const Names members = members_of(table, csv.names());
-    Studio studio(options.folder, Studio::Purpose::kChange);
-    // Both gates open their databases here: in the middle of the transaction that would open the files anew.
-    studio.open_gear();
-    catch_interrupts();
-    std::size_t added = 0;
-    std::size_t refused = 0;
-    {
-        StudioTransaction transaction;
-        Progress progress("lines", 0);
-        while (const auto fields = csv.next()) {
-            require_uninterrupted();
-            progress.step();
-            if (progress.done() % kBetweenGuesses == 0) {
-                progress.set_total(guessed_lines(in, options.file, progress.done()));
-            }
-            try {
-                StudioTransaction line;  // a gate keeps what it could set of a record that it refuses
-                table.add(studio, assignments(members, *fields));
-                line.keep();
-                ++added;
-            } catch (const std::runtime_error& error) {
-                ++refused;
-                output().print("line %zu: %s\n", csv.line(), error.what());
-            }
-        }
-        require_uninterrupted();
-        if (!options.dry_run && (refused == 0 || options.partly)) transaction.keep();
-    }
-    const std::string of_lines = std::to_string(added + refused) + (added + refused == 1 ? " line" : " lines");
+    const Count count = source.is_small() ? import_few(options, source, csv, table, members)
+                                          : import_many(options, source, csv, table, members);
+    const std::string of_lines = count.lines();
     if (options.dry_run) {
-        output().print("%zu of %s would be added to %s; nothing was changed\n", added, of_lines.c_str(),
+        output().print("%zu of %s would be added to %s; nothing was changed\n", count.added, of_lines.c_str(),
                        table.name().c_str());
-        return refused == 0 ? 0 : 1;
+        return count.refused == 0 ? 0 : 1;
     }
-    if (refused != 0 && !options.partly) {
-        throw CommandError(std::to_string(refused) + " of " + of_lines + (refused == 1 ? " is" : " are") +
+    if (count.refused != 0 && !options.partly) {
+        throw CommandError(std::to_string(count.refused) + " of " + of_lines + (count.refused == 1 ? " is" : " are") +
                            " refused, so nothing was added to " + table.name() +
                            "; correct them, or keep the others with --partly");
     }
-    output().print("%zu of %s added to %s\n", added, of_lines.c_str(), table.name().c_str());
-    return refused == 0 ? 0 : 1;
+    output().print("%zu of %s added to %s\n", count.added, of_lines.c_str(), table.name().c_str());
+    return count.refused == 0 ? 0 : 1;
 }
 
 }  // namespace

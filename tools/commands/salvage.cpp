@@ -30,7 +30,10 @@ void bind(Declaration& declare, Options& options) {
 
 // Each of a studio's two files makes a file of its own.
 void require_file(const Options& options) {
-    if (!std::filesystem::is_directory(system_path(options.from))) return require_no_dead_link(options.from);
+    if (!std::filesystem::is_directory(system_path(options.from))) {
+        jet_files_of(options.from);  // there is one
+        return;
+    }
     std::string commands;
     for (const char* const name : {kStudioFile, kInvoiceFile}) {
         commands += (commands.empty() ? "" : " and ") +

@@ -1,5 +1,6 @@
 // sql: a statement of the engine's own.
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 #include "jet/sql/query.h"
@@ -38,6 +39,27 @@ bool is_of_the_statement(int number) {
     return std::find(std::begin(kNumbers), std::end(kNumbers), number) != std::end(kNumbers);
 }
 
+// "; did you mean NAME?" by the word after FROM, which names no table.
+std::string table_hint(const std::vector<OpenedFile>& files, const std::u16string& statement) {
+    Names words(1);
+    for (const char c : jet::to_utf8(statement)) {
+        if (std::strchr(" \t\r\n[];,", c) == nullptr) {
+            words.back() += c;
+        } else if (!words.back().empty()) {
+            words.emplace_back();
+        }
+    }
+    const auto from =
+        std::find_if(words.begin(), words.end(), [](const std::string& w) { return is_same_name(w, "FROM"); });
+    if (from == words.end() || from + 1 == words.end()) return {};
+    Names tables;
+    for (const OpenedFile& file : files) {
+        for (const std::u16string& name : file.database->table_names()) tables.push_back(jet::to_utf8(name));
+    }
+    const std::string nearest = nearest_name(from[1], tables);
+    return nearest.empty() ? "" : " Did you mean " + nearest + "?";
+}
+
 // Prepared on the file that has the table.
 jet::sql::Query prepare(const std::vector<OpenedFile>& files, const std::u16string& statement) {
     std::string nowhere;
@@ -50,10 +72,12 @@ jet::sql::Query prepare(const std::vector<OpenedFile>& files, const std::u16stri
                 require_undamaged();
             }
             if (error.number() == jet::errors::kNoSuchTable) {
-                nowhere += (nowhere.empty() ? "" : " ") + std::string(error.what());
+                const std::string text = error.what();
+                // A statement without a table says the same of each file.
+                if (nowhere.find(text) == std::string::npos) nowhere += (nowhere.empty() ? "" : " ") + text;
                 if (i + 1 < files.size()) continue;
                 require_undamaged();  // its name may be what is lost
-                throw UsageError(nowhere);
+                throw UsageError(nowhere + table_hint(files, statement));
             }
             if (is_of_the_statement(error.number())) throw UsageError(error.what());
             throw;

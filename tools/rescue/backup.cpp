@@ -10,6 +10,7 @@
 #include "tools/errors.h"
 #include "tools/file_copies.h"
 #include "tools/open_file.h"
+#include "tools/paths.h"
 #include "tools/rescue/checked_copy.h"
 #include "tools/rescue/page_source.h"
 
@@ -174,6 +175,29 @@ BackupSet find_backup(const std::string& path, const std::optional<std::string>&
     return plain;
 }
 
+namespace {
+
+// What a person is to do whose studio is damaged, after "FILE is damaged".
+std::string no_copy_text(const std::string& file, const std::string& folder, const std::string& destination) {
+    const std::vector<BackupSet> sets = backup_sets(destination);
+    const std::string typed = typed_path(file);
+    std::string text = ", so no copy was made of the studio: kvdb check " + typed +
+                       " says what is the matter, kvdb salvage " + typed + " NEW.mdb saves its rows into a new file";
+    if (sets.empty()) return text + "; there is no older copy in " + destination;
+    return text + ", kvdb restore " + typed_path(destination) + " " + typed_path(folder) +
+           " goes back to the newest copy, of " + sets.front().name + "; all older copies are kept";
+}
+
+// The same where a copy is damaged.
+std::string not_restored_text(const std::string& copy, const std::string& folder) {
+    return ", so nothing was restored and " + folder + " is as it was: kvdb restore --list " +
+           typed_path(os::folder_of(copy)) +
+           " shows the copies there are, --at DATE takes another one, and kvdb salvage " + typed_path(copy) +
+           " NEW.mdb saves what is left in this one";
+}
+
+}  // namespace
+
 BackupOutcome make_backup(const std::string& folder, const std::string& destination, const std::string& now,
                           std::optional<std::size_t> keep) {
     const std::string studio = os::join_path(folder, kStudioFile);
@@ -192,12 +216,14 @@ BackupOutcome make_backup(const std::string& folder, const std::string& destinat
     }
     BackupOutcome outcome;
     outcome.set = {name, path_in(destination, kStudioFile, name), ""};
-    const std::string studio_draft = write_checked_draft(studio_pages, outcome.set.studio);
+    const std::string studio_draft =
+        write_checked_draft(studio_pages, outcome.set.studio, no_copy_text(studio, folder, destination));
     std::string invoice_draft;
     try {
         if (invoice_pages) {
             outcome.set.invoices = path_in(destination, kInvoiceFile, name);
-            invoice_draft = write_checked_draft(*invoice_pages, outcome.set.invoices);
+            invoice_draft =
+                write_checked_draft(*invoice_pages, outcome.set.invoices, no_copy_text(invoices, folder, destination));
             give_name(invoice_draft, outcome.set.invoices);
         }
         give_name(studio_draft, outcome.set.studio);
@@ -233,7 +259,7 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
         for (Part& part : parts) {
             part.to = os::file_system().resolved(part.to);
             os::clear_drafts(part.to);
-            part.draft = write_checked_draft(PageSource(part.from), part.to);
+            part.draft = write_checked_draft(PageSource(part.from), part.to, not_restored_text(part.from, folder));
         }
         // Whether somebody has one of them open is seen before anything is made of either.
         for (const Part& part : parts) {

@@ -74,17 +74,14 @@ std::string write_draft(const Original& from, const std::string& target) {
     return draft;
 }
 
-// In the words that the owner is to read.
-void require_sound(const std::string& draft, const std::string& original) {
+void require_sound(const std::string& draft, const std::string& original, const std::string& if_damaged) {
     CheckResult result;
     try {
         result = check_file(*open_to_read(draft), original);
     } catch (const jet::Error& error) {
         result = unreadable_file(original, error.what());
     }
-    if (!result.is_sound()) {
-        throw CommandError(original + " is damaged and was not taken for a copy; kvdb check tells more about it");
-    }
+    if (!result.is_sound()) throw CommandError(original + " is damaged" + if_damaged);
 }
 
 }  // namespace
@@ -97,7 +94,7 @@ void remove_quietly(const std::string& path) {
     }
 }
 
-std::string write_checked_draft(const PageSource& pages, const std::string& target) {
+std::string write_checked_draft(const PageSource& pages, const std::string& target, const std::string& if_damaged) {
     const auto read = [&](std::uint64_t at, jet::MutableByteSpan into) {
         const auto first = static_cast<jet::PageNumber>(at / pages.page_size());
         std::size_t got = 0;
@@ -112,7 +109,7 @@ std::string write_checked_draft(const PageSource& pages, const std::string& targ
     const std::uint64_t bytes = std::uint64_t{pages.page_count()} * pages.page_size();
     const std::string draft = write_draft({pages.path(), bytes, pages.page_size(), read}, target);
     try {
-        require_sound(draft, pages.path());
+        require_sound(draft, pages.path(), if_damaged);
     } catch (...) {
         remove_quietly(draft);
         throw;

@@ -155,7 +155,7 @@ TEST_F(ProgressSlow, keeping_commands_tell_how_far_they_are) {
     if (std::chrono::steady_clock::now() - begin > std::chrono::milliseconds(1500)) {
         EXPECT_NE(compared.find(" a second"), std::string::npos) << compared;
     }
-    const std::string selected = run_in_terminal({"sql", studio_, "SELECT * FROM Projects ORDER BY Notes, Name"}, 80);
+    const std::string selected = run_in_terminal({"sql", studio_, "SELECT * FROM Projects ORDER BY Type, Name"}, 80);
     EXPECT_NE(selected.find(" rows read, "), std::string::npos) << selected;
     EXPECT_NE(selected.find(" s left"), std::string::npos) << selected;
     // Its line comes between those of the rows, and never into one.

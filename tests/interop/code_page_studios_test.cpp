@@ -44,7 +44,6 @@ INSTANTIATE_TEST_SUITE_P(Each, CodePageStudiosInterop,
 TEST_P(CodePageStudiosInterop, what_the_upgrade_has_added_is_read_everywhere) {
     const StudioSize size = {
         .projects = 3, .songs = 15, .tracks = 6, .sessions = 20, .engineers = 4, .contacts = 6, .invoices = 5};
-
     {
         const UseOldFormat use(jet::kJet3, GetParam().code_page, GetParam().lcid);
         make_old_studio(folder_.path(), 100005, size);

@@ -6,7 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
-#include <iterator>
+#include <sstream>
 
 #include "jet/check/check.h"
 #include "jet/indexes/index.h"
@@ -35,6 +35,7 @@ protected:
     void make(const Language& language, std::span<const std::u16string> names, const std::u16string& query = {}) {
         CreateOptions options;
         options.format = &kJet3;
+        if (database_) database_->close();
         std::filesystem::remove(path_);
         database_ = Database::create(path_, options);
         for (const std::u16string& name : names) make_table(name);
@@ -99,10 +100,10 @@ protected:
 
     std::string bytes() {
         database_->close();
-        std::ifstream file(path_, std::ios::binary);
-        const std::string all{std::istreambuf_iterator<char>(file), {}};
+        std::ostringstream all;
+        all << std::ifstream(path_, std::ios::binary).rdbuf();
         reopen();
-        return all;
+        return all.str();
     }
     // Fails with 3616 and leaves the file byte for byte. The reason.
     std::string expect_refused(const std::function<void()>& work) {

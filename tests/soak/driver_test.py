@@ -91,5 +91,39 @@ class Driver(unittest.TestCase):
             self.assertIn("usage: ./soak", run.stderr)
 
 
+FUZZER = """#!/bin/sh
+# Finds something new in every run, which a fuzzer writes to the first of its folders.
+first=
+for argument in "$@"; do
+    case $argument in -*) continue ;; esac
+    ls "$argument" >>"$(dirname "$0")/seen"
+    first=${first:-$argument}
+done
+echo new >"$first/$$"
+echo "Done 7 runs in 0 second(s)"
+"""
+
+
+class Fuzzers(unittest.TestCase):
+    def test_what_is_found_stays_out_of_the_tree_and_of_the_next_case(self):
+        corpus = pathlib.Path(TREE) / "fuzz" / "corpus"
+        before = sorted(path for path in corpus.rglob("*"))
+        with tempfile.TemporaryDirectory() as name:
+            folder = pathlib.Path(name)
+            for fuzzer in ("open_file", "statement", "properties", "table_def"):
+                (folder / f"{fuzzer}_fuzzer").write_text(FUZZER)
+                (folder / f"{fuzzer}_fuzzer").chmod(0o755)
+            run = subprocess.run([f"{TREE}/tests/soak/run_fuzzers", name, "fuzzers", "1", "8", "60", name],
+                                 capture_output=True, text=True, check=False)
+            self.assertEqual(run.returncode, 0, run.stderr)
+            self.assertIn("done 8 7 9", run.stdout)
+            seen = (folder / "seen").read_text()
+        for path in before:
+            if path.is_file():
+                self.assertIn(path.name, seen)
+        self.assertNotRegex(seen, r"(?m)^\d+$")
+        self.assertEqual(sorted(path for path in corpus.rglob("*")), before)
+
+
 if __name__ == "__main__":
     unittest.main()

@@ -56,7 +56,7 @@ CTime KnownTimes::of(DATE days, CTime (*convert)(DATE)) {
     Entry* pair = pair_of(bits);
     if (is_it(pair[0])) return pair[0].time;
     if (is_it(pair[1])) return pair[1].time;
-    if (static_cast<std::size_t>(++converted_) > size_ && size_ < kEntries) {
+    if (size_<kEntries&& static_cast<std::size_t>(++converted_)> size_) {
         grow(kEntries);
         pair = pair_of(bits);
     }

@@ -5,19 +5,12 @@
 #include "tests/interop/comparison.h"
 #include "tests/interop/interop_fixture.h"
 #include "tests/old_files/old_files.h"
+#include "tests/support/code_page_file.h"
 
 namespace interop {
 namespace {
 
 using namespace testing_support;
-
-struct Language {
-    const char* name;
-    std::uint16_t code_page;
-    std::uint16_t lcid;
-
-    friend void PrintTo(const Language& language, std::ostream* to) { *to << language.name; }
-};
 
 class CodePageStudiosInterop : public InteropTest, public ::testing::WithParamInterface<Language> {
 protected:

@@ -19,14 +19,8 @@
 namespace jet {
 namespace {
 
-struct Language {
-    const char* name;
-    std::uint16_t code_page;
-    std::uint16_t lcid;
-    std::u16string text;  // of its own letters
-
-    friend void PrintTo(const Language& language, std::ostream* to) { *to << language.name; }
-};
+using testing_support::kLatinLanguages;
+using testing_support::Language;
 
 class LatinOrder : public ::testing::Test {
 protected:
@@ -125,28 +119,9 @@ protected:
     std::unique_ptr<Database> database_;
 };
 
-const Language kLanguages[] = {
-    {"Polish", 1250, 0x0415, u"\u0179r\u00F3d\u0142o"},
-    {"Slovenian", 1250, 0x0424, u"\u010Crka"},
-    {"GeneralInCentralEurope", 1250, 0x0409, u"\u0179r\u00F3d\u0142o"},
-    {"Cyrillic", 1251, 0x0419, u"\u041A\u043B\u0438\u0435\u043D\u0442\u044B"},
-    {"Ukrainian", 1251, 0x0422, u"\u041A\u043B\u0456\u0454\u043D\u0442\u0438"},
-    {"GeneralInCyrillic", 1251, 0x0409, u"\u041A\u043B\u0438\u0435\u043D\u0442\u044B"},
-    {"Greek", 1253, 0x0408, u"\u03A0\u03B5\u03BB\u03AC\u03C4\u03B5\u03C2"},
-    {"GeneralInTurkish", 1254, 0x0409, u"M\u00FC\u015Fteri"},
-    {"Hebrew", 1255, 0x040D, u"\u05DC\u05E7\u05D5\u05D7\u05D5\u05EA"},
-    {"Arabic", 1256, 0x0401, u"\u0639\u0645\u0644\u0627\u0621"},
-    {"GeneralInBaltic", 1257, 0x0409, u"Klient\u0173"},
-    {"Thai", 874, 0x041E, u"\u0E25\u0E39\u0E01\u0E04\u0E49\u0E32"},
-    {"Japanese", 932, 0x0411, u"\u9867\u5BA2"},
-    {"SimplifiedChinese", 936, 0x0804, u"\u5BA2\u6237"},
-    {"Korean", 949, 0x0412, u"\uACE0\uAC1D"},
-    {"TraditionalChinese", 950, 0x0404, u"\u5BA2\u6236"},
-};
-
 class LatinOrderOf : public LatinOrder, public ::testing::WithParamInterface<Language> {};
 
-INSTANTIATE_TEST_SUITE_P(Each, LatinOrderOf, ::testing::ValuesIn(kLanguages),
+INSTANTIATE_TEST_SUITE_P(Each, LatinOrderOf, ::testing::ValuesIn(kLatinLanguages),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST_P(LatinOrderOf, plain_names_are_kept_in_order) {
@@ -244,7 +219,7 @@ TEST_P(LatinOrderOf, index_with_other_entries_is_refused_and_the_file_stays) {
 }
 
 TEST_F(LatinOrder, index_with_one_other_entry_is_refused) {
-    make(kLanguages[3]);
+    make(kLatinLanguages[3]);
     {
         Transaction transaction(database_->pager());
         ByteVector key = entry_of(row_of(u"First"));
@@ -259,11 +234,11 @@ TEST_F(LatinOrder, index_with_one_other_entry_is_refused) {
 }
 
 TEST_F(LatinOrder, signs_of_japanese_and_korean_code_pages_are_no_plain_letters) {
-    for (const Language& language : {kLanguages[12], kLanguages[14]}) {
+    for (const Language& language : {kLatinLanguages[12], kLatinLanguages[14]}) {
         make(language);
         for (const char16_t* const name : {u"a\\b", u"a~b"}) expect_refused([&] { make_table(name); });
     }
-    make(kLanguages[13]);
+    make(kLatinLanguages[13]);
     make_table(u"a\\b");
     make_table(u"a~b");
     expect_sound(*database_);
@@ -287,7 +262,7 @@ TEST_F(LatinOrder, language_that_contracts_or_moves_latin_letters_stays_read_onl
 
 // Nothing in the tree itself tells its order: the names of the catalogue do.
 TEST_F(LatinOrder, tree_without_entries_is_proved_by_the_catalogue) {
-    const Language& language = kLanguages[3];
+    const Language& language = kLatinLanguages[3];
     const auto add_relationship = [&](std::u16string_view name) {
         Table& table = *database_->table_by_page(jet4::kRelationshipsPage);
         std::vector<Value> values(table.def().columns.size());

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <fstream>
 #include <iterator>
+#include <ostream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -19,6 +20,36 @@
 #include "jet/tables/database.h"
 
 namespace testing_support {
+
+// What the texts of a Jet 3 file are in.
+struct Language {
+    const char* name;
+    std::uint16_t code_page;
+    std::uint16_t lcid;
+    std::u16string text = {};  // in its own letters
+
+    friend void PrintTo(const Language& language, std::ostream* to) { *to << language.name; }
+};
+
+// Those whose plain Latin texts the engine keeps in order, with a text that fits in a name.
+inline const Language kLatinLanguages[] = {
+    {"Polish", 1250, 0x0415, u"\u0179r\u00F3d\u0142o"},
+    {"Slovenian", 1250, 0x0424, u"\u010Crka"},
+    {"GeneralInCentralEurope", 1250, 0x0409, u"\u0179r\u00F3d\u0142o"},
+    {"Cyrillic", 1251, 0x0419, u"\u041A\u043B\u0438\u0435\u043D\u0442\u044B"},
+    {"Ukrainian", 1251, 0x0422, u"\u041A\u043B\u0456\u0454\u043D\u0442\u0438"},
+    {"GeneralInCyrillic", 1251, 0x0409, u"\u041A\u043B\u0438\u0435\u043D\u0442\u044B"},
+    {"Greek", 1253, 0x0408, u"\u03A0\u03B5\u03BB\u03AC\u03C4\u03B5\u03C2"},
+    {"GeneralInTurkish", 1254, 0x0409, u"M\u00FC\u015Fteri"},
+    {"Hebrew", 1255, 0x040D, u"\u05DC\u05E7\u05D5\u05D7\u05D5\u05EA"},
+    {"Arabic", 1256, 0x0401, u"\u0639\u0645\u0644\u0627\u0621"},
+    {"GeneralInBaltic", 1257, 0x0409, u"Klient\u0173"},
+    {"Thai", 874, 0x041E, u"\u0E25\u0E39\u0E01\u0E04\u0E49\u0E32"},
+    {"Japanese", 932, 0x0411, u"\u9867\u5BA2"},
+    {"SimplifiedChinese", 936, 0x0804, u"\u5BA2\u6237"},
+    {"Korean", 949, 0x0412, u"\uACE0\uAC1D"},
+    {"TraditionalChinese", 950, 0x0404, u"\u5BA2\u6236"},
+};
 
 // The header of the file at `path` and its columns say `code_page` and `lcid` from now on; the bytes of its texts stay.
 inline void change_code_page(const std::string& path, std::uint16_t code_page,

@@ -171,16 +171,14 @@ public:
     std::size_t read(std::uint64_t at, std::span<std::uint8_t> into) override {
         std::size_t done = 0;
         while (done < into.size()) {
-            OVERLAPPED position = position_of(at + done);
             DWORD count = 0;
             const auto wanted = static_cast<DWORD>(std::min(into.size() - done, kLargestTransfer));
-            if (!::ReadFile(handle_.get(), into.data() + done, wanted, &count, &position)) {
-                const DWORD code = ::GetLastError();
-                if (code != ERROR_HANDLE_EOF) fail("read", path_, code);
-                break;
+            if (!move_to(at + done) || !::ReadFile(handle_.get(), into.data() + done, wanted, &count, nullptr)) {
+                fail_at_unknown_position("read");
             }
             if (count == 0) break;
             done += count;
+            position_ += count;
         }
         return done;
     }
@@ -188,15 +186,15 @@ public:
     void write(std::uint64_t at, std::span<const std::uint8_t> bytes) override {
         std::size_t done = 0;
         while (done < bytes.size()) {
-            OVERLAPPED position = position_of(at + done);
             DWORD count = 0;
             const auto wanted = static_cast<DWORD>(std::min(bytes.size() - done, kLargestTransfer));
-            if (!::WriteFile(handle_.get(), bytes.data() + done, wanted, &count, &position)) {
-                fail("write", path_, ::GetLastError());
+            if (!move_to(at + done) || !::WriteFile(handle_.get(), bytes.data() + done, wanted, &count, nullptr)) {
+                fail_at_unknown_position("write");
             }
             // A device that accepts nothing and reports no error would otherwise loop for ever.
             if (count == 0) fail("write", path_, ERROR_DISK_FULL);
             done += count;
+            position_ += count;
         }
     }
 
@@ -210,11 +208,7 @@ public:
         if (bytes > static_cast<std::uint64_t>(std::numeric_limits<LONGLONG>::max())) {
             fail("resize", path_, ERROR_DISK_FULL);
         }
-        LARGE_INTEGER end{};
-        end.QuadPart = static_cast<LONGLONG>(bytes);
-        if (!::SetFilePointerEx(handle_.get(), end, nullptr, FILE_BEGIN) || !::SetEndOfFile(handle_.get())) {
-            fail("resize", path_, ::GetLastError());
-        }
+        if (!move_to(bytes) || !::SetEndOfFile(handle_.get())) fail_at_unknown_position("resize");
     }
 
     void sync() override {
@@ -222,14 +216,27 @@ public:
     }
 
 private:
-    static OVERLAPPED position_of(std::uint64_t at) {
-        OVERLAPPED position{};
-        position.Offset = static_cast<DWORD>(at);
-        position.OffsetHigh = static_cast<DWORD>(at >> 32);
-        return position;
+    static constexpr std::uint64_t kUnknown = std::numeric_limits<std::uint64_t>::max();
+
+    // Moves the handle's own position, by which transfers go: an offset handed over with each transfer (OVERLAPPED)
+    // costs a message to Wine's server, many times what the transfer takes.
+    bool move_to(std::uint64_t at) {
+        if (position_ == at) return true;
+        LARGE_INTEGER offset{};
+        offset.QuadPart = static_cast<LONGLONG>(at);
+        if (!::SetFilePointerEx(handle_.get(), offset, nullptr, FILE_BEGIN)) return false;
+        position_ = at;
+        return true;
+    }
+
+    [[noreturn]] void fail_at_unknown_position(const char* operation) {
+        const DWORD code = ::GetLastError();
+        position_ = kUnknown;
+        fail(operation, path_, code);
     }
 
     Handle handle_;
+    std::uint64_t position_ = kUnknown;  // the handle's, where it is known
     std::string path_;
     KeptHandles* kept_;
 };

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <numeric>
+#include <random>
 #include <vector>
 
 #include "os/system_error.h"
@@ -85,6 +86,52 @@ TEST_F(NativeFile, truncate_cuts_and_extends_with_zeros) {
     Bytes into(4, 0xEE);
     EXPECT_EQ(file->read(0, into), 4u);
     EXPECT_EQ(into, (Bytes{1, 2, 0, 0}));
+}
+
+// A system may keep a position of its own between transfers.
+TEST_F(NativeFile, transfers_in_any_order_go_to_their_offsets) {
+    constexpr std::size_t kLargest = 5000;
+    const auto file = open(path_, OpenMode::kCreateExclusive);
+    Bytes expected;
+    std::mt19937 random{11};
+    const auto below = [&](std::size_t limit) { return std::uniform_int_distribution<std::size_t>(0, limit)(random); };
+    for (int step = 0; step < 2000; ++step) {
+        const std::size_t at = below(kLargest);
+        const std::size_t count = below(300);
+        switch (below(3)) {
+            case 0: {
+                const Bytes bytes(count, static_cast<std::uint8_t>(step));
+                file->write(at, bytes);
+                if (count > 0) expected.resize(std::max(expected.size(), at + count));
+                std::copy(bytes.begin(), bytes.end(),
+                          expected.begin() + static_cast<std::ptrdiff_t>(count > 0 ? at : 0));
+                break;
+            }
+            case 1:
+                file->truncate(at);
+                expected.resize(at);
+                break;
+            default: {
+                Bytes bytes(count);
+                bytes.resize(file->read(at, bytes));
+                const std::size_t begin = std::min(at, expected.size());
+                const std::size_t end = std::min(at + count, expected.size());
+                ASSERT_EQ(bytes, Bytes(expected.begin() + static_cast<std::ptrdiff_t>(begin),
+                                       expected.begin() + static_cast<std::ptrdiff_t>(end)));
+            }
+        }
+        ASSERT_EQ(file->size(), expected.size());
+    }
+}
+
+TEST_F(NativeFile, transfer_after_a_refused_one_goes_to_its_offset) {
+    make(path_, "0123456789");
+    const auto file = open(path_, OpenMode::kReadOnly);
+    Bytes bytes(4);
+    ASSERT_EQ(file->read(0, bytes), 4u);
+    EXPECT_EQ(fault_of([&] { file->write(4, bytes); }), FileFault::kAccessDenied);
+    ASSERT_EQ(file->read(4, bytes), 4u);
+    EXPECT_EQ(bytes, (Bytes{'4', '5', '6', '7'}));
 }
 
 TEST_F(NativeFile, large_offset_beyond_4_gib_works) {

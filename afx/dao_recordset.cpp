@@ -19,10 +19,9 @@ void CDaoRecordset::Open(int type, const char* sql, int options) {
     Close();
     afx::translated([&] {
         afx::EngineDatabase& database = afx::require_open(m_pDatabase);
-        const CString statement = sql != nullptr ? CString(sql) : GetDefaultSQL();
-        state_ = std::make_unique<afx::RecordsetState>(
-            database, std::string_view(statement.GetString(), static_cast<std::size_t>(statement.GetLength())), type,
-            options);
+        const CString standard = sql != nullptr ? CString() : GetDefaultSQL();
+        state_ =
+            std::make_unique<afx::RecordsetState>(database, sql != nullptr ? sql : standard.GetString(), type, options);
         m_pDAORecordset = state_.get();
         link(m_pDatabase);
     });

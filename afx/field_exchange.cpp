@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -43,6 +44,18 @@ Member& as(Address* member) {
 }
 
 }  // namespace
+
+void KnownTimes::begin_reading() {
+    const std::time_t second = std::time(nullptr);
+    const char* const set_zone = std::getenv("TZ");
+    const std::string_view zone = set_zone != nullptr ? set_zone : "";
+    if (second == second_ && zone == zone_) return;
+    second_ = second;
+    zone_ = zone;
+    converted_ = 0;
+    size_ = 0;
+    entries_.reset();
+}
 
 // A small table is full soon, a large one is not worth making for few rows.
 CTime KnownTimes::of(DATE days, CTime (*convert)(DATE)) {

@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <span>
@@ -32,6 +33,9 @@ namespace afx {
 // What the dates read last have become. Each costs a look at the rules of the time zone, and rows share them.
 class KnownTimes {
 public:
+    // To be called before the first of a set of rows: the host may have changed the time zone. Forgets everything where
+    // TZ has another content, and at a new second.
+    void begin_reading();
     CTime of(DATE days, CTime (*convert)(DATE));
 
 private:
@@ -43,17 +47,19 @@ private:
     // In pairs; powers of two.
     static constexpr std::size_t kFewEntries = 64;
     static constexpr std::size_t kEntries = 2048;
-    static constexpr int kUnknownAtFirst = 4;  // a set of one row needs no table
+    static constexpr int kUnknownAtFirst = 4;  // few rows need no table
 
     Entry* pair_of(std::uint64_t bits) const;
     void grow(std::size_t entries);
 
+    std::time_t second_ = 0;  // of what is known
+    std::string zone_;        // TZ
     int converted_ = 0;
     std::size_t size_ = 0;
     std::unique_ptr<Entry[]> entries_;
 };
 
-// What the rows of one reading share.
+// What the readings of one table share.
 struct ReadingMemory {
     KnownTimes times;
     std::u16string text;  // the one decoded last
@@ -107,6 +113,7 @@ public:
     TableFields(FieldNames names, const jet::TableDef* def) : names_(std::move(names)), def_(def) {}
 
     const FieldNames& names() const { return names_; }
+    ReadingMemory& memory() const { return memory_; }
     // A list's address stands for it: what is found there must stay the same. Null for a list not met before.
     const FieldExchange* known(const void* list, std::size_t size) const;
     const FieldExchange& learn(const void* list, std::span<const ExchangedMember> members) const;
@@ -115,6 +122,7 @@ private:
     const FieldNames names_;
     const jet::TableDef* const def_;
     mutable std::unordered_map<const void*, FieldExchange> exchanges_;
+    mutable ReadingMemory memory_;
 };
 
 }  // namespace afx

@@ -43,6 +43,7 @@ RecordsetState::RecordsetState(EngineDatabase& database, std::string_view statem
         visited_ = 1;
     } else {
         fields_ = database.fields(*table_);
+        fields_->memory().times.begin_reading();
         rows_ = std::make_unique<jet::sql::RowSet>(std::move(query));
     }
     table_->add_watcher(this);
@@ -187,7 +188,7 @@ void RecordsetState::get(std::size_t field, COleVariant& value) {
 
 std::size_t RecordsetState::read(const FieldExchange& exchange, std::size_t from, void* record) {
     if (from == exchange.size() || rows_ == nullptr || edit_.is_pending()) return from;
-    return exchange.read(view(), table_->def(), memory_, from, record);
+    return exchange.read(view(), table_->def(), fields_->memory(), from, record);
 }
 
 void RecordsetState::set(std::size_t field, jet::Value value) {

@@ -95,7 +95,6 @@ private:
     bool has_view_ = false;
     jet::RowView view_;
     jet::Value scratch_;  // the value decoded last, for its memory
-    ReadingMemory memory_;
 
     EditBuffer edit_;
     std::optional<Token> last_modified_;

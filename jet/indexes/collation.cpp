@@ -108,6 +108,25 @@ int compare_text(std::u16string_view a, std::u16string_view b) {
     return sign(left_key < right_key);
 }
 
+std::optional<int> compare_latin(std::span<const std::uint8_t> a, std::u16string_view b) {
+    const auto decides = [](char16_t c) { return c != 0 && c <= 0xFF && collation::kLatin[c].kind == Kind::kSimple; };
+    const std::size_t both = std::min(a.size(), b.size());
+    std::size_t at = 0;
+    // A compressed text uses zero bytes to change its form.
+    while (at < both && a[at] != 0 && same_weight(a[at], b[at])) ++at;
+    if (at < both) {
+        if (!decides(a[at]) || !decides(b[at])) return std::nullopt;
+        const Weight& left = collation::kLatin[a[at]];
+        const Weight& right = collation::kLatin[b[at]];
+        if (left.inline_length() != right.inline_length()) return std::nullopt;
+        return sign(left.value < right.value);
+    }
+    if (a.size() == b.size()) return 0;
+    const char16_t next = a.size() > both ? a[both] : b[both];
+    if (next == u' ' || !decides(next)) return std::nullopt;
+    return sign(a.size() == both);
+}
+
 bool equal_character(char16_t a, char16_t b) {
     if (a == b) return true;
     const Weight left = weight_of(a);

@@ -1,6 +1,9 @@
 // Comparison in the General text order (LCID 1033, version 0) of Jet 4. Keys of it and of others: sort_key.h.
 #pragma once
 
+#include <cstdint>
+#include <optional>
+#include <span>
 #include <string_view>
 
 namespace jet {
@@ -9,6 +12,9 @@ namespace jet {
 // of an index applies: texts of any length are compared whole.
 bool equal_text(std::u16string_view a, std::u16string_view b);
 int compare_text(std::u16string_view a, std::u16string_view b);  // <0, 0, >0
+// The same for a text of one byte a character (U+0000..U+00FF), where the first difference decides alone; none where a
+// closer look is needed.
+std::optional<int> compare_latin(std::span<const std::uint8_t> a, std::u16string_view b);
 
 // Whether two names of objects or columns are the same: as the catalogue's unique index sees them, so exactly when it
 // refuses one.

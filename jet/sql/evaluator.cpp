@@ -71,7 +71,16 @@ private:
         return {};
     }
 
+    // Of a column with a literal text.
+    std::optional<int> compare_text(const Node& node) const {
+        using Kind = Operand::Kind;
+        if (node.left.kind != Kind::kColumn || node.right.kind != Kind::kLiteral) return std::nullopt;
+        const auto* const text = std::get_if<std::u16string>(&binding_.literals[node.right.index]);
+        return text != nullptr ? row_.compare_text(position(node.left), *text) : std::nullopt;
+    }
+
     Truth evaluate_comparison(const Node& node) const {
+        if (const auto order = compare_text(node)) return compare_by(node.comparison, *order <=> 0);
         const Scalar a = load(node.left, compared_.left);
         if (a.kind == Scalar::Kind::kNull) return Truth::kUnknown;
         return compare_by(node.comparison, compare(a, load(node.right, compared_.right)));

@@ -1,6 +1,9 @@
 // Evaluates a bound condition on one row.
 #pragma once
 
+#include <optional>
+#include <string_view>
+
 #include "jet/base/types.h"
 #include "jet/sql/binder.h"
 
@@ -17,6 +20,10 @@ public:
     // As above, into a value whose memory is used again.
     virtual void load(std::size_t position, Value& into) const { into = value(position); }
     virtual bool is_null(std::size_t position) const = 0;
+    // How the text of a column compares with `text` (jet/indexes/collation.h), where that shows without its value.
+    virtual std::optional<int> compare_text(std::size_t /*position*/, std::u16string_view /*text*/) const {
+        return std::nullopt;
+    }
 };
 
 // The values compared last, kept for their memory.

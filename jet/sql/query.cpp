@@ -4,11 +4,13 @@
 
 #include <algorithm>
 
+#include "jet/indexes/collation.h"
 #include "jet/sql/evaluator.h"
 #include "jet/sql/parser.h"
 #include "jet/sql/scalar.h"
 #include "jet/sql/skim.h"
 #include "jet/sql/table_name.h"
+#include "jet/storage/text_codec.h"
 
 namespace jet::sql {
 
@@ -16,13 +18,32 @@ namespace {
 
 class RowSource final : public ValueSource {
 public:
-    explicit RowSource(const RowView& row) : row_(row) {}
+    RowSource(const RowView& row, const TableDef& def) : row_(row), def_(def) {}
     Value value(std::size_t position) const override { return row_.value(position); }
     void load(std::size_t position, Value& into) const override { row_.value(position, into); }
     bool is_null(std::size_t position) const override { return row_.is_null(position); }
+    std::optional<int> compare_text(std::size_t position, std::u16string_view text) const override {
+        const ColumnDef& column = def_.columns[position];
+        if (column.type != ColumnType::kText || column.code_page != 0) return std::nullopt;
+        const auto stored = row_.stored(position);
+        if (!stored) return std::nullopt;
+        if (is_marked(*stored)) {
+            const ByteSpan characters = stored->subspan(std::size(jet4::text::kCompressedMark));
+            if (const auto order = compare_latin(characters, text)) return order;
+        }
+        char narrow[kLongestText];
+        const std::size_t length = ascii_length(*stored);
+        if (length > kLongestText || !copy_ascii(*stored, narrow)) return std::nullopt;
+        char16_t wide[kLongestText];
+        std::copy_n(narrow, length, wide);
+        return jet::compare_text({wide, length}, text);
+    }
 
 private:
+    static constexpr std::size_t kLongestText = 255;
+
     const RowView& row_;
+    const TableDef& def_;
 };
 
 // One comparison of a column with a literal, the column put to the left.
@@ -187,12 +208,13 @@ bool Query::has_condition() const { return impl_->statement->condition != kNoNod
 const std::vector<OrderKey>& Query::order() const { return impl_->order; }
 
 bool Query::matches(const RowView& row) const {
-    return evaluate(*impl_->statement, impl_->binding, RowSource(row), impl_->compared) == Truth::kTrue;
+    return evaluate(*impl_->statement, impl_->binding, RowSource(row, impl_->table->def()), impl_->compared) ==
+           Truth::kTrue;
 }
 
 bool Query::matches(const RowView& row, const MapSpan& span) const {
-    return evaluate(*impl_->statement, impl_->binding, RowSource(row), impl_->compared, span.node.value_or(kNoNode)) ==
-           Truth::kTrue;
+    return evaluate(*impl_->statement, impl_->binding, RowSource(row, impl_->table->def()), impl_->compared,
+                    span.node.value_or(kNoNode)) == Truth::kTrue;
 }
 
 std::optional<MapSpan> Query::span() const {

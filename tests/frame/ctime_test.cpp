@@ -4,37 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <string>
+
+#include "tests/support/time_zone.h"
 
 namespace {
 
-class Zone {
-public:
-    explicit Zone(const char* rule) {
-        if (const char* before = std::getenv("TZ")) before_ = before, had_ = true;
-        set(rule);
-    }
-    ~Zone() { set(had_ ? before_.c_str() : nullptr); }
-
-private:
-    static void set(const char* rule) {
-#ifdef _WIN32
-        _putenv_s("TZ", rule != nullptr ? rule : "");
-        _tzset();
-#else
-        if (rule != nullptr) {
-            setenv("TZ", rule, 1);
-        } else {
-            unsetenv("TZ");
-        }
-        tzset();
-#endif
-    }
-    std::string before_;
-    bool had_ = false;
-};
+using Zone = testing_support::TimeZone;
 
 void expect_date(CTime time, int year, int month, int day) {
     EXPECT_EQ(time.GetYear(), year);

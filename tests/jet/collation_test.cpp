@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <random>
 #include <string>
+#include <vector>
 
 #include "jet/base/types.h"
 #include "tests/support/hex.h"
@@ -231,6 +232,45 @@ TEST(CompareCharacter, accented_letters_stand_after_their_base_letter) {
     EXPECT_LT(jet::compare_character(u'9', u'a'), 0);
     EXPECT_LT(jet::compare_character(u'2', u'\u00B2'), 0);
     EXPECT_GT(jet::compare_character(u'\u00B2', u'2'), 0);
+}
+
+TEST(CompareLatin, decides_as_the_order_does_or_not_at_all) {
+    constexpr std::u16string_view kCharacters = u"aAbBzZ019 -'_.\u00C4\u00E4\u00E9\u00DF\u00E6\u00A0\u0001\u4E00";
+    std::mt19937 random{3};
+    const auto below = [&](std::size_t count) { return random() % count; };
+    int decided = 0;
+    constexpr int kPairs = 200000;
+    for (int pair = 0; pair < kPairs; ++pair) {
+        std::u16string a;
+        std::u16string b;
+        for (std::size_t left = below(5); left > 0; --left) a += kCharacters[below(kCharacters.size() - 1)];
+        b = a.substr(0, below(a.size() + 1));
+        for (std::size_t left = below(3); left > 0; --left) b += kCharacters[below(kCharacters.size())];
+        const std::vector<std::uint8_t> narrow(a.begin(), a.end());
+        const auto order = jet::compare_latin(narrow, b);
+        if (!order) continue;
+        ++decided;
+        ASSERT_EQ(*order, jet::compare_text(a, b)) << jet::to_utf8(a) << '|' << jet::to_utf8(b);
+    }
+    EXPECT_GT(decided, kPairs / 3);
+}
+
+TEST(CompareLatin, plain_words_are_always_decided) {
+    const auto compare = [](std::string_view a, std::u16string_view b) {
+        return jet::compare_latin({reinterpret_cast<const std::uint8_t*>(a.data()), a.size()}, b);
+    };
+    EXPECT_EQ(compare("Album", u"ALBUM"), 0);
+    EXPECT_EQ(compare("Album", u"Single"), -1);
+    EXPECT_EQ(compare("Single", u"Album"), 1);
+    EXPECT_EQ(compare("Album", u"Albums"), -1);
+    EXPECT_EQ(compare("Client 2", u"Client 10"), 1);
+    EXPECT_EQ(compare("", u""), 0);
+}
+
+TEST(CompareLatin, zero_byte_is_never_decided) {
+    const std::uint8_t toggled[] = {'a', 0, 'b'};
+    EXPECT_EQ(jet::compare_latin(toggled, std::u16string_view(u"a\0b", 3)), std::nullopt);
+    EXPECT_EQ(jet::compare_latin(toggled, u"a"), std::nullopt);
 }
 
 }  // namespace

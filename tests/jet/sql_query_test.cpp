@@ -4,7 +4,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
+#include "jet/indexes/collation.h"
 #include "jet/sql/candidates.h"
 #include "support/temp_folder.h"
 
@@ -76,6 +78,30 @@ protected:
 };
 
 using Ids = std::vector<std::int32_t>;
+
+// Texts are compared in the form that they are stored in where that suffices.
+TEST_F(QueryTest, texts_compare_in_every_stored_form_as_the_order_does) {
+    const std::u16string texts[] = {
+        u"Album", u"ALBUM ", u"album-1",         u"alb\u00FCm", u"\u4E00Album",   u"",
+        u" ",     u"ab",     u"Gr\u00F6\u00DFe", u"GROSSE",     u"Album\u4E00zz", std::u16string(255, u'a')};
+    for (const std::u16string& text : texts) add(1, text);
+    add(1, Value());
+    constexpr std::pair<const char16_t*, bool (*)(int)> kComparisons[] = {
+        {u"=", [](int order) { return order == 0; }},  {u"<>", [](int order) { return order != 0; }},
+        {u"<", [](int order) { return order < 0; }},   {u">", [](int order) { return order > 0; }},
+        {u"<=", [](int order) { return order <= 0; }}, {u">=", [](int order) { return order >= 0; }},
+    };
+    for (const std::u16string& literal : texts) {
+        for (const auto& [sign, holds] : kComparisons) {
+            std::vector<std::int32_t> expected;
+            for (std::size_t i = 0; i < std::size(texts); ++i) {
+                if (holds(jet::compare_text(texts[i], literal))) expected.push_back(static_cast<std::int32_t>(i) + 1);
+            }
+            EXPECT_EQ(rows_where(std::u16string(u"Name") + sign + u"\"" + literal + u"\""), expected)
+                << jet::to_utf8(std::u16string(sign) + literal);
+        }
+    }
+}
 
 TEST_F(QueryTest, star_delivers_every_column_of_the_table) {
     const Query query = prepare(u"SELECT * FROM [songs]");

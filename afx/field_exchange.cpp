@@ -169,32 +169,34 @@ std::size_t FieldExchange::read(const jet::RowView& row, const jet::TableDef& de
                                 std::size_t from, void* record) const {
     if (def.columns.size() != columns_) return from;
     const jet::RowReader& reader = row.reader();
-    for (; from < fields_.size(); ++from) {
-        const Field& field = fields_[from];
-        if (field.way == Way::kByValue) break;
-        void* const member = static_cast<char*>(record) + field.offset;
-        const auto stored = reader.stored(field.place);
+    const Field* const end = fields_.data() + fields_.size();
+    const Field* field = fields_.data() + from;
+    const auto here = [&] { return static_cast<std::size_t>(field - fields_.data()); };
+    for (; field != end; ++field) {
+        if (field->way == Way::kByValue) return here();
+        void* const member = static_cast<char*>(record) + field->offset;
+        const auto stored = reader.stored(field->place);
         if (!stored) {
-            read_null(field, member);
+            read_null(*field, member);
             continue;
         }
-        switch (field.way) {
+        switch (field->way) {
             case Way::kText: read_text(*stored, memory, as<CString>(member)); break;
             case Way::kLong: as<LONG>(member) = jet::load_i32(*stored, 0); break;
             case Way::kDate:
-                as<CTime>(member) = memory.times.of(jet::load_f64(*stored, 0), field.member->time_of);
+                as<CTime>(member) = memory.times.of(jet::load_f64(*stored, 0), field->member->time_of);
                 break;
             case Way::kCurrency: {
                 CY amount{};
                 amount.int64 = jet::load_i64(*stored, 0);
-                as<float>(member) = field.member->amount_of(amount);
+                as<float>(member) = field->member->amount_of(amount);
                 break;
             }
             default:
-                if (!read_field(row, def, *stored, memory, field, member)) return from;
+                if (!read_field(row, def, *stored, memory, *field, member)) return here();
         }
     }
-    return from;
+    return fields_.size();
 }
 
 int FieldExchange::field(std::size_t i) const {
@@ -261,8 +263,12 @@ std::size_t FieldExchange::write(EditBuffer& into, const jet::TableDef& def, std
 }
 
 const FieldExchange* TableFields::known(const void* list, std::size_t size) const {
-    const auto found = exchanges_.find(list);
-    return found != exchanges_.end() && found->second.size() == size ? &found->second : nullptr;
+    if (list != last_list_ || last_ == nullptr) {
+        const auto found = exchanges_.find(list);
+        last_list_ = list;
+        last_ = found != exchanges_.end() ? &found->second : nullptr;
+    }
+    return last_ != nullptr && last_->size() == size ? last_ : nullptr;
 }
 
 const FieldExchange& TableFields::learn(const void* list, std::span<const ExchangedMember> members) const {

@@ -122,6 +122,9 @@ private:
     const FieldNames names_;
     const jet::TableDef* const def_;
     mutable std::unordered_map<const void*, FieldExchange> exchanges_;
+    // The one asked for last: of all the rows of a set it is the same.
+    mutable const void* last_list_ = nullptr;
+    mutable const FieldExchange* last_ = nullptr;
     mutable ReadingMemory memory_;
 };
 

@@ -22,15 +22,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kCopiedBytes = 1u << 20;
 constexpr char kUnfinished[] = "-unfinished";
 
-std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode mode) {
-    try {
-        return os::file_system().open(path, mode);
-    } catch (const os::FileError& error) {
-        if (error.fault() == os::FileFault::kLocked) throw CommandError(in_use_text(path));
-        throw;
-    }
-}
-
 bool exists(const std::string& path) { return os::file_system().exists(path); }
 
 // The file without a journal, locked.
@@ -199,13 +190,20 @@ void take_back(const std::string& copy, const std::string& path) {
     write_unfinished(*open_system_file(copy, os::OpenMode::kReadOnly), copy, unfinished);
     try {
         // A journal that stayed would be written into the file of old.
-        lock_whole_file(target);
-        os::file_system().replace(unfinished, target);
+        replace_locked(unfinished, target, lock_whole_file(target));
     } catch (...) {
         remove_unfinished(unfinished);
         throw;
     }
     os::file_system().sync_folder_of(target);
+}
+
+void replace_locked(const std::string& draft, const std::string& path,
+                    [[maybe_unused]] std::unique_ptr<os::File> locked) {
+#ifdef _WIN32
+    locked.reset();
+#endif
+    os::file_system().replace(draft, path);
 }
 
 void remove_closed(const std::string& path) {

@@ -6,7 +6,10 @@
 //  3. The file is closed, locked meanwhile, and its journal has been written back: one file is the whole.
 #pragma once
 
+#include <memory>
 #include <string>
+
+#include "os/file.h"
 
 namespace tools {
 
@@ -26,6 +29,10 @@ void take_back(const std::string& copy, const std::string& path);
 // Opens the file as a host does, and closes it: what a crash has left in a journal is in the file then. CommandError
 // where it is in use, else jet::Error.
 void write_journal_back(const std::string& path);
+
+// Puts the draft in the file's place as one step. `locked` is that file: until then nobody else can open it and write
+// what would be lost. Where no file is replaced that is open (Windows), it is let go at the last moment.
+void replace_locked(const std::string& draft, const std::string& path, std::unique_ptr<os::File> locked);
 
 // Removes a file that nobody has open.
 void remove_closed(const std::string& path);

@@ -41,6 +41,15 @@ std::string in_use_text(const std::string& path) {
     return path + " is in use by another program; close that program, or try again later";
 }
 
+std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode mode) {
+    try {
+        return os::file_system().open(path, mode);
+    } catch (const os::FileError& error) {
+        if (error.fault() == os::FileFault::kLocked) throw CommandError(in_use_text(path));
+        throw;
+    }
+}
+
 DamagedFile::DamagedFile(const std::string& path, const jet::Error& error)
     : jet::Error(error.number(), path + " cannot be opened: " + error.what() + " " + help_for_damaged(path)),
       path_(path),

@@ -8,6 +8,7 @@
 
 #include "jet/base/error.h"
 #include "jet/tables/database.h"
+#include "os/file.h"
 
 namespace tools {
 
@@ -85,5 +86,7 @@ private:
 // Whether the engine's number says that somebody else has the file open.
 bool is_in_use(int error_number);
 std::string in_use_text(const std::string& path);
+// The system's file; CommandError when somebody else has it open, else os::FileError.
+std::unique_ptr<os::File> open_system_file(const std::string& path, os::OpenMode mode);
 
 }  // namespace tools

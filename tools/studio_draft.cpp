@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include "os/draft.h"
 #include "os/system.h"
 #include "tools/errors.h"
 #include "tools/file_copies.h"
 #include "tools/long_work.h"
+#include "tools/open_file.h"
 #include "tools/paths.h"
 
 namespace tools {
@@ -23,12 +25,7 @@ std::unique_ptr<os::File> locked_file(const std::string& path) {
     // What a journal holds is part of the copy.
     const auto kept = os::file_system().keep_lock(path);
     write_journal_back(path);
-    try {
-        return os::file_system().open(path, os::OpenMode::kExclusive);
-    } catch (const os::FileError& error) {
-        if (error.fault() == os::FileFault::kLocked) throw CommandError(in_use_text(path));
-        throw;
-    }
+    return open_system_file(path, os::OpenMode::kExclusive);
 }
 
 void remove_folder(const std::string& folder) {
@@ -90,11 +87,7 @@ void StudioDraft::publish(const StudioFile& file) {
     if (os::file_system().exists(part->copy + "-journal")) {
         throw CommandError(part->copy + " could not be written as a whole; is the disk full?");
     }
-#ifdef _WIN32
-    part->locked.reset();  // a file that is open is not replaced there, and neither is one that another opens meanwhile
-#endif
-    os::file_system().replace(part->copy, part->path);
-    part->locked.reset();
+    replace_locked(part->copy, part->path, std::move(part->locked));
     os::file_system().sync_folder_of(part->path);
 }
 

@@ -13,6 +13,7 @@
 #include "os/system.h"
 #include "tests/afx/dao_test_support.h"
 #include "tests/db/session_fixture.h"
+#include "tests/support/forwarding_file_system.h"
 
 #ifndef _WIN32
 #include <sys/wait.h>
@@ -172,34 +173,27 @@ TEST_F(Session, folder_of_any_length_that_the_system_takes_works_and_a_longer_on
 }
 
 // The machine's own file system, with one operation that fails from a given call on.
-class FailingFileSystem final : public os::FileSystem {
+class FailingFileSystem final : public testing_support::ForwardingFileSystem {
 public:
     enum class Fails { kRename, kFolderSync, kExists };
 
     explicit FailingFileSystem(Fails fails) : fails_(fails) { os::set_file_system(this); }
     ~FailingFileSystem() override { os::set_file_system(nullptr); }
 
-    std::unique_ptr<os::File> open(const std::string& path, os::OpenMode mode) override {
-        return own_.open(path, mode);
-    }
     bool exists(const std::string& path) override {
         if (fails_ == Fails::kExists) throw os::FileError(os::FileFault::kIo, "cannot tell");
-        return own_.exists(path);
+        return ForwardingFileSystem::exists(path);
     }
-    void remove(const std::string& path) override { own_.remove(path); }
     void rename(const std::string& from, const std::string& to) override {
         if (fails_ == Fails::kRename) throw os::FileError(os::FileFault::kAccessDenied, "rename refused");
-        own_.rename(from, to);
+        ForwardingFileSystem::rename(from, to);
     }
-    void replace(const std::string& from, const std::string& to) override { own_.replace(from, to); }
     void sync_folder_of(const std::string& path) override {
         if (fails_ == Fails::kFolderSync) throw os::FileError(os::FileFault::kDiskFull, "no space");
-        own_.sync_folder_of(path);
+        ForwardingFileSystem::sync_folder_of(path);
     }
-    std::vector<std::string> longer_names(const std::string& path) override { return own_.longer_names(path); }
 
 private:
-    os::FileSystem& own_ = os::native_file_system();
     Fails fails_;
 };
 

@@ -1,7 +1,9 @@
 #include "tools/rescue/backup.h"
 
 #include <algorithm>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 #include "jet/pages/journal.h"
 #include "os/draft.h"
@@ -240,13 +242,14 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
     struct Part {
         std::string from;
         std::string to;
-        std::string draft;
-        std::string kept;
+        std::string draft = "";
+        std::string kept = "";
+        std::unique_ptr<os::File> locked = nullptr;  // the file at `to`
     };
     std::vector<Part> parts;
     // The studio's file last: with it the folder is the restored one.
-    if (!set.invoices.empty()) parts.push_back({set.invoices, os::join_path(folder, kInvoiceFile), "", ""});
-    parts.push_back({set.studio, os::join_path(folder, kStudioFile), "", ""});
+    if (!set.invoices.empty()) parts.push_back({set.invoices, os::join_path(folder, kInvoiceFile)});
+    parts.push_back({set.studio, os::join_path(folder, kStudioFile)});
     for (const Part& part : parts) {
         if (os::file_system().resolved(part.from) == os::file_system().resolved(part.to)) {
             throw CommandError(part.from + " is the studio's own file; wanted is a copy of it");
@@ -262,8 +265,10 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
             part.draft = write_checked_draft(PageSource(part.from), part.to, not_restored_text(part.from, folder));
         }
         // Whether somebody has one of them open is seen before anything is made of either.
-        for (const Part& part : parts) {
-            if (is_there(part.to)) bring_up_to_date(part.to);
+        for (Part& part : parts) {
+            if (!is_there(part.to)) continue;
+            bring_up_to_date(part.to);
+            part.locked = open_system_file(part.to, os::OpenMode::kReadOnly);
         }
         for (Part& part : parts) part.kept = keep_present(part.to, now);
         for (Part& part : parts) {
@@ -279,7 +284,7 @@ RestoreOutcome restore_backup(const BackupSet& set, const std::string& folder, c
             if (part.kept.empty()) {
                 os::file_system().rename(part.draft, part.to);
             } else {
-                os::file_system().replace(part.draft, part.to);
+                replace_locked(part.draft, part.to, std::move(part.locked));
             }
             part.draft.clear();
             os::file_system().sync_folder_of(part.to);

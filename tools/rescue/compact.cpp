@@ -174,8 +174,9 @@ CompactOutcome compact_file(const std::string& name, const CompactOptions& wante
         outcome.bytes_after = std::uint64_t{made->pager().page_count()} * made->pager().format().page_size;
     }
     os::file_system().copy_access(path, fresh.draft());
+    const auto kept = os::file_system().keep_lock(path);
     database->close();
-    fresh.publish();
+    fresh.publish(open_system_file(path, os::OpenMode::kExclusive));
     return outcome;
 }
 

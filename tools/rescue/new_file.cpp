@@ -6,6 +6,7 @@
 #include "os/file.h"
 #include "tools/access.h"
 #include "tools/errors.h"
+#include "tools/file_copies.h"
 #include "tools/long_work.h"
 #include "tools/open_file.h"
 #include "tools/rescue/checked_copy.h"
@@ -82,10 +83,10 @@ void NewFile::finish() {
                        ": " + violations.front().detail);
 }
 
-void NewFile::publish() {
+void NewFile::publish(std::unique_ptr<os::File> replaced) {
     try {
         if (place_ == Place::kNew) os::file_system().rename(draft_, path_);
-        if (place_ == Place::kReplace) os::file_system().replace(draft_, path_);
+        if (place_ == Place::kReplace) replace_locked(draft_, path_, std::move(replaced));
     } catch (const os::FileError& error) {
         if (error.fault() != os::FileFault::kExists) throw;
         throw CommandError(path_ + " has come to be there meanwhile; nothing is written over it");

@@ -35,8 +35,8 @@ public:
     void commit();
     // Closes the draft and looks at it with the structural check; CommandError where that finds fault.
     void finish();
-    // Gives it its name. CommandError when that is taken meanwhile.
-    void publish();
+    // Gives it its name. CommandError when that is taken meanwhile. `replaced`: the file whose place it takes, locked.
+    void publish(std::unique_ptr<os::File> replaced = nullptr);
 
 private:
     std::string path_;

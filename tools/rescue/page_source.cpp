@@ -17,12 +17,7 @@ using jet::PageNumber;
 
 PageSource::PageSource(const std::string& path, Bytes bytes) : path_(os::file_system().resolved(path)), bytes_(bytes) {
     os::FileSystem& files = os::file_system();
-    try {
-        file_ = files.open(path_, os::OpenMode::kReadOnly);
-    } catch (const os::FileError& error) {
-        if (error.fault() == os::FileFault::kLocked) throw CommandError(in_use_text(path_));
-        throw;
-    }
+    file_ = open_system_file(path_, os::OpenMode::kReadOnly);
     size_ = file_->size();
     jet::ByteVector head(jet::jet4::header::kMasked + jet::jet4::header::kMaskedBytes);
     head.resize(file_->read(0, head));

@@ -34,6 +34,8 @@ std::string system_narrow(std::u16string_view wide);
 #ifdef _WIN32
 // Text in a code page of the system, by its number.
 std::u16string widen_from(unsigned code_page, std::string_view narrow);
+// "?" for a character that it lacks, never a similar one.
+std::string narrow_to(unsigned code_page, std::u16string_view wide);
 #endif
 
 struct LocalTime {

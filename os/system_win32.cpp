@@ -108,14 +108,18 @@ std::string detail::system_narrow(std::u16string_view wide) {
     const UINT code_page = ::GetACP();
     if (code_page == kUtf8) return utf16_to_utf8(wide);
     if (code_page == kWindows1252) return utf16_to_windows_1252(wide);
+    return narrow_to(code_page, wide);
+}
+
+std::string detail::narrow_to(unsigned code_page, std::u16string_view wide) {
     if (wide.empty()) return {};
     // Replacing a lost letter by a lookalike would be a silent change.
     constexpr DWORD kFlags = WC_NO_BEST_FIT_CHARS;
     const auto* text = reinterpret_cast<const wchar_t*>(wide.data());
     const int units = static_cast<int>(wide.size());
-    const int size = ::WideCharToMultiByte(CP_ACP, kFlags, text, units, nullptr, 0, "?", nullptr);
+    const int size = ::WideCharToMultiByte(code_page, kFlags, text, units, nullptr, 0, "?", nullptr);
     std::string narrow(static_cast<std::size_t>(std::max(size, 0)), '\0');
-    ::WideCharToMultiByte(CP_ACP, kFlags, text, units, narrow.data(), size, "?", nullptr);
+    ::WideCharToMultiByte(code_page, kFlags, text, units, narrow.data(), size, "?", nullptr);
     return narrow;
 }
 

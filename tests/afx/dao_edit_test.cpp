@@ -27,6 +27,20 @@ TEST_F(DaoEdit, key_is_there_before_update) {
     EXPECT_EQ(names(), "x ");
 }
 
+TEST_F(DaoEdit, character_that_the_code_page_lacks_is_a_question_mark_and_written_back_as_one) {
+    os::set_code_page(os::CodePage::kUtf8);
+    add("\xE4\xB8\x80 Caf\xC3\xA9");
+    os::set_code_page(os::CodePage::kWindows1252);
+    rows_.Open(dbOpenDynaset, kAll, 0);
+    const std::string read = text(rows_, "Name");
+    EXPECT_EQ(read, "? Caf\xE9");
+    rows_.Edit();
+    rows_.SetFieldValue("Name", read.c_str());
+    rows_.Update();
+    os::set_code_page(os::CodePage::kUtf8);
+    EXPECT_EQ(text(rows_, "Name"), "? Caf\xC3\xA9");
+}
+
 TEST_F(DaoEdit, number_of_a_dropped_row_is_not_given_out_again) {
     rows_.Open(dbOpenDynaset, kAll, 0);
     rows_.AddNew();

@@ -42,6 +42,14 @@ TEST_F(ExceptionWin32, host_that_shares_the_unwinder_catches_it) {
     }
 }
 
+TEST_F(ExceptionWin32, host_that_shares_the_unwinder_and_does_not_catch_is_terminated) {
+    damage();
+    const Ended ended = run(kShared, "uncaught");
+    EXPECT_NE(ended.code, 0u);
+    EXPECT_EQ(ended.out.find("result"), std::string::npos) << ended.out;
+    EXPECT_EQ(run(kStatic, "uncaught").code, 0u) << "another one goes on";
+}
+
 TEST_F(ExceptionWin32, host_with_an_unwinder_of_its_own_gets_error_info) {
     damage();
     for (const char* way : {"vtable", "create", "gear"}) {

@@ -43,6 +43,29 @@ TEST(PublicHeaders, host_without_exceptions_compiles) {
     EXPECT_TRUE(compiles(folder, "#include <kvdb/kvdb.h>\n", "-std=c++17 -fno-exceptions"));
 }
 
+// There is nobody to tell.
+TEST(PublicHeaders, host_without_exceptions_ends_where_a_text_gets_no_memory) {
+    const testing_support::TempFolder folder;
+    const std::string source = folder.file("host.cpp");
+    const std::string program = folder.file("host");
+    std::ofstream(source) << R"(
+        #include <kvdb/kvdb.h>
+        #include <sys/resource.h>
+        int main(int argc, char**) {
+            const rlimit little{64 << 20, 64 << 20};
+            if (setrlimit(RLIMIT_AS, &little) != 0) return 2;
+            CString text;
+            text.GetBuffer(argc > 1 ? 1 << 30 : 1 << 10);
+            return 0;
+        }
+    )";
+    const std::string compile =
+        "'" KVDB_CXX "' -std=c++17 -fno-exceptions -I'" KVDB_INCLUDE "' -o '" + program + "' '" + source + "'";
+    ASSERT_EQ(std::system(compile.c_str()), 0);
+    EXPECT_EQ(std::system(("'" + program + "'").c_str()), 0);
+    EXPECT_NE(std::system(("'" + program + "' much 2>/dev/null").c_str()), 0);
+}
+
 // A host whose framework has classes of these names; the records' members are ours all the same.
 TEST(PublicHeaders, host_with_value_classes_of_its_own_gets_the_same_records) {
     const testing_support::TempFolder folder;

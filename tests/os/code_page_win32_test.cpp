@@ -6,6 +6,7 @@
 
 namespace {
 
+using os::detail::narrow_to;
 using os::detail::widen_from;
 
 TEST(SystemCodePage, japanese_text_is_widened_and_unknown_bytes_are_told_apart) {
@@ -22,6 +23,13 @@ TEST(SystemCodePage, cyrillic_text_is_widened) {
     constexpr unsigned kCyrillic = 1251;
     if (::IsValidCodePage(kCyrillic) == 0) GTEST_SKIP() << "code page 1251 is not installed";
     EXPECT_EQ(widen_from(kCyrillic, "\xc6"), u"\u0416");
+}
+
+TEST(SystemCodePage, no_similar_letter_stands_for_one_that_is_lacking) {
+    constexpr unsigned kCyrillic = 1251;
+    if (::IsValidCodePage(kCyrillic) == 0) GTEST_SKIP() << "code page 1251 is not installed";
+    EXPECT_EQ(narrow_to(kCyrillic, u"\u0416\u00FC\u00E9a"), "\xC6??a");
+    EXPECT_EQ(narrow_to(kCyrillic, u""), "");
 }
 
 }  // namespace

@@ -23,6 +23,10 @@ class CDaoException {
 #error "the header has decided for its host"
 #endif
 
+#ifdef GetCurrentTime
+#error "the platform's macro would rename CTime::GetCurrentTime"
+#endif
+
 #include <stddef.h>
 #include <stdio.h>
 #include <string.h>

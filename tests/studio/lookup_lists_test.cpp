@@ -66,6 +66,20 @@ TEST_F(LookupLists, name_longer_than_the_buffer_is_cut_and_ended) {
     EXPECT_EQ(std::string(buffer.data() + kListNameSize, 4), "\x5A\x5A\x5A\x5A");
 }
 
+TEST_F(LookupLists, truncated_name_deletes_nothing) {
+    NameList list(kTrackTypes, database_);
+    os::set_code_page(os::CodePage::kUtf8);
+    std::string name;
+    for (int i = 0; i < 200; ++i) name += "\xC3\xA4";
+    ASSERT_EQ(list.Add(name.c_str()), S_OK);
+    char truncated[kListNameSize];
+    ASSERT_EQ(list.EnumFirst(truncated), S_OK);
+    EXPECT_EQ(list.Delete(truncated), S_OK);  // as of any unknown name
+    EXPECT_EQ(list.EnumFirst(truncated), S_OK) << "it is still there";
+    EXPECT_EQ(list.Delete(name.c_str()), S_OK);
+    EXPECT_EQ(list.EnumFirst(truncated), E_FAIL);
+}
+
 TEST_F(LookupLists, name_is_cut_between_two_characters) {
     os::set_code_page(os::CodePage::kUtf8);
     NameList list(kTrackTypes, database_);

@@ -1,6 +1,7 @@
 // A host that opens the studio and prints, in one line, how a failure reaches it:
 //
 //     exception_host FOLDER vtable|invoke|create|gear
+//     exception_host FOLDER uncaught   catches nothing
 //     exception_host FOLDER plain      loads the library without the search beside it
 //
 // It is built twice: sharing the unwinder with the component, and with everything linked statically.
@@ -97,6 +98,11 @@ int main(int argc, char** argv) {
         return 4;
     }
     if (is_plain) return 0;
+    if (std::strcmp(argv[2], "uncaught") == 0) {
+        IDBgate1* const gate = make<IDBgate1>(library, CLSID_DBgate1, IID_IDBgate1);
+        const HRESULT result = gate->OpenDB();
+        return tell_with_error_info(result, gate, IID_IDBgate1);
+    }
     const int code = run(library, argv[2]);
     std::fflush(stdout);
     return code;

@@ -252,6 +252,29 @@ TEST_F(RegistrationWin32, user_alone_is_registered_by_command) {
     EXPECT_EQ(ours(HKEY_CURRENT_USER, kUserClasses), RegistryText());
 }
 
+TEST_F(RegistrationWin32, registry_that_refuses_is_access_denied_and_leaves_nothing) {
+    HKEY list = nullptr;
+    const std::string path = kUserClasses + std::string("CLSID");
+    ASSERT_EQ(
+        RegCreateKeyExA(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_READ | WRITE_DAC, nullptr, &list, nullptr),
+        ERROR_SUCCESS);
+    const auto allow = [&](ACL* entries) {
+        SECURITY_DESCRIPTOR rights{};
+        ASSERT_TRUE(InitializeSecurityDescriptor(&rights, SECURITY_DESCRIPTOR_REVISION));
+        ASSERT_TRUE(SetSecurityDescriptorDacl(&rights, TRUE, entries, FALSE));
+        ASSERT_EQ(RegSetKeySecurity(list, DACL_SECURITY_INFORMATION, &rights), ERROR_SUCCESS);
+    };
+    ACL nobody{};
+    ASSERT_TRUE(InitializeAcl(&nobody, sizeof nobody, ACL_REVISION));
+    allow(&nobody);
+    EXPECT_EQ(install(true, L"user"), E_ACCESSDENIED);
+    allow(nullptr);  // everybody
+    RegCloseKey(list);
+    EXPECT_EQ(ours(HKEY_CURRENT_USER, kUserClasses), RegistryText());
+    EXPECT_EQ(install(true, L"user"), S_OK);
+    EXPECT_EQ(install(false, L"user"), S_OK);
+}
+
 TEST_F(RegistrationWin32, user_s_lists_of_classes_go_when_they_become_empty) {
     const auto there = [](const char* list) { return has_key(HKEY_CURRENT_USER, kUserClasses + std::string(list)); };
     for (const char* list : {"CLSID", "Interface", "TypeLib"}) ASSERT_FALSE(there(list)) << list;

@@ -1,5 +1,6 @@
 #include "tools/rescue/compact.h"
 
+#include <memory>
 #include <random>
 
 #include "jet/indexes/text_order.h"
@@ -129,6 +130,13 @@ std::uint32_t key_of(const jet::FileHeader& header, Encoding encoding) {
     return key != 0 ? key : 1;
 }
 
+// Nobody can open the file in between.
+std::unique_ptr<os::File> locked_after_closing(jet::Database& database, const std::string& path) {
+    const auto kept = os::file_system().keep_lock(path);
+    database.close();
+    return open_system_file(path, os::OpenMode::kExclusive);
+}
+
 }  // namespace
 
 CompactOutcome compact_file(const std::string& name, const CompactOptions& wanted) {
@@ -174,9 +182,7 @@ CompactOutcome compact_file(const std::string& name, const CompactOptions& wante
         outcome.bytes_after = std::uint64_t{made->pager().page_count()} * made->pager().format().page_size;
     }
     os::file_system().copy_access(path, fresh.draft());
-    const auto kept = os::file_system().keep_lock(path);
-    database->close();
-    fresh.publish(open_system_file(path, os::OpenMode::kExclusive));
+    fresh.publish(locked_after_closing(*database, path));
     return outcome;
 }
 
